@@ -1,0 +1,22 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+namespace quillrip {
+
+/// What a job may ask for. The defaults are far above what an honest job needs; each is checked where the memory or
+/// the time is asked for.
+struct Limits {
+    std::uint64_t pageBytes = std::uint64_t { 1 } << 30; ///< one page's bitmap
+    std::uint32_t pages = 100000;
+    std::size_t fontBytes = std::size_t { 256 } << 20; ///< all soft fonts together
+    std::size_t patternBytes = std::size_t { 64 } << 20; ///< all user patterns together
+    std::size_t macroBytes = std::size_t { 64 } << 20; ///< all macros or user streams together
+    std::size_t pathPoints = std::size_t { 16 } << 20; ///< one path
+    std::size_t imageRowBytes = std::size_t { 64 } << 20; ///< one decoded source row
+    std::uint32_t macroExecutions = 1000000; ///< macro calls of one job: ends a job that calls itself in circles
+    std::uint32_t stateDepth = 1000; ///< saved graphics states
+};
+
+} // namespace quillrip

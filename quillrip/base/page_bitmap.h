@@ -1,0 +1,106 @@
+#pragma once
+
+#include "quillrip/base/bytes.h"
+#include "quillrip/base/geometry.h"
+
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+namespace quillrip {
+
+enum class PixelFormat : std::uint8_t {
+    Bilevel, ///< packed, first pixel in the highest bit of the first byte
+    Gray8, ///< one byte a pixel
+    Rgb24, ///< three bytes a pixel: red, green, blue
+};
+
+constexpr int bitsPerPixel(PixelFormat format)
+{
+    return format == PixelFormat::Bilevel ? 1 : format == PixelFormat::Gray8 ? 8 : 24;
+}
+
+struct Rgb {
+    std::uint8_t red = 0;
+    std::uint8_t green = 0;
+    std::uint8_t blue = 0;
+};
+
+inline bool operator==(Rgb a, Rgb b) { return a.red == b.red && a.green == b.green && a.blue == b.blue; }
+inline bool operator!=(Rgb a, Rgb b) { return !(a == b); }
+
+/// The light that a colour reflects: 0.299 R + 0.587 G + 0.114 B (ITU-R BT.601), rounded. 255 is white.
+constexpr std::uint8_t luminance(Rgb c)
+{
+    return static_cast<std::uint8_t>((c.red * 19595u + c.green * 38470u + c.blue * 7471u + 32768u) >> 16);
+}
+
+/// Device pixels per inch across and down the bitmap.
+struct Resolution {
+    double x = 300;
+    double y = 300;
+};
+
+/// One page's pixels: filled by the painter, read by an encoder, moved from one to the other.
+///
+/// Every format stores INK, not light: 0 is white in all of them, a set bit or 255 is full ink (for Rgb24: the
+/// complements of red, green and blue). So a page is born from zeroed memory that the system maps when it is first
+/// written, and what a page never marks costs neither time nor memory; encoders complement what they read.
+///
+/// Rows start on 8-byte boundaries; the bits and bytes of a row behind `width` are 0.
+class PageBitmap {
+public:
+    PageBitmap() = default;
+    /// `width` and `height` in device pixels, both at least 1. Null pixels (see isNull()) when memory is short.
+    PageBitmap(PixelFormat format, int width, int height, Resolution resolution);
+
+    bool isNull() const { return !m_pixels; }
+    PixelFormat format() const { return m_format; }
+    int width() const { return m_width; }
+    int height() const { return m_height; }
+    Resolution resolution() const { return m_resolution; }
+    /// Bytes from one row to the next, a multiple of 8.
+    std::size_t stride() const { return m_stride; }
+    /// Bytes of a row that hold pixels.
+    std::size_t rowBytes() const
+    {
+        return (static_cast<std::size_t>(m_width) * static_cast<std::size_t>(bitsPerPixel(m_format)) + 7) / 8;
+    }
+    PixelRect bounds() const { return { 0, 0, m_width, m_height }; }
+
+    const std::uint8_t* row(int y) const { return m_pixels.get() + static_cast<std::size_t>(y) * m_stride; }
+    std::uint8_t* row(int y) { return m_pixels.get() + static_cast<std::size_t>(y) * m_stride; }
+
+    /// The columns of a row that may hold ink, half open; empty (left >= right) when the row was never marked.
+    struct Extent {
+        std::int32_t left = INT32_MAX;
+        std::int32_t right = 0;
+        bool empty() const { return left >= right; }
+    };
+    Extent extent(int y) const { return m_extents[static_cast<std::size_t>(y)]; }
+    /// Whoever writes pixels says so: columns left <= x < right of row y, inside the bitmap.
+    void touch(int y, int left, int right)
+    {
+        Extent& extent = m_extents[static_cast<std::size_t>(y)];
+        extent.left = left < extent.left ? left : extent.left;
+        extent.right = right > extent.right ? right : extent.right;
+    }
+
+    /// The colour that a pixel shows; for tests and slow paths.
+    Rgb pixel(int x, int y) const;
+
+private:
+    struct Free {
+        void operator()(std::uint8_t* pixels) const;
+    };
+
+    PixelFormat m_format = PixelFormat::Bilevel;
+    int m_width = 0;
+    int m_height = 0;
+    Resolution m_resolution;
+    std::size_t m_stride = 0;
+    std::unique_ptr<std::uint8_t, Free> m_pixels;
+    std::vector<Extent> m_extents;
+};
+
+} // namespace quillrip

@@ -1,0 +1,39 @@
+#pragma once
+
+#include "quillrip/base/geometry.h"
+
+#include <cstddef>
+#include <cstdint>
+
+namespace quillrip {
+
+enum class ImageFormat : std::uint8_t {
+    Mono, ///< packed, first pixel in the highest bit, 1 = ink: a black source that takes the texture
+    Gray8, ///< one byte a pixel, 255 = light
+    Rgb24, ///< three bytes a pixel, 255 = light
+};
+
+struct ImageGeometry {
+    ImageFormat format = ImageFormat::Mono;
+    int width = 0; ///< source pixels of a row
+    int height = -1; ///< source rows, or -1 while unknown: rows then go on until finish()
+    /// Source pixels to device pixels. Where it is a whole-number scale (or 1) along the axes, device pixels are
+    /// blocks of source pixels, exactly; device pixel column of source column i begins at round(x(i)).
+    Matrix imageToDevice;
+    /// In grey and RGB, enlarge smoothly instead of by blocks when the scale is no whole number.
+    bool smooth = false;
+};
+
+/// Rows in, marks out; no image is held whole while its rows run along the device's axes.
+class ImagePainter {
+public:
+    virtual ~ImagePainter() = default;
+    /// The next source row, whole (ceil(width * bits / 8) bytes). Rows beyond `height` are ignored.
+    virtual void row(const std::uint8_t* pixels) = 0;
+    /// `count` rows all white (no source at all where the source is transparent).
+    virtual void blankRows(int count) = 0;
+    /// No more rows: paints what is still held back. Must be called once.
+    virtual void finish() = 0;
+};
+
+} // namespace quillrip

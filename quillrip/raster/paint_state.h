@@ -1,0 +1,51 @@
+#pragma once
+
+#include "quillrip/base/page_bitmap.h"
+
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+namespace quillrip {
+
+class ClipRegion;
+
+/// A pattern tile in device pixels. Mono tiles hold one byte a pixel, 1 = ink (the texture's colour) and 0 = white;
+/// colour tiles hold their own colours, three bytes a pixel, 255 = light.
+struct PatternTile {
+    int width = 0;
+    int height = 0;
+    bool isColor = false;
+    std::vector<std::uint8_t> pixels;
+
+    /// The tile enlarged by pixel replication, by any positive factors; each side at least one pixel.
+    PatternTile scaled(double factorX, double factorY) const;
+    /// The tile turned by quarter turns that take +x to +y (clockwise on a page whose y points down).
+    PatternTile turned(int quarterTurns) const;
+};
+
+/// The third operand of the raster operation: what ink looks like.
+struct Texture {
+    Rgb color; ///< solid, or the ink of a mono tile
+    std::shared_ptr<const PatternTile> tile; ///< null: solid
+    int originX = 0; ///< device pixel where the tile's first column falls
+    int originY = 0; ///< device pixel where the tile's first row falls
+};
+
+/// How a mark combines with what the page holds already. One state serves all languages.
+///
+/// For every pixel of the mark: source S is black where the mask or the bilevel image has ink, white where a mask's
+/// box or a bilevel image has none, or the colour image's pixel; texture T; destination D. Then
+///   S white and sourceTransparent                              -> D
+///   S not white, T's tile pixel white and patternTransparent   -> D
+///   else bit by bit (rop >> (4 T + 2 S + D)) & 1, white = 1.
+/// Coverage mixes that result with D.
+struct PaintState {
+    std::uint8_t rop = 252; ///< texture OR source: with black sources, the texture
+    bool sourceTransparent = true;
+    bool patternTransparent = true;
+    Texture texture;
+    std::shared_ptr<const ClipRegion> clip; ///< null: the whole page
+};
+
+} // namespace quillrip

@@ -1,0 +1,51 @@
+#pragma once
+
+#include "quillrip/base/page_bitmap.h"
+#include "quillrip/raster/clip_region.h"
+#include "quillrip/raster/glyph_mask.h"
+#include "quillrip/raster/image_painter.h"
+#include "quillrip/raster/paint_state.h"
+#include "quillrip/raster/path.h"
+#include "quillrip/raster/stroke_style.h"
+
+namespace quillrip {
+
+enum class FillRule { NonZero, EvenOdd };
+
+/// Which device pixels a filled shape takes when the page is bilevel (grey and RGB pages take exact area coverage).
+enum class PixelRule {
+    Centre, ///< those whose centre lies inside, and, for shapes that would vanish, the nearest pixel
+    Touched, ///< all that the shape touches: dots on grid intersections, n steps cover n + 1 dots
+};
+
+/// Everything that marks a page, for all languages. Coordinates are device pixels, x right, y down; the pixel (x, y)
+/// covers the unit square from (x, y) to (x + 1, y + 1). Everything is clipped to the bitmap and to the state's clip.
+class Painter {
+public:
+    explicit Painter(PageBitmap& page);
+
+    PageBitmap& page() { return m_page; }
+    const PageBitmap& page() const { return m_page; }
+
+    /// Whole pixels, all ink.
+    void fillRect(const PixelRect& rect, const PaintState& state);
+
+    void fillPath(const Path& devicePath, FillRule rule, const PaintState& state, PixelRule pixels = PixelRule::Centre);
+
+    /// The pen is round or square in user space: `style` gives widths in user units, and the matrix may stretch it.
+    /// A line thinner than a device pixel is drawn one pixel wide.
+    void strokePath(
+        const Path& userPath, const Matrix& userToDevice, const StrokeStyle& style, const PaintState& state);
+
+    /// A glyph's mask with its reference point at device pixel (x, y).
+    void drawMask(const GlyphMask& mask, int x, int y, const PaintState& state);
+
+    /// Rows of an image, one after the other. Null when nothing of the image can be seen (the rows may then be
+    /// dropped). The painter, the page and `state.clip` must outlive it.
+    std::unique_ptr<ImagePainter> beginImage(const ImageGeometry& geometry, const PaintState& state);
+
+private:
+    PageBitmap& m_page;
+};
+
+} // namespace quillrip
