@@ -1,0 +1,22 @@
+#pragma once
+
+namespace quillrip::pcl {
+
+/// What a printer's panel or the job control language sets before a PCL job starts: the user default environment.
+/// Every reset returns to it.
+struct Environment {
+    int pageSize = 2; ///< page size code as in ESC&l#A: 2 Letter, 26 A4; 101 takes the custom size below
+    double customWidth = 6120; ///< decipoints, short edge; for page size 101
+    double customLength = 7920; ///< decipoints, long edge; for page size 101
+    int orientation = 0; ///< 0 portrait, 1 landscape, 2 reverse portrait, 3 reverse landscape
+    int formLines = 0; ///< lines on a page at the default spacing; 0: six lines to the inch
+    int symbolSet = 277; ///< number * 32 + letter - 64; 277 is Roman-8 (8U)
+    int fontNumber = 0; ///< internal font: 0 Courier; others only change nothing else than the typeface
+    double pitch = 10; ///< characters to the inch
+    double pointSize = 12; ///< points
+    int lineTermination = 0; ///< as in ESC&k#G
+    bool wrapLines = false; ///< ESC&s0C from the start
+    bool rasterOnly = false; ///< ink-jet raster languages: text is a broken command, never printed
+};
+
+} // namespace quillrip::pcl
