@@ -1,0 +1,126 @@
+#pragma once
+
+#include "quillrip/base/limits.h"
+#include "quillrip/fonts/font.h"
+#include "quillrip/fonts/font_reporter.h"
+#include "quillrip/fonts/soft_font.h"
+
+#include <map>
+#include <string>
+#include <vector>
+
+namespace quillrip {
+
+class FaceFiles;
+class InternalFaces;
+
+/// The seven attributes of a font selection.
+struct FontRequest {
+    std::uint16_t symbolSet = kRoman8;
+    bool isProportional = false;
+    double pitch = 10; ///< characters per inch
+    double height = 12; ///< points
+    std::uint16_t style = 0; ///< posture + 4 * width + 32 * structure
+    int weight = 0;
+    std::uint16_t family = 4099;
+};
+
+/// What selection looks at besides the request.
+struct SelectionContext {
+    int resolution = 300; ///< of the page that the job is written for (unit of raster fonts)
+    int orientation = 0; ///< logical page orientation, 0 to 3
+    std::uint16_t defaultSymbolSet = kRoman8;
+    bool allowsBitmapFonts = true; ///< false: HP-GL/2 with SB0
+};
+
+/// A soft font's name in the job: a number or a string.
+struct SoftFontKey {
+    std::int32_t number = 0;
+    std::string name; ///< not empty: the string counts and the number does not
+
+    bool operator<(const SoftFontKey& other) const
+    {
+        return name != other.name ? name < other.name : name.empty() && number < other.number;
+    }
+};
+
+/// Soft fonts by their numbers and names, temporary and permanent.
+class SoftFontStore {
+public:
+    explicit SoftFontStore(std::size_t limitBytes);
+
+    /// Replaces a font of that key. New fonts are temporary. False (and nothing stored) above the memory limit.
+    bool put(const SoftFontKey& key, std::shared_ptr<SoftFont> font, const FontReporter& reporter);
+    /// Null when there is none.
+    std::shared_ptr<SoftFont> find(const SoftFontKey& key) const;
+    /// Lets `alias` name the font that `key` names now.
+    void associate(const SoftFontKey& alias, const SoftFontKey& key);
+    void remove(const SoftFontKey& key);
+    void removeAll();
+    void removeTemporary();
+    void setPermanent(const SoftFontKey& key, bool isPermanent);
+    /// Call before adding a character: false when the memory limit is reached.
+    bool hasRoomFor(std::size_t bytes) const;
+
+    struct Entry {
+        std::shared_ptr<SoftFont> font;
+        bool isPermanent = false;
+    };
+    const std::map<SoftFontKey, Entry>& entries() const { return m_entries; }
+
+private:
+    std::size_t m_limit;
+    std::map<SoftFontKey, Entry> m_entries;
+};
+
+/// All fonts of a job: the built-in faces (files opened when first used), soft fonts, user-defined symbol sets.
+class FontLibrary {
+public:
+    /// `sink` hears of missing faces; may be null. It must outlive the library.
+    explicit FontLibrary(const Limits& limits = {}, DiagnosticSink* sink = nullptr);
+    ~FontLibrary();
+    FontLibrary(const FontLibrary&) = delete;
+    FontLibrary& operator=(const FontLibrary&) = delete;
+
+    SoftFontStore& softFonts() { return m_softFonts; }
+    const SoftFontStore& softFonts() const { return m_softFonts; }
+
+    /// Selection by characteristics over soft and built-in fonts, in the printer's order of priority. Always gives a
+    /// font. Looks at no file: a face is opened when its first glyph is asked for.
+    Font select(const FontRequest& request, const SelectionContext& context) const;
+
+    /// The soft font of that key as a font, at the request's size (scalable) and symbol set (unbound); nothing when
+    /// there is none. `request` is then overwritten by the font's own attributes, as selection by ID does.
+    Font selectById(const SoftFontKey& key, FontRequest& request, const SelectionContext& context) const;
+
+    /// A built-in face by its PCL XL name (16 characters; more or fewer are understood), for text in a symbol set.
+    /// Height is 1 point. Always gives a font; a warning tells when the name was not known.
+    Font selectByName(const std::string& name, std::uint16_t symbolSet, const FontReporter& reporter) const;
+
+    /// As the selection commands would write it, such as "\x1b(8U\x1b(s1p12v0s0b4148T".
+    Font selectByEscapeSequence(ByteView commands, const SelectionContext& context) const;
+
+    /// User-defined sets go before built-in ones. Null when there is none of that number.
+    std::shared_ptr<const SymbolSet> symbolSet(std::uint16_t number) const;
+    void defineSymbolSet(std::shared_ptr<const SymbolSet> set); ///< temporary, replaces a set of that number
+    void removeSymbolSet(std::uint16_t number);
+    void removeAllSymbolSets();
+    void removeTemporarySymbolSets();
+    void setSymbolSetPermanent(std::uint16_t number, bool isPermanent);
+
+    /// The built-in faces, in the order of their numbers on a type specimen.
+    std::vector<std::shared_ptr<const Typeface>> builtInFaces() const;
+
+private:
+    struct UserSymbolSet {
+        std::shared_ptr<const SymbolSet> set;
+        bool isPermanent = false;
+    };
+
+    DiagnosticSink* m_sink;
+    SoftFontStore m_softFonts;
+    std::map<std::uint16_t, UserSymbolSet> m_userSymbolSets;
+    std::unique_ptr<InternalFaces> m_internal;
+};
+
+} // namespace quillrip
