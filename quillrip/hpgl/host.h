@@ -24,6 +24,9 @@ struct PictureFrame {
     double height = 7200;
     double plotWidth = 0; ///< size that the plot was made for; 0: the frame's own, so that nothing is scaled
     double plotHeight = 0;
+    /// Quarter turns counter-clockwise of the plot within the page: 1 when the sheet is read with the plotter's x axis
+    /// running up. The frame's width and height above are those on the page, the plot's own are then exchanged.
+    int quarterTurns = 0;
     double clipLeft = 180; ///< nothing is drawn beyond: logical page and printable area
     double clipTop = 0;
     double clipRight = 5940;
@@ -32,7 +35,6 @@ struct PictureFrame {
 
 /// The pattern stores that fills and screened vectors choose from.
 enum class AreaPattern {
-    Shading, ///< by percent of ink, 1 to 100
     CrossHatch, ///< by number, 1 to 6
     User, ///< by the ID of a user-defined pattern
 };
@@ -53,7 +55,9 @@ public:
     /// The active palette: pen n is entry n. At least two entries.
     virtual std::size_t paletteSize() const = 0;
     virtual Rgb paletteColor(std::size_t index) const = 0;
-    /// NP and IN: entries beyond the old size are black until set. Ignored for palettes that cannot be changed.
+    /// IN: another palette of that size, all black, takes the active one's place. It can be changed.
+    virtual void newPalette(std::size_t size) = 0;
+    /// NP: entries beyond the old size are black until set. Ignored for palettes that cannot be changed.
     virtual void resizePalette(std::size_t size) = 0;
     /// PC. Ignored for palettes that cannot be changed.
     virtual void setPaletteColor(std::size_t index, Rgb color) = 0;
