@@ -1,0 +1,29 @@
+#pragma once
+
+#include "quillrip/job/conversion.h"
+
+#include <string>
+#include <variant>
+#include <vector>
+
+namespace quillrip::cli {
+
+/// What the command line asks for.
+struct ShowHelp { };
+struct ShowVersion { };
+struct UsageError {
+    std::string message; ///< a sentence without full stop
+};
+using Request = std::variant<ConversionOptions, ShowHelp, ShowVersion, UsageError>;
+
+/// `arguments` without the program's name. Numbers are read completely or refused; the last of several equal options
+/// counts; every option has its value in the next argument.
+Request parseCommandLine(const std::vector<std::string>& arguments);
+
+/// The text of --help.
+std::string helpText();
+
+/// The option list of the manual page, in troff's man macros: the same table as --help.
+std::string manualOptionList();
+
+} // namespace quillrip::cli

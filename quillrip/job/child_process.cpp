@@ -1,0 +1,196 @@
+#include "quillrip/job/child_process.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <csignal>
+#include <cstring>
+#include <fcntl.h>
+#include <poll.h>
+#include <sys/prctl.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+extern char** environ;
+
+namespace quillrip {
+
+namespace {
+
+constexpr rlim_t kMostMemory = rlim_t { 4 } << 30;
+constexpr rlim_t kMostSeconds = 1800;
+constexpr rlim_t kLargestFile = rlim_t { 16 } << 30;
+constexpr std::size_t kMostComplaint = 2000;
+
+void closeIfOpen(int& descriptor)
+{
+    if (descriptor >= 0)
+        ::close(descriptor);
+    descriptor = -1;
+}
+
+void limit(int resource, rlim_t value)
+{
+    const struct rlimit both {
+        value, value
+    };
+    ::setrlimit(static_cast<decltype(RLIMIT_AS)>(resource), &both);
+}
+
+// Options from the environment would go before ours.
+std::vector<char*> cleanEnvironment()
+{
+    std::vector<char*> kept;
+    for (char** entry = environ; *entry; ++entry) {
+        if (std::strncmp(*entry, "GS_", 3) != 0)
+            kept.push_back(*entry);
+    }
+    kept.push_back(nullptr);
+    return kept;
+}
+
+} // namespace
+
+/// Reads both pipes as they fill, so that the child never waits for a pipe that nobody reads.
+class ChildProcess::Output final : public InputStream {
+public:
+    Output(int output, int errors)
+        : m_pipe(output)
+        , m_errors(errors)
+    {
+    }
+    ~Output() override { close(); }
+
+    void close()
+    {
+        closeIfOpen(m_pipe);
+        closeIfOpen(m_errors);
+    }
+
+    void drainErrors()
+    {
+        while (m_errors >= 0)
+            takeErrors();
+    }
+
+    const std::string& errors() const { return m_text; }
+
+protected:
+    std::size_t pull(std::uint8_t* to, std::size_t count) override
+    {
+        for (;;) {
+            if (m_pipe < 0)
+                return 0;
+            struct pollfd both[2] = { { m_pipe, POLLIN, 0 }, { m_errors, POLLIN, 0 } };
+            if (::poll(both, 2, -1) < 0 && errno != EINTR)
+                return 0;
+            if (m_errors >= 0 && both[1].revents != 0)
+                takeErrors();
+            if (both[0].revents == 0)
+                continue;
+            const ssize_t got = ::read(m_pipe, to, count);
+            if (got > 0)
+                return static_cast<std::size_t>(got);
+            if (got < 0 && errno == EINTR)
+                continue;
+            m_failed = got < 0;
+            closeIfOpen(m_pipe);
+        }
+    }
+
+private:
+    void takeErrors()
+    {
+        char text[1024];
+        const ssize_t got = ::read(m_errors, text, sizeof text);
+        if (got > 0)
+            m_text.append(text,
+                std::min(static_cast<std::size_t>(got), kMostComplaint - std::min(kMostComplaint, m_text.size())));
+        else if (got == 0 || errno != EINTR)
+            closeIfOpen(m_errors);
+    }
+
+    int m_pipe;
+    int m_errors;
+    std::string m_text;
+};
+
+ChildProcess::ChildProcess() = default;
+
+ChildProcess::~ChildProcess()
+{
+    if (m_process > 0) {
+        ::kill(m_process, SIGKILL);
+        while (::waitpid(m_process, nullptr, 0) < 0 && errno == EINTR) { }
+    }
+}
+
+bool ChildProcess::start(const std::vector<std::string>& arguments, int input)
+{
+    // Everything that allocates comes before the fork: other threads may hold the allocator's locks.
+    std::vector<char*> words;
+    for (const std::string& argument : arguments)
+        words.push_back(const_cast<char*>(argument.c_str()));
+    words.push_back(nullptr);
+    std::vector<char*> environment = cleanEnvironment();
+    int output[2] = { -1, -1 };
+    int errors[2] = { -1, -1 };
+    if (::lseek(input, 0, SEEK_SET) != 0 || ::pipe2(output, O_CLOEXEC) != 0)
+        return false;
+    if (::pipe2(errors, O_CLOEXEC) != 0) {
+        ::close(output[0]);
+        ::close(output[1]);
+        return false;
+    }
+    const pid_t parent = ::getpid();
+    m_process = ::fork();
+    if (m_process == 0) {
+        ::prctl(PR_SET_PDEATHSIG, SIGKILL);
+        limit(RLIMIT_AS, kMostMemory);
+        limit(RLIMIT_CPU, kMostSeconds);
+        limit(RLIMIT_FSIZE, kLargestFile);
+        limit(RLIMIT_CORE, 0);
+        const bool isReady = ::getppid() == parent && ::dup2(input, 0) == 0 && ::dup2(output[1], 1) == 1
+            && ::dup2(errors[1], 2) == 2 && ::close_range(3, ~0u, 0) == 0 && ::chdir("/") == 0;
+        if (isReady)
+            ::execve(words[0], words.data(), environment.data());
+        ::_exit(127);
+    }
+    ::close(output[1]);
+    ::close(errors[1]);
+    m_output = std::make_unique<Output>(output[0], errors[0]);
+    return m_process > 0;
+}
+
+InputStream& ChildProcess::output() { return *m_output; }
+
+bool ChildProcess::finish()
+{
+    if (m_process <= 0)
+        return false;
+    std::uint8_t rest[4096];
+    while (m_output->read(rest, sizeof rest) > 0) { }
+    m_output->drainErrors();
+    int status = 0;
+    pid_t ended = -1;
+    do {
+        ended = ::waitpid(m_process, &status, 0);
+    } while (ended < 0 && errno == EINTR);
+    m_process = -1;
+    return ended > 0 && WIFEXITED(status) && WEXITSTATUS(status) == 0;
+}
+
+std::string ChildProcess::complaint() const
+{
+    std::string line;
+    const std::string& text = m_output ? m_output->errors() : line;
+    for (const char c : text) {
+        if (c == '\n' && !line.empty())
+            break;
+        if (static_cast<unsigned char>(c) >= 0x20)
+            line.push_back(c);
+    }
+    return line.empty() ? "it ended without a reason" : line.substr(0, 200);
+}
+
+} // namespace quillrip

@@ -1,0 +1,41 @@
+#pragma once
+
+#include "quillrip/base/input_stream.h"
+
+#include <string>
+#include <sys/types.h>
+#include <vector>
+
+namespace quillrip {
+
+/// A program run on a file, whose output is read as it comes. It ends with this object, with this process at the
+/// latest, and is held to limits of memory and processor time.
+class ChildProcess {
+public:
+    ChildProcess();
+    /// Ends the program if it still runs.
+    ~ChildProcess();
+    ChildProcess(const ChildProcess&) = delete;
+    ChildProcess& operator=(const ChildProcess&) = delete;
+
+    /// `arguments[0]` is the program's path; no shell takes part. `input` becomes its standard input, from the start.
+    [[nodiscard]] bool start(const std::vector<std::string>& arguments, int input);
+
+    /// Its standard output. Only after start().
+    InputStream& output();
+
+    /// Waits for its end; true when it ended by itself with status 0.
+    [[nodiscard]] bool finish();
+
+    /// The first line that it wrote to standard error, without control characters; something general when there is
+    /// none. Only after finish() or the end of the output.
+    std::string complaint() const;
+
+private:
+    class Output;
+
+    pid_t m_process = -1;
+    std::unique_ptr<Output> m_output;
+};
+
+} // namespace quillrip

@@ -1,0 +1,39 @@
+#pragma once
+
+#include "quillrip/base/diagnostics.h"
+#include "quillrip/base/limits.h"
+#include "quillrip/image/document_options.h"
+#include "quillrip/job/page_layout.h"
+
+#include <string>
+
+namespace quillrip {
+
+struct ConversionOptions {
+    std::string inputPath;
+    PageSettings page;
+    DocumentOptions document; ///< its path is the output
+    Limits limits;
+};
+
+enum class ConversionStatus {
+    Done,
+    BadOptions, ///< they contradict each other, or name the same file twice
+    BadInput, ///< cannot be read, or is no print job that quillrip knows
+    OutputFailed,
+    Damaged, ///< the whole pages before the damage are in the output
+    LimitExceeded,
+};
+
+struct ConversionResult {
+    ConversionStatus status = ConversionStatus::Done;
+    std::string reason; ///< a sentence without full stop; empty when Done
+    std::string file; ///< which of the two files the reason is about
+    int pages = 0; ///< in the output
+};
+
+/// One conversion from file to file. With BadOptions, BadInput, OutputFailed and LimitExceeded nothing of the output
+/// is there, and a former file of its name is as it was.
+ConversionResult convert(const ConversionOptions& options, DiagnosticSink& diagnostics);
+
+} // namespace quillrip

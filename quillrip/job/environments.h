@@ -1,0 +1,15 @@
+#pragma once
+
+#include "quillrip/hpgl/plot_file.h"
+#include "quillrip/pcl/environment.h"
+#include "quillrip/pclxl/interpreter.h"
+#include "quillrip/stream/pjl_environment.h"
+
+namespace quillrip {
+
+/// What the job language's variables mean to each interpreter.
+pcl::Environment pclEnvironment(const stream::PjlEnvironment& variables, bool isInkjetRaster);
+pclxl::Environment pclXlEnvironment(const stream::PjlEnvironment& variables);
+hpgl::PlotEnvironment plotEnvironment(const stream::PjlEnvironment& variables);
+
+} // namespace quillrip

@@ -1,0 +1,114 @@
+#include "quillrip/job/image_page_device.h"
+
+#include <cmath>
+
+namespace quillrip {
+
+namespace {
+
+// What a bitmap's coordinates can hold with room for sums of them.
+constexpr double kLongestEdge = 1 << 28;
+
+void removeColour(PageBitmap& page)
+{
+    for (int y = 0; y < page.height(); ++y) {
+        const PageBitmap::Extent extent = page.extent(y);
+        std::uint8_t* row = page.row(y);
+        for (int x = extent.left; x < extent.right; ++x) {
+            std::uint8_t* pixel = row + 3 * static_cast<std::size_t>(x);
+            // Ink instead of light: the luminance of complements is the complement of the luminance.
+            const std::uint8_t ink = luminance({ pixel[0], pixel[1], pixel[2] });
+            pixel[0] = pixel[1] = pixel[2] = ink;
+        }
+    }
+}
+
+} // namespace
+
+ImagePageDevice::ImagePageDevice(PageSink& sink, const PageSettings& settings, const Limits& limits)
+    : m_sink(sink)
+    , m_settings(settings)
+    , m_limits(limits)
+{
+}
+
+PageCanvas ImagePageDevice::preview(const SheetRequest& sheet) const
+{
+    const PageLayout layout = layoutOf(m_settings, sheet);
+    return { nullptr, layout.pageToDevice, layout.format, layout.pageResolution };
+}
+
+PageBitmap ImagePageDevice::bitmapFor(const PageLayout& layout)
+{
+    const double rowBytes = std::ceil(layout.width * bitsPerPixel(layout.format) / 64) * 8;
+    if (!(layout.width < kLongestEdge) || !(layout.height < kLongestEdge)
+        || rowBytes * layout.height > static_cast<double>(m_limits.pageBytes)) {
+        m_reason = "a page needs more than " + std::to_string(m_limits.pageBytes >> 20)
+            + " MiB of memory at this resolution and depth";
+        return {};
+    }
+    PageBitmap page(
+        layout.format, static_cast<int>(layout.width), static_cast<int>(layout.height), layout.imageResolution);
+    if (page.isNull())
+        m_reason = "there is not enough memory for a page";
+    return page;
+}
+
+RunStatus ImagePageDevice::beginPage(const SheetRequest& sheet, PageCanvas& canvas)
+{
+    dropOpenPage();
+    if (m_pageOfJob >= m_limits.pages || m_delivered >= static_cast<int>(m_limits.pages)) {
+        m_reason = "the job has more than " + std::to_string(m_limits.pages) + " pages";
+        return RunStatus::LimitExceeded;
+    }
+    m_page = bitmapFor(layoutOf(m_settings, sheet));
+    if (m_page.isNull())
+        return RunStatus::LimitExceeded;
+    m_painter.emplace(m_page);
+    canvas = preview(sheet);
+    canvas.painter = &*m_painter;
+    return RunStatus::Done;
+}
+
+RunStatus ImagePageDevice::endPage()
+{
+    if (m_page.isNull())
+        return RunStatus::Done;
+    m_painter.reset();
+    return addFinishedPage(std::move(m_page));
+}
+
+RunStatus ImagePageDevice::addFinishedPage(PageBitmap&& page)
+{
+    PageBitmap own = std::move(page);
+    ++m_pageOfJob;
+    if (m_pageOfJob < m_firstPage || m_pageOfJob > m_lastPage)
+        return RunStatus::Done;
+    if (m_delivered >= static_cast<int>(m_limits.pages)) {
+        m_reason = "the job has more than " + std::to_string(m_limits.pages) + " pages";
+        return RunStatus::LimitExceeded;
+    }
+    if (m_isGray && own.format() == PixelFormat::Rgb24)
+        removeColour(own);
+    if (!m_sink.addPage(std::move(own))) {
+        m_reason = m_sink.reason();
+        return RunStatus::OutputFailed;
+    }
+    ++m_delivered;
+    return RunStatus::Done;
+}
+
+void ImagePageDevice::beginJob(std::uint64_t firstPage, std::uint64_t lastPage)
+{
+    m_firstPage = firstPage;
+    m_lastPage = lastPage;
+    m_pageOfJob = 0;
+}
+
+void ImagePageDevice::dropOpenPage()
+{
+    m_painter.reset();
+    m_page = PageBitmap();
+}
+
+} // namespace quillrip

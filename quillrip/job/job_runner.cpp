@@ -1,0 +1,227 @@
+#include "quillrip/job/job_runner.h"
+
+#include "quillrip/fonts/font_library.h"
+#include "quillrip/hpgl/plot_file.h"
+#include "quillrip/hpgl/recognition.h"
+#include "quillrip/job/diagnostic_recorder.h"
+#include "quillrip/job/environments.h"
+#include "quillrip/job/ghostscript.h"
+#include "quillrip/job/image_page_device.h"
+#include "quillrip/job/pass_through.h"
+#include "quillrip/pcl/interpreter.h"
+#include "quillrip/pclxl/interpreter.h"
+#include "quillrip/stream/containers.h"
+#include "quillrip/stream/job_reader.h"
+
+#include <optional>
+
+namespace quillrip {
+
+namespace {
+
+/// The interpreters of one input, made when the first job of their language comes.
+class Runner {
+public:
+    Runner(InputStream& input, ImagePageDevice& device, const Limits& limits, DiagnosticRecorder& diagnostics,
+        const std::string& ghostscript)
+        : m_input(input)
+        , m_device(device)
+        , m_limits(limits)
+        , m_diagnostics(diagnostics)
+        , m_ghostscript(ghostscript)
+        , m_fonts(limits, &diagnostics)
+        , m_reader(input, diagnostics, &hpgl::looksLikePlot)
+    {
+    }
+
+    JobResult run()
+    {
+        while (const auto part = m_reader.next()) {
+            const std::uint64_t before = m_input.offset();
+            const RunStatus status = runPart(*part);
+            if (status == RunStatus::LimitExceeded)
+                return result(JobOutcome::LimitExceeded, m_reason.empty() ? m_device.reason() : m_reason);
+            if (status == RunStatus::OutputFailed)
+                return result(JobOutcome::OutputFailed, m_device.reason());
+            if (status == RunStatus::Damaged) {
+                noteDamage(before);
+                m_device.dropOpenPage();
+                m_reader.skipRest();
+            } else if (m_input.offset() == before && !m_input.atEnd()) {
+                // Whatever it is, it is not what it was taken for; another try would see the same.
+                m_reader.skipRest();
+                if (m_input.offset() == before)
+                    m_input.skip(1);
+            }
+        }
+        const RunStatus status = finishPcl();
+        if (status == RunStatus::LimitExceeded)
+            return result(JobOutcome::LimitExceeded, m_device.reason());
+        if (status == RunStatus::OutputFailed)
+            return result(JobOutcome::OutputFailed, m_device.reason());
+        if (status == RunStatus::Damaged)
+            noteDamage(m_input.offset());
+        return conclusion();
+    }
+
+private:
+    RunStatus runPart(const stream::Part& part)
+    {
+        if (m_serial != m_reader.job().serial) {
+            m_serial = m_reader.job().serial;
+            m_device.beginJob(m_reader.job().firstPage, m_reader.job().lastPage);
+        }
+        m_device.setGray(m_reader.environment().isGray);
+        if (part.kind != stream::ContentKind::Pcl) {
+            const RunStatus status = finishPcl();
+            if (status != RunStatus::Done)
+                return status;
+        }
+        switch (part.kind) {
+        case stream::ContentKind::Pcl:
+            return runPcl(part);
+        case stream::ContentKind::PclXl:
+            return runPclXl();
+        case stream::ContentKind::Plot:
+            return runPlot();
+        default:
+            return runDocument(part);
+        }
+    }
+
+    RunStatus runPcl(const stream::Part& part)
+    {
+        const pcl::Environment environment = pclEnvironment(m_reader.environment(), part.isInkjetRaster);
+        if (m_pcl)
+            m_pcl->setEnvironment(environment);
+        else
+            m_pcl.emplace(m_device, m_diagnostics, m_limits, m_fonts, environment);
+        m_isPclOpen = true;
+        switch (m_pcl->run(m_input)) {
+        case pcl::Interpreter::End::InputEnded:
+            return RunStatus::Done;
+        case pcl::Interpreter::End::UniversalExit:
+            m_reader.universalExitTaken();
+            return RunStatus::Done;
+        case pcl::Interpreter::End::Failed:
+            break;
+        }
+        const RunStatus status = m_pcl->status();
+        if (status == RunStatus::Damaged) {
+            m_isPclOpen = false;
+            m_pcl.reset();
+        }
+        return status;
+    }
+
+    RunStatus finishPcl()
+    {
+        if (!m_isPclOpen)
+            return RunStatus::Done;
+        m_isPclOpen = false;
+        return m_pcl->finish();
+    }
+
+    RunStatus runPclXl()
+    {
+        pclxl::Environment environment = pclXlEnvironment(m_reader.environment());
+        PassThrough passThrough(m_device, m_diagnostics, m_limits);
+        environment.passThrough = &passThrough;
+        pclxl::Interpreter interpreter(m_device, m_diagnostics, m_limits, m_fonts, environment);
+        interpreter.run(m_input);
+        return interpreter.status();
+    }
+
+    RunStatus runPlot()
+    {
+        hpgl::PlotFile plot(m_device, m_fonts, m_diagnostics, m_limits, plotEnvironment(m_reader.environment()));
+        return plot.run(m_input) == hpgl::PlotFile::End::Failed ? plot.status() : RunStatus::Done;
+    }
+
+    RunStatus runDocument(const stream::Part& part)
+    {
+        const bool isPdf = part.kind == stream::ContentKind::Pdf;
+        if (m_ghostscript.empty()) {
+            if (m_refusedDocument.empty())
+                m_refusedDocument = std::string("is a ") + (isPdf ? "PDF document" : "PostScript job")
+                    + ", which needs Ghostscript: install the package ghostscript, so that the program gs is on PATH";
+            m_reader.skipRest();
+            return RunStatus::Done;
+        }
+        GhostscriptRenderer renderer(m_ghostscript, m_device, m_diagnostics, m_limits);
+        const RunStatus status = renderer.run(m_input, isPdf ? DocumentLanguage::Pdf : DocumentLanguage::PostScript);
+        if (status == RunStatus::LimitExceeded || status == RunStatus::OutputFailed)
+            m_reason = renderer.reason();
+        return status;
+    }
+
+    void noteDamage(std::uint64_t offset)
+    {
+        if (!m_diagnostics.damage())
+            m_diagnostics.report(
+                { Severity::Damage, offset, "job.damaged", "the job cannot be understood from here on" });
+    }
+
+    JobResult result(JobOutcome outcome, std::string reason) const
+    {
+        return { outcome, std::move(reason), m_device.pageCount() };
+    }
+
+    std::string foreignReason() const
+    {
+        const std::string place = m_reader.foreignOffset() == 0
+            ? std::string("is ")
+            : "holds, at offset " + std::to_string(m_reader.foreignOffset()) + ", ";
+        return place + m_reader.foreignName();
+    }
+
+    JobResult conclusion()
+    {
+        const int pages = m_device.pageCount();
+        if (const auto& damage = m_diagnostics.damage())
+            return result(JobOutcome::Damaged,
+                "damaged at offset " + std::to_string(damage->offset) + ": " + damage->message + "; "
+                    + std::to_string(pages) + (pages == 1 ? " page kept" : " pages kept"));
+        const std::string passedOver = !m_refusedDocument.empty() ? m_refusedDocument
+            : !m_reader.foreignName().empty()                     ? foreignReason() + ", not a print job for quillrip"
+                                                                  : std::string();
+        if (pages > 0) {
+            if (!passedOver.empty())
+                m_diagnostics.report({ Severity::Warning, m_reader.foreignOffset(), "job.passed-over",
+                    "left out a part of the file: it " + passedOver });
+            return result(JobOutcome::Done, {});
+        }
+        if (!passedOver.empty())
+            return result(JobOutcome::NothingToPrint, passedOver);
+        return result(JobOutcome::NothingToPrint, m_input.offset() == 0 ? "is empty" : "holds no page to print");
+    }
+
+    InputStream& m_input;
+    ImagePageDevice& m_device;
+    const Limits& m_limits;
+    DiagnosticRecorder& m_diagnostics;
+    std::string m_ghostscript;
+    FontLibrary m_fonts;
+    stream::JobReader m_reader;
+    std::optional<pcl::Interpreter> m_pcl;
+    bool m_isPclOpen = false;
+    std::uint32_t m_serial = UINT32_MAX;
+    std::string m_refusedDocument;
+    std::string m_reason;
+};
+
+} // namespace
+
+JobResult runJob(InputStream& input, PageSink& sink, const PageSettings& settings, const Limits& limits,
+    DiagnosticSink& diagnostics, const std::string& ghostscriptPath)
+{
+    DiagnosticRecorder recorder(diagnostics);
+    ImagePageDevice device(sink, settings, limits);
+    const stream::Container container = stream::unwrap(input);
+    if (!container.refusal.empty())
+        return { JobOutcome::NothingToPrint, "is " + container.refusal, 0 };
+    Runner runner(container.job(input), device, limits, recorder, ghostscriptPath);
+    return runner.run();
+}
+
+} // namespace quillrip

@@ -1,0 +1,30 @@
+#pragma once
+
+#include "quillrip/base/input_stream.h"
+
+namespace quillrip {
+
+/// A temporary file without a name: it goes when it is closed, even if the process is killed.
+class SpoolFile {
+public:
+    SpoolFile() = default;
+    ~SpoolFile();
+    SpoolFile(const SpoolFile&) = delete;
+    SpoolFile& operator=(const SpoolFile&) = delete;
+
+    /// Takes the input up to a Universal Exit that a job can follow, or to its end, into a new file. Data in tagged
+    /// binary form (0x01 'M' in front; a byte behind 0x01 has lost bit 6) is decoded when `decodesTagged`. False when
+    /// the file cannot be made or written.
+    [[nodiscard]] bool fill(InputStream& input, bool decodesTagged);
+
+    /// Stands at the file's start; -1 before fill().
+    int descriptor() const { return m_descriptor; }
+
+private:
+    bool create();
+    bool write(const std::uint8_t* bytes, std::size_t count);
+
+    int m_descriptor = -1;
+};
+
+} // namespace quillrip

@@ -1,0 +1,209 @@
+#include "quillrip/stream/content.h"
+
+#include "quillrip/stream/signatures.h"
+
+#include <algorithm>
+#include <cstdio>
+
+namespace quillrip::stream {
+
+namespace {
+
+constexpr std::uint8_t kEscape = 0x1B;
+constexpr std::size_t kTextLookedAt = 8192;
+constexpr std::size_t kHeaderSearch = 1024;
+
+// Device alignment, serial lines and block padding leave these around jobs.
+bool isPadding(std::uint8_t byte)
+{
+    return byte == 0 || byte == 0x04 || byte == 0x1A || byte == '\t' || byte == '\n' || byte == '\f' || byte == '\r'
+        || byte == ' ';
+}
+
+// Of those, the ones that move nothing on a page: a text may begin with blank lines that count.
+bool isInvisiblePadding(std::uint8_t byte) { return byte == 0 || byte == 0x04 || byte == 0x1A; }
+
+template <typename Test> std::size_t lengthOf(ByteView bytes, std::size_t from, Test isPart)
+{
+    std::size_t at = from;
+    for (;;) {
+        while (at < bytes.size && isPart(bytes[at]))
+            ++at;
+        if (!hasAt(bytes, at, "\xEF\xBB\xBF"))
+            return at - from;
+        at += 3;
+    }
+}
+
+bool startsWithPjl(ByteView bytes)
+{
+    if (!hasAt(bytes, 0, "@PJL") && !hasAt(bytes, 0, "@pjl"))
+        return false;
+    return bytes.size == 4 || bytes[4] == ' ' || bytes[4] == '\t' || bytes[4] == '\r' || bytes[4] == '\n';
+}
+
+bool startsWithPostScript(ByteView bytes)
+{
+    return hasAt(bytes, 0, "%!") || hasAt(bytes, 0, "\xC5\xD0\xD3\xC6") || hasAt(bytes, 0, "\1M%!");
+}
+
+bool isParameterised(std::uint8_t byte) { return byte >= '!' && byte <= '/'; }
+bool isGroup(std::uint8_t byte) { return byte >= '`' && byte <= '~'; }
+bool isTerminator(std::uint8_t byte) { return byte >= '@' && byte <= '^'; }
+bool isDigit(std::uint8_t byte) { return byte >= '0' && byte <= '9'; }
+
+// An escape sequence by PCL's strict grammar: two characters, or parameterised with any number of combined commands.
+bool startsWithPclSequence(ByteView bytes)
+{
+    if (bytes.size < 2 || bytes[0] != kEscape)
+        return false;
+    if (bytes[1] == 'E' || bytes[1] == '9' || bytes[1] == '=' || bytes[1] == 'Y' || bytes[1] == 'Z')
+        return true;
+    if (!isParameterised(bytes[1]))
+        return false;
+    std::size_t at = 2;
+    if (at < bytes.size && isGroup(bytes[at]))
+        ++at;
+    // Commands may be combined without an end; a hundred bytes of them prove enough.
+    for (; at < bytes.size && at < 100; ++at) {
+        if (bytes[at] == '+' || bytes[at] == '-')
+            ++at;
+        while (at < bytes.size && (isDigit(bytes[at]) || bytes[at] == '.'))
+            ++at;
+        if (at >= bytes.size || isTerminator(bytes[at]))
+            return at < bytes.size;
+        if (!isGroup(bytes[at]))
+            return false;
+    }
+    return at >= 100;
+}
+
+// Letters and the controls that move the paper, nothing else; high bytes count as letters of some symbol set.
+bool isText(ByteView bytes)
+{
+    std::size_t good = 0;
+    std::size_t controls = 0;
+    const std::size_t looked = std::min(bytes.size, kTextLookedAt);
+    std::size_t at = 0;
+    for (; at < looked; ++at) {
+        const std::uint8_t c = bytes[at];
+        if (c == 0)
+            return false;
+        if (startsWithUniversalExit(bytes.sub(at, kUniversalExitLength)))
+            break;
+        if (c == '\t' || c == '\n' || c == '\f' || c == '\r' || c == kEscape || (c >= 0x20 && c < 0x7F) || c >= 0xA0)
+            ++good;
+        else if (c < 0x20 || c == 0x7F)
+            ++controls;
+    }
+    return at > 0 && good * 100 >= at * 95 && controls * 100 <= at;
+}
+
+std::string hexadecimal(ByteView bytes)
+{
+    std::string text;
+    for (std::size_t at = 0; at < bytes.size && at < 16; ++at) {
+        char digits[4];
+        std::snprintf(digits, sizeof digits, "%s%02X", at == 0 ? "" : " ", bytes[at]);
+        text += digits;
+    }
+    return text;
+}
+
+// What the bytes themselves say, without padding in front and without the doubtful cases.
+std::optional<Content> byMark(ByteView bytes, const RecognitionContext& context, std::size_t padding)
+{
+    if (startsWithUniversalExit(bytes) || startsWithPjl(bytes))
+        return Content { ContentKind::Pjl, padding, {} };
+    if (startsWithPclXlHeader(bytes))
+        return Content { ContentKind::PclXl, padding, {} };
+    if (startsWithPostScript(bytes))
+        return Content { ContentKind::PostScript, padding, {} };
+    if (hasAt(bytes, 0, "!R!"))
+        return Content { ContentKind::Prescribe, padding, {} };
+    if (auto name = foreignFormatByMark(bytes, context.isStartOfInput && padding == 0))
+        return Content { ContentKind::Foreign, padding, std::move(*name) };
+    if (hasAt(bytes, 0, "%PDF-"))
+        return Content { ContentKind::Pdf, padding, {} };
+    if (auto name = foreignEscapeLanguage(bytes))
+        return Content { ContentKind::Foreign, padding, std::move(*name) };
+    if (context.isPlot && context.isPlot(bytes))
+        return Content { ContentKind::Plot, padding, {} };
+    return std::nullopt;
+}
+
+} // namespace
+
+bool startsWithUniversalExit(ByteView bytes) { return hasAt(bytes, 0, "\x1B%-12345X"); }
+
+bool isBelievableUniversalExit(ByteView bytes)
+{
+    if (!startsWithUniversalExit(bytes))
+        return false;
+    const ByteView rest = bytes.sub(kUniversalExitLength);
+    const ByteView next = rest.sub(lengthOf(rest, 0, isPadding));
+    return next.empty() || startsWithPjl(next) || next[0] == kEscape || startsWithPostScript(next)
+        || startsWithPclXlHeader(next) || hasAt(next, 0, "%PDF-") || hasAt(next, 0, ",XQX");
+}
+
+bool startsWithPclXlHeader(ByteView bytes)
+{
+    return bytes.size > 12 && bytes[0] >= 0x27 && bytes[0] <= 0x29 && hasAt(bytes, 1, " HP-PCL XL;");
+}
+
+Content recognise(ByteView window, const RecognitionContext& context)
+{
+    // Some formats begin with bytes that are padding elsewhere.
+    if (context.isStartOfInput) {
+        if (auto content = byMark(window, context, 0))
+            return *content;
+    }
+
+    std::size_t at = lengthOf(window, 0, isPadding);
+    if (at == window.size)
+        return { ContentKind::Nothing, at, {} };
+    if (auto content = byMark(window.sub(at), context, at))
+        return *content;
+
+    // A reset proves only that a printer is meant: many drivers send one before anything else, whatever follows.
+    std::size_t behindResets = at;
+    while (hasAt(window, behindResets,
+        "\x1B"
+        "E")) {
+        behindResets += 2;
+        behindResets += lengthOf(window, behindResets, isPadding);
+    }
+    if (behindResets > at) {
+        if (behindResets == window.size)
+            return { context.isWholeInput ? ContentKind::Nothing : ContentKind::Pcl, at, {} };
+        const auto content = byMark(window.sub(behindResets), context, behindResets);
+        if (content && content->kind != ContentKind::Foreign)
+            return *content;
+        return { ContentKind::Pcl, at, {} };
+    }
+
+    // From here on a page's first line may be blank, so only what cannot be seen is dropped.
+    const std::size_t invisible = lengthOf(window, 0, isInvisiblePadding);
+    const ByteView rest = window.sub(at);
+    if (startsWithPclSequence(rest))
+        return { ContentKind::Pcl, invisible, {} };
+    // Mail and operating systems put lines before these, and printers look for them further on.
+    for (std::size_t from = 0; !context.isNamed && from < std::min(rest.size, kHeaderSearch); ++from) {
+        if (startsWithUniversalExit(rest.sub(from)))
+            break;
+        if (rest[from] != '\n')
+            continue;
+        const ByteView line = rest.sub(from + 1);
+        if (startsWithPclXlHeader(line))
+            return { ContentKind::PclXl, at + from + 1, {} };
+        if (hasAt(line, 0, "%PDF-"))
+            return { ContentKind::Pdf, at + from + 1, {} };
+    }
+    if (rest[0] == kEscape && rest.size > 1 && !isText(rest))
+        return { ContentKind::Unknown, at, "an unknown language of escape sequences (" + hexadecimal(rest) + ")" };
+    if (isText(rest))
+        return { ContentKind::Text, invisible, {} };
+    return { ContentKind::Unknown, at, "data of an unknown kind (" + hexadecimal(rest) + ")" };
+}
+
+} // namespace quillrip::stream

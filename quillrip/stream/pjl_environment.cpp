@@ -1,0 +1,185 @@
+#include "quillrip/stream/pjl_environment.h"
+
+#include <algorithm>
+#include <array>
+
+namespace quillrip::stream {
+
+namespace {
+
+constexpr double kDecipointsOfInch = 720;
+constexpr double millimetres(double length) { return length * kDecipointsOfInch / 25.4; }
+constexpr double inches(double length) { return length * kDecipointsOfInch; }
+
+struct Paper {
+    const char* name;
+    int code;
+    PaperSize size;
+};
+
+const std::array s_papers {
+    Paper { "LETTER", 2, { inches(8.5), inches(11) } },
+    Paper { "LEGAL", 3, { inches(8.5), inches(14) } },
+    Paper { "EXECUTIVE", 1, { inches(7.25), inches(10.5) } },
+    Paper { "LEDGER", 6, { inches(11), inches(17) } },
+    Paper { "TABLOID", 6, { inches(11), inches(17) } },
+    Paper { "STATEMENT", 5, { inches(5.5), inches(8.5) } },
+    Paper { "FOLIO", 10, { inches(8.5), inches(13) } },
+    Paper { "8.5X13", 10, { inches(8.5), inches(13) } },
+    Paper { "A3", 27, { millimetres(297), millimetres(420) } },
+    Paper { "A4", 26, { millimetres(210), millimetres(297) } },
+    Paper { "A5", 25, { millimetres(148), millimetres(210) } },
+    Paper { "A6", 24, { millimetres(105), millimetres(148) } },
+    Paper { "JISB4", 46, { millimetres(257), millimetres(364) } },
+    Paper { "JISB5", 45, { millimetres(182), millimetres(257) } },
+    Paper { "JPOST", 71, { millimetres(100), millimetres(148) } },
+    Paper { "JPOSTD", 72, { millimetres(148), millimetres(200) } },
+    Paper { "MONARCH", 80, { inches(3.875), inches(7.5) } },
+    Paper { "COM10", 81, { inches(4.125), inches(9.5) } },
+    Paper { "DL", 90, { millimetres(110), millimetres(220) } },
+    Paper { "C5", 91, { millimetres(162), millimetres(229) } },
+    Paper { "B5", 100, { millimetres(176), millimetres(250) } },
+};
+
+struct SymbolSetName {
+    const char* name;
+    int number;
+    char letter;
+};
+
+// What PJL calls the symbol sets, and their identifiers in PCL.
+const std::array s_symbolSets {
+    SymbolSetName { "ROMAN8", 8, 'U' },
+    SymbolSetName { "ROMAN9", 4, 'U' },
+    SymbolSetName { "ROMANEXT", 0, 'E' },
+    SymbolSetName { "ISOL1", 0, 'N' },
+    SymbolSetName { "ISOL2", 2, 'N' },
+    SymbolSetName { "ISOL5", 5, 'N' },
+    SymbolSetName { "ISOL6", 6, 'N' },
+    SymbolSetName { "ISOL9", 9, 'N' },
+    SymbolSetName { "ISOCYR", 10, 'N' },
+    SymbolSetName { "ISOGRK", 12, 'N' },
+    SymbolSetName { "ISOHEB", 7, 'H' },
+    SymbolSetName { "PC8", 10, 'U' },
+    SymbolSetName { "PC8DN", 11, 'U' },
+    SymbolSetName { "PC8TK", 9, 'T' },
+    SymbolSetName { "PC8GRK", 12, 'G' },
+    SymbolSetName { "PC850", 12, 'U' },
+    SymbolSetName { "PC852", 17, 'U' },
+    SymbolSetName { "PC858", 13, 'U' },
+    SymbolSetName { "PC775", 26, 'U' },
+    SymbolSetName { "PC851", 10, 'G' },
+    SymbolSetName { "PC866", 3, 'R' },
+    SymbolSetName { "PC862", 15, 'H' },
+    SymbolSetName { "PC864", 10, 'V' },
+    SymbolSetName { "PC1004", 9, 'J' },
+    SymbolSetName { "WIN30", 9, 'U' },
+    SymbolSetName { "WINL1", 19, 'U' },
+    SymbolSetName { "WINL2", 9, 'E' },
+    SymbolSetName { "WINL5", 5, 'T' },
+    SymbolSetName { "WINBALT", 19, 'L' },
+    SymbolSetName { "WINCYR", 9, 'R' },
+    SymbolSetName { "WINGRK", 9, 'G' },
+    SymbolSetName { "DESKTOP", 7, 'J' },
+    SymbolSetName { "PSTEXT", 10, 'J' },
+    SymbolSetName { "VNINTL", 13, 'J' },
+    SymbolSetName { "VNUS", 14, 'J' },
+    SymbolSetName { "MSPUBL", 6, 'J' },
+    SymbolSetName { "MCTEXT", 12, 'J' },
+    SymbolSetName { "LEGAL", 1, 'U' },
+    SymbolSetName { "MATH8", 8, 'M' },
+    SymbolSetName { "PSMATH", 5, 'M' },
+    SymbolSetName { "VNMATH", 6, 'M' },
+    SymbolSetName { "MSMATH", 6, 'M' },
+    SymbolSetName { "PIFONT", 15, 'U' },
+    SymbolSetName { "ISO4", 1, 'E' },
+    SymbolSetName { "ISO6", 0, 'U' },
+    SymbolSetName { "ISO11", 0, 'S' },
+    SymbolSetName { "ISO15", 0, 'I' },
+    SymbolSetName { "ISO17", 2, 'S' },
+    SymbolSetName { "ISO21", 1, 'G' },
+    SymbolSetName { "ISO60", 0, 'D' },
+    SymbolSetName { "ISO69", 1, 'F' },
+};
+
+std::string plainName(const std::string& text)
+{
+    std::string name;
+    for (const char c : text) {
+        if (c != ' ' && c != '\t' && c != '"')
+            name.push_back(c >= 'a' && c <= 'z' ? static_cast<char>(c - 32) : c);
+    }
+    return name;
+}
+
+std::optional<int> whole(const std::string& text, int lowest, int highest)
+{
+    const auto number = parseWholeNumber(plainName(text));
+    if (!number || *number < static_cast<std::uint64_t>(lowest) || *number > static_cast<std::uint64_t>(highest))
+        return std::nullopt;
+    return static_cast<int>(*number);
+}
+
+std::optional<double> decimal(const std::string& text, double lowest, double highest)
+{
+    const auto number = parseDecimal(plainName(text));
+    return number && *number >= lowest && *number <= highest ? number : std::nullopt;
+}
+
+template <typename Value> void assign(std::optional<Value>& variable, const std::optional<Value>& value)
+{
+    if (value)
+        variable = value;
+}
+
+} // namespace
+
+void PjlEnvironment::set(const std::string& language, const std::string& name, const std::string& value)
+{
+    const std::string plain = plainName(value);
+    if (name == "PAPER") {
+        const auto paper
+            = std::find_if(s_papers.begin(), s_papers.end(), [&](const Paper& p) { return plain == p.name; });
+        if (paper != s_papers.end())
+            paperCode = paper->code;
+        else if (plain == "CUSTOM")
+            paperCode = 101;
+    } else if (name == "PAPERWIDTH") {
+        assign(customWidth, decimal(value, 1, 432000));
+    } else if (name == "PAPERLENGTH") {
+        assign(customLength, decimal(value, 1, 432000));
+    } else if (name == "ORIENTATION") {
+        if (plain == "PORTRAIT" || plain == "LANDSCAPE")
+            orientation = plain == "LANDSCAPE" ? 1 : 0;
+    } else if (name == "FORMLINES") {
+        assign(formLines, whole(value, 5, 128));
+    } else if (name == "RENDERMODE" || name == "COLORMODE") {
+        isGray = plain == "GRAYSCALE" || plain == "GRAY" || plain == "MONO" || plain == "MONOCHROME";
+    } else if (name == "PERSONALITY") {
+        personality = plain;
+    } else if (language == "PCL") {
+        if (name == "SYMSET") {
+            const auto set = std::find_if(
+                s_symbolSets.begin(), s_symbolSets.end(), [&](const SymbolSetName& s) { return plain == s.name; });
+            if (set != s_symbolSets.end())
+                symbolSet = set->number * 32 + set->letter - 64;
+        } else if (name == "FONTNUMBER") {
+            assign(fontNumber, whole(value, 0, 999));
+        } else if (name == "PITCH") {
+            assign(pitch, decimal(value, 0.44, 99.99));
+        } else if (name == "PTSIZE") {
+            assign(pointSize, decimal(value, 4, 999.75));
+        } else if (name == "LINETERMINATION") {
+            assign(lineTermination, whole(value, 0, 3));
+        }
+    }
+}
+
+std::optional<PaperSize> paperSizeOfCode(int code)
+{
+    const auto paper
+        = std::find_if(s_papers.begin(), s_papers.end(), [code](const Paper& p) { return p.code == code; });
+    return paper == s_papers.end() ? std::nullopt : std::optional<PaperSize>(paper->size);
+}
+
+} // namespace quillrip::stream

@@ -1,0 +1,85 @@
+#include "quillrip/job/child_process.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <string>
+
+namespace quillrip {
+namespace {
+
+struct Input {
+    explicit Input(const std::string& text)
+        : file(std::tmpfile())
+    {
+        std::fputs(text.c_str(), file);
+        std::fflush(file);
+    }
+    ~Input() { std::fclose(file); }
+    int descriptor() const { return ::fileno(file); }
+    std::FILE* file;
+};
+
+std::string allOf(InputStream& stream)
+{
+    std::string text;
+    for (int c = stream.get(); c >= 0; c = stream.get())
+        text.push_back(static_cast<char>(c));
+    return text;
+}
+
+TEST(ChildProcess, ReadsItsInputFromTheStart)
+{
+    const Input input("hello\n");
+    ChildProcess child;
+    ASSERT_TRUE(child.start({ "/bin/cat" }, input.descriptor()));
+    EXPECT_EQ(allOf(child.output()), "hello\n");
+    EXPECT_TRUE(child.finish());
+}
+
+TEST(ChildProcess, ErrorsDoNotStopItsOutput)
+{
+    const Input input("");
+    ChildProcess child;
+    // More than a pipe holds on both ways out.
+    ASSERT_TRUE(
+        child.start({ "/bin/sh", "-c",
+                        "echo first >&2; i=0; while [ $i -lt 3000 ]; do echo 0123456789012345678901234567890123456789; "
+                        "echo 0123456789012345678901234567890123456789 >&2; i=$((i+1)); done; exit 3" },
+            input.descriptor()));
+    EXPECT_EQ(allOf(child.output()).size(), 3000u * 41);
+    EXPECT_FALSE(child.finish());
+    EXPECT_EQ(child.complaint(), "first");
+}
+
+TEST(ChildProcess, OptionsInTheEnvironmentDoNotReachIt)
+{
+    ::setenv("GS_OPTIONS", "-dNOSAFER", 1);
+    const Input input("");
+    ChildProcess child;
+    ASSERT_TRUE(child.start({ "/bin/sh", "-c", "echo \"[$GS_OPTIONS]\"; pwd" }, input.descriptor()));
+    EXPECT_EQ(allOf(child.output()), "[]\n/\n");
+    EXPECT_TRUE(child.finish());
+    ::unsetenv("GS_OPTIONS");
+}
+
+TEST(ChildProcess, AProgramThatIsNotThereFails)
+{
+    const Input input("");
+    ChildProcess child;
+    EXPECT_TRUE(child.start({ "/no/such/program" }, input.descriptor()));
+    EXPECT_EQ(allOf(child.output()), "");
+    EXPECT_FALSE(child.finish());
+}
+
+TEST(ChildProcess, EndsWithItsOwner)
+{
+    const Input input("");
+    ChildProcess child;
+    // Nothing would end this program by itself within the test's time.
+    ASSERT_TRUE(child.start({ "/bin/sh", "-c", "echo started; sleep 100000" }, input.descriptor()));
+    EXPECT_EQ(child.output().get(), 's');
+}
+
+} // namespace
+} // namespace quillrip
