@@ -1,0 +1,14 @@
+#pragma once
+
+#include "quillrip/raster/clip_region.h"
+#include "quillrip/raster/path.h"
+
+#include <cstddef>
+
+namespace quillrip::pclxl {
+
+/// The edges of a region that is no rectangle, as closed polygons along the pixels' sides, in device pixels. Filled by
+/// either rule they give the region's pixels again. Stops at `maxPoints`.
+Path outlineOfRegion(const ClipRegion& region, std::size_t maxPoints);
+
+} // namespace quillrip::pclxl

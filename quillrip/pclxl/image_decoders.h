@@ -1,0 +1,42 @@
+#pragma once
+
+#include "quillrip/pclxl/status.h"
+#include "quillrip/pclxl/tag_reader.h"
+
+#include <cstddef>
+#include <cstdint>
+
+namespace quillrip::pclxl {
+
+enum class Compression : std::uint8_t { None = 0, RunLength = 1, Jpeg = 2, DeltaRow = 3 };
+
+/// The rows of one block of an image, before compression.
+struct BlockLayout {
+    std::uint32_t width = 0; ///< pixels
+    std::uint32_t height = 0; ///< rows of the whole image
+    int components = 1; ///< 1 for indexed pixels
+    int bitsPerComponent = 8;
+    std::size_t rowBytes = 0; ///< of the pixels alone
+    std::uint32_t padding = 4; ///< rows are padded to a multiple of this many bytes
+
+    std::size_t paddedRowBytes() const { return (rowBytes + padding - 1) / padding * padding; }
+};
+
+/// Gets each decoded row: rowBytes bytes that are valid during the call.
+class RowSink {
+public:
+    virtual ~RowSink() = default;
+    virtual void row(const std::uint8_t* pixels) = 0;
+};
+
+/// Decodes `rows` rows of a block from its embedded data. Needs memory for one row, whatever the block's height. Rows
+/// decoded before an error have gone to the sink. MissingData when the data end too soon, IllegalDataValue when they
+/// are no JPEG stream.
+Status decodeBlock(
+    Compression compression, EmbeddedData& data, const BlockLayout& layout, std::uint32_t rows, RowSink& sink);
+
+/// One complete JFIF stream. Its pixels count as the layout says: gray or RGB; a row is cut or padded with white, and
+/// rows beyond the stream's height do not come.
+Status decodeJpegBlock(EmbeddedData& data, const BlockLayout& layout, std::uint32_t rows, RowSink& sink);
+
+} // namespace quillrip::pclxl
