@@ -5,13 +5,13 @@
 #include "quillrip/fonts/font_reporter.h"
 #include "quillrip/fonts/soft_font.h"
 
+#include <functional>
 #include <map>
 #include <string>
 #include <vector>
 
 namespace quillrip {
 
-class FaceFiles;
 class InternalFaces;
 
 /// The seven attributes of a font selection.
@@ -62,6 +62,10 @@ public:
     /// Call before adding a character: false when the memory limit is reached.
     bool hasRoomFor(std::size_t bytes) const;
 
+    /// Who finds the built-in face that stands in for outlines that cannot be drawn.
+    using ShapeFinder = std::function<std::shared_ptr<const Typeface>(const FontTraits&)>;
+    void setShapeFinder(ShapeFinder finder) { m_shapeFinder = std::move(finder); }
+
     struct Entry {
         std::shared_ptr<SoftFont> font;
         bool isPermanent = false;
@@ -71,6 +75,7 @@ public:
 private:
     std::size_t m_limit;
     std::map<SoftFontKey, Entry> m_entries;
+    ShapeFinder m_shapeFinder;
 };
 
 /// All fonts of a job: the built-in faces (files opened when first used), soft fonts, user-defined symbol sets.
@@ -116,6 +121,8 @@ private:
         std::shared_ptr<const SymbolSet> set;
         bool isPermanent = false;
     };
+
+    std::shared_ptr<const Typeface> selectInternal(const FontRequest& request) const;
 
     DiagnosticSink* m_sink;
     SoftFontStore m_softFonts;

@@ -24,8 +24,9 @@ struct FontTraits {
     std::uint64_t complement = 0; ///< unbound soft fonts: bit set = symbol collection missing; 0 = all there
     bool isScalable = true;
     bool isProportional = true;
-    double pitch = 0; ///< bitmap, fixed: characters per inch
-    double height = 0; ///< bitmap: points
+    bool isFixedSize = false; ///< comes in one size only: every bitmap face, and one of the built-in ones
+    double pitch = 0; ///< of a face of one size, fixed: characters per inch
+    double height = 0; ///< of a face of one size: points
     std::uint16_t style = 0; ///< posture + 4 * width + 32 * structure
     int weight = 0; ///< -7 to 7, 0 medium, 3 bold
     std::uint16_t family = 0; ///< typeface family number

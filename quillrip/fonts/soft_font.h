@@ -27,6 +27,9 @@ public:
     /// An independent copy, with an id() of its own.
     virtual std::shared_ptr<SoftFont> copy() const = 0;
 
+    /// The built-in face whose shapes stand for outlines that cannot be drawn; SoftFontStore::put() gives it.
+    virtual void lendShapes(std::shared_ptr<const Typeface> face) { (void)face; }
+
     /// Memory held, for Limits::fontBytes.
     virtual std::size_t bytes() const = 0;
 };

@@ -58,7 +58,7 @@ protected:
     Typeface();
 
     FontTraits m_traits;
-    std::uint32_t m_revision = 0;
+    mutable std::uint32_t m_revision = 0;
 
 private:
     std::uint32_t m_id;
