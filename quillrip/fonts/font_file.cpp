@@ -15,8 +15,8 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// Type 1 first among the forms of one font: its glyph names give a Unicode map even for symbol fonts.
-constexpr std::array<const char*, 4> kExtensions { ".t1", ".otf", ".ttf", ".pfb" };
+/// OpenType first among the forms of one font: it opens fastest.
+constexpr std::array<const char*, 4> kExtensions { ".otf", ".ttf", ".t1", ".pfb" };
 
 /// Walking the system's folders stops here; no installation comes near.
 constexpr int kMostSystemFiles = 20000;

@@ -54,7 +54,7 @@ public:
     explicit FontFiles(std::vector<std::string> folders);
     ~FontFiles();
 
-    /// `stem` is the file's name without its extension: .otf, .t1, .ttf and .pfb are tried. Null when there is no such
+    /// `stem` is the file's name without its extension: .otf, .ttf, .t1 and .pfb are tried. Null when there is no such
     /// file in any folder, or none that can be opened.
     const FontFile* open(const std::string& stem);
 

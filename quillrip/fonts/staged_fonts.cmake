@@ -1,0 +1,90 @@
+# The fonts that the built-in faces are drawn with, copied beside the application bundle: PRISMO_DIST_DIR/fonts in the
+# build tree, <prefix>/fonts after installation. They stay separate files with their packages' licence texts.
+#
+# A missing package is no error: the backend also looks in the system's font folders, and says what it misses.
+
+set(staged_fonts_urw-base35
+    C059-BdIta C059-Bold C059-Italic C059-Roman
+    D050000L
+    NimbusMonoPS-Bold NimbusMonoPS-BoldItalic NimbusMonoPS-Italic NimbusMonoPS-Regular
+    NimbusRoman-Bold NimbusRoman-BoldItalic NimbusRoman-Italic NimbusRoman-Regular
+    NimbusSans-Bold NimbusSans-BoldItalic NimbusSans-Italic NimbusSans-Regular
+    NimbusSansNarrow-Bold NimbusSansNarrow-BoldOblique NimbusSansNarrow-Oblique NimbusSansNarrow-Regular
+    P052-Bold P052-BoldItalic P052-Italic P052-Roman
+    StandardSymbolsPS
+    URWBookman-Demi URWBookman-DemiItalic URWBookman-Light URWBookman-LightItalic
+    URWGothic-Book URWGothic-BookOblique URWGothic-Demi URWGothic-DemiOblique
+    Z003-MediumItalic
+)
+set(staged_fonts_liberation2
+    LiberationMono-Bold LiberationMono-Italic LiberationMono-Regular
+    LiberationSans-Bold LiberationSans-BoldItalic LiberationSans-Italic LiberationSans-Regular
+    LiberationSerif-Bold LiberationSerif-BoldItalic LiberationSerif-Italic LiberationSerif-Regular
+)
+set(staged_fonts_dejavu-core DejaVuSans DejaVuSansMono)
+
+# fonts-liberation carries the same faces under another folder in other releases of the distribution.
+set(PRISMO_FONT_FOLDERS
+    /usr/share/fonts/opentype/urw-base35
+    /usr/share/fonts/truetype/liberation2
+    /usr/share/fonts/truetype/liberation
+    /usr/share/fonts/truetype/dejavu
+    CACHE STRING "Folders that fonts are copied from, first match wins"
+)
+
+set(staged_font_sources)
+set(staged_font_copies)
+set(missing_packages)
+foreach(package urw-base35 liberation2 dejavu-core)
+    foreach(stem IN LISTS staged_fonts_${package})
+        set(source "")
+        foreach(folder IN LISTS PRISMO_FONT_FOLDERS)
+            foreach(extension otf ttf)
+                if(NOT source AND EXISTS "${folder}/${stem}.${extension}")
+                    set(source "${folder}/${stem}.${extension}")
+                endif()
+            endforeach()
+        endforeach()
+        if(source)
+            list(APPEND staged_font_sources "${source}")
+        else()
+            list(APPEND missing_packages "fonts-${package}")
+        endif()
+    endforeach()
+endforeach()
+
+foreach(source IN LISTS staged_font_sources)
+    get_filename_component(name "${source}" NAME)
+    set(copy "${PRISMO_DIST_DIR}/fonts/${name}")
+    add_custom_command(
+        OUTPUT "${copy}"
+        COMMAND "${CMAKE_COMMAND}" -E copy "${source}" "${copy}"
+        DEPENDS "${source}"
+        VERBATIM
+    )
+    list(APPEND staged_font_copies "${copy}")
+    install(FILES "${source}" DESTINATION fonts)
+endforeach()
+
+foreach(package urw-base35 liberation2 dejavu-core)
+    set(licence "/usr/share/doc/fonts-${package}/copyright")
+    if(EXISTS "${licence}")
+        set(copy "${PRISMO_DIST_DIR}/fonts/licences/fonts-${package}.txt")
+        add_custom_command(
+            OUTPUT "${copy}"
+            COMMAND "${CMAKE_COMMAND}" -E copy "${licence}" "${copy}"
+            DEPENDS "${licence}"
+            VERBATIM
+        )
+        list(APPEND staged_font_copies "${copy}")
+        install(FILES "${licence}" DESTINATION fonts/licences RENAME "fonts-${package}.txt")
+    endif()
+endforeach()
+
+if(missing_packages)
+    list(REMOVE_DUPLICATES missing_packages)
+    list(JOIN missing_packages ", " missing_text)
+    message(WARNING "Fonts are missing; text will be drawn with what the system has. Install: ${missing_text}")
+endif()
+
+add_custom_target(prismo_fonts ALL DEPENDS ${staged_font_copies})
