@@ -31,7 +31,7 @@ public:
         const Environment& environment);
     ~Interpreter();
 
-    /// New user defaults, in force from the next reset; a universal exit has just made one.
+    /// New user defaults, to be called between a universal exit and the next run.
     void setEnvironment(const Environment& environment);
 
     /// Prints what comes until the input or this stretch of PCL ends. May be called again for the next stretch.

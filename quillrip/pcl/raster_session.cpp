@@ -1,0 +1,184 @@
+#include "quillrip/pcl/raster_session.h"
+
+#include "quillrip/pcl/row_decoder.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace quillrip::pcl {
+
+namespace {
+
+constexpr int kAdaptive = 5;
+constexpr int kNearLossless = 10;
+
+/// What is meant as a whole number, or as a number of few decimals, is made one again: the painter copies pixels where
+/// scale factors are exactly whole, and rounds halves up.
+double cleaned(double value) { return std::floor(value * 65536 + 0.5) / 65536; }
+
+double cleanedScale(double value)
+{
+    const double whole = std::round(value);
+    return std::abs(value - whole) < 1e-9 ? whole : value;
+}
+
+} // namespace
+
+RasterSession::RasterSession(Setup setup, std::function<Painter*()> painter)
+    : m_setup(std::move(setup))
+    , m_painter(std::move(painter))
+{
+    for (const RasterLayout::Transfer& transfer : m_setup.layout.transfers())
+        m_planes.emplace_back(transfer.rowBytes, std::uint8_t { 0 });
+}
+
+RasterSession::~RasterSession() { stopImage(); }
+
+Position RasterSession::cursor() const
+{
+    return { m_setup.origin.x, m_setup.origin.y + std::llround(static_cast<double>(m_row) * m_setup.pixelHeight) };
+}
+
+void RasterSession::clearSeeds()
+{
+    for (std::vector<std::uint8_t>& plane : m_planes)
+        std::fill(plane.begin(), plane.end(), std::uint8_t { 0 });
+    m_seedsAreFresh = true;
+    m_nextTransfer = 0;
+}
+
+RasterSession::Outcome RasterSession::decodePlane(ByteView data, int method)
+{
+    if (m_nextTransfer >= m_planes.size())
+        return Outcome::Fine;
+    std::vector<std::uint8_t>& plane = m_planes[m_nextTransfer];
+    const int forced = m_setup.layout.transfers()[m_nextTransfer].method;
+    ++m_nextTransfer;
+    if (forced >= 0)
+        method = forced;
+    // The method of photographs starts from white paper.
+    if (method == kNearLossless && m_seedsAreFresh)
+        std::fill(plane.begin(), plane.end(), std::uint8_t { 255 });
+    return decodeRow(method, data, plane) ? Outcome::Fine : Outcome::UnknownMethod;
+}
+
+RasterSession::Outcome RasterSession::transferPlane(ByteView data, int method) { return decodePlane(data, method); }
+
+RasterSession::Outcome RasterSession::transferRow(ByteView data, int method)
+{
+    if (method == kAdaptive && m_planes.size() == 1) {
+        const bool isWhole = decodeAdaptive(data, m_planes[0], [this](int count) {
+            m_seedsAreFresh = false;
+            emitRow(m_setup.layout.compose(m_planes, 0, m_pixels), count);
+            return true;
+        });
+        return isWhole ? Outcome::Fine : Outcome::BadBlock;
+    }
+    const Outcome outcome = decodePlane(data, method);
+    // Planes that were not sent for this row are zero.
+    for (; m_nextTransfer < m_planes.size(); ++m_nextTransfer)
+        std::fill(m_planes[m_nextTransfer].begin(), m_planes[m_nextTransfer].end(), std::uint8_t { 0 });
+    m_seedsAreFresh = false;
+    m_nextTransfer = 0;
+    emitSet();
+    return outcome;
+}
+
+void RasterSession::emitSet()
+{
+    for (int subRow = 0; subRow < m_setup.layout.rowsPerSet(); ++subRow)
+        emitRow(m_setup.layout.compose(m_planes, subRow, m_pixels), 1);
+}
+
+int RasterSession::rowsUntilPageEnd() const
+{
+    const double top = static_cast<double>(m_setup.origin.y) + static_cast<double>(m_row) * m_setup.pixelHeight;
+    const double rows = std::ceil((static_cast<double>(m_setup.pageEnd) - top) / m_setup.pixelHeight);
+    return static_cast<int>(std::clamp(rows, 0.0, 1e6));
+}
+
+void RasterSession::emitRow(const std::uint8_t* pixels, int count)
+{
+    int visible = std::min(count, rowsUntilPageEnd());
+    if (m_setup.height)
+        visible = static_cast<int>(std::clamp<std::int64_t>(*m_setup.height - m_row, 0, visible));
+    if (visible > 0 && !m_imageStarted)
+        startImage();
+    if (m_image) {
+        const std::size_t bytes = m_setup.layout.format() == ImageFormat::Mono
+            ? (static_cast<std::size_t>(m_setup.layout.width()) + 7) / 8
+            : static_cast<std::size_t>(m_setup.layout.width()) * 3;
+        const std::uint8_t white = m_setup.layout.format() == ImageFormat::Mono ? 0 : 255;
+        if (std::all_of(pixels, pixels + bytes, [white](std::uint8_t byte) { return byte == white; })) {
+            m_image->blankRows(visible);
+        } else {
+            for (int i = 0; i < visible; ++i)
+                m_image->row(pixels);
+        }
+    }
+    m_row += count;
+}
+
+bool RasterSession::zeroRowsLeaveMarks() const
+{
+    return m_setup.hasDeclaredArea && (!m_setup.paint.sourceTransparent || !m_setup.layout.zeroIsWhite());
+}
+
+void RasterSession::emitZeroRows(int count) { emitRow(m_setup.layout.compose(m_planes, 0, m_pixels), count); }
+
+void RasterSession::skipRows(int count)
+{
+    if (count <= 0)
+        return;
+    clearSeeds();
+    if (zeroRowsLeaveMarks()) {
+        emitZeroRows(count);
+        return;
+    }
+    // Nothing is drawn there, so the image may begin anew below.
+    stopImage();
+    m_row += count;
+}
+
+Position RasterSession::finish()
+{
+    if (m_nextTransfer > 0) {
+        // A row whose last plane never came.
+        m_nextTransfer = 0;
+    }
+    if (m_setup.height && m_row < *m_setup.height) {
+        clearSeeds();
+        if (zeroRowsLeaveMarks())
+            emitZeroRows(static_cast<int>(*m_setup.height - m_row));
+        m_row = *m_setup.height;
+    }
+    stopImage();
+    return cursor();
+}
+
+void RasterSession::startImage()
+{
+    m_imageStarted = true;
+    Painter* painter = m_painter();
+    if (!painter)
+        return;
+    ImageGeometry geometry;
+    geometry.format = m_setup.layout.format();
+    geometry.width = m_setup.layout.width();
+    const double top = static_cast<double>(m_setup.origin.y) + static_cast<double>(m_row) * m_setup.pixelHeight;
+    const Matrix placed = Matrix::scaling(m_setup.pixelWidth, m_setup.pixelHeight)
+        * Matrix::translation(static_cast<double>(m_setup.origin.x), top) * m_setup.unitsToDevice;
+    geometry.imageToDevice = { cleanedScale(placed.a), cleanedScale(placed.b), cleanedScale(placed.c),
+        cleanedScale(placed.d), cleaned(placed.e), cleaned(placed.f) };
+    m_image = painter->beginImage(geometry, m_setup.paint);
+}
+
+void RasterSession::stopImage()
+{
+    if (m_image)
+        m_image->finish();
+    m_image.reset();
+    m_imageStarted = false;
+}
+
+} // namespace quillrip::pcl

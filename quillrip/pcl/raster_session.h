@@ -1,0 +1,74 @@
+#pragma once
+
+#include "quillrip/pcl/page_layout.h"
+#include "quillrip/pcl/raster_layout.h"
+#include "quillrip/raster/painter.h"
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <vector>
+
+namespace quillrip::pcl {
+
+/// One raster from its start to its end: takes transfers, keeps seed rows, hands rows of pixels to the painter.
+class RasterSession {
+public:
+    struct Setup {
+        RasterLayout layout;
+        int direction = 0; ///< axes that the rows run along, as PageLayout counts them
+        Position origin; ///< of the first pixel, in those axes
+        double pixelWidth = 24; ///< internal units
+        double pixelHeight = 24;
+        std::optional<int> height; ///< rows; what comes after is clipped
+        /// Width and height were declared: the whole area counts as zero pixels at first.
+        bool hasDeclaredArea = false;
+        InternalUnits pageEnd = 0; ///< rows that start below are not painted
+        Matrix unitsToDevice; ///< internal units in those axes to device pixels
+        PaintState paint;
+    };
+
+    /// `painter` gives the page's painter, beginning the page when needed; null when that fails.
+    RasterSession(Setup setup, std::function<Painter*()> painter);
+    ~RasterSession();
+
+    enum class Outcome {
+        Fine,
+        UnknownMethod, ///< the data were skipped
+        BadBlock, ///< an adaptive block was cut or held an unknown record
+    };
+    /// ESC*b#V: one plane of a row.
+    Outcome transferPlane(ByteView data, int method);
+    /// ESC*b#W: the last or only plane of a row, or a block of rows.
+    Outcome transferRow(ByteView data, int method);
+    /// ESC*b#Y.
+    void skipRows(int count);
+    /// Pads a declared area and lets go of the painter. Returns where the cursor then is, in the raster's axes.
+    Position finish();
+
+    int direction() const { return m_setup.direction; }
+    Position cursor() const;
+
+private:
+    Outcome decodePlane(ByteView data, int method);
+    void emitSet();
+    void emitRow(const std::uint8_t* pixels, int count);
+    void emitZeroRows(int count);
+    void clearSeeds();
+    bool zeroRowsLeaveMarks() const;
+    int rowsUntilPageEnd() const;
+    void startImage();
+    void stopImage();
+
+    Setup m_setup;
+    std::function<Painter*()> m_painter;
+    RasterLayout::Planes m_planes;
+    std::vector<std::uint8_t> m_pixels;
+    std::size_t m_nextTransfer = 0;
+    bool m_seedsAreFresh = true;
+    std::int64_t m_row = 0; ///< rows done, painted or not
+    std::unique_ptr<ImagePainter> m_image;
+    bool m_imageStarted = false;
+};
+
+} // namespace quillrip::pcl

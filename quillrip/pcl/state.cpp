@@ -1,0 +1,53 @@
+#include "quillrip/pcl/state.h"
+
+#include <algorithm>
+
+namespace quillrip::pcl {
+
+namespace {
+
+constexpr InternalUnits kDefaultMargin = kUnitsPerInch / 2;
+constexpr InternalUnits kSixLinesPerInch = kUnitsPerInch / 6;
+
+} // namespace
+
+InternalUnits defaultTextBottom(InternalUnits top, InternalUnits pageLength)
+{
+    return std::max(top, pageLength - kDefaultMargin);
+}
+
+TextArea defaultTextArea(const PageLayout& page)
+{
+    const InternalUnits top = std::min(kDefaultMargin, page.length());
+    return { 0, top, page.width(), defaultTextBottom(top, page.length()) };
+}
+
+InternalUnits defaultLineSpacing(const Environment& environment, const PageLayout& page)
+{
+    if (environment.formLines < 5 || environment.formLines > 128)
+        return kSixLinesPerInch;
+    return std::max<InternalUnits>(1, (page.length() - 2 * kDefaultMargin) / environment.formLines);
+}
+
+State defaultState(const Environment& environment)
+{
+    State state;
+    const PageSize* size = findPageSize(environment.pageSize);
+    const PageSize custom = customPageSize(environment.customWidth, environment.customLength);
+    const bool isCustom = environment.pageSize == 101 && custom.dotsWide > 150 && custom.dotsLong > 150;
+    if (!size)
+        size = findPageSize(2);
+    state.page = PageLayout(isCustom ? custom : *size, environment.orientation);
+    state.text = defaultTextArea(state.page);
+    state.lineSpacing = defaultLineSpacing(environment, state.page);
+    state.lineTermination = environment.lineTermination;
+    state.wrapsLines = environment.wrapLines;
+    for (FontSlot& slot : state.fonts) {
+        slot.request.symbolSet = static_cast<std::uint16_t>(environment.symbolSet);
+        slot.request.pitch = environment.pitch;
+        slot.request.height = environment.pointSize;
+    }
+    return state;
+}
+
+} // namespace quillrip::pcl

@@ -1,0 +1,114 @@
+#pragma once
+
+#include "quillrip/fonts/font_library.h"
+#include "quillrip/pcl/environment.h"
+#include "quillrip/pcl/macro_store.h"
+#include "quillrip/pcl/page_layout.h"
+#include "quillrip/pcl/palette.h"
+#include "quillrip/pcl/pattern_store.h"
+
+#include <array>
+#include <optional>
+
+namespace quillrip::pcl {
+
+/// Distances from the logical page's upper left corner, in the axes of the present print direction.
+struct TextArea {
+    InternalUnits left = 0;
+    InternalUnits top = 0;
+    InternalUnits right = 0;
+    InternalUnits bottom = 0;
+};
+
+/// The primary or the secondary font: what was asked for, and what came of it.
+struct FontSlot {
+    FontRequest request;
+    std::optional<ResourceKey> selectedById;
+    Font font;
+    bool isStale = true; ///< selection is to be run before the font is used
+};
+
+enum class Underline { Off, Fixed, Floating };
+
+/// What ESC*t, ESC*r and ESC*b set before a raster starts and what stays after it.
+struct RasterSettings {
+    double resolution = 75; ///< dots per inch
+    int presentation = 3;
+    std::optional<int> width; ///< source pixels
+    std::optional<int> height; ///< source rows
+    InternalUnits destinationWidth = 0; ///< 0: unset
+    InternalUnits destinationHeight = 0;
+    int compression = 0;
+    InternalUnits leftMargin = 0;
+    std::vector<std::uint8_t> componentData; ///< ESC*g#W: overrides resolution and colour planes; empty: none
+};
+
+/// The HP-GL/2 picture frame, in the orientation's own axes.
+struct FrameSettings {
+    InternalUnits width = 0; ///< 0: default
+    InternalUnits height = 0;
+    std::optional<Position> anchor;
+    double plotWidth = 0; ///< inches; 0: default
+    double plotHeight = 0;
+};
+
+/// The modified print environment: everything that a macro call saves and restores, and nothing else. Copying it is
+/// the save. The cursor and its stack, soft fonts, macros, patterns and symbol sets are not part of it.
+struct State {
+    PageLayout page;
+    InternalUnits registrationX = 0;
+    InternalUnits registrationY = 0;
+    int direction = 0; ///< print direction in quarter turns counter-clockwise
+    TextArea text;
+    bool skipsPerforation = true;
+    InternalUnits lineSpacing = 1200; ///< VMI
+    InternalUnits columnWidth = 720; ///< HMI
+    int unitsPerInch = 300; ///< PCL units
+    int lineTermination = 0;
+    bool wrapsLines = false;
+    bool isMonochrome = false; ///< ESC&b1M
+    int duplex = 0; ///< as in ESC&l#S
+
+    std::array<FontSlot, 2> fonts; ///< primary, secondary
+    std::size_t activeFont = 0;
+    std::shared_ptr<const Typeface> hmiFace; ///< the face that the column width was last set for
+    double hmiHeight = 0;
+    double hmiPitch = 0;
+    Underline underline = Underline::Off;
+    int textParsing = 0;
+    bool isVerticalText = false;
+
+    ResourceKey fontKey;
+    std::uint32_t characterCode = 0;
+    int symbolSetCode = 0;
+    ResourceKey macroKey;
+    int patternId = 0;
+
+    PatternChoice pattern;
+    bool sourceTransparent = true;
+    bool patternTransparent = true;
+    std::uint8_t rasterOperation = 252;
+    bool isGridCentred = false;
+    Position patternReference; ///< direction 0
+    bool patternFollowsDirection = true;
+    InternalUnits rectangleWidth = 0;
+    InternalUnits rectangleHeight = 0;
+
+    RasterSettings raster;
+    PaletteStore palettes;
+    int paletteControlId = 0;
+    Components colorComponents { 0, 0, 0 };
+    Rgb foreground { 0, 0, 0 };
+
+    FrameSettings frame;
+};
+
+/// User defaults: what a reset leaves.
+State defaultState(const Environment& environment);
+/// The default text area of a page in direction 0: half an inch free above and below.
+TextArea defaultTextArea(const PageLayout& page);
+/// What ESC&l#E leaves for text: down to half an inch above the end of the page, where there is that much.
+InternalUnits defaultTextBottom(InternalUnits top, InternalUnits pageLength);
+InternalUnits defaultLineSpacing(const Environment& environment, const PageLayout& page);
+
+} // namespace quillrip::pcl

@@ -1,0 +1,210 @@
+#include "quillrip/pcl/tokenizer.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+
+namespace quillrip::pcl {
+
+namespace {
+
+constexpr int kEscape = 0x1B;
+/// Larger numbers mean nothing more, but must neither wrap nor lose their digits' place.
+constexpr double kLargestValue = 4294967295.0;
+
+bool isParameterised(int c) { return c >= 0x21 && c <= 0x2F; }
+bool isTwoCharacter(int c) { return c >= 0x30 && c <= 0x7E; }
+bool isGroup(int c) { return c >= 0x60 && c <= 0x7E; }
+bool isChaining(int c) { return c >= 0x60 && c <= 0x7E; }
+bool isTermination(int c) { return c >= 0x40 && c <= 0x5E; }
+bool isDigit(int c) { return c >= '0' && c <= '9'; }
+/// Codes that act in every symbol set. The others may be printable, which the current font decides.
+bool isControl(int c) { return c == 0 || (c >= 0x07 && c <= 0x0F); }
+
+} // namespace
+
+int Value::integer() const { return static_cast<int>(std::clamp(std::trunc(number), -2147483647.0, 2147483647.0)); }
+
+int Tokenizer::take()
+{
+    const int byte = m_stream.get();
+    if (m_record && byte >= 0) {
+        if (m_record->size() < m_recordLimit)
+            m_record->push_back(static_cast<std::uint8_t>(byte));
+        else
+            m_recordOverflowed = true;
+    }
+    return byte;
+}
+
+Token Tokenizer::next()
+{
+    while (true) {
+        if (m_record)
+            m_recordedBeforeToken = m_record->size();
+        if (m_inSequence) {
+            Token token = parameter();
+            if (token.kind != Token::Kind::End)
+                return token;
+            continue;
+        }
+        Token token;
+        token.offset = m_stream.offset();
+        const int byte = take();
+        if (byte < 0)
+            return token;
+        if (byte == kEscape) {
+            token = escape();
+            if (token.kind != Token::Kind::End)
+                return token;
+            continue;
+        }
+        token.byte = static_cast<std::uint8_t>(byte);
+        token.kind = isControl(byte) ? Token::Kind::Control : Token::Kind::Text;
+        return token;
+    }
+}
+
+// Called after the ESC. An End token means: nothing came of it, go on.
+Token Tokenizer::escape()
+{
+    Token token;
+    token.offset = m_stream.offset() - 1;
+    const int byte = m_stream.peek();
+    if (isTwoCharacter(byte)) {
+        take();
+        token.kind = Token::Kind::TwoCharacter;
+        token.byte = static_cast<std::uint8_t>(byte);
+    } else if (isParameterised(byte)) {
+        take();
+        m_prefix = static_cast<char>(byte);
+        m_group = 0;
+        if (isGroup(m_stream.peek()))
+            m_group = static_cast<char>(take());
+        m_inSequence = true;
+    }
+    // Anything else: the ESC is dropped, and the byte is taken as what it is.
+    return token;
+}
+
+Token Tokenizer::parameter()
+{
+    Token token;
+    token.offset = m_stream.offset();
+    token.prefix = m_prefix;
+    token.group = m_group;
+    readValue(token.value);
+    const int byte = m_stream.peek();
+    if (isChaining(byte) || isTermination(byte)) {
+        take();
+        token.kind = Token::Kind::Command;
+        token.chained = isChaining(byte);
+        token.terminator = static_cast<char>(token.chained ? byte - 0x20 : byte);
+        m_inSequence = token.chained;
+        return token;
+    }
+    // Another ESC, a control code or a stray byte ends the sequence; the byte then means what it means in text.
+    m_inSequence = false;
+    return token;
+}
+
+void Tokenizer::readValue(Value& value)
+{
+    bool negative = false;
+    bool inFraction = false;
+    double place = 0.1;
+    while (true) {
+        const int byte = m_stream.peek();
+        if (byte == '+' || byte == '-') {
+            value.hasSign = true;
+            negative = byte == '-';
+        } else if (byte == '.') {
+            inFraction = true;
+        } else if (isDigit(byte)) {
+            value.hasDigits = true;
+            if (!inFraction) {
+                value.number = std::min(value.number * 10 + (byte - '0'), kLargestValue);
+            } else if (place > 0.00005) {
+                // Four decimals count, further digits are discarded.
+                value.number += place * (byte - '0');
+                place /= 10;
+            }
+        } else {
+            break;
+        }
+        take();
+    }
+    if (negative)
+        value.number = -value.number;
+}
+
+std::uint64_t Tokenizer::takeData(std::uint64_t count, std::vector<std::uint8_t>& data, std::size_t keep)
+{
+    // Grown as the bytes arrive: a count from the stream is no reason yet to allocate.
+    constexpr std::uint64_t kStep = 256 * 1024;
+    std::uint64_t taken = 0;
+    const std::uint64_t wanted = std::min<std::uint64_t>(count, keep);
+    while (taken < wanted) {
+        const auto step = static_cast<std::size_t>(std::min(kStep, wanted - taken));
+        const std::size_t start = data.size();
+        data.resize(start + step);
+        const std::size_t got = m_stream.read(data.data() + start, step);
+        data.resize(start + got);
+        taken += got;
+        if (m_record) {
+            const std::size_t room = m_recordLimit - std::min(m_recordLimit, m_record->size());
+            const auto from = data.begin() + static_cast<std::ptrdiff_t>(start);
+            m_record->insert(m_record->end(), from, from + static_cast<std::ptrdiff_t>(std::min(got, room)));
+            m_recordOverflowed = m_recordOverflowed || got > room;
+        }
+        if (got < step)
+            return taken;
+    }
+    return taken + (count > wanted ? skipData(count - wanted) : 0);
+}
+
+std::uint64_t Tokenizer::skipData(std::uint64_t count)
+{
+    if (!m_record)
+        return m_stream.skip(count);
+    std::uint64_t taken = 0;
+    while (taken < count && take() >= 0)
+        ++taken;
+    return taken;
+}
+
+bool Tokenizer::resumeIfContinued(char prefix, char group, const char* terminators)
+{
+    const ByteView ahead = m_stream.window(8);
+    std::size_t digits = 0;
+    while (digits < ahead.size && isDigit(ahead[digits]))
+        ++digits;
+    if (digits == 0 || digits == ahead.size || !std::strchr(terminators, ahead[digits]) || ahead[digits] == 0)
+        return false;
+    m_inSequence = true;
+    m_prefix = prefix;
+    m_group = group;
+    return true;
+}
+
+void Tokenizer::startRecording(std::vector<std::uint8_t>& record, std::size_t limit)
+{
+    m_record = &record;
+    m_recordLimit = limit;
+    m_recordOverflowed = false;
+    if (m_inSequence) {
+        record.push_back(kEscape);
+        record.push_back(static_cast<std::uint8_t>(m_prefix));
+        if (m_group)
+            record.push_back(static_cast<std::uint8_t>(m_group));
+    }
+    m_recordedBeforeToken = record.size();
+}
+
+void Tokenizer::dropTokenFromRecord()
+{
+    if (m_record && m_record->size() > m_recordedBeforeToken)
+        m_record->resize(m_recordedBeforeToken);
+}
+
+} // namespace quillrip::pcl
