@@ -1,0 +1,167 @@
+#include "quillrip/image/encoding_pipeline.h"
+
+#include <algorithm>
+#include <new>
+#include <system_error>
+
+namespace quillrip {
+
+namespace {
+
+constexpr std::size_t kPagesInWork = 2;
+/// More than this, and there is only one page in work besides the one that is being drawn.
+constexpr std::size_t kBytesInWork = std::size_t { 256 } << 20;
+/// Pieces of a page that are encoded and wait for one before them, per thread.
+constexpr int kPiecesAhead = 4;
+
+std::size_t bytesOf(const PageBitmap& page) { return page.stride() * static_cast<std::size_t>(page.height()); }
+
+} // namespace
+
+EncodingPipeline::EncodingPipeline(unsigned threads)
+    : m_threadLimit(threads > 0 ? threads : std::clamp(std::thread::hardware_concurrency(), 1u, 4u))
+{
+}
+
+EncodingPipeline::~EncodingPipeline()
+{
+    {
+        const std::lock_guard<std::mutex> lock { m_mutex };
+        m_isEnding = true;
+    }
+    m_workChanged.notify_all();
+    for (std::thread& thread : m_threads)
+        thread.join();
+}
+
+bool EncodingPipeline::hasRoomFor(std::size_t pageBytes) const
+{
+    if (m_jobs.empty())
+        return true;
+    std::size_t bytes = pageBytes;
+    for (const auto& job : m_jobs)
+        bytes += job->pageBytes;
+    return m_jobs.size() < kPagesInWork && bytes <= kBytesInWork;
+}
+
+bool EncodingPipeline::startThread()
+{
+    try {
+        m_threads.emplace_back([this] { run(); });
+        return true;
+    } catch (const std::system_error&) {
+        return false;
+    }
+}
+
+bool EncodingPipeline::add(std::unique_ptr<PageEncoder> encoder)
+{
+    const std::size_t pageBytes = bytesOf(encoder->page());
+    std::unique_lock<std::mutex> lock { m_mutex };
+    m_progressed.wait(lock, [&] { return m_hasFailed || hasRoomFor(pageBytes); });
+    if (m_hasFailed)
+        return false;
+    auto job = std::make_unique<Job>();
+    job->pageBytes = pageBytes;
+    job->encoder = std::move(encoder);
+    job->pieceCount = job->encoder->pieceCount();
+    const auto threads
+        = std::min(m_threads.size() + static_cast<std::size_t>(job->pieceCount), std::size_t { m_threadLimit });
+    m_jobs.push_back(std::move(job));
+    while (m_threads.size() < threads && startThread()) { }
+    // A system that gives us no thread at all gets its pages encoded here.
+    while (m_threads.empty() && !m_hasFailed && !m_jobs.empty())
+        encodeOnePiece(lock, *m_jobs.front());
+    m_workChanged.notify_all();
+    return !m_hasFailed;
+}
+
+bool EncodingPipeline::drain()
+{
+    std::unique_lock<std::mutex> lock { m_mutex };
+    m_progressed.wait(lock, [this] { return m_hasFailed || m_jobs.empty(); });
+    return !m_hasFailed;
+}
+
+std::string EncodingPipeline::encodingReason() const
+{
+    const std::lock_guard<std::mutex> lock { m_mutex };
+    return m_reason;
+}
+
+EncodingPipeline::Job* EncodingPipeline::nextJob()
+{
+    for (const auto& job : m_jobs)
+        if (job->taken < job->pieceCount)
+            return job->taken - job->written < kPiecesAhead * static_cast<int>(m_threadLimit) ? job.get() : nullptr;
+    return nullptr;
+}
+
+void EncodingPipeline::run()
+{
+    std::unique_lock<std::mutex> lock { m_mutex };
+    while (true) {
+        Job* job = nullptr;
+        m_workChanged.wait(lock, [&] { return m_isEnding || (!m_hasFailed && (job = nextJob()) != nullptr); });
+        if (m_isEnding)
+            return;
+        encodeOnePiece(lock, *job);
+    }
+}
+
+void EncodingPipeline::encodeOnePiece(std::unique_lock<std::mutex>& lock, Job& job)
+{
+    const int number = job.taken++;
+    job.slots.emplace_back();
+    lock.unlock();
+    EncodedPiece piece;
+    std::string reason;
+    try {
+        reason = job.encoder->encode(number, piece);
+    } catch (const std::bad_alloc&) {
+        reason = "not enough memory to encode a page";
+    }
+    lock.lock();
+    if (!reason.empty()) {
+        m_reason = m_reason.empty() ? reason : m_reason;
+        m_hasFailed = true;
+        m_progressed.notify_all();
+        return;
+    }
+    // The job is still there: it ends when its last piece, this one perhaps, has been written.
+    Job::Slot& slot = job.slots[static_cast<std::size_t>(number - job.written)];
+    slot.piece = std::move(piece);
+    slot.isDone = true;
+    writeWhatIsDone(lock);
+}
+
+void EncodingPipeline::writeWhatIsDone(std::unique_lock<std::mutex>& lock)
+{
+    if (m_isWriting)
+        return;
+    m_isWriting = true;
+    while (!m_hasFailed && !m_jobs.empty() && !m_jobs.front()->slots.empty() && m_jobs.front()->slots.front().isDone) {
+        Job& job = *m_jobs.front();
+        const EncodedPiece piece = std::move(job.slots.front().piece);
+        const bool isFirst = job.written == 0;
+        const bool isLast = job.written == job.pieceCount - 1;
+        lock.unlock();
+        bool isGood = (!isFirst || job.encoder->begin()) && job.encoder->write(piece);
+        if (isGood && isLast)
+            isGood = job.encoder->end();
+        if (isLast)
+            job.encoder.reset(); // frees the page
+        lock.lock();
+        ++job.written;
+        job.slots.pop_front();
+        m_hasFailed = m_hasFailed || !isGood;
+        if (isLast)
+            m_jobs.pop_front();
+        if (isLast || m_hasFailed)
+            m_progressed.notify_all();
+        m_workChanged.notify_all();
+    }
+    m_isWriting = false;
+}
+
+} // namespace quillrip

@@ -1,0 +1,158 @@
+// JFIF, baseline DCT.
+//
+// Three choices: no subsampling of colour, since thin coloured lines and text on a page would get grey borders;
+// the standard Huffman tables, since tables made for the page need all its coefficients in memory (six times the
+// pixels) for a few per cent; and one level of loss for all pages.
+
+#include "quillrip/image/file_encoder.h"
+#include "quillrip/image/light_rows.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <csetjmp>
+#include <cstdio>
+
+#include <jpeglib.h>
+
+namespace quillrip {
+
+namespace {
+
+constexpr std::size_t kOutputStep = std::size_t { 256 } << 10;
+
+/// What the library calls back; its error function must not return to it.
+struct Compressor {
+    jpeg_compress_struct library {};
+    jpeg_error_mgr errors {};
+    jpeg_destination_mgr destination {};
+    std::jmp_buf failure {};
+    std::array<char, JMSG_LENGTH_MAX> message {};
+    std::vector<std::uint8_t>* out = nullptr;
+    std::size_t used = 0; ///< of `out`, before the library's present step
+};
+
+Compressor& compressorOf(j_common_ptr library) { return *static_cast<Compressor*>(library->client_data); }
+Compressor& compressorOf(j_compress_ptr library) { return *static_cast<Compressor*>(library->client_data); }
+
+void failWithMessage(j_common_ptr library)
+{
+    Compressor& compressor = compressorOf(library);
+    compressor.errors.format_message(library, compressor.message.data());
+    std::longjmp(compressor.failure, 1); // NOLINT
+}
+
+void ignoreMessage(j_common_ptr) { }
+
+/// False when there is no memory for it: an exception must not cross the library.
+bool growOutput(Compressor& compressor)
+{
+    try {
+        compressor.out->resize(compressor.used + kOutputStep);
+    } catch (const std::bad_alloc&) {
+        return false;
+    }
+    compressor.destination.next_output_byte = &(*compressor.out)[compressor.used];
+    compressor.destination.free_in_buffer = kOutputStep;
+    return true;
+}
+
+void startOutput(j_compress_ptr library)
+{
+    if (!growOutput(compressorOf(library)))
+        compressorOf(library).errors.error_exit(reinterpret_cast<j_common_ptr>(library));
+}
+
+boolean continueOutput(j_compress_ptr library)
+{
+    compressorOf(library).used += kOutputStep;
+    startOutput(library);
+    return TRUE;
+}
+
+void finishOutput(j_compress_ptr library)
+{
+    Compressor& compressor = compressorOf(library);
+    compressor.out->resize(compressor.used + kOutputStep - compressor.destination.free_in_buffer);
+}
+
+class JpegEncoder final : public FileEncoder {
+public:
+    JpegEncoder(PageBitmap&& bitmap, PageTarget target, int quality)
+        : FileEncoder(std::move(bitmap), std::move(target))
+        , m_quality(std::clamp(quality, 1, 100))
+    {
+    }
+
+    int pieceCount() const override { return 1; }
+
+    std::string encode(int, EncodedPiece& encoded) const override
+    {
+        std::vector<std::uint8_t> row(page().rowBytes() * (page().format() == PixelFormat::Bilevel ? 8 : 1));
+        Compressor compressor;
+        compressor.out = &encoded.bytes;
+        return compress(compressor, row.data()) ? std::string {} : std::string { "JPEG: " } + compressor.message.data();
+    }
+
+private:
+    /// Nothing with a destructor lives in here: errors jump back to its start.
+    bool compress(Compressor& compressor, std::uint8_t* row) const
+    {
+        jpeg_compress_struct& library = compressor.library;
+        library.err = jpeg_std_error(&compressor.errors);
+        compressor.errors.error_exit = failWithMessage;
+        compressor.errors.output_message = ignoreMessage;
+        library.client_data = &compressor;
+        if (setjmp(compressor.failure) != 0) { // NOLINT
+            jpeg_destroy_compress(&library);
+            return false;
+        }
+        jpeg_create_compress(&library);
+        library.client_data = &compressor;
+        compressor.destination.init_destination = startOutput;
+        compressor.destination.empty_output_buffer = continueOutput;
+        compressor.destination.term_destination = finishOutput;
+        library.dest = &compressor.destination;
+        const bool isColour = page().format() == PixelFormat::Rgb24;
+        library.image_width = static_cast<JDIMENSION>(page().width());
+        library.image_height = static_cast<JDIMENSION>(page().height());
+        library.input_components = isColour ? 3 : 1;
+        library.in_color_space = isColour ? JCS_RGB : JCS_GRAYSCALE;
+        jpeg_set_defaults(&library);
+        jpeg_set_quality(&library, m_quality, TRUE);
+        library.comp_info[0].h_samp_factor = 1;
+        library.comp_info[0].v_samp_factor = 1;
+        library.density_unit = 1;
+        library.X_density = dotsPerInch(page().resolution().x);
+        library.Y_density = dotsPerInch(page().resolution().y);
+        jpeg_start_compress(&library, TRUE);
+        for (int y = 0; y < page().height(); ++y) {
+            if (page().format() == PixelFormat::Bilevel)
+                lightRowAsGray(page(), y, row);
+            else
+                lightRow(page(), y, row);
+            jpeg_write_scanlines(&library, &row, 1);
+        }
+        jpeg_finish_compress(&library);
+        jpeg_destroy_compress(&library);
+        return true;
+    }
+
+    static UINT16 dotsPerInch(double value) { return static_cast<UINT16>(std::clamp(std::lround(value), 1L, 65535L)); }
+
+    int m_quality;
+};
+
+} // namespace
+
+std::unique_ptr<PageEncoder> makeJpegEncoder(PageBitmap&& page, PageTarget target, int quality, std::string& reason)
+{
+    if (page.width() > JPEG_MAX_DIMENSION || page.height() > JPEG_MAX_DIMENSION) {
+        reason = "the page has " + std::to_string(page.width()) + " x " + std::to_string(page.height())
+            + " pixels; JPEG files hold at most " + std::to_string(JPEG_MAX_DIMENSION) + " each way";
+        return nullptr;
+    }
+    return std::make_unique<JpegEncoder>(std::move(page), std::move(target), quality);
+}
+
+} // namespace quillrip

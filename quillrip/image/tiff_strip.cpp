@@ -1,0 +1,120 @@
+#include "quillrip/image/tiff_strip.h"
+
+#include "quillrip/image/light_rows.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <cstring>
+#include <new>
+
+namespace quillrip {
+
+namespace {
+
+/// A file in memory that the library writes a single strip into.
+class MemoryFile {
+public:
+    static TiffCallbacks callbacksOf(MemoryFile& file) { return { &file, read, write, seek, size }; }
+
+    const std::vector<std::uint8_t>& bytes() const { return m_bytes; }
+
+private:
+    static MemoryFile& self(thandle_t client) { return *static_cast<MemoryFile*>(client); }
+
+    static tmsize_t read(thandle_t, void*, tmsize_t) { return -1; }
+
+    static tmsize_t write(thandle_t client, void* data, tmsize_t count)
+    {
+        MemoryFile& file = self(client);
+        const auto size = static_cast<std::size_t>(count);
+        try {
+            if (file.m_at + size > file.m_bytes.size())
+                file.m_bytes.resize(file.m_at + size);
+        } catch (const std::bad_alloc&) { // must not cross the library
+            return -1;
+        }
+        if (size > 0)
+            std::memcpy(&file.m_bytes[file.m_at], data, size);
+        file.m_at += size;
+        return count;
+    }
+
+    static toff_t seek(thandle_t client, toff_t offset, int whence)
+    {
+        MemoryFile& file = self(client);
+        file.m_at = static_cast<std::size_t>(offset)
+            + (whence == SEEK_END        ? file.m_bytes.size()
+                    : whence == SEEK_CUR ? file.m_at
+                                         : 0);
+        return file.m_at;
+    }
+
+    static toff_t size(thandle_t client) { return self(client).m_bytes.size(); }
+
+    std::vector<std::uint8_t> m_bytes;
+    std::size_t m_at = 0;
+};
+
+/// Bilevel strips keep ink, as their photometric interpretation says that 0 is white; the others hold light.
+void fillRow(const PageBitmap& page, const TiffLayout& layout, int y, std::uint8_t* out)
+{
+    if (layout.format != PixelFormat::Bilevel) {
+        lightRow(page, y, out);
+        return;
+    }
+    const std::size_t count = page.extent(y).empty() ? 0 : std::min(layout.rowBytes(), page.rowBytes());
+    if (count > 0)
+        std::memcpy(out, page.row(y), count);
+    std::memset(out + count, 0, layout.rowBytes() - count);
+}
+
+bool writeRows(TIFF* tiff, const PageBitmap& page, const TiffLayout& layout, int top, std::uint32_t rows)
+{
+    std::vector<std::uint8_t> row(layout.rowBytes());
+    for (std::uint32_t i = 0; i < rows; ++i) {
+        fillRow(page, layout, top + static_cast<int>(i), row.data());
+        if (TIFFWriteScanline(tiff, row.data(), i, 0) != 1)
+            return false;
+    }
+    return TIFFFlushData(tiff) == 1;
+}
+
+} // namespace
+
+std::string encodeTiffStrip(
+    const PageBitmap& page, const TiffLayout& layout, std::uint32_t strip, std::vector<std::uint8_t>& out)
+{
+    const auto top = static_cast<int>(strip * layout.rowsPerStrip);
+    const std::uint32_t rows = std::min(layout.rowsPerStrip, layout.height - strip * layout.rowsPerStrip);
+
+    std::vector<std::uint8_t> plain;
+    if (!layout.isCcitt()) {
+        plain.resize(layout.rowBytes() * rows);
+        for (std::uint32_t i = 0; i < rows; ++i)
+            fillRow(page, layout, top + static_cast<int>(i), &plain[i * layout.rowBytes()]);
+        if (layout.compression == COMPRESSION_NONE) {
+            out.insert(out.end(), plain.begin(), plain.end());
+            return {};
+        }
+    }
+
+    MemoryFile file;
+    std::string message;
+    const TiffHandle tiff = openTiffForWriting(MemoryFile::callbacksOf(file), message);
+    if (!tiff || !layout.describe(tiff.get(), rows))
+        return "TIFF: " + (message.empty() ? std::string { "not enough memory" } : message);
+    const bool isGood = layout.isCcitt()
+        ? writeRows(tiff.get(), page, layout, top, rows)
+        : TIFFWriteEncodedStrip(tiff.get(), 0, plain.data(), static_cast<tmsize_t>(plain.size())) >= 0;
+    const std::uint64_t* offsets = nullptr;
+    const std::uint64_t* sizes = nullptr;
+    if (!isGood || TIFFGetField(tiff.get(), TIFFTAG_STRIPOFFSETS, &offsets) != 1
+        || TIFFGetField(tiff.get(), TIFFTAG_STRIPBYTECOUNTS, &sizes) != 1
+        || offsets[0] + sizes[0] > file.bytes().size())
+        return "TIFF: " + (message.empty() ? std::string { "a strip could not be encoded" } : message);
+    const auto start = file.bytes().begin() + static_cast<std::ptrdiff_t>(offsets[0]);
+    out.insert(out.end(), start, start + static_cast<std::ptrdiff_t>(sizes[0]));
+    return {};
+}
+
+} // namespace quillrip
