@@ -33,6 +33,8 @@ public:
     const Run* end(int y) const;
 
 private:
+    class Builder;
+
     PixelRect m_bounds;
     std::vector<std::size_t> m_rowStarts; ///< height + 1 indices into m_runs
     std::vector<Run> m_runs;

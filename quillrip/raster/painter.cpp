@@ -1,10 +1,143 @@
 #include "quillrip/raster/painter.h"
 
+#include "quillrip/raster/aligned_image.h"
+#include "quillrip/raster/bilevel_scan.h"
+#include "quillrip/raster/compositor.h"
+#include "quillrip/raster/coverage_scan.h"
+#include "quillrip/raster/flatten.h"
+#include "quillrip/raster/span_union.h"
+#include "quillrip/raster/stroke_painter.h"
+
 namespace quillrip {
+
+namespace {
+
+/// Whether a path's points miss an area, with a pixel to spare. Curves lie within their control points.
+bool liesOutside(const Path& path, const PixelRect& area)
+{
+    double left = HUGE_VAL, top = HUGE_VAL, right = -HUGE_VAL, bottom = -HUGE_VAL;
+    for (const Point& point : path.points()) {
+        if (!isFinite(point))
+            continue;
+        left = std::min(left, point.x);
+        top = std::min(top, point.y);
+        right = std::max(right, point.x);
+        bottom = std::max(bottom, point.y);
+    }
+    return right < area.left - 1 || left > area.right + 1 || bottom < area.top - 1 || top > area.bottom + 1;
+}
+
+} // namespace
 
 Painter::Painter(PageBitmap& page)
     : m_page(page)
 {
+}
+
+Painter::~Painter() = default;
+
+std::unique_ptr<Compositor> Painter::compositorFor(const PaintState& state)
+{
+    if (!m_texture || !m_texture->isFor(state.texture))
+        m_texture = std::make_shared<DeviceTexture>(state.texture, m_page.format());
+    return Compositor::create(m_page, state, m_texture);
+}
+
+void Painter::fillRect(const PixelRect& rect, const PaintState& state)
+{
+    const std::unique_ptr<Compositor> compositor = compositorFor(state);
+    const int top = std::max(rect.top, compositor->bounds().top);
+    const int bottom = std::min(rect.bottom, compositor->bounds().bottom);
+    for (int y = top; y < bottom; ++y)
+        compositor->ink(y, rect.left, rect.right);
+}
+
+void Painter::fillPath(const Path& devicePath, FillRule rule, const PaintState& state, PixelRule pixels)
+{
+    const std::unique_ptr<Compositor> compositor = compositorFor(state);
+    const PixelRect& area = compositor->bounds();
+    if (area.empty() || liesOutside(devicePath, area))
+        return;
+    PaintingSink painting(*compositor);
+    if (m_page.format() != PixelFormat::Bilevel) {
+        EdgeList edges(area);
+        edges.addPath(devicePath);
+        edges.shrinkArea();
+        return scanCoverage(edges, rule, painting);
+    }
+    if (pixels == PixelRule::Touched) {
+        EdgeList edges(area, EdgeList::Axes::Straight, true);
+        edges.addPath(devicePath);
+        edges.shrinkArea();
+        return scanTouched(edges, rule, painting);
+    }
+    if (compositor->isIdempotent())
+        return scanCentresAndThinParts(devicePath, rule, area, painting);
+    SpanUnion spanUnion(area, painting);
+    scanCentresAndThinParts(devicePath, rule, area, spanUnion);
+    spanUnion.finish();
+}
+
+void Painter::strokePath(
+    const Path& userPath, const Matrix& userToDevice, const StrokeStyle& style, const PaintState& state)
+{
+    const std::unique_ptr<Compositor> compositor = compositorFor(state);
+    if (!compositor->bounds().empty())
+        paintStroke(userPath, userToDevice, style, *compositor);
+}
+
+void Painter::drawMask(const GlyphMask& mask, int x, int y, const PaintState& state)
+{
+    if (mask.width < 1 || mask.height < 1)
+        return;
+    const std::unique_ptr<Compositor> compositor = compositorFor(state);
+    const PixelRect& bounds = compositor->bounds();
+    // Far positions are cut here, before they are added up.
+    const std::int64_t left = std::int64_t { x } + mask.left;
+    const std::int64_t top = std::int64_t { y } + mask.top;
+    if (left >= bounds.right || left + mask.width <= bounds.left)
+        return;
+    const std::int64_t firstRow = std::max<std::int64_t>(0, bounds.top - top);
+    const std::int64_t endRow = std::min<std::int64_t>(mask.height, bounds.bottom - top);
+    const bool isBits = mask.depth == GlyphMask::Depth::Bits;
+    const std::size_t rowBytes = static_cast<std::size_t>(isBits ? (mask.width + 7) / 8 : mask.width);
+    for (std::int64_t row = firstRow; row < endRow; ++row) {
+        const std::size_t offset = static_cast<std::size_t>(row) * mask.stride;
+        if (offset + rowBytes > mask.bytes.size())
+            return;
+        const std::uint8_t* bytes = mask.bytes.data() + offset;
+        if (isBits)
+            compositor->bits(
+                static_cast<int>(top + row), static_cast<int>(left), BitRow(bytes, mask.width), 0, mask.width);
+        else
+            compositor->coverage(static_cast<int>(top + row), static_cast<int>(left), bytes, mask.width, true);
+    }
+}
+
+std::unique_ptr<ImagePainter> Painter::beginImage(const ImageGeometry& geometry, const PaintState& state)
+{
+    const Matrix& m = geometry.imageToDevice;
+    const bool isFiniteMatrix = std::isfinite(m.a) && std::isfinite(m.b) && std::isfinite(m.c) && std::isfinite(m.d)
+        && std::isfinite(m.e) && std::isfinite(m.f);
+    if (geometry.width < 1 || geometry.height == 0 || !isFiniteMatrix)
+        return nullptr;
+    std::unique_ptr<Compositor> compositor = compositorFor(state);
+    if (compositor->bounds().empty())
+        return nullptr;
+    AlignedGeometry aligned;
+    bool isVisible = false;
+    if (!AlignedGeometry::find(geometry, compositor->bounds(), aligned, isVisible))
+        return m.isInvertible() ? makeAffineImage(geometry, std::move(compositor)) : nullptr;
+    if (!isVisible)
+        return nullptr;
+    if (geometry.format != ImageFormat::Mono)
+        return makeToneImage(aligned, std::move(compositor));
+    // Only on a grey or RGB page can mixed pixels of a bilevel source show as tones.
+    const auto needsTones
+        = [&](const ImageAxis& axis) { return axis.shrinks() || (geometry.smooth && !axis.isWhole()); };
+    if (m_page.format() != PixelFormat::Bilevel && (needsTones(aligned.columns) || needsTones(aligned.lines)))
+        return makeToneImage(aligned, std::move(compositor));
+    return makeBitImage(aligned, std::move(compositor));
 }
 
 } // namespace quillrip

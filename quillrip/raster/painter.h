@@ -10,6 +10,9 @@
 
 namespace quillrip {
 
+class Compositor;
+class DeviceTexture;
+
 enum class FillRule { NonZero, EvenOdd };
 
 /// Which device pixels a filled shape takes when the page is bilevel (grey and RGB pages take exact area coverage).
@@ -23,6 +26,9 @@ enum class PixelRule {
 class Painter {
 public:
     explicit Painter(PageBitmap& page);
+    ~Painter();
+    Painter(const Painter&) = delete;
+    Painter& operator=(const Painter&) = delete;
 
     PageBitmap& page() { return m_page; }
     const PageBitmap& page() const { return m_page; }
@@ -45,7 +51,10 @@ public:
     std::unique_ptr<ImagePainter> beginImage(const ImageGeometry& geometry, const PaintState& state);
 
 private:
+    std::unique_ptr<Compositor> compositorFor(const PaintState& state);
+
     PageBitmap& m_page;
+    std::shared_ptr<const DeviceTexture> m_texture; ///< of the last state: mostly the next one's too
 };
 
 } // namespace quillrip

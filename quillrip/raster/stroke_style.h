@@ -18,6 +18,7 @@ enum class LineJoin {
     Round,
     Bevel,
     None, ///< segments end on their own
+    MiterClipped, ///< mitred, cut off square at the limit
 };
 
 /// Lengths in user units.

@@ -1,0 +1,177 @@
+#include "quillrip/raster/coverage_scan.h"
+
+#include "quillrip/raster/coverage_row.h"
+
+#include <algorithm>
+#include <bitset>
+
+namespace quillrip {
+
+namespace {
+
+/// With more vertices in a row than this, the row is sampled on lines.
+constexpr std::size_t kMostCuts = 48;
+constexpr std::int32_t kSampleHeight = 16;
+
+/// An edge between two cuts: where it is at the upper and the lower one.
+struct Side {
+    const Edge* edge = nullptr;
+    std::int32_t topX = 0;
+    std::int32_t bottomX = 0;
+
+    std::int64_t order() const { return std::int64_t { topX } + bottomX; }
+};
+
+void sortSides(std::vector<Side>& sides)
+{
+    const auto isLeft = [](const Side& a, const Side& b) { return a.order() < b.order(); };
+    constexpr std::size_t fewSides = 24;
+    if (sides.size() > fewSides) {
+        if (!std::is_sorted(sides.begin(), sides.end(), isLeft))
+            std::sort(sides.begin(), sides.end(), isLeft);
+        return;
+    }
+    for (std::size_t i = 1; i < sides.size(); ++i) {
+        const Side moving = sides[i];
+        std::size_t to = i;
+        for (; to > 0 && isLeft(moving, sides[to - 1]); --to)
+            sides[to] = sides[to - 1];
+        sides[to] = moving;
+    }
+}
+
+class CoverageScan {
+public:
+    CoverageScan(const EdgeList& list, FillRule rule, SpanSink& sink)
+        : m_list(list)
+        , m_windingMask(rule == FillRule::EvenOdd ? 1 : -1)
+        , m_sink(sink)
+        , m_row(list.area())
+    {
+    }
+
+    void run()
+    {
+        const PixelRect& area = m_list.area();
+        const std::vector<std::uint32_t> order = m_list.orderByRow(0);
+        std::size_t next = 0;
+        int y = area.top;
+        while (next < order.size() || !m_active.empty()) {
+            if (m_active.empty())
+                y = std::max(y, m_list.firstRow(m_list.edges()[order[next]], 0));
+            if (y >= area.bottom)
+                return;
+            const std::int32_t top = y * kSubpixels;
+            for (; next < order.size() && m_list.firstRow(m_list.edges()[order[next]], 0) <= y; ++next) {
+                const Edge& edge = m_list.edges()[order[next]];
+                if (edge.bottom > top)
+                    m_active.push_back({ &edge, 0, 0 });
+            }
+            scanRow(top);
+            m_row.emit(y, m_sink);
+            ++y;
+            const auto isOver = [&](const Side& side) { return side.edge->bottom <= top + kSubpixels; };
+            m_active.erase(std::remove_if(m_active.begin(), m_active.end(), isOver), m_active.end());
+        }
+    }
+
+private:
+    void scanRow(std::int32_t top)
+    {
+        const std::int32_t bottom = top + kSubpixels;
+        std::bitset<kSubpixels> cuts;
+        for (const Side& side : m_active) {
+            if (side.edge->top > top)
+                cuts.set(static_cast<std::size_t>(side.edge->top - top));
+            if (side.edge->bottom < bottom)
+                cuts.set(static_cast<std::size_t>(side.edge->bottom - top));
+        }
+        if (cuts.none())
+            return addStrip(m_active, top, bottom);
+        if (cuts.count() > kMostCuts)
+            return sampleRow(top);
+        std::int32_t from = top;
+        for (std::int32_t to = top + 1; to <= bottom; ++to) {
+            if (to == bottom || cuts.test(static_cast<std::size_t>(to - top))) {
+                addPartialStrip(from, to);
+                from = to;
+            }
+        }
+    }
+
+    void addPartialStrip(std::int32_t top, std::int32_t bottom)
+    {
+        m_strip.clear();
+        for (const Side& side : m_active) {
+            if (side.edge->top <= top && side.edge->bottom >= bottom)
+                m_strip.push_back(side);
+        }
+        addStrip(m_strip, top, bottom);
+    }
+
+    /// All sides reach from `top` to `bottom`.
+    void addStrip(std::vector<Side>& sides, std::int32_t top, std::int32_t bottom)
+    {
+        for (Side& side : sides) {
+            side.topX = side.edge->roundedXAt(top);
+            side.bottomX = side.edge->roundedXAt(bottom);
+        }
+        sortSides(sides);
+        if (bottom - top > kSampleHeight && crosses(sides)) {
+            const std::int32_t middle = top + (bottom - top) / 2;
+            addStrip(sides, top, middle);
+            return addStrip(sides, middle, bottom);
+        }
+        addTrapezoids(sides, bottom - top);
+    }
+
+    static bool crosses(const std::vector<Side>& sides)
+    {
+        for (std::size_t i = 1; i < sides.size(); ++i) {
+            if (sides[i - 1].topX > sides[i].topX || sides[i - 1].bottomX > sides[i].bottomX)
+                return true;
+        }
+        return false;
+    }
+
+    void sampleRow(std::int32_t top)
+    {
+        for (std::int32_t line = top + kSampleHeight / 2; line < top + kSubpixels; line += kSampleHeight) {
+            m_strip.clear();
+            for (const Side& side : m_active) {
+                if (side.edge->top > line || side.edge->bottom <= line)
+                    continue;
+                const std::int32_t x = side.edge->roundedXAt(line);
+                m_strip.push_back({ side.edge, x, x });
+            }
+            sortSides(m_strip);
+            addTrapezoids(m_strip, kSampleHeight);
+        }
+    }
+
+    /// The stretches inside the shape, between sides in order.
+    void addTrapezoids(const std::vector<Side>& sides, std::int32_t height)
+    {
+        std::int32_t winding = 0;
+        for (const Side& side : sides) {
+            const bool wasInside = (winding & m_windingMask) != 0;
+            winding += side.edge->winding;
+            const bool isInside = (winding & m_windingMask) != 0;
+            if (isInside != wasInside)
+                m_row.addRightOf(side.topX, side.bottomX, height, isInside ? 1 : -1);
+        }
+    }
+
+    const EdgeList& m_list;
+    std::int32_t m_windingMask;
+    SpanSink& m_sink;
+    CoverageRow m_row;
+    std::vector<Side> m_active;
+    std::vector<Side> m_strip;
+};
+
+} // namespace
+
+void scanCoverage(const EdgeList& edges, FillRule rule, SpanSink& sink) { CoverageScan(edges, rule, sink).run(); }
+
+} // namespace quillrip

@@ -1,0 +1,68 @@
+#pragma once
+
+#include <cstdint>
+
+namespace quillrip {
+
+/// One of the 256 ternary raster operations, on operands as the page stores them: 1 = ink. (The languages number the
+/// operations for 1 = white; the truth table is turned round once, here.)
+///
+/// For given source and texture every operation does one of four things to a bit of the page: clears it, sets it,
+/// leaves it or inverts it. So D' = (D & keep(S, T)) ^ flip(S, T), and keep and flip are exclusive sums of the terms
+/// 1, S, T and S & T: at most eight terms, evaluated without a branch on words or bytes.
+class RasterOperation {
+public:
+    explicit RasterOperation(std::uint8_t code)
+    {
+        unsigned flip[4];
+        unsigned keep[4];
+        for (unsigned texture = 0; texture < 2; ++texture) {
+            for (unsigned source = 0; source < 2; ++source) {
+                const auto inkAt = [&](unsigned destination) {
+                    const unsigned lightIndex = 4 * (1 - texture) + 2 * (1 - source) + (1 - destination);
+                    return 1 - (code >> lightIndex & 1u);
+                };
+                flip[2 * source + texture] = inkAt(0);
+                keep[2 * source + texture] = inkAt(0) ^ inkAt(1);
+            }
+        }
+        m_flip = Sum(flip);
+        m_keep = Sum(keep);
+    }
+
+    template <typename Word> Word flip(Word source, Word texture) const { return m_flip.at(source, texture); }
+    template <typename Word> Word keep(Word source, Word texture) const { return m_keep.at(source, texture); }
+
+    template <typename Word> Word apply(Word source, Word texture, Word destination) const
+    {
+        return static_cast<Word>((destination & keep(source, texture)) ^ flip(source, texture));
+    }
+
+private:
+    struct Sum {
+        std::uint64_t one = 0;
+        std::uint64_t source = 0;
+        std::uint64_t texture = 0;
+        std::uint64_t both = 0;
+
+        Sum() = default;
+        /// Values of the function at index 2 * source + texture.
+        explicit Sum(const unsigned (&value)[4])
+            : one(0 - std::uint64_t { value[0] })
+            , source(0 - std::uint64_t { value[0] ^ value[2] })
+            , texture(0 - std::uint64_t { value[0] ^ value[1] })
+            , both(0 - std::uint64_t { value[0] ^ value[1] ^ value[2] ^ value[3] })
+        {
+        }
+
+        template <typename Word> Word at(Word s, Word t) const
+        {
+            return static_cast<Word>(one ^ (source & s) ^ (texture & t) ^ (both & s & t));
+        }
+    };
+
+    Sum m_flip;
+    Sum m_keep;
+};
+
+} // namespace quillrip

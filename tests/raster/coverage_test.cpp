@@ -1,0 +1,70 @@
+#include "quillrip/raster/painter.h"
+
+#include <gtest/gtest.h>
+
+using namespace quillrip;
+
+namespace {
+
+PageBitmap filledGray(const Path& path, int width, int height, FillRule rule = FillRule::NonZero)
+{
+    PageBitmap page(PixelFormat::Gray8, width, height, {});
+    Painter(page).fillPath(path, rule, {});
+    return page;
+}
+
+double inkOf(const PageBitmap& page)
+{
+    double sum = 0;
+    for (int y = 0; y < page.height(); ++y) {
+        for (int x = 0; x < page.width(); ++x)
+            sum += page.row(y)[x] / 255.0;
+    }
+    return sum;
+}
+
+} // namespace
+
+TEST(Coverage, RectangleWithFractionsHasExactShares)
+{
+    Path path;
+    path.rectangle(1.25, 0.5, 3.5, 2.25);
+    const PageBitmap page = filledGray(path, 5, 3);
+    const int expected[3][5] = {
+        { 0, 96, 128, 64, 0 },
+        { 0, 191, 255, 128, 0 },
+        { 0, 48, 64, 32, 0 },
+    };
+    for (int y = 0; y < 3; ++y) {
+        for (int x = 0; x < 5; ++x)
+            EXPECT_EQ(page.row(y)[x], expected[y][x]) << x << ',' << y;
+    }
+}
+
+TEST(Coverage, AreaOfACircleIsItsInk)
+{
+    Path path;
+    path.arc({ 50.3, 49.7 }, 40, 40, 0, 7, true);
+    path.close();
+    EXPECT_NEAR(inkOf(filledGray(path, 100, 100)), 3.14159265 * 1600, 5);
+}
+
+TEST(Coverage, OverlapsCountOnce)
+{
+    Path path;
+    path.rectangle(0.5, 0.5, 5.5, 5.5);
+    path.rectangle(0.5, 0.5, 5.5, 5.5);
+    EXPECT_NEAR(inkOf(filledGray(path, 6, 6)), 25, 0.1);
+}
+
+TEST(Coverage, CrossingEdgesKeepTheirArea)
+{
+    // A bow tie: two triangles of 8 x 4 / 2 ... each 16, with opposite windings.
+    Path path;
+    path.moveTo({ 0, 0 });
+    path.lineTo({ 8, 8 });
+    path.lineTo({ 8, 0 });
+    path.lineTo({ 0, 8 });
+    path.close();
+    EXPECT_NEAR(inkOf(filledGray(path, 8, 8)), 32, 0.3);
+}
