@@ -24,8 +24,8 @@ struct PictureFrame {
     double height = 7200;
     double plotWidth = 0; ///< size that the plot was made for; 0: the frame's own, so that nothing is scaled
     double plotHeight = 0;
-    /// Quarter turns counter-clockwise of the plot within the page: 1 when the sheet is read with the plotter's x axis
-    /// running up. The frame's width and height above are those on the page, the plot's own are then exchanged.
+    /// Quarter turns clockwise of the plot within the page: 1 when the plotter's x axis runs down it, so that a plot
+    /// made with RO90 stands upright. Width and height above are those on the page; plot sizes are the plot's own.
     int quarterTurns = 0;
     double clipLeft = 180; ///< nothing is drawn beyond: logical page and printable area
     double clipTop = 0;

@@ -14,8 +14,6 @@ class FontLibrary;
 
 namespace hpgl {
 
-class Machine;
-
 /// HP-GL/2 inside PCL 5. One object lives as long as the PCL interpreter: its state survives every switch between
 /// the languages, page breaks included, until reset().
 ///
@@ -58,7 +56,8 @@ public:
     void plotSizeChanged();
 
 private:
-    std::unique_ptr<Machine> m_machine;
+    struct Parts;
+    std::unique_ptr<Parts> m_parts;
 };
 
 } // namespace hpgl

@@ -1,0 +1,29 @@
+#pragma once
+
+#include "quillrip/hpgl/polygon.h"
+
+#include <vector>
+
+namespace quillrip::hpgl {
+
+/// One stroke of a hatching, plotter units.
+struct HatchLine {
+    Point from;
+    Point to;
+};
+
+struct HatchRequest {
+    double spacing = 0; ///< plotter units, above 0
+    double angle = 0; ///< degrees, from +x towards +y
+    Point anchor; ///< a line goes through here
+    bool isNonZero = false; ///< filling method: non-zero winding, else even-odd
+    Point visibleLow; ///< lines that miss this rectangle are left out
+    Point visibleHigh;
+    std::size_t atMost = 0; ///< crossings with the outline
+};
+
+/// The parallel lines that fill a polygon, from edge to edge, in the order of their distance from the anchor. False
+/// (and no lines) when there would be too many.
+bool hatch(const Polygon& polygon, const HatchRequest& request, std::vector<HatchLine>& lines);
+
+} // namespace quillrip::hpgl

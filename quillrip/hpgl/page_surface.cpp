@@ -1,0 +1,129 @@
+#include "quillrip/hpgl/page_surface.h"
+
+#include <cmath>
+
+namespace quillrip::hpgl {
+
+namespace {
+
+constexpr Rgb kWhite { 255, 255, 255 };
+constexpr Rgb kBlack { 0, 0, 0 };
+
+int toPixel(double value) { return static_cast<int>(std::clamp(value, -1e9, 1e9)); }
+
+/// The pixels that a rectangle of the page covers, those at its edges included when more than a hundredth is inside.
+PixelRect toPixels(const PageRect& rect, const Matrix& pageToDevice)
+{
+    const Point a = pageToDevice.apply({ rect.left, rect.top });
+    const Point b = pageToDevice.apply({ rect.right, rect.bottom });
+    constexpr double kSliver = 0.01;
+    return { toPixel(std::floor(std::min(a.x, b.x) + kSliver)), toPixel(std::floor(std::min(a.y, b.y) + kSliver)),
+        toPixel(std::ceil(std::max(a.x, b.x) - kSliver)), toPixel(std::ceil(std::max(a.y, b.y) - kSliver)) };
+}
+
+} // namespace
+
+PageRect boundsOf(const Path& path)
+{
+    PageRect bounds = PageRect::nothing();
+    for (const Point& point : path.points())
+        bounds.include(point);
+    return bounds;
+}
+
+void PageSurface::leavePage()
+{
+    m_hasCanvas = false;
+    m_clipIsStale = true;
+}
+
+void PageSurface::setClip(const PageRect& clip)
+{
+    m_clip = clip;
+    m_clipIsStale = true;
+}
+
+bool PageSurface::begin()
+{
+    if (m_status != RunStatus::Done)
+        return false;
+    if (!m_hasCanvas) {
+        m_status = m_host.beginMark(m_canvas);
+        if (m_status != RunStatus::Done || !m_canvas.painter)
+            return false;
+        m_hasCanvas = true;
+    }
+    if (m_clipIsStale) {
+        m_state.clip = ClipRegion::ofRect(toPixels(m_clip, m_canvas.pageToDevice));
+        m_clipIsStale = false;
+    }
+    return true;
+}
+
+bool PageSurface::isVisible(const PageRect& bounds) const
+{
+    // Thin lines and points are as wide as a pixel, so a little beyond the clip still shows.
+    constexpr double kSlack = 10;
+    return !m_clip.empty() && bounds.right >= m_clip.left - kSlack && bounds.left <= m_clip.right + kSlack
+        && bounds.bottom >= m_clip.top - kSlack && bounds.top <= m_clip.bottom + kSlack;
+}
+
+const PaintState& PageSurface::paintState(const Ink& ink)
+{
+    m_state.rop = m_host.rasterOperation();
+    m_state.sourceTransparent = true;
+    m_state.patternTransparent = ink.isTransparent;
+    m_state.texture.color = ink.color;
+    if (m_canvas.format == PixelFormat::Bilevel && !ink.isArea && ink.color != kWhite)
+        m_state.texture.color = kBlack;
+    if (m_state.texture.tile != ink.tile)
+        m_state.texture.tile = ink.tile;
+    if (ink.tile) {
+        const Point origin = m_canvas.pageToDevice.apply(ink.anchor);
+        m_state.texture.originX = toPixel(std::floor(origin.x + 0.5));
+        m_state.texture.originY = toPixel(std::floor(origin.y + 0.5));
+    }
+    return m_state;
+}
+
+void PageSurface::stroke(const Path& path, const StrokeStyle& style, const Ink& ink)
+{
+    PageRect bounds = boundsOf(path);
+    const double reach = style.width * std::max(1.0, style.join == LineJoin::Miter ? style.miterLimit : 1.0);
+    bounds = { bounds.left - reach, bounds.top - reach, bounds.right + reach, bounds.bottom + reach };
+    if (isVisible(bounds) && begin())
+        m_canvas.painter->strokePath(path, m_canvas.pageToDevice, style, paintState(ink));
+}
+
+void PageSurface::fill(const Path& path, FillRule rule, const Ink& ink)
+{
+    if (!isVisible(boundsOf(path)) || !begin())
+        return;
+    const PixelRule pixels = ink.isArea && !m_host.isGridCentred() ? PixelRule::Touched : PixelRule::Centre;
+    m_canvas.painter->fillPath(path.transformed(m_canvas.pageToDevice), rule, paintState(ink), pixels);
+}
+
+void PageSurface::drawGlyph(const Typeface& face, GlyphId glyph, const Matrix& glyphToPage, const Ink& ink)
+{
+    // Two ems all round hold every glyph.
+    PageRect bounds = PageRect::nothing();
+    for (const Point corner : { Point { -2, -2 }, Point { 3, -2 }, Point { -2, 3 }, Point { 3, 3 } })
+        bounds.include(glyphToPage.apply(corner));
+    if (!isVisible(bounds) || !begin())
+        return;
+    const Matrix glyphToDevice = glyphToPage * m_canvas.pageToDevice;
+    if (GlyphCache::isTooLarge(face, glyphToDevice)) {
+        Path outline;
+        if (face.outline(glyph, outline)) {
+            m_canvas.painter->fillPath(outline.transformed(glyphToDevice), FillRule::NonZero, paintState(ink));
+            return;
+        }
+    }
+    const GlyphMask::Depth depth
+        = m_canvas.format == PixelFormat::Bilevel ? GlyphMask::Depth::Bits : GlyphMask::Depth::Coverage;
+    const PlacedGlyph placed = m_glyphs.place(face, glyph, glyphToDevice, depth);
+    if (placed.mask)
+        m_canvas.painter->drawMask(*placed.mask, placed.x, placed.y, paintState(ink));
+}
+
+} // namespace quillrip::hpgl

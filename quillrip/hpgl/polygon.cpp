@@ -1,0 +1,52 @@
+#include "quillrip/hpgl/polygon.h"
+
+namespace quillrip::hpgl {
+
+void Polygon::clear()
+{
+    m_vertices.clear();
+    m_starts.clear();
+    m_isOpen = false;
+}
+
+void Polygon::add(Point at, bool isPenDown, bool endsVector)
+{
+    if (!m_isOpen) {
+        m_starts.push_back(m_vertices.size());
+        m_isOpen = true;
+    }
+    m_vertices.push_back({ at, isPenDown, endsVector });
+}
+
+bool Polygon::closeSubpolygon(bool isPenDown, Point& pen)
+{
+    if (!m_isOpen)
+        return false;
+    m_isOpen = false;
+    const std::size_t start = m_starts.back();
+    if (m_vertices.size() - start < 2) {
+        m_vertices.resize(start);
+        m_starts.pop_back();
+        return false;
+    }
+    const Point first = m_vertices[start].at;
+    if (m_vertices.back().at != first)
+        m_vertices.push_back({ first, isPenDown, true });
+    pen = first;
+    return true;
+}
+
+Path Polygon::outline(const Matrix& matrix) const
+{
+    Path path;
+    for (std::size_t i = 0; i < m_starts.size(); ++i) {
+        const Vertex* const first = begin(i);
+        path.moveTo(matrix.apply(first->at));
+        for (const Vertex* vertex = first + 1; vertex != end(i); ++vertex)
+            path.lineTo(matrix.apply(vertex->at));
+        path.close();
+    }
+    return path;
+}
+
+} // namespace quillrip::hpgl

@@ -1,0 +1,402 @@
+#include "quillrip/hpgl/recognition.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdint>
+#include <cstring>
+
+namespace quillrip::hpgl {
+
+namespace {
+
+constexpr std::uint8_t kEscape = 0x1B;
+constexpr std::size_t kWindow = 4096;
+/// Commands that have to be believable, and how many of them may not be.
+constexpr int kCommandsLookedAt = 12;
+constexpr int kFailuresAllowed = 1;
+/// So few commands must all be believable.
+constexpr int kShortPlot = 4;
+
+enum class Form : std::uint8_t {
+    Numbers,
+    Pairs, ///< numbers, an even count of them
+    Sextuples,
+    Label, ///< text up to the label terminator
+    Terminator,
+    Symbol,
+    Encoded,
+    Text, ///< quoted
+};
+
+struct Known {
+    char name[3];
+    Form form;
+    std::uint8_t least;
+    std::uint8_t most; ///< 255: any number
+    bool mayStart; ///< plots begin with it
+};
+
+constexpr std::uint8_t kAny = 255;
+
+// Sorted by name.
+constexpr std::array<Known, 122> kKnown { {
+    { "AA", Form::Numbers, 3, 4, false },
+    { "AC", Form::Pairs, 0, 2, false },
+    { "AD", Form::Pairs, 0, 14, false },
+    { "AF", Form::Numbers, 0, 0, false },
+    { "AH", Form::Numbers, 0, 0, false },
+    { "AP", Form::Numbers, 0, 1, false },
+    { "AR", Form::Numbers, 3, 4, false },
+    { "AS", Form::Numbers, 0, 2, false },
+    { "AT", Form::Numbers, 4, 5, false },
+    { "BL", Form::Label, 0, 0, false },
+    { "BP", Form::Text, 0, 10, true },
+    { "BR", Form::Sextuples, 6, kAny, false },
+    { "BZ", Form::Sextuples, 6, kAny, false },
+    { "CA", Form::Numbers, 0, 2, false },
+    { "CF", Form::Numbers, 0, 2, false },
+    { "CI", Form::Numbers, 1, 2, false },
+    { "CO", Form::Text, 0, 0, true },
+    { "CP", Form::Pairs, 0, 2, false },
+    { "CR", Form::Numbers, 0, 6, false },
+    { "CS", Form::Numbers, 0, 1, false },
+    { "CT", Form::Numbers, 0, 1, true },
+    { "CV", Form::Numbers, 0, 2, false },
+    { "DC", Form::Numbers, 0, 0, false },
+    { "DF", Form::Numbers, 0, 0, true },
+    { "DI", Form::Pairs, 0, 2, false },
+    { "DL", Form::Numbers, 0, kAny, false },
+    { "DP", Form::Numbers, 0, 0, false },
+    { "DR", Form::Pairs, 0, 2, false },
+    { "DT", Form::Terminator, 0, 1, true },
+    { "DV", Form::Numbers, 0, 2, false },
+    { "EA", Form::Pairs, 2, 2, false },
+    { "EC", Form::Numbers, 0, 1, false },
+    { "EP", Form::Numbers, 0, 0, false },
+    { "ER", Form::Pairs, 2, 2, false },
+    { "ES", Form::Numbers, 0, 2, false },
+    { "EW", Form::Numbers, 3, 4, false },
+    { "FI", Form::Numbers, 1, 1, false },
+    { "FN", Form::Numbers, 1, 1, false },
+    { "FP", Form::Numbers, 0, 1, false },
+    { "FR", Form::Numbers, 0, 0, false },
+    { "FS", Form::Numbers, 0, 2, false },
+    { "FT", Form::Numbers, 0, 3, false },
+    { "GM", Form::Numbers, 0, 6, false },
+    { "IM", Form::Numbers, 0, 3, false },
+    { "IN", Form::Numbers, 0, 1, true },
+    { "IP", Form::Pairs, 0, 4, true },
+    { "IR", Form::Pairs, 0, 4, true },
+    { "IV", Form::Numbers, 0, 2, false },
+    { "IW", Form::Pairs, 0, 4, true },
+    { "KY", Form::Numbers, 0, 2, false },
+    { "LA", Form::Pairs, 0, 6, true },
+    { "LB", Form::Label, 0, 0, false },
+    { "LM", Form::Numbers, 0, 2, false },
+    { "LO", Form::Numbers, 0, 1, false },
+    { "LT", Form::Numbers, 0, 3, true },
+    { "MC", Form::Numbers, 0, 2, false },
+    { "MG", Form::Text, 0, 0, false },
+    { "MT", Form::Numbers, 0, 1, true },
+    { "NP", Form::Numbers, 0, 1, true },
+    { "NR", Form::Numbers, 0, 1, false },
+    { "OA", Form::Numbers, 0, 0, false },
+    { "OC", Form::Numbers, 0, 0, false },
+    { "OD", Form::Numbers, 0, 0, false },
+    { "OE", Form::Numbers, 0, 0, false },
+    { "OF", Form::Numbers, 0, 0, false },
+    { "OH", Form::Numbers, 0, 0, false },
+    { "OI", Form::Numbers, 0, 0, false },
+    { "OK", Form::Numbers, 0, 0, false },
+    { "OO", Form::Numbers, 0, 0, false },
+    { "OP", Form::Numbers, 0, 0, false },
+    { "OS", Form::Numbers, 0, 0, false },
+    { "OT", Form::Numbers, 0, 0, false },
+    { "OW", Form::Numbers, 0, 0, false },
+    { "PA", Form::Pairs, 0, kAny, true },
+    { "PB", Form::Numbers, 0, 0, false },
+    { "PC", Form::Numbers, 0, 4, false },
+    { "PD", Form::Pairs, 0, kAny, true },
+    { "PE", Form::Encoded, 0, 0, false },
+    { "PG", Form::Numbers, 0, 1, true },
+    { "PM", Form::Numbers, 0, 1, false },
+    { "PP", Form::Numbers, 0, 1, false },
+    { "PR", Form::Pairs, 0, kAny, true },
+    { "PS", Form::Numbers, 0, 2, true },
+    { "PT", Form::Numbers, 0, 1, true },
+    { "PU", Form::Pairs, 0, kAny, true },
+    { "PW", Form::Numbers, 0, 2, true },
+    { "QL", Form::Numbers, 0, 1, false },
+    { "RA", Form::Pairs, 2, 2, false },
+    { "RF", Form::Numbers, 0, kAny, false },
+    { "RO", Form::Numbers, 0, 1, true },
+    { "RP", Form::Numbers, 0, 1, false },
+    { "RR", Form::Pairs, 2, 2, false },
+    { "RT", Form::Numbers, 4, 5, false },
+    { "SA", Form::Numbers, 0, 0, false },
+    { "SB", Form::Numbers, 0, 1, false },
+    { "SC", Form::Numbers, 0, 7, true },
+    { "SD", Form::Pairs, 0, 14, false },
+    { "SG", Form::Numbers, 0, 1, false },
+    { "SI", Form::Pairs, 0, 2, false },
+    { "SL", Form::Numbers, 0, 1, false },
+    { "SM", Form::Symbol, 0, 0, false },
+    { "SP", Form::Numbers, 0, 1, true },
+    { "SR", Form::Pairs, 0, 2, false },
+    { "SS", Form::Numbers, 0, 0, false },
+    { "ST", Form::Numbers, 0, 1, false },
+    { "SV", Form::Numbers, 0, 3, false },
+    { "TD", Form::Numbers, 0, 1, false },
+    { "TL", Form::Numbers, 0, 2, false },
+    { "TR", Form::Numbers, 0, 1, false },
+    { "UC", Form::Numbers, 0, kAny, false },
+    { "UL", Form::Numbers, 0, 21, true },
+    { "VS", Form::Numbers, 0, 2, true },
+    { "WD", Form::Label, 0, 0, false },
+    { "WG", Form::Numbers, 3, 4, false },
+    { "WU", Form::Numbers, 0, 1, true },
+    { "XT", Form::Numbers, 0, 0, false },
+    { "YT", Form::Numbers, 0, 0, false },
+} };
+
+const Known* findKnown(char first, char second)
+{
+    const char name[3] = { first, second, 0 };
+    const auto known = std::lower_bound(kKnown.begin(), kKnown.end(), name,
+        [](const Known& k, const char* wanted) { return std::strcmp(k.name, wanted) < 0; });
+    return known != kKnown.end() && std::strcmp(known->name, name) == 0 ? &*known : nullptr;
+}
+
+bool isSpace(int byte) { return byte == ' ' || byte == '\t' || byte == '\r' || byte == '\n' || byte == 0; }
+
+bool isDigit(int byte) { return byte >= '0' && byte <= '9'; }
+
+bool isUpper(int byte) { return byte >= 'A' && byte <= 'Z'; }
+
+bool isLower(int byte) { return byte >= 'a' && byte <= 'z'; }
+
+/// Reads commands from the start of the data as a plotter would and judges them.
+class Judge {
+public:
+    explicit Judge(ByteView bytes)
+        : m_bytes(bytes.sub(0, kWindow))
+        , m_isCut(bytes.size >= kWindow)
+    {
+    }
+
+    bool decide()
+    {
+        if (const auto early = skipPrelude(); early != Verdict::Open)
+            return early == Verdict::Plot;
+        bool isFirst = true;
+        while (m_commands < kCommandsLookedAt) {
+            skipSeparators();
+            if (m_at >= m_bytes.size || peek() == kEscape)
+                break;
+            const bool isGood = readCommand(isFirst);
+            if (m_wasCut)
+                break; // the window ends inside a command: that one does not count
+            if (isFirst && !isGood)
+                return false;
+            isFirst = false;
+            ++m_commands;
+            if (!isGood && ++m_failures > kFailuresAllowed)
+                return false;
+        }
+        if (m_commands < kShortPlot && m_failures > 0)
+            return false;
+        return m_commands > 0 && m_hasOperands;
+    }
+
+private:
+    enum class Verdict { Open, Plot, Other };
+
+    int peek(std::size_t ahead = 0) const { return m_at + ahead < m_bytes.size ? m_bytes[m_at + ahead] : -1; }
+
+    bool startsWith(const char* text) const
+    {
+        const std::size_t length = std::strlen(text);
+        return m_at + length <= m_bytes.size && std::memcmp(m_bytes.data + m_at, text, length) == 0;
+    }
+
+    void skipSeparators()
+    {
+        while (m_at < m_bytes.size && (isSpace(peek()) || peek() == ';'))
+            ++m_at;
+    }
+
+    Verdict skipPrelude()
+    {
+        for (;;) {
+            skipSeparators();
+            if (peek() != kEscape)
+                return Verdict::Open;
+            if (startsWith("\x1b%-1B"))
+                return Verdict::Plot;
+            if (peek(1) == '.')
+                return (peek(2) >= '@' && peek(2) <= 'Z') || peek(2) == '(' || peek(2) == ')' ? Verdict::Plot
+                                                                                              : Verdict::Other;
+            if (peek(1) != 'E')
+                return Verdict::Other;
+            m_at += 2;
+        }
+    }
+
+    bool readCommand(bool isFirst)
+    {
+        const int first = peek();
+        const int second = peek(1);
+        const bool isName = (isUpper(first) && isUpper(second)) || (isLower(first) && isLower(second));
+        if (!isName) {
+            ++m_at;
+            return false;
+        }
+        m_at += 2;
+        const Known* const known = findKnown(static_cast<char>(first & ~0x20), static_cast<char>(second & ~0x20));
+        if (!known || (isFirst && !known->mayStart)) {
+            std::size_t ignored = 0;
+            readNumbers(ignored);
+            return false;
+        }
+        switch (known->form) {
+        case Form::Label:
+            return readLabel();
+        case Form::Terminator:
+            return readTerminator();
+        case Form::Symbol:
+            m_at += m_at < m_bytes.size ? 1 : 0;
+            return true;
+        case Form::Encoded:
+            return readEncoded();
+        case Form::Text:
+            return readText();
+        default:
+            break;
+        }
+        std::size_t count = 0;
+        const bool isClean = readNumbers(count);
+        m_hasOperands = m_hasOperands || count > 0;
+        if (!isClean || count < known->least || (known->most != kAny && count > known->most))
+            return false;
+        return (known->form != Form::Pairs || count % 2 == 0) && (known->form != Form::Sextuples || count % 6 == 0);
+    }
+
+    /// Numbers up to the command's end; false when anything else stands among them.
+    bool readNumbers(std::size_t& count)
+    {
+        bool isClean = true;
+        for (;;) {
+            const int byte = peek();
+            if (byte < 0) {
+                m_wasCut = m_isCut;
+                return isClean;
+            }
+            if (byte == ';') {
+                ++m_at;
+                return isClean;
+            }
+            if (isUpper(byte) || isLower(byte) || byte == kEscape)
+                return isClean;
+            if (isDigit(byte) || byte == '.' || byte == '-' || byte == '+') {
+                ++m_at;
+                bool hasDigit = isDigit(byte);
+                while (isDigit(peek()) || peek() == '.') {
+                    hasDigit = hasDigit || isDigit(peek());
+                    ++m_at;
+                }
+                isClean = isClean && hasDigit;
+                ++count;
+                continue;
+            }
+            if (!isSpace(byte) && byte != ',')
+                isClean = false;
+            ++m_at;
+        }
+    }
+
+    bool readLabel()
+    {
+        while (m_at < m_bytes.size && m_bytes[m_at] != m_terminator)
+            ++m_at;
+        if (m_at == m_bytes.size) {
+            m_wasCut = m_isCut;
+            return m_isCut;
+        }
+        ++m_at;
+        return true;
+    }
+
+    bool readTerminator()
+    {
+        const int byte = peek();
+        if (byte < 0)
+            return false;
+        ++m_at;
+        m_terminator = byte == ';' ? 3 : static_cast<std::uint8_t>(byte);
+        if (byte == ';')
+            return true;
+        std::size_t count = 0;
+        return readNumbers(count) && count <= 1;
+    }
+
+    bool readEncoded()
+    {
+        bool isClean = true;
+        while (m_at < m_bytes.size && peek() != ';') {
+            if (peek() == kEscape)
+                return false;
+            const int byte = peek() & 0x7F;
+            isClean = isClean && (byte >= 63 || byte <= 0x20 || std::strchr(":<>=7", byte));
+            ++m_at;
+        }
+        m_hasOperands = true;
+        if (m_at == m_bytes.size)
+            m_wasCut = m_isCut;
+        else
+            ++m_at;
+        return isClean;
+    }
+
+    /// Quoted text among numbers, or nothing.
+    bool readText()
+    {
+        std::size_t count = 0;
+        for (;;) {
+            const bool isClean = readUpToQuote(count);
+            if (peek() != '"')
+                return isClean;
+            ++m_at;
+            while (m_at < m_bytes.size && peek() != '"')
+                ++m_at;
+            if (m_at == m_bytes.size)
+                return m_wasCut = m_isCut;
+            ++m_at;
+        }
+    }
+
+    bool readUpToQuote(std::size_t& count)
+    {
+        while (isSpace(peek()) || peek() == ',' || isDigit(peek())) {
+            count += isDigit(peek()) ? 1 : 0;
+            ++m_at;
+        }
+        if (peek() == ';')
+            ++m_at;
+        return true;
+    }
+
+    ByteView m_bytes;
+    bool m_isCut;
+    bool m_wasCut = false;
+    std::size_t m_at = 0;
+    std::uint8_t m_terminator = 3;
+    int m_commands = 0;
+    int m_failures = 0;
+    bool m_hasOperands = false;
+};
+
+} // namespace
+
+bool looksLikePlot(ByteView window) { return Judge(window).decide(); }
+
+} // namespace quillrip::hpgl
