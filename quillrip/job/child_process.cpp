@@ -19,7 +19,6 @@ namespace {
 
 constexpr rlim_t kMostMemory = rlim_t { 4 } << 30;
 constexpr rlim_t kMostSeconds = 1800;
-constexpr rlim_t kLargestFile = rlim_t { 16 } << 30;
 constexpr std::size_t kMostComplaint = 2000;
 
 void closeIfOpen(int& descriptor)
@@ -37,12 +36,15 @@ void limit(int resource, rlim_t value)
     ::setrlimit(static_cast<decltype(RLIMIT_AS)>(resource), &both);
 }
 
-// Options from the environment would go before ours.
+bool startsWith(const char* text, const char* start) { return std::strncmp(text, start, std::strlen(start)) == 0; }
+
+// Options from the environment would go before ours, and a folder for temporary files would be open to the job.
 std::vector<char*> cleanEnvironment()
 {
-    std::vector<char*> kept;
+    static char s_noTemporaryFolder[] = "TMPDIR=/nonexistent";
+    std::vector<char*> kept { s_noTemporaryFolder };
     for (char** entry = environ; *entry; ++entry) {
-        if (std::strncmp(*entry, "GS_", 3) != 0)
+        if (!startsWith(*entry, "GS_") && !startsWith(*entry, "TMPDIR=") && !startsWith(*entry, "TEMP="))
             kept.push_back(*entry);
     }
     kept.push_back(nullptr);
@@ -148,7 +150,8 @@ bool ChildProcess::start(const std::vector<std::string>& arguments, int input)
         ::prctl(PR_SET_PDEATHSIG, SIGKILL);
         limit(RLIMIT_AS, kMostMemory);
         limit(RLIMIT_CPU, kMostSeconds);
-        limit(RLIMIT_FSIZE, kLargestFile);
+        // Its pages leave through a pipe; it has no file to write.
+        limit(RLIMIT_FSIZE, 0);
         limit(RLIMIT_CORE, 0);
         const bool isReady = ::getppid() == parent && ::dup2(input, 0) == 0 && ::dup2(output[1], 1) == 1
             && ::dup2(errors[1], 2) == 2 && ::close_range(3, ~0u, 0) == 0 && ::chdir("/") == 0;

@@ -9,7 +9,7 @@
 namespace quillrip {
 
 /// A program run on a file, whose output is read as it comes. It ends with this object, with this process at the
-/// latest, and is held to limits of memory and processor time.
+/// latest, is held to limits of memory and processor time, and can write no file.
 class ChildProcess {
 public:
     ChildProcess();

@@ -8,6 +8,7 @@
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
+#include <sys/random.h>
 #include <unistd.h>
 
 namespace quillrip {
@@ -18,10 +19,22 @@ constexpr double kDecipointsOfPoint = 10;
 constexpr std::size_t kLongestReport = 64;
 constexpr std::size_t kMostPages = 100000;
 
-// Tells the size of every page that leaves, in points, after the page device's own changes.
-constexpr const char* kReportSizes
-    = "<< /EndPage { exch pop dup 2 ne { (%%quillrip-page ) print currentpagedevice "
-      "/PageSize get aload pop exch =print ( ) print = flush } if 2 ne } >> setpagedevice";
+// A word that a job cannot know beforehand: lines that begin with it are not the job's own.
+std::string unguessableMark()
+{
+    std::uint64_t value = 0;
+    if (::getrandom(&value, sizeof value, 0) != sizeof value)
+        value = static_cast<std::uint64_t>(::getpid());
+    return "page-" + std::to_string(value) + " ";
+}
+
+// Tells the size of every page that leaves, in points, as the page device has it then.
+std::string sizeReporter(const std::string& mark)
+{
+    return "<< /EndPage { exch pop dup 2 ne { (" + mark
+        + ") print currentpagedevice /PageSize get aload pop exch =print ( ) print = flush } if 2 ne } >> "
+          "setpagedevice";
+}
 
 std::string number(double value)
 {
@@ -41,7 +54,8 @@ int marginFor(int imageWidth, int pageWidth) { return static_cast<int>(std::floo
 std::vector<std::string> safeArguments(const std::string& program)
 {
     // -dSAFER: no file but the job itself may be opened, no program started. -P-: nothing from the current folder.
-    return { program, "-q", "-P-", "-dSAFER", "-dBATCH", "-dNOPAUSE", "-dNOPROMPT", "-K1500000" };
+    // Large pages are drawn in bands, whose lists are kept in memory since there is no folder for temporary files.
+    return { program, "-q", "-P-", "-dSAFER", "-dBATCH", "-dNOPAUSE", "-dNOPROMPT", "-sBandListStorage=memory" };
 }
 
 } // namespace
@@ -112,12 +126,12 @@ RunStatus GhostscriptRenderer::run(InputStream& input, DocumentLanguage language
 
 RunStatus GhostscriptRenderer::measure(int job, std::vector<PageSize>& sizes)
 {
+    const std::string mark = unguessableMark();
     std::vector<std::string> arguments = safeArguments(m_program);
-    arguments.insert(arguments.end(), { "-sDEVICE=nullpage", "-c", kReportSizes, "-f", "/proc/self/fd/0" });
+    arguments.insert(arguments.end(), { "-sDEVICE=nullpage", "-c", sizeReporter(mark), "-f", "/proc/self/fd/0" });
     ChildProcess child;
     if (!child.start(arguments, job))
         return fail(RunStatus::Damaged, "Ghostscript cannot be started");
-    const std::string mark = "%%quillrip-page ";
     std::string line;
     for (int c = child.output().get(); c >= 0; c = child.output().get()) {
         if (c != '\n') {
