@@ -1,0 +1,38 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace quillrip::test {
+
+struct Outcome {
+    int exitCode = -1; ///< -1: ended by a signal
+    std::string errors; ///< what it wrote to standard error
+    std::string output; ///< and to standard output
+};
+
+/// Runs the quillrip that was built, as the window does: arguments as separate words, nothing on standard input.
+Outcome runQuillrip(const std::vector<std::string>& arguments, const std::vector<std::string>& environment = {});
+
+/// A folder of its own for a test, removed with all it holds.
+class TemporaryFolder {
+public:
+    TemporaryFolder();
+    ~TemporaryFolder();
+    TemporaryFolder(const TemporaryFolder&) = delete;
+    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+
+    std::string path(const std::string& name) const { return m_path + "/" + name; }
+    /// Writes a file and returns its path.
+    std::string file(const std::string& name, const std::string& bytes) const;
+    /// Names of all that it holds, sorted, hidden things too.
+    std::vector<std::string> names() const;
+
+private:
+    std::string m_path;
+};
+
+/// A file's bytes; empty when there is none.
+std::string contentOf(const std::string& path);
+
+} // namespace quillrip::test

@@ -1,0 +1,184 @@
+#include "tests/cli/program.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+
+namespace quillrip::test {
+namespace {
+
+using namespace std::string_literals;
+using Names = std::vector<std::string>;
+
+// A raster of eight dots at 75 dpi, and a form feed.
+const std::string kPage = "\x1B*t75R\x1B*r1A\x1B*b1W\xFF\x1B*rB\f";
+const std::string kReset = "\x1B"
+                           "E";
+
+bool beginsWith(const std::string& text, const std::string& start) { return text.compare(0, start.size(), start) == 0; }
+
+// "quillrip: FILE: reason" on one line.
+void expectMessage(const Outcome& outcome, const std::string& file)
+{
+    EXPECT_TRUE(beginsWith(outcome.errors, "quillrip: " + file + ": ")) << outcome.errors;
+    EXPECT_EQ(std::count(outcome.errors.begin(), outcome.errors.end(), '\n'), 1) << outcome.errors;
+    EXPECT_EQ(outcome.output, "");
+}
+
+TEST(Program, WritesEveryTypeOfFile)
+{
+    const TemporaryFolder folder;
+    const std::string job = folder.file("job.pcl", kPage);
+    const std::vector<std::pair<std::string, std::string>> starts { { "bmp", "BM" }, { "png", "\x89PNG" },
+        { "pcx", "\x0A\x05\x01" }, { "jpg", "\xFF\xD8\xFF" }, { "JPEG", "\xFF\xD8\xFF" }, { "tif", "II*" },
+        { "tiff", "II*" } };
+    for (const auto& [extension, start] : starts) {
+        for (const char* depth : { "1", "8", "24" }) {
+            const std::string image = folder.path("image." + extension);
+            const Outcome outcome
+                = runQuillrip({ "-r", "75x75", "-b", depth, "-writelocal", "n", "-o", image, "-i", job });
+            EXPECT_EQ(outcome.exitCode, 0) << outcome.errors;
+            EXPECT_EQ(outcome.errors, "");
+            EXPECT_TRUE(beginsWith(contentOf(image), start)) << extension << " " << depth;
+            std::filesystem::remove(image);
+        }
+    }
+    EXPECT_EQ(folder.names(), Names { "job.pcl" });
+}
+
+TEST(Program, PagesBehindTheFirstHaveTheirNumberInTheName)
+{
+    const TemporaryFolder folder;
+    const std::string job = folder.file("job.pcl", kPage + kPage + kPage);
+    EXPECT_EQ(runQuillrip({ "-r", "75x75", "-o", folder.path("a.b.png"), "-i", job }).exitCode, 0);
+    EXPECT_EQ(folder.names(), (Names { "a.b.png", "a.b_p0002.png", "a.b_p0003.png", "job.pcl" }));
+    EXPECT_EQ(runQuillrip({ "-r", "75x75", "-o", folder.path("all.tif"), "-i", job }).exitCode, 0);
+    EXPECT_EQ(folder.names().size(), 5u);
+}
+
+TEST(Program, WrongUsageEndsWithOne)
+{
+    const TemporaryFolder folder;
+    const std::string job = folder.file("job.pcl", kPage);
+    EXPECT_EQ(runQuillrip({}).exitCode, 1);
+    EXPECT_EQ(runQuillrip({ "-o", folder.path("a.png"), "-i", job, "-b", "2" }).exitCode, 1);
+    EXPECT_EQ(runQuillrip({ "-o", folder.path("a.gif"), "-i", job }).exitCode, 1);
+    const Outcome fax = runQuillrip({ "-o", folder.path("a.tif"), "-i", job, "-b", "24", "-c", "6" });
+    EXPECT_EQ(fax.exitCode, 1);
+    EXPECT_EQ(std::count(fax.errors.begin(), fax.errors.end(), '\n'), 1) << fax.errors;
+    EXPECT_EQ(folder.names(), Names { "job.pcl" });
+}
+
+TEST(Program, OutputThatIsTheInputIsRefused)
+{
+    const TemporaryFolder folder;
+    const std::string job = folder.file("job.png", kPage);
+    std::filesystem::create_symlink(job, folder.path("soft.png"));
+    std::filesystem::create_hard_link(job, folder.path("hard.png"));
+    for (const char* name : { "job.png", "soft.png", "hard.png", "./job.png" }) {
+        EXPECT_EQ(runQuillrip({ "-o", folder.path(name), "-i", job }).exitCode, 1) << name;
+        EXPECT_EQ(contentOf(job), kPage);
+    }
+    // The name of a later page can be the input's as well.
+    const std::string second = folder.file("x_p0002.png", kPage + kPage);
+    EXPECT_EQ(runQuillrip({ "-o", folder.path("x.png"), "-i", second }).exitCode, 3);
+    EXPECT_EQ(contentOf(second), kPage + kPage);
+    EXPECT_FALSE(std::filesystem::exists(folder.path("x.png")));
+}
+
+TEST(Program, InputThatIsNoPrintJobEndsWithTwoAndItsName)
+{
+    const TemporaryFolder folder;
+    const std::string former = folder.file("out.png", "former");
+    const std::vector<std::pair<std::string, std::string>> inputs { { "", "empty" }, { "\x89PNG\r\n\x1A\n", "PNG" },
+        { "\x1B@", "ESC/P" }, { "\x1B%-12345X@PJL EOJ\n\x1B%-12345X", "no page" }, { "PK\3\4", "ZIP" },
+        { "\0\1\2\3\x80\x81\x82\x83"s, "unknown" } };
+    for (const auto& [bytes, word] : inputs) {
+        const std::string job = folder.file("job.prn", bytes);
+        const Outcome outcome = runQuillrip({ "-o", former, "-i", job });
+        EXPECT_EQ(outcome.exitCode, 2) << word;
+        expectMessage(outcome, job);
+        EXPECT_NE(outcome.errors.find(word), std::string::npos) << outcome.errors;
+        EXPECT_EQ(contentOf(former), "former");
+    }
+    EXPECT_EQ(runQuillrip({ "-o", former, "-i", folder.path("missing") }).exitCode, 2);
+    EXPECT_EQ(runQuillrip({ "-o", former, "-i", folder.path(".") }).exitCode, 2);
+    EXPECT_EQ(folder.names(), (Names { "job.prn", "out.png" }));
+}
+
+TEST(Program, PostScriptWithoutGhostscriptSaysWhatToInstall)
+{
+    const TemporaryFolder folder;
+    const std::string job = folder.file("job.prn", "%!PS\nshowpage\n");
+    const Outcome outcome = runQuillrip({ "-o", folder.path("a.png"), "-i", job }, { "PATH=/nonexistent" });
+    EXPECT_EQ(outcome.exitCode, 2);
+    expectMessage(outcome, job);
+    EXPECT_NE(outcome.errors.find("ghostscript"), std::string::npos);
+}
+
+TEST(Program, OutputThatCannotBeWrittenEndsWithThree)
+{
+    const TemporaryFolder folder;
+    const std::string job = folder.file("job.pcl", kPage);
+    const std::string image = folder.path("missing/a.png");
+    const Outcome outcome = runQuillrip({ "-o", image, "-i", job });
+    EXPECT_EQ(outcome.exitCode, 3);
+    expectMessage(outcome, image);
+    std::filesystem::create_directory(folder.path("folder.png"));
+    EXPECT_EQ(runQuillrip({ "-o", folder.path("folder.png"), "-i", job }).exitCode, 3);
+}
+
+TEST(Program, DamagedJobsKeepTheirWholePages)
+{
+    const TemporaryFolder folder;
+    const std::string job = folder.file("job.pcl", kPage + kPage + "\x1B*t75R\x1B*r1A\x1B*b999W\xFF");
+    const Outcome outcome = runQuillrip({ "-r", "75x75", "-o", folder.path("a.png"), "-i", job });
+    EXPECT_EQ(outcome.exitCode, 4);
+    expectMessage(outcome, job);
+    EXPECT_NE(outcome.errors.find("offset"), std::string::npos) << outcome.errors;
+    EXPECT_NE(outcome.errors.find("2 pages kept"), std::string::npos) << outcome.errors;
+    EXPECT_EQ(folder.names(), (Names { "a.png", "a_p0002.png", "job.pcl" }));
+}
+
+TEST(Program, PagesBeyondTheLimitEndWithFiveBeforeTheirMemoryIsTaken)
+{
+    const TemporaryFolder folder;
+    const std::string job = folder.file("job.pcl", kPage + kReset + "\x1B&l27A" + kPage);
+    const std::string former = folder.file("a.png", "former");
+    const Outcome outcome = runQuillrip({ "-r", "2400x2400", "-o", former, "-i", job });
+    EXPECT_EQ(outcome.exitCode, 5);
+    expectMessage(outcome, job);
+    EXPECT_EQ(contentOf(former), "former");
+    EXPECT_EQ(folder.names(), (Names { "a.png", "job.pcl" }));
+}
+
+TEST(Program, AFormerFileIsReplaced)
+{
+    const TemporaryFolder folder;
+    const std::string job = folder.file("job.pcl", kPage);
+    const std::string image = folder.file("a.png", "former");
+    EXPECT_EQ(runQuillrip({ "-r", "75x75", "-o", image, "-i", job }).exitCode, 0);
+    EXPECT_TRUE(beginsWith(contentOf(image), "\x89PNG"));
+}
+
+TEST(Program, UnknownPartsBesideKnownOnesAreAWarning)
+{
+    const TemporaryFolder folder;
+    const std::string job = folder.file("job.prn",
+        "\x1B%-12345X@PJL ENTER LANGUAGE=ZJS\nJZJZ...\x1B%-12345X@PJL ENTER LANGUAGE=PCL\n" + kPage + "\x1B%-12345X");
+    const Outcome outcome = runQuillrip({ "-r", "75x75", "-o", folder.path("a.png"), "-i", job });
+    EXPECT_EQ(outcome.exitCode, 0);
+    EXPECT_NE(outcome.errors.find("warning"), std::string::npos);
+    EXPECT_NE(outcome.errors.find("ZjStream"), std::string::npos);
+}
+
+TEST(Program, HelpAndVersionGoToStandardOutput)
+{
+    EXPECT_NE(runQuillrip({ "--help" }).output.find("-faxtif"), std::string::npos);
+    EXPECT_TRUE(beginsWith(runQuillrip({ "--version" }).output, "quillrip "));
+    EXPECT_EQ(runQuillrip({ "--help" }).exitCode, 0);
+}
+
+} // namespace
+} // namespace quillrip::test
