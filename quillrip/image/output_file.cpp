@@ -58,6 +58,9 @@ std::unique_ptr<OutputFile> OutputFile::create(const std::string& target, std::s
             reason = "cannot write " + target + ": " + messageOf(errno);
             return nullptr;
         }
+    } else if (errno != ENOENT) {
+        reason = "cannot write " + target + ": " + messageOf(errno);
+        return nullptr;
     }
     std::unique_ptr<OutputFile> file { new OutputFile(path, path.substr(0, path.find_last_of('/') + 1)) };
     if (!file->open(naming)) {

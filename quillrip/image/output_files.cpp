@@ -92,6 +92,7 @@ bool OutputFiles::commit()
     for (const auto& file : m_files)
         file->settle();
     m_files.clear();
+    m_gathering.reset();
     return isGood;
 }
 
