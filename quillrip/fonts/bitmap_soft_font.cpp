@@ -1,5 +1,6 @@
 #include "quillrip/fonts/bitmap_soft_font.h"
 
+#include "quillrip/fonts/header_fields.h"
 #include "quillrip/fonts/outline_raster.h"
 
 #include <algorithm>
@@ -11,9 +12,6 @@ namespace {
 constexpr int kLargestSide = 16384;
 /// Room for one character's rows; a whole page at 600 dots per inch fits.
 constexpr std::size_t kMostBits = std::size_t { 32 } << 20;
-
-std::uint16_t u16(ByteView data, std::size_t at) { return static_cast<std::uint16_t>(data[at] << 8 | data[at + 1]); }
-std::int16_t s16(ByteView data, std::size_t at) { return static_cast<std::int16_t>(u16(data, at)); }
 
 /// Run-length rows: a count of further copies of the row, then run lengths from white on until the width is full.
 /// A run longer than 255 is written as 255, 0, the rest.
@@ -76,8 +74,8 @@ bool BitmapSoftFont::addPclCharacter(std::uint32_t code, ByteView block, const F
             return false;
         }
         const std::uint8_t imageClass = block[3];
-        const int width = u16(block, 10);
-        const int height = u16(block, 12);
+        const int width = u16At(block, 10);
+        const int height = u16At(block, 12);
         const bool isBlank = width == 0 || height == 0;
         if ((imageClass != 1 && imageClass != 2) || (!isBlank && !sizeIsPossible(width, height))) {
             reporter.damage("font.character", "character with an impossible size or class, ignored");
@@ -85,11 +83,11 @@ bool BitmapSoftFont::addPclCharacter(std::uint32_t code, ByteView block, const F
         }
         m_unfinished.code = code;
         m_unfinished.imageClass = imageClass;
-        m_unfinished.stored.left = s16(block, 6);
-        m_unfinished.stored.top = s16(block, 8);
+        m_unfinished.stored.left = s16At(block, 6);
+        m_unfinished.stored.top = s16At(block, 8);
         m_unfinished.stored.width = isBlank ? 0 : width;
         m_unfinished.stored.height = isBlank ? 0 : height;
-        m_unfinished.stored.advance = s16(block, 14) / 4.0;
+        m_unfinished.stored.advance = s16At(block, 14) / 4.0;
     }
 
     const ByteView data = block.sub(block[1] != 0 ? 2 : kDescriptor);
@@ -128,10 +126,10 @@ bool BitmapSoftFont::addPclXlCharacter(std::uint32_t code, ByteView data, const 
         return false;
     }
     BitmapGlyph glyph;
-    glyph.left = s16(data, 2);
-    glyph.top = s16(data, 4);
-    glyph.width = u16(data, 6);
-    glyph.height = u16(data, 8);
+    glyph.left = s16At(data, 2);
+    glyph.top = s16At(data, 4);
+    glyph.width = u16At(data, 6);
+    glyph.height = u16At(data, 8);
     if (glyph.width == 0 || glyph.height == 0) {
         glyph.width = glyph.height = 0;
     } else if (!sizeIsPossible(glyph.width, glyph.height)) {

@@ -137,8 +137,10 @@ unsigned FontFile::glyphOfUnicode(char32_t unicode) const
 
 unsigned FontFile::glyphOfOwnCode(unsigned code) const
 {
+    if (!m_mapsUnicode)
+        return FT_Get_Char_Index(m_face, code);
     if (!m_ownMap)
-        return m_mapsUnicode ? 0 : FT_Get_Char_Index(m_face, code);
+        return 0;
     const FT_CharMap kept = m_face->charmap;
     FT_Set_Charmap(m_face, m_ownMap);
     const unsigned glyph = FT_Get_Char_Index(m_face, code);

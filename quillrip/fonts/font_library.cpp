@@ -139,6 +139,24 @@ std::shared_ptr<const Typeface> FontLibrary::selectInternal(const FontRequest& r
     return faces[selectByCharacteristics(candidates, std::move(left), request, {})];
 }
 
+std::shared_ptr<const Typeface> FontLibrary::selectInFamily(std::uint16_t family, std::uint16_t style, int weight) const
+{
+    std::vector<SelectionCandidate> candidates;
+    std::vector<std::size_t> left;
+    const auto& faces = m_internal->faces();
+    for (std::size_t i = 0; i < faces.size(); ++i) {
+        candidates.push_back({ &faces[i]->traits(), false, static_cast<int>(i), false });
+        if (faces[i]->traits().family == family)
+            left.push_back(i);
+    }
+    FontRequest request;
+    request.family = family;
+    request.style = style;
+    request.weight = weight;
+    request.isProportional = faces[left.front()]->traits().isProportional;
+    return faces[selectByCharacteristics(candidates, std::move(left), request, {})];
+}
+
 Font FontLibrary::select(const FontRequest& request, const SelectionContext& context) const
 {
     std::vector<SelectionCandidate> candidates;
@@ -232,25 +250,7 @@ Font FontLibrary::selectByName(
         const NamedFace named = readFontName(trimmed);
         if (!named.isKnown)
             reporter.warn("font.name", "font \"" + trimmed + "\" is not known, a similar one is used");
-        for (const auto& face : m_internal->faces()) {
-            if (face->traits().isBoundToSet && face->traits().family == named.family)
-                chosen = face;
-        }
-        if (!chosen) {
-            FontRequest request;
-            request.family = named.family;
-            request.style = named.style;
-            request.weight = named.weight;
-            request.isProportional
-                = std::none_of(m_internal->faces().begin(), m_internal->faces().end(), [&](const auto& face) {
-                      return face->traits().family == named.family && !face->traits().isProportional;
-                  });
-            if (named.family == 0) {
-                request.pitch = 16.67;
-                request.height = 8.5;
-            }
-            chosen = selectInternal(request);
-        }
+        chosen = selectInFamily(named.family, named.style, named.weight);
     }
 
     Font font;
@@ -321,8 +321,10 @@ std::shared_ptr<const SymbolSet> FontLibrary::symbolSet(std::uint16_t number) co
 
 void FontLibrary::defineSymbolSet(std::shared_ptr<const SymbolSet> set)
 {
-    if (set)
-        m_userSymbolSets[set->number()] = { std::move(set), false };
+    if (!set)
+        return;
+    const std::uint16_t number = set->number();
+    m_userSymbolSets[number] = { std::move(set), false };
 }
 
 void FontLibrary::removeSymbolSet(std::uint16_t number) { m_userSymbolSets.erase(number); }

@@ -123,6 +123,8 @@ private:
     };
 
     std::shared_ptr<const Typeface> selectInternal(const FontRequest& request) const;
+    /// The face of a built-in family (there must be one) that comes nearest to style and weight.
+    std::shared_ptr<const Typeface> selectInFamily(std::uint16_t family, std::uint16_t style, int weight) const;
 
     DiagnosticSink* m_sink;
     SoftFontStore m_softFonts;

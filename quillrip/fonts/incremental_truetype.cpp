@@ -1,6 +1,7 @@
 #include "quillrip/fonts/incremental_truetype.h"
 
 #include "quillrip/fonts/font_file.h"
+#include "quillrip/fonts/header_fields.h"
 
 #include <algorithm>
 
@@ -16,13 +17,6 @@ struct FT_IncrementalRec_ {
 namespace quillrip {
 
 namespace {
-
-unsigned u16(ByteView data, std::size_t at) { return static_cast<unsigned>(data[at] << 8 | data[at + 1]); }
-
-std::size_t u32(ByteView data, std::size_t at)
-{
-    return static_cast<std::size_t>(u16(data, at)) << 16 | u16(data, at + 2);
-}
 
 FT_Error glyphData(FT_Incremental source, FT_UInt glyph, FT_Data* data)
 {
@@ -96,14 +90,14 @@ struct IncrementalTrueType::Data {
         const ByteView all(tables);
         if (all.size < 12)
             return;
-        const std::size_t count = std::min<std::size_t>(u16(all, 4), (all.size - 12) / 16);
+        const std::size_t count = std::min<std::size_t>(u16At(all, 4), (all.size - 12) / 16);
         for (std::size_t i = 0; i < count; ++i) {
             const ByteView entry = all.sub(12 + 16 * i, 16);
-            const std::size_t offset = u32(entry, 8);
-            const std::size_t length = u32(entry, 12);
+            const std::size_t offset = u32At(entry, 8);
+            const std::size_t length = u32At(entry, 12);
             const ByteView table = all.sub(offset, length);
             if (std::equal(entry.begin(), entry.begin() + 4, "hhea") && table.size >= 36)
-                longMetrics = u16(table, 34);
+                longMetrics = u16At(table, 34);
             else if (std::equal(entry.begin(), entry.begin() + 4, "hmtx"))
                 metrics = table;
         }
@@ -189,7 +183,7 @@ int IncrementalTrueType::leftBearing(unsigned glyph) const
     if (m_data->tabledMetrics(glyph, advance, bearing))
         return bearing;
     // Without metrics the outline stays where its points are: the box's left edge is the bearing.
-    return found && found->data.size() >= 4 ? static_cast<std::int16_t>(u16(found->data, 2)) : 0;
+    return found && found->data.size() >= 4 ? static_cast<std::int16_t>(u16At(found->data, 2)) : 0;
 }
 
 bool IncrementalTrueType::outline(unsigned glyph, Path& path) const

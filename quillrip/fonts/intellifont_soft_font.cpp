@@ -1,5 +1,6 @@
 #include "quillrip/fonts/intellifont_soft_font.h"
 
+#include "quillrip/fonts/header_fields.h"
 #include "quillrip/fonts/outline_raster.h"
 
 #include <algorithm>
@@ -10,9 +11,6 @@ namespace {
 
 constexpr std::uint8_t kClassContour = 3;
 constexpr std::uint8_t kClassCompound = 4;
-
-std::uint16_t u16(ByteView data, std::size_t at) { return static_cast<std::uint16_t>(data[at] << 8 | data[at + 1]); }
-std::int16_t s16(ByteView data, std::size_t at) { return static_cast<std::int16_t>(u16(data, at)); }
 
 } // namespace
 
@@ -40,11 +38,12 @@ bool IntellifontSoftFont::addPclCharacter(std::uint32_t code, ByteView block, co
             return false;
         }
         const double unit = 1.0 / m_header.unitsPerEm;
-        character.escapement = s16(block, 4) * unit;
+        character.escapement = s16At(block, 4) * unit;
         const std::size_t count = std::min<std::size_t>(block[6], (block.size - 8) / 6);
         for (std::size_t i = 0; i < count; ++i) {
             const std::size_t at = 8 + 6 * i;
-            character.components.push_back({ u16(block, at), s16(block, at + 2) * unit, s16(block, at + 4) * unit });
+            character.components.push_back(
+                { u16At(block, at), s16At(block, at + 2) * unit, s16At(block, at + 4) * unit });
         }
     } else if (block[3] != kClassContour) {
         reporter.damage("font.character", "character of an unknown class, ignored");

@@ -170,12 +170,14 @@ InternalFace::Source InternalFace::searchFor(char32_t unicode) const
     const Helper helpers[] = {
         { "StandardSymbolsPS", kSymbol },
         { "D050000L", kDingbats },
+        { m_spec.boundSet == kWingdings ? "Symbola_hint" : nullptr, 0 },
         { m_traits.isProportional ? "DejaVuSans" : "DejaVuSansMono", 0 },
         { "DejaVuSans", 0 },
         { "LiberationSans-Regular", 0 },
+        { "Symbola_hint", 0 },
     };
     for (const Helper& helper : helpers) {
-        if (m_spec.boundSet == kWingdings && helper.ownSet == kSymbol)
+        if (!helper.stem || (m_spec.boundSet == kWingdings && helper.ownSet == kSymbol))
             continue;
         if (const Source source = tryFile(helper.stem, helper.ownSet); source.file)
             return source;

@@ -1,5 +1,6 @@
 #include "quillrip/fonts/soft_font_header.h"
 
+#include "quillrip/fonts/header_fields.h"
 #include "quillrip/fonts/symbol_set.h"
 
 #include <algorithm>
@@ -20,16 +21,6 @@ constexpr std::uint16_t tag(char a, char b)
 }
 
 /// Fields at fixed places; the callers have checked the size.
-std::uint16_t u16(ByteView data, std::size_t at) { return static_cast<std::uint16_t>(data[at] << 8 | data[at + 1]); }
-std::int16_t s16(ByteView data, std::size_t at) { return static_cast<std::int16_t>(u16(data, at)); }
-std::uint64_t u64(ByteView data, std::size_t at)
-{
-    std::uint64_t value = 0;
-    for (std::size_t i = 0; i < 8; ++i)
-        value = value << 8 | data[at + i];
-    return value;
-}
-
 /// A sum of bytes that makes the whole 0 modulo 256, in fields written by the checksum's rule.
 bool checksumHolds(ByteView data)
 {
@@ -69,9 +60,9 @@ void readCommonFields(ByteView data, FontTraits& traits, bool& isUnbound)
     traits.codeRange = type <= 3 ? static_cast<CodeRange>(type) : CodeRange::Wide;
     traits.style = static_cast<std::uint16_t>(data[4] << 8 | data[23]);
     traits.isProportional = data[13] != 0;
-    traits.symbolSet = u16(data, 14);
+    traits.symbolSet = u16At(data, 14);
     traits.weight = std::clamp<int>(static_cast<std::int8_t>(data[24]), -7, 7);
-    traits.family = u16(data, 25) >> 8 | (u16(data, 25) & 0xFF) << 8; // least significant byte first
+    traits.family = static_cast<std::uint16_t>(data[25] | data[26] << 8); // least significant byte first
     traits.name = trimmed(data.sub(48, 16));
 }
 
@@ -80,20 +71,20 @@ void readBitmapMetrics(ByteView data, SoftFontHeader& header)
     FontTraits& traits = header.traits;
     const double dot = 1.0 / header.resolutionX;
     const double dotY = 1.0 / header.resolutionY;
-    const double pitchQuarters = u16(data, 16) + data[40] / 256.0;
-    const double heightQuarters = u16(data, 18) + data[41] / 256.0;
+    const double pitchQuarters = u16At(data, 16) + data[40] / 256.0;
+    const double heightQuarters = u16At(data, 18) + data[41] / 256.0;
     traits.isScalable = false;
     traits.isFixedSize = true;
     traits.orientation = data[12] & 3;
     traits.spaceAdvance = pitchQuarters / 4 * dot;
     traits.pitch = traits.spaceAdvance > 0 ? 1 / traits.spaceAdvance : 0;
     traits.height = heightQuarters / 4 * 72 * dotY;
-    traits.capHeight = u16(data, 42) / 65535.0 * traits.height / 72;
+    traits.capHeight = u16At(data, 42) / 65535.0 * traits.height / 72;
     if (traits.capHeight <= 0)
         traits.capHeight = 0.7 * traits.height / 72;
-    traits.xHeight = u16(data, 20) / 4.0 * dotY;
-    traits.ascent = u16(data, 6) * dotY;
-    traits.descent = std::max(0.0, (u16(data, 10) - u16(data, 6)) * dotY);
+    traits.xHeight = u16At(data, 20) / 4.0 * dotY;
+    traits.ascent = u16At(data, 6) * dotY;
+    traits.descent = std::max(0.0, (u16At(data, 10) - u16At(data, 6)) * dotY);
     traits.hasUnderline = data[31] != 0;
     if (traits.hasUnderline) {
         traits.underlineTop = static_cast<std::int8_t>(data[30]) * dotY;
@@ -109,10 +100,10 @@ void readScalableMetrics(ByteView data, SoftFontHeader& header, int underlineTop
     FontTraits& traits = header.traits;
     const double unit = 1.0 / header.unitsPerEm;
     traits.isScalable = true;
-    traits.spaceAdvance = u16(data, 16) * unit;
-    traits.xHeight = u16(data, 20) > 0 ? u16(data, 20) * unit : traits.xHeight;
-    if (u16(data, 42) > 0)
-        traits.capHeight = u16(data, 42) / 65535.0;
+    traits.spaceAdvance = u16At(data, 16) * unit;
+    traits.xHeight = u16At(data, 20) > 0 ? u16At(data, 20) * unit : traits.xHeight;
+    if (u16At(data, 42) > 0)
+        traits.capHeight = u16At(data, 42) / 65535.0;
     traits.hasUnderline = underlineThickness > 0;
     if (traits.hasUnderline) {
         traits.underlineTop = underlineTop * unit;
@@ -124,29 +115,29 @@ void readGalley(ByteView data, SoftFontHeader& header)
 {
     if (data.size < 6)
         return;
-    header.galleyDefault = u16(data, 2);
-    const std::size_t count = std::min<std::size_t>(u16(data, 4), (data.size - 6) / 6);
+    header.galleyDefault = u16At(data, 2);
+    const std::size_t count = std::min<std::size_t>(u16At(data, 4), (data.size - 6) / 6);
     for (std::size_t i = 0; i < count; ++i)
-        header.galley.push_back({ u16(data, 6 + 6 * i), u16(data, 8 + 6 * i), u16(data, 10 + 6 * i) });
+        header.galley.push_back({ u16At(data, 6 + 6 * i), u16At(data, 8 + 6 * i), u16At(data, 10 + 6 * i) });
 }
 
 /// PCL 5 counts the ranges in a byte after a byte of format, PCL XL in two after two; the size tells which.
 void readVerticalExceptions(ByteView data, SoftFontHeader& header)
 {
-    const bool isWide = data.size >= 4 && data.size == 4u + 4u * u16(data, 2);
+    const bool isWide = data.size >= 4 && data.size == 4u + 4u * u16At(data, 2);
     const std::size_t start = isWide ? 4 : 2;
     if (data.size < start)
         return;
-    const std::size_t wanted = isWide ? u16(data, 2) : data[1];
+    const std::size_t wanted = isWide ? u16At(data, 2) : data[1];
     const std::size_t count = std::min(wanted, (data.size - start) / 4);
     for (std::size_t i = 0; i < count; ++i)
-        header.uprightCodes.push_back({ u16(data, start + 4 * i), u16(data, start + 2 + 4 * i) });
+        header.uprightCodes.push_back({ u16At(data, start + 4 * i), u16At(data, start + 2 + 4 * i) });
 }
 
 void readVerticalForms(ByteView data, SoftFontHeader& header)
 {
     for (std::size_t at = 0; at + 4 <= data.size; at += 4) {
-        const VerticalPair pair { u16(data, at), u16(data, at + 2) };
+        const VerticalPair pair { u16At(data, at), u16At(data, at + 2) };
         if (pair.horizontal == 0xFFFF && pair.vertical == 0xFFFF)
             break;
         header.verticalForms.push_back(pair);
@@ -177,18 +168,18 @@ bool readSegments(ByteView data, bool hasWideSizes, SoftFontHeader& header, cons
             reporter.damage("font.segment-short", "segment of a font header shorter than its size");
         switch (*id) {
         case tag('B', 'R'):
-            if (segment.size >= 4 && !setResolution(header, u16(segment, 0), u16(segment, 2), reporter))
+            if (segment.size >= 4 && !setResolution(header, u16At(segment, 0), u16At(segment, 2), reporter))
                 return false;
             break;
         case tag('C', 'C'):
             if (segment.size >= 8)
-                header.traits.complement = u64(segment, 0);
+                header.traits.complement = u64At(segment, 0);
             break;
         case tag('C', 'E'):
             if (segment.size >= 6) {
                 constexpr std::uint8_t kPseudoItalic = 2;
                 header.isPseudoItalic = segment[3] & kPseudoItalic;
-                header.pseudoBold = std::min<int>(u16(segment, 4), 7) / 60.0;
+                header.pseudoBold = std::min<int>(u16At(segment, 4), 7) / 60.0;
             }
             break;
         case tag('G', 'C'):
@@ -202,7 +193,7 @@ bool readSegments(ByteView data, bool hasWideSizes, SoftFontHeader& header, cons
             break;
         case tag('V', 'R'):
             if (segment.size >= 4 && header.unitsPerEm > 0)
-                header.verticalDescender = -static_cast<double>(s16(segment, 2)) / header.unitsPerEm;
+                header.verticalDescender = -static_cast<double>(s16At(segment, 2)) / header.unitsPerEm;
             break;
         case tag('V', 'T'):
             readVerticalForms(segment, header);
@@ -227,14 +218,14 @@ int unitsPerEmOf(ByteView data)
 {
     if (data.size < 12)
         return 0;
-    const std::size_t tables = std::min<std::size_t>(u16(data, 4), (data.size - 12) / 16);
+    const std::size_t tables = std::min<std::size_t>(u16At(data, 4), (data.size - 12) / 16);
     for (std::size_t i = 0; i < tables; ++i) {
         const ByteView entry = data.sub(12 + 16 * i, 16);
         if (!std::equal(entry.begin(), entry.begin() + 4, "head"))
             continue;
-        const std::size_t offset = static_cast<std::size_t>(u16(entry, 8)) << 16 | u16(entry, 10);
+        const std::size_t offset = static_cast<std::size_t>(u16At(entry, 8)) << 16 | u16At(entry, 10);
         const ByteView head = data.sub(offset, 54);
-        return head.size >= 20 ? u16(head, 18) : 0;
+        return head.size >= 20 ? u16At(head, 18) : 0;
     }
     return 0;
 }
@@ -248,7 +239,7 @@ std::optional<SoftFontHeader> readPclFontHeader(ByteView data, const FontReporte
         return std::nullopt;
     }
     SoftFontHeader header;
-    const std::size_t descriptorSize = u16(data, 0);
+    const std::size_t descriptorSize = u16At(data, 0);
     const std::uint8_t format = data[2];
     std::size_t needed = kCommonHeader;
     switch (format) {
@@ -279,17 +270,18 @@ std::optional<SoftFontHeader> readPclFontHeader(ByteView data, const FontReporte
     readCommonFields(data, header.traits, isUnbound);
 
     if (format == 0 || format == 20) {
-        if (!setResolution(header, format == 20 ? u16(data, 64) : 300, format == 20 ? u16(data, 66) : 300, reporter))
+        if (!setResolution(
+                header, format == 20 ? u16At(data, 64) : 300, format == 20 ? u16At(data, 66) : 300, reporter))
             return std::nullopt;
         readBitmapMetrics(data, header);
         return header;
     }
     if (format == 10 || format == 11) {
         header.technology = SoftFontTechnology::Intellifont;
-        header.unitsPerEm = u16(data, 64) > 0 ? u16(data, 64) : 8782;
-        readScalableMetrics(data, header, s16(data, 70), u16(data, 72));
+        header.unitsPerEm = u16At(data, 64) > 0 ? u16At(data, 64) : 8782;
+        readScalableMetrics(data, header, s16At(data, 70), u16At(data, 72));
         if (format == 11)
-            header.traits.complement = u64(data, 78);
+            header.traits.complement = u64At(data, 78);
         if (!checksumHolds(data.sub(64)))
             reporter.warn("font.checksum", "font header with a wrong checksum, used all the same");
         return header;
@@ -298,7 +290,7 @@ std::optional<SoftFontHeader> readPclFontHeader(ByteView data, const FontReporte
     header.technology = data[70] == kTechnologyBitmap ? SoftFontTechnology::Bitmap : SoftFontTechnology::TrueType;
     if (header.technology == SoftFontTechnology::TrueType && data[70] != kTechnologyTrueType)
         reporter.warn("font.technology", "font header with an unknown scaling technology, taken for TrueType");
-    header.unitsPerEm = u16(data, 64);
+    header.unitsPerEm = u16At(data, 64);
     if (!readSegments(data.sub(std::max(descriptorSize, needed)), format == 16, header, reporter)
         || !isUsable(header, reporter))
         return std::nullopt;
@@ -309,7 +301,7 @@ std::optional<SoftFontHeader> readPclFontHeader(ByteView data, const FontReporte
             header.unitsPerEm = units;
         if (header.unitsPerEm <= 0)
             header.unitsPerEm = 2048;
-        readScalableMetrics(data, header, s16(data, 66), u16(data, 68));
+        readScalableMetrics(data, header, s16At(data, 66), u16At(data, 68));
     }
     if (!checksumHolds(data.sub(64)))
         reporter.warn("font.checksum", "font header with a wrong checksum, used all the same");
@@ -334,7 +326,7 @@ std::optional<SoftFontHeader> readPclXlFontHeader(ByteView data, const FontRepor
     header.traits.isScalable = header.technology == SoftFontTechnology::TrueType;
     header.traits.isFixedSize = !header.traits.isScalable;
     header.traits.orientation = data[1] & 3;
-    header.traits.symbolSet = u16(data, 2);
+    header.traits.symbolSet = u16At(data, 2);
     // The em is needed by segments that may come before the data that tell it.
     header.unitsPerEm = 2048;
     if (!readSegments(data.sub(kFixedPart), true, header, reporter) || !isUsable(header, reporter))

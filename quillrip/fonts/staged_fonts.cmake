@@ -22,23 +22,24 @@ set(staged_fonts_liberation2
     LiberationSerif-Bold LiberationSerif-BoldItalic LiberationSerif-Italic LiberationSerif-Regular
 )
 set(staged_fonts_dejavu-core DejaVuSans DejaVuSansMono)
+set(staged_fonts_symbola Symbola_hint)
 
-# fonts-liberation carries the same faces under another folder in other releases of the distribution.
-set(PRISMO_FONT_FOLDERS
+# First match wins.
+set(font_folders
     /usr/share/fonts/opentype/urw-base35
     /usr/share/fonts/truetype/liberation2
     /usr/share/fonts/truetype/liberation
     /usr/share/fonts/truetype/dejavu
-    CACHE STRING "Folders that fonts are copied from, first match wins"
+    /usr/share/fonts/truetype/ancient-scripts
 )
 
 set(staged_font_sources)
 set(staged_font_copies)
 set(missing_packages)
-foreach(package urw-base35 liberation2 dejavu-core)
+foreach(package urw-base35 liberation2 dejavu-core symbola)
     foreach(stem IN LISTS staged_fonts_${package})
         set(source "")
-        foreach(folder IN LISTS PRISMO_FONT_FOLDERS)
+        foreach(folder IN LISTS font_folders)
             foreach(extension otf ttf)
                 if(NOT source AND EXISTS "${folder}/${stem}.${extension}")
                     set(source "${folder}/${stem}.${extension}")
@@ -66,7 +67,7 @@ foreach(source IN LISTS staged_font_sources)
     install(FILES "${source}" DESTINATION fonts)
 endforeach()
 
-foreach(package urw-base35 liberation2 dejavu-core)
+foreach(package urw-base35 liberation2 dejavu-core symbola)
     set(licence "/usr/share/doc/fonts-${package}/copyright")
     if(EXISTS "${licence}")
         set(copy "${PRISMO_DIST_DIR}/fonts/licences/fonts-${package}.txt")

@@ -1,6 +1,7 @@
 #include "quillrip/fonts/symbol_set.h"
 
 #include "quillrip/fonts/font_reporter.h"
+#include "quillrip/fonts/header_fields.h"
 #include "quillrip/fonts/symbol_set_tables.h"
 
 #include <algorithm>
@@ -49,17 +50,16 @@ std::shared_ptr<const SymbolSet> SymbolSet::parse(ByteView data, const FontRepor
     constexpr std::uint8_t kFormatUnicode = 3;
     constexpr std::uint16_t kNoSymbol = 0xFFFF; // in either numbering
 
-    const auto u16 = [&](std::size_t at) { return static_cast<unsigned>(data[at] << 8 | data[at + 1]); };
     if (data.size < kSmallestHeader) {
         reporter.damage("symbolset.short", "symbol set definition shorter than its header, ignored");
         return nullptr;
     }
-    const std::size_t headerSize = u16(0);
-    const auto number = static_cast<std::uint16_t>(u16(2));
+    const std::size_t headerSize = u16At(data, 0);
+    const auto number = static_cast<std::uint16_t>(u16At(data, 2));
     const std::uint8_t format = data[4];
     const std::uint8_t range = data[5];
-    const unsigned first = u16(6);
-    const unsigned last = u16(8);
+    const unsigned first = u16At(data, 6);
+    const unsigned last = u16At(data, 8);
     if (headerSize < kSmallestHeader || (format != kFormatMasterSymbolList && format != kFormatUnicode) || range > 2
         || first > last || last > 255) {
         reporter.damage("symbolset.header", "symbol set definition with an invalid header, ignored");
@@ -74,7 +74,7 @@ std::shared_ptr<const SymbolSet> SymbolSet::parse(ByteView data, const FontRepor
             reporter.damage("symbolset.truncated", "symbol set definition shorter than its code range");
             break;
         }
-        const auto symbol = static_cast<std::uint16_t>(u16(at));
+        const auto symbol = static_cast<std::uint16_t>(u16At(data, at));
         if (symbol == kNoSymbol)
             continue;
         table[code] = format == kFormatUnicode ? symbol : unicodeOfMasterSymbol(symbol);

@@ -1,5 +1,6 @@
 #include "quillrip/fonts/truetype_soft_font.h"
 
+#include "quillrip/fonts/header_fields.h"
 #include "quillrip/fonts/incremental_truetype.h"
 #include "quillrip/fonts/outline_raster.h"
 
@@ -13,8 +14,6 @@ namespace {
 constexpr std::uint32_t kComponentCode = 0xFFFF;
 /// The slant of oblique faces.
 constexpr double kTangent12Degrees = 0.21256;
-
-std::uint16_t u16(ByteView data, std::size_t at) { return static_cast<std::uint16_t>(data[at] << 8 | data[at + 1]); }
 
 } // namespace
 
@@ -58,13 +57,13 @@ bool TrueTypeSoftFont::addPclCharacter(std::uint32_t code, ByteView block, const
             return false;
         }
         start = 2u + block[2];
-        if (block.size < start + 4 || u16(block, start) < 4) {
+        if (block.size < start + 4 || u16At(block, start) < 4) {
             reporter.damage("font.character-short", "TrueType character shorter than its descriptor, ignored");
             return false;
         }
         m_unfinished.code = code;
         // The size counts itself and the glyph id; a reserved byte and the checksum follow.
-        m_unfinished.wanted = u16(block, start) + std::size_t { 2 };
+        m_unfinished.wanted = u16At(block, start) + std::size_t { 2 };
     } else if (m_unfinished.wanted == 0 || m_unfinished.code != code) {
         reporter.damage("font.continuation", "continuation of a character that was not begun, ignored");
         return false;
@@ -86,7 +85,7 @@ bool TrueTypeSoftFont::addPclCharacter(std::uint32_t code, ByteView block, const
     Glyph glyph;
     const ByteView entry = data.sub(4, m_unfinished.wanted - 6);
     glyph.data.assign(entry.begin(), entry.end());
-    const std::uint16_t glyphId = u16(data, 2);
+    const std::uint16_t glyphId = u16At(data, 2);
     m_unfinished = {};
     store(code, glyphId, std::move(glyph));
     return true;
@@ -107,16 +106,16 @@ bool TrueTypeSoftFont::addPclXlCharacter(std::uint32_t code, ByteView data, cons
     Glyph glyph;
     if (characterClass > 0) {
         glyph.hasBearing = true;
-        glyph.leftBearing = static_cast<std::int16_t>(u16(data, 4));
+        glyph.leftBearing = static_cast<std::int16_t>(u16At(data, 4));
         glyph.hasAdvance = true;
-        glyph.advance = u16(data, 6);
+        glyph.advance = u16At(data, 6);
     }
     // The data size counts from its own field on; what it leaves out is padding.
-    const std::size_t declared = u16(data, 2) + std::size_t { 2 };
+    const std::size_t declared = u16At(data, 2) + std::size_t { 2 };
     const std::size_t end = declared >= idAt + 2 ? std::min(data.size, declared) : data.size;
     const ByteView entry = data.sub(idAt + 2, end - idAt - 2);
     glyph.data.assign(entry.begin(), entry.end());
-    store(code, u16(data, idAt), std::move(glyph));
+    store(code, u16At(data, idAt), std::move(glyph));
     return true;
 }
 
