@@ -108,7 +108,7 @@ const std::vector<Machine::Entry>& Machine::commands()
         { mnemonic("RA"), &M::fillRectangleAbsolute, "fill rectangle absolute" },
         { mnemonic("RF"), &M::rasterFill, "raster fill definition", kBreaks },
         { mnemonic("RO"), &M::rotate, "rotate coordinate system", kBreaks },
-        { mnemonic("RP"), &M::repeatPlot, "replot", kEnds, kNumbers, false, kPlot },
+        { mnemonic("RP"), &M::ignore, "replot" },
         { mnemonic("RR"), &M::fillRectangleRelative, "fill rectangle relative" },
         { mnemonic("RT"), &M::arcThreePointRelative, "relative arc three point", kGoes, kNumbers, true },
         { mnemonic("SA"), &M::selectAlternate, "select alternate font" },

@@ -86,9 +86,10 @@ void Machine::updateClip()
     if (!m_clipIsStale)
         return;
     m_clipIsStale = false;
-    m_clip = { std::max(m_frame.left, m_frame.clipLeft), std::max(m_frame.top, m_frame.clipTop),
-        std::min(m_frame.left + m_frame.width, m_frame.clipRight),
-        std::min(m_frame.top + m_frame.height, m_frame.clipBottom) };
+    m_clip = { m_frame.clipLeft, m_frame.clipTop, m_frame.clipRight, m_frame.clipBottom };
+    if (m_frame.cutsAtFrame)
+        m_clip = m_clip.intersected(
+            { m_frame.left, m_frame.top, m_frame.left + m_frame.width, m_frame.top + m_frame.height });
     const Window& window = m_state.window;
     if (window.kind != Window::Kind::Frame) {
         const bool isUser = window.kind == Window::Kind::UserUnits;
@@ -200,7 +201,7 @@ void Machine::initialise()
     s.isPenDown = false;
     m_hasDotToDraw = false;
     s.pen = {};
-    s.selectedPen = -1;
+    s.selectedPen = m_defaultPen;
     s.quarterTurns = 0;
     updateFrame();
     setDefaults();
@@ -214,6 +215,8 @@ void Machine::initialise()
 void Machine::initialiseCommand()
 {
     initialise();
+    if (m_listener)
+        m_listener->pointsDefaulted();
     m_state.blackReference = State {}.blackReference;
     m_state.whiteReference = State {}.whiteReference;
     m_host.setRasterOperation(kDefaultRasterOperation);
@@ -233,6 +236,8 @@ void Machine::inputPoints()
 {
     if (m_operands.empty()) {
         defaultScalingPoints();
+        if (m_listener)
+            m_listener->pointsDefaulted();
         return;
     }
     if (operandCount() < 2)
@@ -344,8 +349,6 @@ void Machine::rotate()
     updateFrame();
     m_state.pen = m_plotterToPage.inverted().apply(pen);
     m_state.carriageReturn = m_state.pen;
-    if (m_listener)
-        m_listener->rotated(turns);
 }
 
 } // namespace quillrip::hpgl

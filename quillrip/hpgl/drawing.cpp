@@ -142,6 +142,12 @@ void Machine::drawLine(const std::vector<LineVertex>& line, double& phase)
         }
         return;
     }
+    if (!m_surface.needsDetail()) {
+        for (std::size_t i = 0; i < line.size(); ++i)
+            i == 0 ? m_strokes.moveTo(withinReach(line[i].at)) : m_strokes.lineTo(withinReach(line[i].at));
+        flushStrokes();
+        return;
+    }
     updateClip();
     LinePattern pattern;
     const auto type = static_cast<std::size_t>(std::abs(m_state.lineType.type));

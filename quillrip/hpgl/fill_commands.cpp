@@ -28,6 +28,14 @@ int shadingThreshold(int x, int y)
     return threshold;
 }
 
+/// Quarter turns that take +x to +y.
+int quarterTurnsOf(const Matrix& matrix)
+{
+    if (std::abs(matrix.a) >= std::abs(matrix.b))
+        return matrix.a >= 0 ? 0 : 2;
+    return matrix.b >= 0 ? 1 : 3;
+}
+
 Rgb mixedWithWhite(Rgb color, double share)
 {
     const auto mix = [&](std::uint8_t c) { return static_cast<std::uint8_t>(std::lround(255 - (255 - c) * share)); };
@@ -242,12 +250,15 @@ std::optional<Ink> Machine::rasterInk(int index, bool usesCurrentPen)
             tile.pixels.push_back(primary);
     }
     const PageCanvas canvas = m_host.previewCanvas();
-    // Rows run along the plotter's x axis, so they turn with it: counter-clockwise for RO.
-    const int turns = m_frame.quarterTurns - m_state.quarterTurns;
+    // Rows run along the plotter's x axis, so they turn with it: counter-clockwise for RO, and as the page in its
+    // image.
+    const int turns = m_frame.quarterTurns - m_state.quarterTurns + quarterTurnsOf(canvas.pageToDevice);
+    const bool isAcross = quarterTurnsOf(canvas.pageToDevice) & 1;
+    const double dotX = (isAcross ? canvas.resolution.y : canvas.resolution.x) / kPatternDpi;
+    const double dotY = (isAcross ? canvas.resolution.x : canvas.resolution.y) / kPatternDpi;
     Ink ink;
     ink.color = penColor(usesCurrentPen ? m_state.selectedPen : 1);
-    ink.tile = std::make_shared<const PatternTile>(
-        tile.turned(turns & 3).scaled(canvas.resolution.x / kPatternDpi, canvas.resolution.y / kPatternDpi));
+    ink.tile = std::make_shared<const PatternTile>(tile.turned(turns & 3).scaled(dotX, dotY));
     usePatternAnchor(ink);
     return ink;
 }

@@ -27,6 +27,7 @@ struct PictureFrame {
     /// Quarter turns clockwise of the plot within the page: 1 when the plotter's x axis runs down it, so that a plot
     /// made with RO90 stands upright. Width and height above are those on the page; plot sizes are the plot's own.
     int quarterTurns = 0;
+    bool cutsAtFrame = true; ///< nothing is drawn outside the frame
     double clipLeft = 180; ///< nothing is drawn beyond: logical page and printable area
     double clipTop = 0;
     double clipRight = 5940;

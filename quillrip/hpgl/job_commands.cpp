@@ -59,25 +59,16 @@ void Machine::leavePage(bool isForced)
     updateFrame();
 }
 
-void Machine::repeatPlot()
-{
-    if (m_listener)
-        m_listener->repeatPage(std::clamp(clampedInteger(0, 1), 0, 99));
-}
-
 void Machine::plotSize()
 {
     if (!m_listener)
         return;
-    m_listener->plotSize(m_operands);
-    // A page of another size is another frame.
-    const PictureFrame before = m_frame;
+    if (!m_listener->plotSize(m_operands))
+        return;
     const Point pen = m_state.pen;
-    updateFrame();
-    if (m_frame.width != before.width || m_frame.height != before.height) {
-        frameChanged();
-        m_state.pen = m_state.carriageReturn = pen;
-    }
+    frameChanged();
+    m_listener->pointsDefaulted();
+    m_state.pen = m_state.carriageReturn = pen;
 }
 
 void Machine::tickLength()

@@ -56,6 +56,12 @@ void Machine::makeReady()
     initialise();
 }
 
+void Machine::powerOn()
+{
+    makeReady();
+    initialiseCommand();
+}
+
 void Machine::reset()
 {
     // The frame may not have gone back to its default yet, so the rest waits until it is asked for.

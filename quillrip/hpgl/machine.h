@@ -22,17 +22,16 @@ namespace quillrip::hpgl {
 class PlotListener {
 public:
     virtual ~PlotListener() = default;
-    /// PS with its operands as they came.
-    virtual void plotSize(const std::vector<double>& operands) = 0;
+    /// PS with its operands as they came. False when it comes too late for the page.
+    virtual bool plotSize(const std::vector<double>& operands) = 0;
     /// IP or IW with four operands: a rectangle of the rotated system.
     virtual void plotWindow(bool isInputWindow, Point corner1, Point corner2) = 0;
-    virtual void rotated(int quarterTurns) = 0;
-    /// SC that takes effect on P1 and P2.
+    /// P1 and P2 went back to where they are without IP.
+    virtual void pointsDefaulted() = 0;
+    /// SC with operands.
     virtual void scaled() = 0;
     /// PG, AF, AH, BP: the page is finished. `isForced`: also when nothing was drawn.
     virtual void advancePage(bool isForced) = 0;
-    /// RP: so many further copies of the page before.
-    virtual void repeatPage(int copies) = 0;
 };
 
 /// The interpreter proper: state, commands and the drawing that follows from them.
@@ -57,6 +56,11 @@ public:
     void frameRescaled();
     /// Other defaults for P1 and P2 than the frame's corners, in force from the next IN or IP.
     void setDefaultScalingPoints(Point p1, Point p2);
+    /// The pen that is selected without SP, in force from the next IN; -1 for none.
+    void setDefaultPen(int pen) { m_defaultPen = pen; }
+    /// Starts as a plotter does that is switched on, its palette included.
+    void powerOn();
+    bool hasSelectedPen() const { return m_hasSelectedPen; }
 
     const State& state() const { return m_state; }
     const Matrix& plotterToPage() const { return m_plotterToPage; }
@@ -266,7 +270,6 @@ private:
     void advancePage();
     void advanceFrame();
     void leavePage(bool isForced);
-    void repeatPlot();
     void plotSize();
     void comment();
     void ignore();
@@ -290,6 +293,8 @@ private:
     UserToPlotter m_userToPlotter;
     bool m_isReady = false; ///< the state is there; false after a reset
     bool m_hasDefaultScalingPoints = false;
+    int m_defaultPen = -1;
+    bool m_hasSelectedPen = false; ///< SP was seen
     Point m_defaultP1;
     Point m_defaultP2;
     PageRect m_clip;

@@ -16,6 +16,8 @@ public:
 
     /// Forgets the canvas: the host may have delivered its page since.
     void leavePage();
+    /// Stops the drawing: the page cannot be delivered.
+    void fail(RunStatus status) { m_status = status; }
 
     void setClip(const PageRect& clip) override;
     void stroke(const Path& path, const StrokeStyle& style, const Ink& ink) override;

@@ -105,7 +105,7 @@ void Machine::hatchPolygon(const Polygon& polygon, bool isNonZero, const Hatchin
     // Lines that touch each other, or that no device can tell apart, make a solid area.
     constexpr double kFinestSpacing = 0.6;
     const bool isSolid = m_state.lineType.isSolid && spacingOnPage <= std::max(penWidthDecipoints(), kFinestSpacing);
-    if (isSolid || spacingOnPage <= kFinestSpacing || !hatch(polygon, request, lines)) {
+    if (isSolid || !m_surface.needsDetail() || spacingOnPage <= kFinestSpacing || !hatch(polygon, request, lines)) {
         std::optional<Ink> ink = lineInk();
         if (!ink)
             return;

@@ -56,6 +56,8 @@ public:
     virtual void drawGlyph(const Typeface& face, GlyphId glyph, const Matrix& glyphToPage, const Ink& ink) = 0;
     /// Anything but Done: nothing more can be drawn.
     virtual RunStatus status() const = 0;
+    /// False: outlines do as well as dashes and hatch lines.
+    virtual bool needsDetail() const { return true; }
 };
 
 /// The points of a path, curves by their control points.

@@ -92,6 +92,7 @@ void Machine::selectPen() { selectPen(m_operands.empty() ? 0 : clampedInteger(0)
 
 void Machine::selectPen(int pen)
 {
+    m_hasSelectedPen = true;
     if (pen >= 0)
         m_state.selectedPen = pen;
 }

@@ -1,0 +1,200 @@
+#include "quillrip/hpgl/plot_page.h"
+
+#include "quillrip/hpgl/state.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+
+namespace quillrip::hpgl {
+
+namespace {
+
+constexpr double kDecipointsPerUnit = kDecipointsPerInch / kPlotterUnitsPerInch;
+/// Sizes that a whole sheet can have: half a centimetre to five metres.
+constexpr double kSmallestSheet = 200;
+constexpr double kLargestSheet = 200000;
+/// Drawings may lie so far beyond a sheet's edge, half a heavy pen.
+constexpr double kSlack = 80;
+constexpr double kMargin = 400;
+
+/// Long edge first.
+constexpr std::array<Point, 5> kMetricSheets { Point { 11880, 8400 }, Point { 16800, 11880 }, Point { 23760, 16800 },
+    Point { 33640, 23760 }, Point { 47560, 33640 } };
+constexpr std::array<Point, 5> kInchSheets { Point { 11176, 8636 }, Point { 17272, 11176 }, Point { 22352, 17272 },
+    Point { 34544, 22352 }, Point { 44704, 34544 } };
+/// By length, for PS with one operand.
+constexpr std::array<Point, 8> kSheetsByLength { Point { 11176, 8636 }, Point { 11880, 8400 }, Point { 14224, 8636 },
+    Point { 16800, 11880 }, Point { 17272, 11176 }, Point { 23760, 16800 }, Point { 33640, 23760 },
+    Point { 47560, 33640 } };
+
+/// A sheet in the plot's own directions and where the rotated system's origin lies on it.
+struct Placed {
+    Point size;
+    Point lowerLeft; ///< in the rotated system
+};
+
+bool isNear(double a, double b)
+{
+    constexpr double kTolerance = 0.015;
+    return std::abs(a - b) <= kTolerance * b;
+}
+
+/// The standard sheet that a size is meant to be, or the size itself.
+Point snapped(Point size)
+{
+    for (const auto* sheets : { &kMetricSheets, &kInchSheets }) {
+        for (const Point sheet : *sheets) {
+            if (isNear(size.x, sheet.x) && isNear(size.y, sheet.y))
+                return sheet;
+            if (isNear(size.x, sheet.y) && isNear(size.y, sheet.x))
+                return { sheet.y, sheet.x };
+        }
+    }
+    return size;
+}
+
+/// The smallest standard sheet of at least that size, along the x axis first.
+std::optional<Point> smallestSheet(Point size, bool isMetric)
+{
+    for (const Point sheet : isMetric ? kMetricSheets : kInchSheets) {
+        if (size.x <= sheet.x && size.y <= sheet.y)
+            return sheet;
+        if (size.x <= sheet.y && size.y <= sheet.x)
+            return Point { sheet.y, sheet.x };
+    }
+    return std::nullopt;
+}
+
+/// A sheet that a rectangle of the plot itself stands for.
+std::optional<Placed> fromRectangle(const std::optional<PlotRect>& rect, const PlotRect& extent, bool isMetric)
+{
+    if (!rect || !rect->contains(extent, kSlack))
+        return std::nullopt;
+    constexpr double kLeast = 2000;
+    const Point size = rect->size();
+    if (size.x < kLeast || size.y < kLeast || size.x > kLargestSheet || size.y > kLargestSheet)
+        return std::nullopt;
+    constexpr double kAtCorner = 40;
+    const bool isAtCorner = std::abs(rect->low.x) <= kAtCorner && std::abs(rect->low.y) <= kAtCorner;
+    if (isAtCorner)
+        return Placed { snapped(size), {} };
+    if (rect->low.x < 0 || rect->low.y < 0)
+        return Placed { size, rect->low };
+    // Set in from the edges as P1 and P2 of desktop plotters are.
+    constexpr double kWidestInset = 1200;
+    if (rect->low.x > kWidestInset || rect->low.y > kWidestInset)
+        return std::nullopt;
+    if (const auto sheet = smallestSheet(rect->high, isMetric))
+        return Placed { *sheet, {} };
+    return std::nullopt;
+}
+
+Placed fromExtent(const PlotRect& extent, bool isMetric)
+{
+    const Point size = extent.size();
+    if (extent.low.x >= -kSlack && extent.low.y >= -kSlack) {
+        if (const auto sheet = smallestSheet(extent.high - Point { kSlack, kSlack }, isMetric))
+            return { *sheet, {} };
+    }
+    const auto isCentred = [](double low, double high) {
+        constexpr double kLopsided = 0.2;
+        return low < 0 && high > 0 && std::abs(low + high) <= kLopsided * (high - low);
+    };
+    if (isCentred(extent.low.x, extent.high.x) && isCentred(extent.low.y, extent.high.y)) {
+        const Point reach { std::max(-extent.low.x, extent.high.x), std::max(-extent.low.y, extent.high.y) };
+        if (const auto sheet = smallestSheet(reach * 2, isMetric))
+            return { *sheet, *sheet * -0.5 };
+    }
+    const Point margin { kMargin, kMargin };
+    return { size + margin * 2, extent.low - margin };
+}
+
+Placed place(const PlotFacts& facts, const PlotEnvironment& environment)
+{
+    const bool isTurned = facts.quarterTurns & 1;
+    const auto upright = [&](double length, double width) {
+        return Placed { isTurned ? Point { width, length } : Point { length, width }, {} };
+    };
+    if (environment.paperWidth > 0 && environment.paperHeight > 0)
+        return upright(environment.paperWidth / kDecipointsPerUnit, environment.paperHeight / kDecipointsPerUnit);
+    if (facts.plotLength && facts.plotWidth)
+        return upright(*facts.plotLength, *facts.plotWidth);
+    if (facts.plotLength) {
+        for (const Point sheet : kSheetsByLength) {
+            if (*facts.plotLength <= sheet.x)
+                return upright(sheet.x, sheet.y);
+        }
+        return upright(*facts.plotLength, kSheetsByLength.back().x);
+    }
+    const PlotRect extent = facts.extent.empty() ? PlotRect { {}, {} } : facts.extent;
+    const bool isMetric = environment.prefersMetricPaper;
+    const Point assumed = assumedPaper(environment);
+    const Placed paper = upright(assumed.x, assumed.y);
+    if (facts.usesDefaultPoints && PlotRect { {}, paper.size }.contains(extent, kSlack))
+        return paper;
+    if (const auto window = fromRectangle(facts.inputWindow, extent, isMetric))
+        return *window;
+    if (const auto points = fromRectangle(facts.inputPoints, extent, isMetric))
+        return *points;
+    return fromExtent(extent, isMetric);
+}
+
+} // namespace
+
+void PlotRect::include(Point point)
+{
+    low = { std::min(low.x, point.x), std::min(low.y, point.y) };
+    high = { std::max(high.x, point.x), std::max(high.y, point.y) };
+}
+
+bool PlotRect::contains(const PlotRect& other, double slack) const
+{
+    return other.low.x >= low.x - slack && other.low.y >= low.y - slack && other.high.x <= high.x + slack
+        && other.high.y <= high.y + slack;
+}
+
+Point assumedPaper(const PlotEnvironment& environment)
+{
+    if (environment.paperWidth > 0 && environment.paperHeight > 0)
+        return { environment.paperWidth / kDecipointsPerUnit, environment.paperHeight / kDecipointsPerUnit };
+    return environment.prefersMetricPaper ? kMetricSheets[0] : kInchSheets[0];
+}
+
+PlotPage plotPage(const PlotFacts& facts, const PlotEnvironment& environment)
+{
+    Placed placed = place(facts, environment);
+    placed.size.x = std::max(placed.size.x, kSmallestSheet);
+    placed.size.y = std::max(placed.size.y, kSmallestSheet);
+
+    PlotPage page;
+    double reduction = 1;
+    if (placed.size.x > kLargestSheet || placed.size.y > kLargestSheet) {
+        page.isReduced = true;
+        const Point largest = kMetricSheets.back();
+        reduction = std::min(largest.x / placed.size.x, largest.y / placed.size.y);
+    }
+    const Point plot = placed.size * kDecipointsPerUnit;
+    const Point onPage { std::max(plot.x * reduction, 1.0), std::max(plot.y * reduction, 1.0) };
+    page.sheet.width = std::min(onPage.x, onPage.y);
+    page.sheet.height = std::max(onPage.x, onPage.y);
+    page.sheet.orientation = onPage.x > onPage.y ? 1 : 0;
+
+    PictureFrame& frame = page.frame;
+    const int turns = facts.hasMixedTurns ? 0 : facts.quarterTurns;
+    frame.quarterTurns = turns;
+    frame.width = onPage.x;
+    frame.height = onPage.y;
+    frame.plotWidth = turns & 1 ? plot.y : plot.x;
+    frame.plotHeight = turns & 1 ? plot.x : plot.y;
+    frame.left = -placed.lowerLeft.x * kDecipointsPerUnit * reduction;
+    frame.top = placed.lowerLeft.y * kDecipointsPerUnit * reduction;
+    frame.cutsAtFrame = false;
+    frame.clipLeft = 0;
+    frame.clipTop = 0;
+    frame.clipRight = onPage.x;
+    frame.clipBottom = onPage.y;
+    return page;
+}
+
+} // namespace quillrip::hpgl

@@ -1,0 +1,51 @@
+#pragma once
+
+#include "quillrip/hpgl/host.h"
+#include "quillrip/hpgl/plot_file.h"
+#include "quillrip/raster/page_device.h"
+
+#include <optional>
+
+namespace quillrip::hpgl {
+
+/// A rectangle in plotter units, y up.
+struct PlotRect {
+    Point low;
+    Point high;
+
+    bool empty() const { return !(low.x <= high.x && low.y <= high.y); }
+    Point size() const { return high - low; }
+    void include(Point point);
+    bool contains(const PlotRect& other, double slack) const;
+    static PlotRect nothing() { return { { 1e300, 1e300 }, { -1e300, -1e300 } }; }
+};
+
+/// What the first reading of a page tells about its size. Rectangles are in the rotated system of RO.
+struct PlotFacts {
+    bool isDrawn = false;
+    PlotRect extent = PlotRect::nothing(); ///< of all marks, pen widths included
+    int quarterTurns = 0; ///< RO / 90 of the marks
+    bool hasMixedTurns = false; ///< RO changed between marks: `extent` is then in the unrotated system
+    std::optional<double> plotLength; ///< PS
+    std::optional<double> plotWidth;
+    std::optional<PlotRect> inputWindow; ///< IW before the first mark
+    std::optional<PlotRect> inputPoints; ///< IP before the first mark
+    bool usesDefaultPoints = false; ///< scaled to P1 and P2 as they are without IP
+};
+
+/// A page of a plot file: its sheet and the plot's place on it.
+struct PlotPage {
+    SheetRequest sheet;
+    PictureFrame frame;
+    bool isReduced = false; ///< the plot is larger than any sheet
+};
+
+/// Length and width in plotter units of the sheet that a plotter without further knowledge has: Letter or A4.
+Point assumedPaper(const PlotEnvironment& environment);
+
+/// The sheet for one page. In this order: the environment's paper; PS; a window or P1 and P2 that enclose the
+/// drawing; the smallest standard sheet that holds the drawing with the origin at its lower left corner, or in its
+/// middle for drawings round the origin; the drawing and a margin of a centimetre.
+PlotPage plotPage(const PlotFacts& facts, const PlotEnvironment& environment);
+
+} // namespace quillrip::hpgl
