@@ -80,7 +80,7 @@ public:
     }
 
 private:
-    std::vector<Rgb> m_palette { { 255, 255, 255 }, { 0, 0, 0 } };
+    std::vector<Rgb> m_palette = std::vector<Rgb>(2);
     std::uint8_t m_rasterOperation = kDefaultRasterOperation;
     bool m_isGridCentred = false;
 };
