@@ -188,7 +188,7 @@ private:
     bool record(Tokenizer& tokenizer, const Token& token);
     void runMacro(const MacroBytes& bytes);
     void callMacro(const MacroBytes& bytes);
-    void restore(const State& saved);
+    void restore(const State& saved, Position place);
 
     // print_model.cpp
     PaintState paintState(PatternChoice choice);

@@ -150,12 +150,13 @@ void Machine::callMacro(const MacroBytes& bytes)
     if (!bytes)
         return;
     const State saved = m_state;
+    const Position place = m_state.page.toOrientation(m_cursor, m_state.direction);
     runMacro(bytes);
     if (!failed())
-        restore(saved);
+        restore(saved, place);
 }
 
-void Machine::restore(const State& saved)
+void Machine::restore(const State& saved, Position place)
 {
     finishRaster();
     endUnderlineRun();
@@ -164,8 +165,6 @@ void Machine::restore(const State& saved)
         || now.orientation() != saved.page.orientation();
     if (isOtherPage)
         ejectPage(false);
-    // The cursor is no part of what comes back: it stays at its place on the sheet.
-    const Position place = now.toOrientation(m_cursor, m_state.direction);
     m_state = saved;
     m_cursor = saved.page.fromOrientation(place, saved.direction);
     geometryChanged();

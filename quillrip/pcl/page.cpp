@@ -58,6 +58,7 @@ void Machine::closePage()
     m_canvas = {};
     geometryChanged();
     m_pagesOnSheet = m_state.duplex != 0 ? 1 - m_pagesOnSheet : 0;
+    applyRegistration();
 }
 
 void Machine::ejectPage(bool evenWhenUnmarked)
@@ -161,7 +162,12 @@ void Machine::moveToClamped(InternalUnits x, InternalUnits y)
 
 void Machine::applyRegistration()
 {
-    m_state.page.setRegistration(m_state.registrationX, m_state.registrationY);
+    // The back of a sheet is seen from the other side: bound at the long edge, left is right; at the short, top is
+    // bottom.
+    const bool isBack = m_pagesOnSheet == 1;
+    const InternalUnits x = isBack && m_state.duplex == 1 ? -m_state.registrationX : m_state.registrationX;
+    const InternalUnits y = isBack && m_state.duplex == 2 ? -m_state.registrationY : m_state.registrationY;
+    m_state.page.setRegistration(x, y);
     geometryChanged();
 }
 

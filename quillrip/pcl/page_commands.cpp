@@ -96,6 +96,7 @@ void Machine::setDuplex(const Command& command)
     ejectPage(false);
     m_state.duplex = mode;
     m_pagesOnSheet = 0;
+    applyRegistration();
     home();
 }
 
@@ -164,15 +165,10 @@ void Machine::setTextLength(const Command& command)
 void Machine::setPerforationSkip(const Command& command)
 {
     const int mode = command.value.integer();
-    if (mode < 0 || mode > 1 || (mode == 1) == m_state.skipsPerforation)
+    if (mode != 0 && mode != 1)
         return;
-    const bool isAtHome = !m_isMarked && m_cursor == homePosition();
+    // The margins stay: drivers send this after the top margin and count on it.
     m_state.skipsPerforation = mode == 1;
-    const TextArea area = turned(defaultTextArea(m_state.page), m_state.page, 0, m_state.direction);
-    m_state.text.top = area.top;
-    m_state.text.bottom = area.bottom;
-    if (isAtHome)
-        home();
 }
 
 void Machine::setLeftMargin(const Command& command)

@@ -158,6 +158,26 @@ Position PageLayout::fromOrientation(Position place, int direction) const
     }
 }
 
+InternalUnits PageLayout::reachRight(int direction) const
+{
+    const bool landscape = m_orientation & 1;
+    const InternalUnits across = inUnits(landscape ? m_size.length : m_size.width, kUnitsPerDecipoint);
+    const InternalUnits down = inUnits(landscape ? m_size.width : m_size.length, kUnitsPerDecipoint);
+    const InternalUnits left = m_leftOffset + m_registrationX;
+    switch (direction & 3) {
+    case 1:
+        return m_length + m_registrationY;
+    case 2:
+        return m_width + left;
+    case 3:
+        return down - m_registrationY;
+    default:
+        return across - left;
+    }
+}
+
+InternalUnits PageLayout::reachDown(int direction) const { return reachRight(direction + 3); }
+
 Matrix PageLayout::directionToPage(int direction) const
 {
     const Position origin = toOrientation({ 0, 0 }, direction);

@@ -64,6 +64,11 @@ public:
     InternalUnits width(int direction) const { return direction & 1 ? m_length : m_width; }
     InternalUnits length(int direction) const { return direction & 1 ? m_width : m_length; }
 
+    /// Where the sheet ends in a direction's axes. Raster goes on beyond the logical page, as on printers that print
+    /// to the edge; drivers send whole sheets' widths.
+    InternalUnits reachRight(int direction) const;
+    InternalUnits reachDown(int direction) const;
+
     /// From a direction's axes to those of direction 0, and back.
     Position toOrientation(Position place, int direction) const;
     Position fromOrientation(Position place, int direction) const;

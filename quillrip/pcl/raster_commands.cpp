@@ -104,14 +104,14 @@ void Machine::beginRaster(bool isScaled)
     setup.direction = rasterDirection();
     const Position place = page.fromOrientation(page.toOrientation(m_cursor, m_state.direction), setup.direction);
     setup.origin = { settings.leftMargin, place.y };
-    setup.pageEnd = page.length(setup.direction);
+    setup.pageEnd = page.reachDown(setup.direction);
 
     const double resolution = settings.componentData.empty()
         ? settings.resolution
         : RasterLayout::resolutionOf(settings.componentData).value_or(settings.resolution);
     setup.pixelWidth = static_cast<double>(kUnitsPerInch) / resolution;
     setup.pixelHeight = setup.pixelWidth;
-    const InternalUnits room = std::max<InternalUnits>(page.width(setup.direction) - settings.leftMargin, 1);
+    const InternalUnits room = std::max<InternalUnits>(page.reachRight(setup.direction) - settings.leftMargin, 1);
     const int roomPixels = static_cast<int>(std::ceil(static_cast<double>(room) / setup.pixelWidth - 1e-9));
     int width = settings.width.value_or(std::max(1, roomPixels));
     setup.height = settings.height;
@@ -142,7 +142,6 @@ void Machine::beginRaster(bool isScaled)
     // The canvas may be there only from the first row on, but its geometry is known before.
     setup.unitsToDevice = unitsToDevice(setup.direction);
     setup.paint = paintState(m_state.pattern);
-    setup.paint.clip = logicalPageClip();
     m_raster = std::make_unique<RasterSession>(std::move(setup), [this] { return painterForMark(); });
 }
 
@@ -169,7 +168,7 @@ void Machine::endRaster(const Command& command)
 void Machine::moveRasterRows(const Command& command)
 {
     const int rows = std::min(command.value.integer(), 32767);
-    if (rows <= 0)
+    if (rows < 0 || (rows == 0 && !m_raster))
         return;
     ensureRaster();
     m_raster->skipRows(rows);

@@ -128,9 +128,9 @@ void RasterSession::emitZeroRows(int count) { emitRow(m_setup.layout.compose(m_p
 
 void RasterSession::skipRows(int count)
 {
+    clearSeeds();
     if (count <= 0)
         return;
-    clearSeeds();
     if (zeroRowsLeaveMarks()) {
         emitZeroRows(count);
         return;

@@ -41,7 +41,7 @@ public:
     Outcome transferPlane(ByteView data, int method);
     /// ESC*b#W: the last or only plane of a row, or a block of rows.
     Outcome transferRow(ByteView data, int method);
-    /// ESC*b#Y.
+    /// ESC*b#Y. The seed rows become zero, even when no row is skipped.
     void skipRows(int count);
     /// Pads a declared area and lets go of the painter. Returns where the cursor then is, in the raster's axes.
     Position finish();

@@ -53,7 +53,7 @@ struct FrameSettings {
 };
 
 /// The modified print environment: everything that a macro call saves and restores, and nothing else. Copying it is
-/// the save. The cursor and its stack, soft fonts, macros, patterns and symbol sets are not part of it.
+/// the save. The cursor's stack, soft fonts, macros, patterns and symbol sets are not part of it.
 struct State {
     PageLayout page;
     InternalUnits registrationX = 0;

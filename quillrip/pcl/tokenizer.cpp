@@ -39,13 +39,16 @@ int Tokenizer::take()
 
 Token Tokenizer::next()
 {
+    // The first parameter of a sequence starts with the ESC, and so does what the record has of it.
+    bool isOpening = false;
     while (true) {
-        if (m_record)
+        if (m_record && !isOpening)
             m_recordedBeforeToken = m_record->size();
         if (m_inSequence) {
             Token token = parameter();
             if (token.kind != Token::Kind::End)
                 return token;
+            isOpening = false;
             continue;
         }
         Token token;
@@ -57,6 +60,7 @@ Token Tokenizer::next()
             token = escape();
             if (token.kind != Token::Kind::End)
                 return token;
+            isOpening = m_inSequence;
             continue;
         }
         token.byte = static_cast<std::uint8_t>(byte);
