@@ -1,0 +1,76 @@
+#pragma once
+
+#include "ui/mainwindow.h"
+
+#include <QApplication>
+#include <QByteArray>
+#include <QObject>
+#include <QString>
+#include <QStringList>
+#include <QTest>
+#include <QVariant>
+
+#include <functional>
+
+class QProcess;
+class QPushButton;
+
+// The run's state inside the main window, which no widget shows.
+class MainWindowProbe {
+public:
+    static int& CurrentRow(MainWindow& window) { return window.m_iCurrentRow; }
+    static int FileCount(const MainWindow& window) { return window.m_iFileCount; }
+    static QString OutputFolder(const MainWindow& window) { return window.m_strOutputFolder; }
+    static QString Extension(const MainWindow& window) { return window.m_strExtension; }
+    static QStringList FileList(const MainWindow& window) { return window.m_fileList; }
+    static bool& Running(MainWindow& window) { return window.m_bRunning; }
+    static QProcess* Process(const MainWindow& window) { return window.m_process; }
+    static SettingDialog& Settings(MainWindow& window) { return window.m_settingDialog; }
+};
+
+namespace windowtest {
+
+// Every test program lies in a folder of its own, so its settings file is nobody else's.
+void RemoveSettings();
+void WriteSetting(const QString& strKey, const QVariant& value);
+// The stored text; a null string where the key is missing.
+QString ReadSetting(const QString& strKey);
+
+// Handles events until the claim holds. Sleeps in the event loop only; false after a time no honest run needs.
+bool WaitUntil(const std::function<bool()>& claim);
+
+// The object of that name and class below the parent; fails loudly when it is missing.
+template <class T> T* Child(const QObject& parent, const char* name)
+{
+    T* child = parent.findChild<T*>(QLatin1String(name));
+    if (!child)
+        qFatal("no %s called %s", T::staticMetaObject.className(), name);
+    return child;
+}
+
+// A mouse click as a user makes it.
+void Click(QWidget* widget);
+void ClickButton(const QObject& parent, const char* name);
+
+// Makes a file of that many bytes (sparse where the system can) and returns its path.
+QString MakeFile(const QString& strPath, qint64 iBytes = 0);
+
+// Lists the paths in the table as AddFile would, through the dialog.
+void AddRows(MainWindow& window, const QStringList& paths);
+
+// Chooses these files or this folder in the file dialog, and accepts it.
+void ChooseInFileDialog(QWidget* fileDialog, const QStringList& paths);
+
+} // namespace windowtest
+
+// QTEST_MAIN with the environment that every window test needs.
+#define PRISMO_TEST_MAIN(TestClass)                                                                                    \
+    int main(int argc, char** argv)                                                                                    \
+    {                                                                                                                  \
+        if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))                                                             \
+            qputenv("QT_QPA_PLATFORM", "offscreen");                                                                   \
+        QCoreApplication::setAttribute(Qt::AA_DontUseNativeDialogs);                                                   \
+        QApplication application(argc, argv);                                                                          \
+        TestClass test;                                                                                                \
+        return QTest::qExec(&test, argc, argv);                                                                        \
+    }
