@@ -175,7 +175,8 @@ Content recognise(ByteView window, const RecognitionContext& context)
     }
     if (behindResets > at) {
         if (behindResets == window.size)
-            return { context.isWholeInput ? ContentKind::Nothing : ContentKind::Pcl, at, {} };
+            return context.isWholeInput ? Content { ContentKind::Nothing, behindResets, {} }
+                                        : Content { ContentKind::Pcl, at, {} };
         const auto content = byMark(window.sub(behindResets), context, behindResets);
         if (content && content->kind != ContentKind::Foreign)
             return *content;
