@@ -126,6 +126,9 @@ bool IntellifontSoftFont::outline(GlyphId glyph, Path& path) const
 bool IntellifontSoftFont::rasterise(
     GlyphId glyph, const Matrix& glyphToDevice, GlyphMask::Depth depth, const GlyphStyle& style, GlyphMask& mask) const
 {
+    const GlyphId lent = m_characters.count(glyph) ? shapeOf(glyph) : kNoGlyph;
+    if (lent != kNoGlyph)
+        return m_shapes->rasterise(lent, glyphToDevice, depth, style, mask);
     Path shape;
     if (!outline(glyph, shape))
         return false;

@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <cmath>
 #include <string>
+#include <utility>
 
 namespace quillrip {
 
@@ -15,10 +16,10 @@ namespace {
 
 using Make = InternalFaceSpec::Make;
 
-/// Glyphs are stretched no further than this, and centred in what is left: a substitute's letter looks better a
-/// little narrow in a wide cell than swollen.
+/// Glyphs are stretched no further than this, and centred in what is left: stretching thickens stems, and a letter
+/// looks better a little narrow in a wide cell than swollen.
 constexpr double kNarrowest = 0.80;
-constexpr double kWidest = 1.20;
+constexpr double kWidest = 1.12;
 /// Differences below this are not worth a change of stem width.
 constexpr double kSameWidth = 0.02;
 
@@ -49,6 +50,16 @@ unsigned codeIn(std::uint16_t setNumber, char32_t unicode)
             return code;
     }
     return 0;
+}
+
+/// Lowest and highest point; 0 for an empty path.
+std::pair<double, double> verticalExtent(const Path& path)
+{
+    if (path.empty())
+        return { 0, 0 };
+    const auto [low, high]
+        = std::minmax_element(path.points().begin(), path.points().end(), [](Point a, Point b) { return a.y < b.y; });
+    return { low->y, high->y };
 }
 
 } // namespace
@@ -284,6 +295,42 @@ bool InternalFace::outline(GlyphId glyph, Path& path) const
     return true;
 }
 
+const FittingGuide& InternalFace::measures() const
+{
+    if (m_measures.em > 0)
+        return m_measures;
+    m_measures.em = 1;
+    const auto shapeOf = [this](char32_t unicode) {
+        Path path;
+        if (m_file && !m_boundSet)
+            m_file->outline(m_file->glyphOfUnicode(unicode), path);
+        return path;
+    };
+    const auto top = [&](char32_t unicode) { return verticalExtent(shapeOf(unicode)).second; };
+    const auto bottom = [&](char32_t unicode) { return verticalExtent(shapeOf(unicode)).first; };
+    m_measures.stem = uprightStrokeWidth(shapeOf('l'), 1);
+    m_measures.bar = levelStrokeWidth(shapeOf('H'), 1);
+    m_measures.zones = { { 0, bottom('o') }, { top('x'), top('o') }, { top('H'), top('O') }, { top('l'), top('f') },
+        { bottom('p'), bottom('g') }, { top('1'), top('0') } };
+    return m_measures;
+}
+
+FittingGuide InternalFace::guideFor(GlyphId glyph, const Source& source) const
+{
+    const FittingGuide& face = measures();
+    const double scaleY = fit(glyph, source).d;
+    const double boldY = m_spec.boldY * m_unit;
+    FittingGuide guide;
+    guide.em = 1;
+    // All letters share the stems of the face, however far each was stretched.
+    guide.stem = (face.stem * m_spec.scaleX + m_spec.boldX) * m_unit;
+    guide.bar = face.bar * scaleY + boldY;
+    const auto place = [&](double height) { return height * scaleY + (height > 0 ? boldY : -boldY) / 2; };
+    for (const AlignmentZone& zone : face.zones)
+        guide.zones.push_back({ place(zone.flat), place(zone.round) });
+    return guide;
+}
+
 bool InternalFace::rasterise(
     GlyphId glyph, const Matrix& glyphToDevice, GlyphMask::Depth depth, const GlyphStyle& style, GlyphMask& mask) const
 {
@@ -291,7 +338,13 @@ bool InternalFace::rasterise(
     if (!outline(glyph, shape))
         return false;
     if (style.bold > 0)
-        shape = emboldened(shape, style.bold, style.bold);
+        return rasteriseOutline(emboldened(shape, style.bold, style.bold), glyphToDevice, depth, mask);
+    Path fitted;
+    Matrix toDevice;
+    const Source source = isBoxDrawing(unicodeOf(glyph)) ? Source {} : find(glyph);
+    if (source.isOwn && !m_boundSet
+        && fitToDevice(shape, glyphToDevice, depth, guideFor(glyph, source), fitted, toDevice))
+        return rasteriseOutline(fitted, toDevice, depth, mask);
     return rasteriseOutline(shape, glyphToDevice, depth, mask);
 }
 

@@ -3,6 +3,7 @@
 #include "quillrip/base/diagnostics.h"
 #include "quillrip/fonts/box_drawing.h"
 #include "quillrip/fonts/font_file.h"
+#include "quillrip/fonts/grid_fitting.h"
 #include "quillrip/fonts/internal_face_table.h"
 #include "quillrip/fonts/symbol_set.h"
 #include "quillrip/fonts/typeface.h"
@@ -44,6 +45,10 @@ private:
     double knownAdvance(GlyphId glyph) const;
     GlyphCell cell(GlyphId glyph) const;
     Matrix fit(GlyphId glyph, const Source& source) const;
+    /// Strokes and heights of the font file, em.
+    const FittingGuide& measures() const;
+    /// The same as the glyph comes out, glyph space units.
+    FittingGuide guideFor(GlyphId glyph, const Source& source) const;
     void frame(GlyphId glyph, Path& path) const;
 
     const InternalFaceSpec& m_spec;
@@ -55,6 +60,7 @@ private:
     mutable bool m_isOpen = false;
     mutable const FontFile* m_file = nullptr;
     mutable std::unordered_map<GlyphId, Source> m_sources;
+    mutable FittingGuide m_measures;
 };
 
 } // namespace quillrip

@@ -168,6 +168,19 @@ bool rasteriseOutline(const Path& outline, const Matrix& toDevice, GlyphMask::De
     return trimMask(mask);
 }
 
+AxisScale axisScale(const Matrix& m)
+{
+    AxisScale result;
+    const auto sign = [](double value) { return value < 0 ? -1.0 : value > 0 ? 1.0 : 0.0; };
+    const bool runsAcross = m.b == 0 && m.c == 0;
+    const bool runsDown = m.a == 0 && m.d == 0;
+    result.x = std::abs(runsAcross ? m.a : m.b);
+    result.y = std::abs(runsAcross ? m.d : m.c);
+    result.isAligned = (runsAcross || runsDown) && result.x > 0 && result.y > 0;
+    result.turn = { sign(m.a), sign(m.b), sign(m.c), sign(m.d), m.e, m.f };
+    return result;
+}
+
 Path emboldened(const Path& outline, double x, double y)
 {
     // Emboldening works on whole units: a fine grid keeps them invisible.

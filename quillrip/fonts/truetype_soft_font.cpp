@@ -185,6 +185,42 @@ bool TrueTypeSoftFont::outline(GlyphId glyph, Path& path) const
     return true;
 }
 
+const FittingGuide& TrueTypeSoftFont::measures() const
+{
+    // Codes do not tell letters apart, so the strokes that most glyphs have count. Measured anew when the font has
+    // grown to twice its size: the first text may come after a few glyphs.
+    constexpr std::size_t kMostMeasured = 64;
+    if (m_glyphs.size() < 2 * m_measuredGlyphs)
+        return m_measures;
+    m_measuredGlyphs = m_glyphs.size();
+    std::vector<double> stems;
+    std::vector<double> bars;
+    for (const auto& [id, glyph] : m_glyphs) {
+        if (stems.size() >= kMostMeasured || bars.size() >= kMostMeasured)
+            break;
+        Path shape;
+        if (!outline(id, shape))
+            continue;
+        if (const double stem = uprightStrokeWidth(shape, 1); stem > 0)
+            stems.push_back(stem);
+        if (const double bar = levelStrokeWidth(shape, 1); bar > 0)
+            bars.push_back(bar);
+    }
+    const auto median = [](std::vector<double>& values) {
+        if (values.empty())
+            return 0.0;
+        const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
+        std::nth_element(values.begin(), middle, values.end());
+        return *middle;
+    };
+    constexpr double kUsualOvershoot = 0.014;
+    m_measures.em = 1;
+    m_measures.stem = median(stems);
+    m_measures.bar = median(bars);
+    m_measures.zones = { { 0, -kUsualOvershoot } };
+    return m_measures;
+}
+
 bool TrueTypeSoftFont::rasterise(
     GlyphId glyph, const Matrix& glyphToDevice, GlyphMask::Depth depth, const GlyphStyle& style, GlyphMask& mask) const
 {
@@ -192,7 +228,11 @@ bool TrueTypeSoftFont::rasterise(
     if (!outline(glyph, shape))
         return false;
     if (style.bold > 0)
-        shape = emboldened(shape, style.bold, style.bold);
+        return rasteriseOutline(emboldened(shape, style.bold, style.bold), glyphToDevice, depth, mask);
+    Path fitted;
+    Matrix toDevice;
+    if (fitToDevice(shape, glyphToDevice, depth, measures(), fitted, toDevice))
+        return rasteriseOutline(fitted, toDevice, depth, mask);
     return rasteriseOutline(shape, glyphToDevice, depth, mask);
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "quillrip/fonts/grid_fitting.h"
 #include "quillrip/fonts/soft_font.h"
 #include "quillrip/fonts/soft_font_header.h"
 
@@ -47,6 +48,9 @@ private:
 
     void store(std::uint32_t code, std::uint16_t glyphId, Glyph glyph);
 
+    /// Strokes that most of the glyphs so far have.
+    const FittingGuide& measures() const;
+
     /// A PCL 5 character whose continuation blocks have not all come.
     struct Unfinished {
         std::uint32_t code = 0;
@@ -60,6 +64,8 @@ private:
     std::map<std::uint16_t, Glyph> m_glyphs;
     Unfinished m_unfinished;
     std::size_t m_bytes;
+    mutable FittingGuide m_measures;
+    mutable std::size_t m_measuredGlyphs = 0;
 };
 
 } // namespace quillrip
