@@ -81,15 +81,17 @@ Point Machine::rotatedFrameSize() const
 
 double Machine::diagonal() const { return std::hypot(m_state.p2.x - m_state.p1.x, m_state.p2.y - m_state.p1.y); }
 
+/// The frame bounds where the pen may go, so lines along its edge show in their full width. The window and the host's
+/// own limits cut exactly.
 void Machine::updateClip()
 {
-    if (!m_clipIsStale)
+    const double reach = penWidthDecipoints() / 2;
+    if (!m_clipIsStale && reach == m_clipReach)
         return;
     m_clipIsStale = false;
-    m_clip = { m_frame.clipLeft, m_frame.clipTop, m_frame.clipRight, m_frame.clipBottom };
-    if (m_frame.cutsAtFrame)
-        m_clip = m_clip.intersected(
-            { m_frame.left, m_frame.top, m_frame.left + m_frame.width, m_frame.top + m_frame.height });
+    m_clipReach = reach;
+    const PictureFrame& f = m_frame;
+    m_clip = { f.clipLeft, f.clipTop, f.clipRight, f.clipBottom };
     const Window& window = m_state.window;
     if (window.kind != Window::Kind::Frame) {
         const bool isUser = window.kind == Window::Kind::UserUnits;
@@ -98,7 +100,14 @@ void Machine::updateClip()
             rect.include(m_plotterToPage.apply(isUser ? m_userToPlotter.apply(corner) : corner));
         m_clip = m_clip.intersected(rect);
     }
-    m_surface.setClip(m_clip);
+    PageRect lineClip = m_clip;
+    if (f.cutsAtFrame) {
+        const PageRect frame { f.left, f.top, f.left + f.width, f.top + f.height };
+        m_clip = m_clip.intersected(frame);
+        lineClip = lineClip.intersected(
+            { frame.left - reach, frame.top - reach, frame.right + reach, frame.bottom + reach });
+    }
+    m_surface.setClip(m_clip, lineClip);
 }
 
 void Machine::updateScaling()

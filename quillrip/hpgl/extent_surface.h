@@ -11,7 +11,7 @@ class ExtentSurface final : public Surface {
 public:
     std::function<void(const PageRect&)> onMark;
 
-    void setClip(const PageRect& clip) override { m_clip = clip; }
+    void setClip(const PageRect&, const PageRect& lines) override { m_clip = lines; }
     void stroke(const Path& path, const StrokeStyle& style, const Ink&) override
     {
         mark(boundsOf(path), style.width / 2);

@@ -299,6 +299,7 @@ private:
     Point m_defaultP2;
     PageRect m_clip;
     bool m_clipIsStale = true;
+    double m_clipReach = 0; ///< half the pen's width when the clip was made
 
     InputStream* m_input = nullptr;
     std::vector<double> m_operands;

@@ -34,13 +34,13 @@ PageRect boundsOf(const Path& path)
 void PageSurface::leavePage()
 {
     m_hasCanvas = false;
-    m_clipIsStale = true;
+    m_areaClip.device = m_lineClip.device = nullptr;
 }
 
-void PageSurface::setClip(const PageRect& clip)
+void PageSurface::setClip(const PageRect& areas, const PageRect& lines)
 {
-    m_clip = clip;
-    m_clipIsStale = true;
+    m_areaClip = { areas, nullptr };
+    m_lineClip = { lines, nullptr };
 }
 
 bool PageSurface::begin()
@@ -53,23 +53,24 @@ bool PageSurface::begin()
             return false;
         m_hasCanvas = true;
     }
-    if (m_clipIsStale) {
-        m_state.clip = ClipRegion::ofRect(toPixels(m_clip, m_canvas.pageToDevice));
-        m_clipIsStale = false;
-    }
     return true;
 }
 
-bool PageSurface::isVisible(const PageRect& bounds) const
+bool PageSurface::isVisible(const PageRect& bounds, const Clip& clip)
 {
     // Thin lines and points are as wide as a pixel, so a little beyond the clip still shows.
     constexpr double kSlack = 10;
-    return !m_clip.empty() && bounds.right >= m_clip.left - kSlack && bounds.left <= m_clip.right + kSlack
-        && bounds.bottom >= m_clip.top - kSlack && bounds.top <= m_clip.bottom + kSlack;
+    const PageRect& page = clip.page;
+    return !page.empty() && bounds.right >= page.left - kSlack && bounds.left <= page.right + kSlack
+        && bounds.bottom >= page.top - kSlack && bounds.top <= page.bottom + kSlack;
 }
 
-const PaintState& PageSurface::paintState(const Ink& ink)
+const PaintState& PageSurface::paintState(const Ink& ink, Clip& clip)
 {
+    if (!clip.device)
+        clip.device = ClipRegion::ofRect(toPixels(clip.page, m_canvas.pageToDevice));
+    if (m_state.clip != clip.device)
+        m_state.clip = clip.device;
     m_state.rop = m_host.rasterOperation();
     m_state.sourceTransparent = true;
     m_state.patternTransparent = ink.isTransparent;
@@ -91,16 +92,16 @@ void PageSurface::stroke(const Path& path, const StrokeStyle& style, const Ink& 
     PageRect bounds = boundsOf(path);
     const double reach = style.width * std::max(1.0, style.join == LineJoin::Miter ? style.miterLimit : 1.0);
     bounds = { bounds.left - reach, bounds.top - reach, bounds.right + reach, bounds.bottom + reach };
-    if (isVisible(bounds) && begin())
-        m_canvas.painter->strokePath(path, m_canvas.pageToDevice, style, paintState(ink));
+    if (isVisible(bounds, m_lineClip) && begin())
+        m_canvas.painter->strokePath(path, m_canvas.pageToDevice, style, paintState(ink, m_lineClip));
 }
 
 void PageSurface::fill(const Path& path, FillRule rule, const Ink& ink)
 {
-    if (!isVisible(boundsOf(path)) || !begin())
+    if (!isVisible(boundsOf(path), m_areaClip) || !begin())
         return;
     const PixelRule pixels = ink.isArea && !m_host.isGridCentred() ? PixelRule::Touched : PixelRule::Centre;
-    m_canvas.painter->fillPath(path.transformed(m_canvas.pageToDevice), rule, paintState(ink), pixels);
+    m_canvas.painter->fillPath(path.transformed(m_canvas.pageToDevice), rule, paintState(ink, m_areaClip), pixels);
 }
 
 void PageSurface::drawGlyph(const Typeface& face, GlyphId glyph, const Matrix& glyphToPage, const Ink& ink)
@@ -109,13 +110,14 @@ void PageSurface::drawGlyph(const Typeface& face, GlyphId glyph, const Matrix& g
     PageRect bounds = PageRect::nothing();
     for (const Point corner : { Point { -2, -2 }, Point { 3, -2 }, Point { -2, 3 }, Point { 3, 3 } })
         bounds.include(glyphToPage.apply(corner));
-    if (!isVisible(bounds) || !begin())
+    if (!isVisible(bounds, m_areaClip) || !begin())
         return;
     const Matrix glyphToDevice = glyphToPage * m_canvas.pageToDevice;
+    const PaintState& state = paintState(ink, m_areaClip);
     if (GlyphCache::isTooLarge(face, glyphToDevice)) {
         Path outline;
         if (face.outline(glyph, outline)) {
-            m_canvas.painter->fillPath(outline.transformed(glyphToDevice), FillRule::NonZero, paintState(ink));
+            m_canvas.painter->fillPath(outline.transformed(glyphToDevice), FillRule::NonZero, state);
             return;
         }
     }
@@ -123,7 +125,7 @@ void PageSurface::drawGlyph(const Typeface& face, GlyphId glyph, const Matrix& g
         = m_canvas.format == PixelFormat::Bilevel ? GlyphMask::Depth::Bits : GlyphMask::Depth::Coverage;
     const PlacedGlyph placed = m_glyphs.place(face, glyph, glyphToDevice, depth);
     if (placed.mask)
-        m_canvas.painter->drawMask(*placed.mask, placed.x, placed.y, paintState(ink));
+        m_canvas.painter->drawMask(*placed.mask, placed.x, placed.y, state);
 }
 
 } // namespace quillrip::hpgl

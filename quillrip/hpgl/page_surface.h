@@ -19,22 +19,28 @@ public:
     /// Stops the drawing: the page cannot be delivered.
     void fail(RunStatus status) { m_status = status; }
 
-    void setClip(const PageRect& clip) override;
+    void setClip(const PageRect& areas, const PageRect& lines) override;
     void stroke(const Path& path, const StrokeStyle& style, const Ink& ink) override;
     void fill(const Path& path, FillRule rule, const Ink& ink) override;
     void drawGlyph(const Typeface& face, GlyphId glyph, const Matrix& glyphToPage, const Ink& ink) override;
     RunStatus status() const override { return m_status; }
 
 private:
+    /// A clip of the page and, once the page has begun, of its pixels.
+    struct Clip {
+        PageRect page;
+        std::shared_ptr<const ClipRegion> device;
+    };
+
     bool begin();
-    bool isVisible(const PageRect& bounds) const;
-    const PaintState& paintState(const Ink& ink);
+    static bool isVisible(const PageRect& bounds, const Clip& clip);
+    const PaintState& paintState(const Ink& ink, Clip& clip);
 
     Host& m_host;
     PageCanvas m_canvas;
     bool m_hasCanvas = false;
-    PageRect m_clip;
-    bool m_clipIsStale = true;
+    Clip m_areaClip;
+    Clip m_lineClip;
     PaintState m_state;
     GlyphCache m_glyphs;
     RunStatus m_status = RunStatus::Done;

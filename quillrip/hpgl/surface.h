@@ -49,7 +49,8 @@ class Surface {
 public:
     virtual ~Surface() = default;
 
-    virtual void setClip(const PageRect& clip) = 0;
+    /// One clip for lines, and one for everything else.
+    virtual void setClip(const PageRect& areas, const PageRect& lines) = 0;
     virtual void stroke(const Path& path, const StrokeStyle& style, const Ink& ink) = 0;
     virtual void fill(const Path& path, FillRule rule, const Ink& ink) = 0;
     /// A glyph of a face by its mask; `glyphToPage` takes glyph space (y up) to page space.
