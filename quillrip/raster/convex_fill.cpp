@@ -94,8 +94,10 @@ void ConvexFill::fillNear(const Point* points, std::size_t count)
         if (begin >= end)
             continue;
         const std::int64_t slope = (std::int64_t { lowerX } - upperX) * (std::int64_t { 1 } << 32) / (lowerY - upperY);
-        std::int64_t x = (std::int64_t { upperX } << 32) + (begin * kSubpixels + toCentre - upperY) * slope;
-        x += (std::int64_t { toCentre } << 32) - 1; // the first centre at or right of x is in the pixel of x + 1/2
+        std::int64_t x
+            = std::int64_t { upperX } * (std::int64_t { 1 } << 32) + (begin * kSubpixels + toCentre - upperY) * slope;
+        x += std::int64_t { toCentre } * (std::int64_t { 1 } << 32)
+            - 1; // the first centre at or right of x is in the pixel of x + 1/2
         for (int row = begin; row < end; ++row, x += slope * kSubpixels) {
             const int pixel = static_cast<int>(x >> (kSubpixelBits + 32));
             Row& extent = m_rows[static_cast<std::size_t>(row - firstRow)];

@@ -24,9 +24,9 @@ std::uint8_t byteOf(std::int32_t area)
 } // namespace
 
 CoverageRow::CoverageRow(const PixelRect& area)
-    : m_origin((area.left - 1) * kSubpixels)
-    , m_end((area.width() + 2) * kSubpixels - 1)
-    , m_differences(static_cast<std::size_t>(area.width()) + 4)
+    : m_left(area.left)
+    , m_end(area.width() * kSubpixels)
+    , m_differences(static_cast<std::size_t>(area.width()) + 2)
     , m_changed((m_differences.size() + 63) / 64)
     , m_bytes(m_differences.size())
 {
@@ -42,24 +42,33 @@ void CoverageRow::addPiece(std::size_t pixel, std::int32_t height, std::int32_t 
 
 void CoverageRow::addRightOf(std::int32_t topX, std::int32_t bottomX, std::int32_t height, std::int32_t sign)
 {
-    const std::int32_t low = std::clamp(std::min(topX, bottomX) - m_origin, 0, m_end);
-    const std::int32_t high = std::clamp(std::max(topX, bottomX) - m_origin, 0, m_end);
-    const std::int32_t wholeHeight = (height << (kHeightBits - kSubpixelBits)) * sign;
-    const auto pixelOf = [](std::int32_t x) { return static_cast<std::size_t>(x >> kSubpixelBits); };
-    const std::size_t last = pixelOf(high);
-    std::size_t pixel = pixelOf(low);
-    if (pixel == last) {
-        const auto left = static_cast<std::int32_t>(pixel) * kSubpixels;
-        return addPiece(pixel, wholeHeight, low - left + high - left);
-    }
-    // Every pixel on the way takes the part of the height in which the line passes it.
+    const std::int32_t low = std::min(topX, bottomX) - m_left * kSubpixels;
+    const std::int32_t high = std::max(topX, bottomX) - m_left * kSubpixels;
+    if (low >= m_end)
+        return;
+    const std::int32_t wholeHeight = height * (1 << (kHeightBits - kSubpixelBits)) * sign;
+    const auto heightUntil = [&](std::int32_t x) {
+        return x >= high ? wholeHeight
+                         : static_cast<std::int32_t>(std::int64_t { wholeHeight } * (x - low) / (high - low));
+    };
+    // Left of the row a line counts for all of it, right of it for nothing.
     std::int32_t from = low;
     std::int32_t heightBefore = 0;
-    for (; pixel <= last; ++pixel) {
-        const auto left = static_cast<std::int32_t>(pixel) * kSubpixels;
-        const std::int32_t to = std::min(high, left + kSubpixels);
-        const auto heightAfter = static_cast<std::int32_t>(std::int64_t { wholeHeight } * (to - low) / (high - low));
-        addPiece(pixel, heightAfter - heightBefore, from - left + to - left);
+    if (low < 0) {
+        heightBefore = heightUntil(0);
+        addPiece(0, heightBefore, 0);
+        if (high <= 0)
+            return;
+        from = 0;
+    }
+    const std::int32_t end = std::min(high, m_end);
+    // Every pixel on the way takes the part of the height in which the line passes it.
+    for (std::int32_t left = from & -kSubpixels; left <= end; left += kSubpixels) {
+        const std::int32_t to = std::min(end, left + kSubpixels);
+        const std::int32_t heightAfter = heightUntil(to);
+        addPiece(static_cast<std::size_t>(left >> kSubpixelBits), heightAfter - heightBefore, from - left + to - left);
+        if (to == end)
+            return;
         from = to;
         heightBefore = heightAfter;
     }
@@ -68,14 +77,13 @@ void CoverageRow::addRightOf(std::int32_t topX, std::int32_t bottomX, std::int32
 void CoverageRow::emit(int y, SpanSink& sink)
 {
     constexpr std::size_t shortGap = 8;
-    const int firstColumn = m_origin / kSubpixels;
     std::int32_t area = 0;
     std::size_t x = 0; // all before is in the run or emitted
     std::size_t runStart = 0;
     const auto endRun = [&](std::size_t next) {
         if (x > runStart) {
             sink.coverage(
-                y, firstColumn + static_cast<int>(runStart), m_bytes.data() + runStart, static_cast<int>(x - runStart));
+                y, m_left + static_cast<int>(runStart), m_bytes.data() + runStart, static_cast<int>(x - runStart));
         }
         runStart = x = next;
     };
@@ -88,7 +96,7 @@ void CoverageRow::emit(int y, SpanSink& sink)
             } else if (before == 255 && pixel >= x + shortGap) {
                 const std::size_t spanStart = x;
                 endRun(pixel);
-                sink.span(y, firstColumn + static_cast<int>(spanStart), firstColumn + static_cast<int>(pixel));
+                sink.span(y, m_left + static_cast<int>(spanStart), m_left + static_cast<int>(pixel));
             } else {
                 std::memset(m_bytes.data() + x, before, pixel - x);
             }
@@ -98,6 +106,17 @@ void CoverageRow::emit(int y, SpanSink& sink)
             x = pixel + 1;
         }
         m_changed[group] = 0;
+    }
+    // What a side beyond the right end leaves open.
+    const auto columns = static_cast<std::size_t>(m_end / kSubpixels);
+    const std::uint8_t last = byteOf(area);
+    if (last == 255 && x < columns) {
+        const std::size_t spanStart = x;
+        endRun(columns);
+        sink.span(y, m_left + static_cast<int>(spanStart), m_left + static_cast<int>(columns));
+    } else if (last != 0 && x < columns) {
+        std::memset(m_bytes.data() + x, last, columns - x);
+        x = columns;
     }
     endRun(x);
 }

@@ -12,7 +12,6 @@ namespace quillrip {
 /// left, so that a wide span costs no more than its two ends.
 class CoverageRow {
 public:
-    /// Lines may lie up to one pixel beside the area.
     explicit CoverageRow(const PixelRect& area);
 
     /// All that lies right of a straight line gains `sign` times its area. The line runs from topX to bottomX (1/256
@@ -25,8 +24,8 @@ public:
 private:
     void addPiece(std::size_t pixel, std::int32_t height, std::int32_t leftPlusRight);
 
-    std::int32_t m_origin; ///< of column 0, in 1/256 pixels
-    std::int32_t m_end; ///< of the last column, likewise, from the origin
+    int m_left;
+    std::int32_t m_end; ///< of the last column, in 1/256 pixels from the first
     std::vector<std::int32_t> m_differences;
     std::vector<std::uint64_t> m_changed; ///< a bit for each pixel that differs from its left neighbour
     std::vector<std::uint8_t> m_bytes;

@@ -8,8 +8,10 @@ namespace {
 
 std::int32_t toFixed(double pixels) { return static_cast<std::int32_t>(std::lround(pixels * kSubpixels)); }
 
-/// Larger areas than any page has would not fit the fixed point numbers.
-constexpr int kFarthest = 1 << 21;
+/// Areas end here: beyond is no page, and sums of fixed point numbers would not fit.
+constexpr int kFarthest = 1 << 20;
+/// Edges are cut only so far outside the area, since a cut edge runs a little differently: its new end is rounded.
+constexpr int kReach = 1 << 19;
 
 } // namespace
 
@@ -17,10 +19,10 @@ EdgeList::EdgeList(const PixelRect& area, Axes axes, bool keepLevelEdges)
     : m_area(area.intersected({ -kFarthest, -kFarthest, kFarthest, kFarthest }))
     , m_axes(axes)
     , m_keepLevelEdges(keepLevelEdges)
-    , m_left(m_area.left - 1)
-    , m_top(m_area.top - 1)
-    , m_right(m_area.right + 1)
-    , m_bottom(m_area.bottom + 1)
+    , m_left(m_area.left - kReach)
+    , m_top(m_area.top - kReach)
+    , m_right(m_area.right + kReach)
+    , m_bottom(m_area.bottom + kReach)
 {
 }
 
@@ -101,7 +103,7 @@ void EdgeList::addLine(Point from, Point to)
         std::swap(to.x, to.y);
     }
     // Above and below nothing is scanned. Cut in floating point: the coordinates may be far beyond the page.
-    if (std::max(from.y, to.y) < m_top || std::min(from.y, to.y) > m_bottom)
+    if (std::max(from.y, to.y) < m_area.top || std::min(from.y, to.y) > m_area.bottom)
         return;
     const auto cutAt = [&](double y) { return from.x + (to.x - from.x) * ((y - from.y) / (to.y - from.y)); };
     const auto cut = [&](Point& p) {

@@ -23,7 +23,10 @@ struct Edge {
     std::int32_t winding = 1; ///< +1 if the path runs downwards here, -1 if upwards
 
     /// x at a height between top and bottom, with 32 fraction bits.
-    std::int64_t xAt(std::int32_t y) const { return (std::int64_t { x } << 32) + (y - top) * slope; }
+    std::int64_t xAt(std::int32_t y) const
+    {
+        return std::int64_t { x } * (std::int64_t { 1 } << 32) + (y - top) * slope;
+    }
     std::int32_t roundedXAt(std::int32_t y) const
     {
         return static_cast<std::int32_t>((xAt(y) + (std::int64_t { 1 } << 31)) >> 32);
@@ -68,7 +71,7 @@ private:
     PixelRect m_area;
     Axes m_axes;
     bool m_keepLevelEdges;
-    double m_left, m_top, m_right, m_bottom; ///< the area, a pixel wider all round
+    double m_left, m_top, m_right, m_bottom; ///< where edges are cut
     std::vector<Edge> m_edges;
 };
 

@@ -61,8 +61,13 @@ void drawHairline(Point from, Point to, const PixelRect& area, SpanSink& sink)
         to = from + change * end;
     if (begin > 0)
         from = from + change * begin;
-    if (!isFinite(from) || !isFinite(to))
-        return;
+    // Far ends lose the digits that the near part would need.
+    for (Point* point : { &from, &to }) {
+        if (!isFinite(*point))
+            return;
+        point->x = std::clamp(point->x, area.left - 1.0, area.right + 1.0);
+        point->y = std::clamp(point->y, area.top - 1.0, area.bottom + 1.0);
+    }
     if (std::abs(to.y - from.y) > std::abs(to.x - from.x)) {
         stepAlong(from.y, from.x, to.y, to.x, [&](int y, int x) { sink.span(y, x, x + 1); });
         return;

@@ -65,8 +65,9 @@ void forEachStrokeLine(const Path& userPath, const Matrix& userToDevice, StrokeL
 
 namespace {
 
-/// More dashes than anybody could tell apart.
-constexpr std::size_t kMostDashes = 1000000;
+/// More dashes of one stroke than anybody could tell apart. Wide ones take longer to draw, and fewer make sense.
+constexpr double kMostDashes = 1000000;
+constexpr double kWideDash = 16; // device pixels
 constexpr double kShortestPeriod = 0.1; // device pixels
 
 double largestStretch(const Matrix& m) { return std::max(std::hypot(m.a, m.b), std::hypot(m.c, m.d)); }
@@ -85,14 +86,15 @@ bool Dasher::canDash(const StrokeStyle& style, const Matrix& userToDevice)
 }
 
 Dasher::Dasher(
-    const StrokeStyle& style, const Matrix& userToDevice, const PixelRect& area, double margin, StrokeLineSink& sink)
+    const StrokeStyle& style, const Matrix& userToDevice, const PixelRect& area, double penWidth, StrokeLineSink& sink)
     : m_lengths(style.dashes)
     , m_offset(style.dashOffset)
     , m_userToDevice(userToDevice)
     , m_area(area)
-    , m_margin(margin)
+    // Caps and miters reach beyond a dash's ends.
+    , m_margin(penWidth * std::max(1.0, style.miterLimit))
     , m_sink(sink)
-    , m_budget(kMostDashes)
+    , m_budget(static_cast<std::size_t>(kMostDashes / (1 + penWidth / kWideDash)))
 {
     if (m_lengths.size() % 2 != 0)
         m_lengths.insert(m_lengths.end(), style.dashes.begin(), style.dashes.end());

@@ -52,8 +52,8 @@ public:
     /// Whether the style has dashes that can be drawn at all.
     static bool canDash(const StrokeStyle& style, const Matrix& userToDevice);
 
-    /// `area` and `margin` in device pixels: where dashes can be seen.
-    Dasher(const StrokeStyle& style, const Matrix& userToDevice, const PixelRect& area, double margin,
+    /// `area`: where marks can be seen. `penWidth`: the widest it gets, in device pixels.
+    Dasher(const StrokeStyle& style, const Matrix& userToDevice, const PixelRect& area, double penWidth,
         StrokeLineSink& sink);
 
     void line(StrokeLine& line) override;

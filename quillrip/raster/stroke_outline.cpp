@@ -13,6 +13,8 @@ double dotProduct(Point a, Point b) { return a.x * b.x + a.y * b.y; }
 double crossProduct(Point a, Point b) { return a.x * b.y - a.y * b.x; }
 
 constexpr double kPi = 3.14159265358979323846;
+/// Rounder than this only pens would need that are larger than pages.
+constexpr double kSmallestArcStep = kPi / 200;
 /// Where two directions of length 1 differ by less than this, there is no corner.
 constexpr double kStraight = 1e-9;
 
@@ -30,7 +32,7 @@ void StrokeOutline::outline(const StrokeLine& line, const Pen& pen)
 {
     m_toDevice = pen.toDevice;
     const double radius = std::max(pen.deviceWidth(), pen.deviceHeight()) / 2;
-    m_arcStep = std::min(kPi / 4, 2 * std::sqrt(2 * kFlatness / radius));
+    m_arcStep = std::clamp(2 * std::sqrt(2 * kFlatness / radius), kSmallestArcStep, kPi / 4);
 
     m_points.clear();
     m_directions.clear();

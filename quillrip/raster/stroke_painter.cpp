@@ -220,9 +220,8 @@ void paintStroke(const Path& userPath, const Matrix& userToDevice, const StrokeS
     const auto run = [&](StrokeLineSink& lines) {
         if (!Dasher::canDash(style, userToDevice))
             return forEachStrokeLine(userPath, userToDevice, lines);
-        // Caps and miters reach beyond a dash's ends.
-        const double margin = std::max(pen.deviceWidth(), pen.deviceHeight()) * std::max(1.0, style.miterLimit);
-        Dasher dasher(style, userToDevice, area, margin, lines);
+        const double penWidth = std::max(pen.deviceWidth(), pen.deviceHeight());
+        Dasher dasher(style, userToDevice, area, penWidth, lines);
         forEachStrokeLine(userPath, userToDevice, dasher);
     };
 
