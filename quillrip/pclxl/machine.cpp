@@ -150,6 +150,7 @@ Status Machine::dispatch(TagReader& reader)
             status = Error::PrematureEnd;
     }
     m_data = outer;
+    m_fontDiagnostics.passOn(m_diagnostics, !status.isOk());
     // An error within a user stream has named its own operator.
     if (!status.isOk() && entry->tag != Operator::ExecStream)
         m_entry = entry;

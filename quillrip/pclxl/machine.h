@@ -52,6 +52,25 @@ struct ImageInProgress {
     RasterPattern pattern;
 };
 
+/// Keeps what the font code reports until it is known whether the operator fails: the operator's own error then says
+/// what the job's damage is.
+class HeldDiagnostics final : public DiagnosticSink {
+public:
+    void report(const Diagnostic& diagnostic) override { m_held.push_back(diagnostic); }
+    void passOn(DiagnosticSink& sink, bool asWarnings)
+    {
+        for (Diagnostic& diagnostic : m_held) {
+            if (asWarnings)
+                diagnostic.severity = Severity::Warning;
+            sink.report(diagnostic);
+        }
+        m_held.clear();
+    }
+
+private:
+    std::vector<Diagnostic> m_held;
+};
+
 /// Runs operators: one member function each, grouped by subject into files. The operator table says which runs when,
 /// and has checked the operands before.
 class Machine {
@@ -176,7 +195,7 @@ private:
     void resetSession();
     void abandonPage();
     EmbeddedData& data() { return *m_data; }
-    FontReporter fontReporter() { return { &m_diagnostics, m_offset }; }
+    FontReporter fontReporter() { return { &m_fontDiagnostics, m_offset }; }
 
     // page_operators.cpp
     Medium chooseMedium();
@@ -198,6 +217,7 @@ private:
 
     // path_operators.cpp
     Status beginSegment(std::size_t points);
+    const StrokeStyle& drawableStroke();
     Status readPoints(bool isRelative, int perSegment, std::vector<Point>& points);
     Status addPoints(bool isCurve, bool isRelative);
     Status checkPathSize(std::size_t points);
@@ -235,6 +255,7 @@ private:
     FontLibrary& m_fonts;
     const Environment m_environment;
     RunStatus m_status = RunStatus::Done;
+    HeldDiagnostics m_fontDiagnostics;
     std::set<std::string> m_warned;
 
     // The operator that runs.
@@ -259,6 +280,7 @@ private:
     PaintState m_penPaint;
     bool m_brushPaintIsValid = false;
     bool m_penPaintIsValid = false;
+    StrokeStyle m_plainStroke; ///< the state's stroke without its dashes, for widths that hide them
     std::vector<Point> m_points; ///< of the operator that runs; kept for its memory
 
     ImageInProgress m_image;

@@ -154,7 +154,20 @@ void Machine::paint(const Path& userPath)
     if (m_state.brush.kind != Ink::Kind::None)
         fillDevicePath(userPath.transformed(m_state.userToDevice), m_state.fillRule);
     if (m_state.pen.kind != Ink::Kind::None)
-        m_page.canvas.painter->strokePath(userPath, m_state.userToDevice, m_state.stroke, penPaint());
+        m_page.canvas.painter->strokePath(userPath, m_state.userToDevice, drawableStroke(), penPaint());
+}
+
+/// Of a pen far wider than any sheet the dashes cannot be told apart, but each would cover the page once more.
+const StrokeStyle& Machine::drawableStroke()
+{
+    constexpr double kWidestDashedPen = 20000; // device pixels
+    const Matrix& m = m_state.userToDevice;
+    const double scale = std::max(std::hypot(m.a, m.b), std::hypot(m.c, m.d));
+    if (m_state.stroke.dashes.empty() || m_state.stroke.width * scale < kWidestDashedPen)
+        return m_state.stroke;
+    m_plainStroke = m_state.stroke;
+    m_plainStroke.dashes.clear();
+    return m_plainStroke;
 }
 
 void Machine::fillDevicePath(const Path& devicePath, FillRule rule)
