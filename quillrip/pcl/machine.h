@@ -281,6 +281,7 @@ private:
     std::optional<ResourceKey> m_overlayMacro;
     bool m_isOverlayRunning = false;
     int m_macroDepth = 0;
+    bool m_hasReportedDepth = false;
     std::uint32_t m_macroExecutions = 0;
     std::uint64_t m_macroBytesRun = 0;
     std::vector<std::uint8_t> m_recorded;
@@ -314,6 +315,7 @@ private:
     // Text between commands.
     InternalUnits m_lastAdvance = 0;
     bool m_isClippedAtMargin = false; ///< text runs on beyond the right margin, unseen
+    bool m_isBeyondMargin = false; ///< a command put the cursor there: text then runs to the page's edge
     struct {
         bool isPending = false;
         InternalUnits x = 0;

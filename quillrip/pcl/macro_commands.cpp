@@ -121,7 +121,9 @@ void Machine::runMacro(const MacroBytes& bytes)
     if (!bytes || failed())
         return;
     if (m_macroDepth >= kMacroDepth) {
-        warn("pcl.macro-depth", "macros that run each other more than three levels deep are not followed further");
+        if (!m_hasReportedDepth)
+            warn("pcl.macro-depth", "macros that run each other more than three levels deep are not followed further");
+        m_hasReportedDepth = true;
         return;
     }
     m_macroBytesRun += bytes->size();

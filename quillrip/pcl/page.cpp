@@ -136,6 +136,7 @@ void Machine::home()
     endUnderlineRun();
     const Position place = homePosition();
     m_cursor = place;
+    m_isBeyondMargin = false;
     m_isClippedAtMargin = false;
     m_backspaced.isPending = false;
     beginUnderline();
@@ -147,6 +148,7 @@ void Machine::moveTo(InternalUnits x, InternalUnits y)
     if (leavesRun)
         endUnderlineRun();
     m_cursor = { x, y };
+    m_isBeyondMargin = x >= m_state.text.right;
     m_isClippedAtMargin = false;
     m_backspaced.isPending = false;
     if (leavesRun || !m_underlineRun.isOpen)

@@ -188,14 +188,14 @@ void Machine::setRightMargin(const Command& command)
     if (margin <= m_state.text.left)
         return;
     m_state.text.right = margin;
-    if (m_cursor.x > margin)
-        moveTo(margin, m_cursor.y);
+    moveTo(std::min(m_cursor.x, margin), m_cursor.y);
 }
 
 void Machine::clearHorizontalMargins(const Command&)
 {
     m_state.text.left = 0;
     m_state.text.right = pageWidth();
+    moveTo(m_cursor.x, m_cursor.y);
 }
 
 void Machine::setColumnWidth(const Command& command)

@@ -149,8 +149,7 @@ bool Machine::makeRoom(InternalUnits width)
 {
     if (m_isClippedAtMargin)
         return false;
-    const bool isInside = m_state.wrapsLines ? m_cursor.x <= m_state.text.right : m_cursor.x < m_state.text.right;
-    const InternalUnits boundary = isInside ? m_state.text.right : pageWidth();
+    const InternalUnits boundary = m_isBeyondMargin ? pageWidth() : m_state.text.right;
     if (m_cursor.x + width <= boundary)
         return true;
     if (m_state.wrapsLines) {

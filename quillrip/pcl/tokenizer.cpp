@@ -86,6 +86,8 @@ Token Tokenizer::escape()
         if (isGroup(m_stream.peek()))
             m_group = static_cast<char>(take());
         m_inSequence = true;
+        m_isFirstParameter = true;
+        m_sequenceStart = token.offset;
     }
     // Anything else: the ESC is dropped, and the byte is taken as what it is.
     return token;
@@ -94,7 +96,8 @@ Token Tokenizer::escape()
 Token Tokenizer::parameter()
 {
     Token token;
-    token.offset = m_stream.offset();
+    token.offset = m_isFirstParameter ? m_sequenceStart : m_stream.offset();
+    m_isFirstParameter = false;
     token.prefix = m_prefix;
     token.group = m_group;
     readValue(token.value);

@@ -77,6 +77,8 @@ private:
 
     InputStream& m_stream;
     bool m_inSequence = false;
+    bool m_isFirstParameter = false;
+    std::uint64_t m_sequenceStart = 0;
     char m_prefix = 0;
     char m_group = 0;
 

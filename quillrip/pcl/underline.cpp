@@ -1,7 +1,6 @@
 #include "quillrip/pcl/machine.h"
 
 #include <algorithm>
-#include <cmath>
 
 namespace quillrip::pcl {
 
@@ -39,13 +38,17 @@ void Machine::noteUnderlineOf(const Font& font)
     if (!m_underlineRun.isOpen || m_state.underline != Underline::Floating)
         return;
     const FontTraits& traits = font.face->traits();
-    const double unit = font.unitInches() * static_cast<double>(kUnitsPerInch);
-    // The default positions are fractions of the em; a bitmap face has no em but a height.
-    const double scale = traits.isScalable || traits.hasUnderline ? unit : font.height * kUnitsPerInch / 72;
-    m_underlineRun.top
-        = std::max(m_underlineRun.top, static_cast<InternalUnits>(std::llround(-traits.underlineTop * scale)));
-    m_underlineRun.thickness = std::max(
-        m_underlineRun.thickness, static_cast<InternalUnits>(std::llround(traits.underlineThickness * scale)));
+    const bool hasOwn = traits.hasUnderline && traits.underlineThickness > 0;
+    double top = 0.2;
+    double thickness = 0.05;
+    double unit = font.height * kUnitsPerInch / 72; // the defaults are fractions of the height
+    if (hasOwn) {
+        top = -traits.underlineTop;
+        thickness = traits.underlineThickness;
+        unit = font.unitInches() * static_cast<double>(kUnitsPerInch);
+    }
+    m_underlineRun.top = std::max(m_underlineRun.top, inUnits(top, unit));
+    m_underlineRun.thickness = std::max(m_underlineRun.thickness, inUnits(thickness, unit));
 }
 
 void Machine::endUnderlineRun()
