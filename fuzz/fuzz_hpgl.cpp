@@ -1,0 +1,17 @@
+#include "fuzz/fuzz_page_device.h"
+
+#include "quillrip/fonts/font_library.h"
+#include "quillrip/hpgl/plot_file.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+{
+    using namespace quillrip;
+    const Limits limits = fuzz::smallLimits();
+    MemoryInputStream input({ data, size });
+    fuzz::NoDiagnostics diagnostics;
+    fuzz::NoPages pages;
+    ImagePageDevice device(pages, fuzz::smallPages(size), limits);
+    FontLibrary fonts(limits);
+    hpgl::PlotFile plot(device, fonts, diagnostics, limits, {});
+    return static_cast<int>(plot.run(input)) * 0;
+}

@@ -1,0 +1,18 @@
+#include "fuzz/fuzz_page_device.h"
+
+#include "quillrip/fonts/font_library.h"
+#include "quillrip/pcl/interpreter.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+{
+    using namespace quillrip;
+    const Limits limits = fuzz::smallLimits();
+    MemoryInputStream input({ data, size });
+    fuzz::NoDiagnostics diagnostics;
+    fuzz::NoPages pages;
+    ImagePageDevice device(pages, fuzz::smallPages(size), limits);
+    FontLibrary fonts(limits);
+    pcl::Interpreter interpreter(device, diagnostics, limits, fonts, {});
+    while (interpreter.run(input) == pcl::Interpreter::End::UniversalExit) { }
+    return static_cast<int>(interpreter.finish()) * 0;
+}

@@ -1,0 +1,18 @@
+#include "fuzz/fuzz_page_device.h"
+
+#include "quillrip/fonts/font_library.h"
+#include "quillrip/pclxl/interpreter.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+{
+    using namespace quillrip;
+    const Limits limits = fuzz::smallLimits();
+    MemoryInputStream input({ data, size });
+    fuzz::NoDiagnostics diagnostics;
+    fuzz::NoPages pages;
+    ImagePageDevice device(pages, fuzz::smallPages(size), limits);
+    FontLibrary fonts(limits);
+    pclxl::Interpreter interpreter(device, diagnostics, limits, fonts, {});
+    interpreter.run(input);
+    return 0;
+}
