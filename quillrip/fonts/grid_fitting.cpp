@@ -10,9 +10,8 @@ namespace quillrip {
 
 namespace {
 
-/// Shortest edges that count, in em: serifs' ends and the waists of round letters are longer.
-constexpr double kShortestLine = 0.05;
-constexpr double kShortestCurve = 0.03;
+/// Shortest edges that count, in em: ends of serifs are shorter, and so are the waists of round letters.
+constexpr double kShortestEdge = 0.04;
 /// How far an edge may lean, as a tangent.
 constexpr double kMostLean = 0.06;
 /// Widest stroke, in em; wider pairs of edges are counters or blocks.
@@ -122,27 +121,54 @@ private:
         // The closing point often repeats the first.
         if (m_contour.size() > 1 && m_contour.back().isOn && m_contour.back().p == m_contour.front().p)
             m_contour.pop_back();
-        const std::size_t count = m_contour.size();
-        for (std::size_t i = 0; i < count && count >= 3; ++i) {
-            const Node& node = m_contour[i];
-            const Node& next = m_contour[(i + 1) % count];
-            const Node& before = m_contour[(i + count - 1) % count];
-            if (!node.isOn)
-                continue;
-            if (next.isOn) {
-                if (runsAlong(node.p, next.p) && std::abs(next.p.y - node.p.y) >= kShortestLine * m_em)
-                    add(node.p, next.p);
-            } else if (!before.isOn && runsAlong(before.p, next.p)
-                && std::abs(next.p.y - before.p.y) >= kShortestCurve * m_em
-                && (node.p.y - before.p.y) * (next.p.y - node.p.y) >= 0) {
-                // A curve passes its furthest point.
-                add({ node.p.x, before.p.y }, { node.p.x, next.p.y });
-            }
-        }
+        addRuns();
         m_contour.clear();
     }
 
-    static bool runsAlong(Point a, Point b) { return std::abs(b.x - a.x) <= kMostLean * std::abs(b.y - a.y); }
+    /// -1, 0, 1: whether the way from one node to the next runs along the axis, and which way. Between the two control
+    /// points of a curve there is no border.
+    int heading(std::size_t i) const
+    {
+        const Node& a = m_contour[i];
+        const Node& b = m_contour[(i + 1) % m_contour.size()];
+        const double along = b.p.y - a.p.y;
+        if ((!a.isOn && !b.isOn) || along == 0 || std::abs(b.p.x - a.p.x) > kMostLean * std::abs(along))
+            return 0;
+        return along > 0 ? 1 : -1;
+    }
+
+    /// Straight lines, and the tangents where curves pass their furthest points, joined where they follow each other.
+    void addRuns()
+    {
+        const std::size_t count = m_contour.size();
+        if (count < 3)
+            return;
+        // A run must not be cut where the contour happens to start.
+        std::size_t start = 0;
+        while (start < count && heading(start) == heading((start + count - 1) % count))
+            ++start;
+        for (std::size_t i = 0; i < count && start < count;) {
+            const std::size_t first = (start + i) % count;
+            const int direction = heading(first);
+            std::size_t steps = 0;
+            while (i + steps < count && heading((first + steps) % count) == direction)
+                ++steps;
+            i += steps;
+            if (direction == 0)
+                continue;
+            double sum = 0;
+            int onPoints = 0;
+            for (std::size_t k = 0; k <= steps; ++k) {
+                const Node& node = m_contour[(first + k) % count];
+                sum += node.isOn ? node.p.x : 0;
+                onPoints += node.isOn ? 1 : 0;
+            }
+            const Point from = m_contour[first].p;
+            const Point to = m_contour[(first + steps) % count].p;
+            if (onPoints > 0 && std::abs(to.y - from.y) >= kShortestEdge * m_em)
+                add({ sum / onPoints, from.y }, { sum / onPoints, to.y });
+        }
+    }
 
     void add(Point a, Point b)
     {
@@ -182,12 +208,6 @@ std::vector<Stroke> strokesOf(const std::vector<Edge>& edges, double em)
 /// Places that move, and where to; all else is moved along between its neighbours.
 class Anchors {
 public:
-    bool isFree(double low, double high) const
-    {
-        return std::none_of(m_anchors.begin(), m_anchors.end(),
-            [&](const Anchor& a) { return a.from > low - 0.25 && a.from < high + 0.25; });
-    }
-
     void add(double from, double to) { m_anchors.push_back({ from, to }); }
 
     /// Sorts, and gives up what would turn the order round.
@@ -285,33 +305,59 @@ std::optional<double> zonePlace(double at, const FittingGuide& guide)
     return std::nullopt;
 }
 
+/// Level strokes, and the single edges that stand on a line, from the lowest up.
+std::vector<Stroke> rowItems(const Path& outline, const FittingGuide& guide)
+{
+    const std::vector<Edge> edges = EdgeFinder(outline, false, guide.em).edges();
+    std::vector<Stroke> items = apart(strokesOf(edges, guide.em));
+    const auto stand = [&](double at) {
+        constexpr double kNear = 0.25;
+        if (zonePlace(at, guide) && std::none_of(items.begin(), items.end(), [at](const Stroke& item) {
+                return at > item.low - kNear && at < item.high + kNear;
+            }))
+            items.push_back({ at, at, 0 });
+    };
+    // Ends of stems stand on the lines too, and so does what is highest and lowest, flat or not.
+    for (const Edge& edge : edges)
+        stand(edge.at);
+    if (!outline.empty()) {
+        const auto& points = outline.points();
+        const auto [low, high]
+            = std::minmax_element(points.begin(), points.end(), [](Point a, Point b) { return a.y < b.y; });
+        stand(low->y);
+        stand(high->y);
+    }
+    std::sort(items.begin(), items.end(), [](const Stroke& a, const Stroke& b) { return a.low < b.low; });
+    return items;
+}
+
 Anchors rowAnchors(const Path& outline, const FittingGuide& guide)
 {
+    // A gap of this many pixels must not close: the dot of an i.
+    constexpr double kOpenGap = 0.4;
     Anchors anchors;
-    const std::vector<Edge> edges = EdgeFinder(outline, false, guide.em).edges();
     double last = -1e9;
     double lastFrom = -1e9;
-    for (const Stroke& stroke : apart(strokesOf(edges, guide.em))) {
-        const double width = fittedWidth(stroke.high - stroke.low, guide.bar);
-        const std::optional<double> foot = zonePlace(stroke.low, guide);
-        const std::optional<double> head = zonePlace(stroke.high, guide);
-        double low = std::round((stroke.low + stroke.high - width) / 2);
-        if (foot && *foot <= 0)
+    for (const Stroke& item : rowItems(outline, guide)) {
+        const std::optional<double> foot = zonePlace(item.low, guide);
+        const std::optional<double> head = zonePlace(item.high, guide);
+        const bool isEdge = item.low == item.high;
+        const double width = isEdge ? 0 : fittedWidth(item.high - item.low, guide.bar);
+        double low = std::round((item.low + item.high - width) / 2);
+        if (foot && (isEdge || *foot <= 0))
             low = *foot;
         else if (head)
             low = *head - width;
-        else if (low < last + 1 && stroke.low - lastFrom > 0.5)
+        double high = low + width;
+        if (!isEdge && low < last + 1 && item.low - lastFrom > kOpenGap) {
             low = last + 1;
-        anchors.add(stroke.low, low);
-        anchors.add(stroke.high, low + width);
-        last = low + width;
-        lastFrom = stroke.high;
-    }
-    // Ends of stems stand on the lines too.
-    for (const Edge& edge : edges) {
-        const std::optional<double> place = zonePlace(edge.at, guide);
-        if (place && anchors.isFree(edge.at, edge.at))
-            anchors.add(edge.at, *place);
+            high = std::max(high, low + 1);
+        }
+        anchors.add(item.low, low);
+        if (!isEdge)
+            anchors.add(item.high, high);
+        last = high;
+        lastFrom = item.high;
     }
     anchors.settle();
     return anchors;
