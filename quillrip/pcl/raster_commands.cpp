@@ -106,11 +106,11 @@ void Machine::beginRaster(bool isScaled)
     setup.origin = { settings.leftMargin, place.y };
     setup.pageEnd = page.reachDown(setup.direction);
 
-    const double resolution = settings.componentData.empty()
-        ? settings.resolution
-        : RasterLayout::resolutionOf(settings.componentData).value_or(settings.resolution);
-    setup.pixelWidth = static_cast<double>(kUnitsPerInch) / resolution;
-    setup.pixelHeight = setup.pixelWidth;
+    Resolution resolution { settings.resolution, settings.resolution };
+    if (!settings.componentData.empty())
+        resolution = RasterLayout::resolutionOf(settings.componentData).value_or(resolution);
+    setup.pixelWidth = static_cast<double>(kUnitsPerInch) / resolution.x;
+    setup.pixelHeight = static_cast<double>(kUnitsPerInch) / resolution.y;
     const InternalUnits room = std::max<InternalUnits>(page.reachRight(setup.direction) - settings.leftMargin, 1);
     const int roomPixels = static_cast<int>(std::ceil(static_cast<double>(room) / setup.pixelWidth - 1e-9));
     int width = settings.width.value_or(std::max(1, roomPixels));
@@ -136,6 +136,10 @@ void Machine::beginRaster(bool isScaled)
     if (!settings.componentData.empty()) {
         if (auto layout = RasterLayout::forComponents(settings.componentData, width))
             setup.layout = std::move(*layout);
+        setup.pixelWidth /= setup.layout.columnsPerUnit();
+        setup.pixelHeight /= setup.layout.rowsPerSet();
+        if (setup.height)
+            *setup.height *= setup.layout.rowsPerSet();
     } else {
         setup.layout = RasterLayout::forPalette(m_state.palettes.active(), width, m_state.isMonochrome);
     }

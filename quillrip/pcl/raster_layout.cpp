@@ -89,23 +89,25 @@ Rgb RasterLayout::directColor(std::uint8_t first, std::uint8_t second, std::uint
     return m_isMonochrome ? gray(color) : color;
 }
 
-std::optional<double> RasterLayout::resolutionOf(ByteView componentData)
+std::optional<Resolution> RasterLayout::resolutionOf(ByteView componentData)
 {
     ByteReader reader { componentData };
     const int format = reader.readU8().value_or(0);
-    const int count = reader.readU8().value_or(0);
-    double finest = 0;
-    if (format == 6) {
-        const auto resolution = reader.skip(2) ? reader.readU16BigEndian() : std::nullopt;
-        finest = resolution.value_or(0);
+    int count = reader.readU8().value_or(0);
+    if (format == 6)
+        count = reader.readU16BigEndian() ? 1 : 0;
+    std::optional<Resolution> coarsest;
+    // Format 6 gives all its blocks the same resolution.
+    for (int i = 0; i < count; ++i) {
+        const Resolution resolution { static_cast<double>(reader.readU16BigEndian().value_or(0)),
+            static_cast<double>(reader.readU16BigEndian().value_or(0)) };
+        reader.skip(2);
+        if (resolution.x < 1 || resolution.y < 1)
+            return std::nullopt;
+        coarsest = coarsest ? Resolution { std::min(coarsest->x, resolution.x), std::min(coarsest->y, resolution.y) }
+                            : resolution;
     }
-    for (int i = 0; format != 6 && i < count; ++i) {
-        finest = std::max<double>(finest, reader.readU16BigEndian().value_or(0));
-        reader.skip(4);
-    }
-    if (finest < 1)
-        return std::nullopt;
-    return finest;
+    return coarsest;
 }
 
 std::optional<RasterLayout> RasterLayout::forComponents(ByteView data, int width)
@@ -132,6 +134,7 @@ bool RasterLayout::addComponents(ByteReader& reader, int count)
     std::array<int, 4> resolutionY {};
     int finestX = 0;
     int finestY = 0;
+    int coarsestX = 65535;
     for (std::size_t i = 0; i < static_cast<std::size_t>(count); ++i) {
         resolutionX[i] = reader.readU16BigEndian().value_or(0);
         resolutionY[i] = reader.readU16BigEndian().value_or(0);
@@ -145,8 +148,13 @@ bool RasterLayout::addComponents(ByteReader& reader, int count)
             ++component.planes;
         finestX = std::max(finestX, resolutionX[i]);
         finestY = std::max(finestY, resolutionY[i]);
+        coarsestX = std::min(coarsestX, resolutionX[i]);
         m_components.push_back(component);
     }
+    if (finestX % coarsestX != 0)
+        return false;
+    m_columnsPerUnit = finestX / coarsestX;
+    m_width *= m_columnsPerUnit;
     for (std::size_t i = 0; i < m_components.size(); ++i) {
         Component& component = m_components[i];
         component.stepX = finestX / resolutionX[i];

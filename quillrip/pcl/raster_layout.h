@@ -22,15 +22,18 @@ public:
 
     /// Rows of `width` pixels in the active palette.
     static RasterLayout forPalette(const Palette& palette, int width, bool isMonochrome);
-    /// Rows of `width` pixels in ink components of their own resolutions (ESC*g#W). Nothing for data that make no
-    /// configuration.
+    /// Rows of ink components of their own resolutions (ESC*g#W), `width` pixels of the coarsest of them: drivers count
+    /// source width and row offsets in those. Nothing for data that make no configuration.
     static std::optional<RasterLayout> forComponents(ByteView data, int width);
-    /// The resolution that such data set, the finest of the components.
-    static std::optional<double> resolutionOf(ByteView componentData);
+    /// The resolution that such data set: of the coarsest component, across and down.
+    static std::optional<Resolution> resolutionOf(ByteView componentData);
 
     const std::vector<Transfer>& transfers() const { return m_transfers; }
     /// Rows of pixels that one set of transfers makes: more than 1 where components differ in vertical resolution.
     int rowsPerSet() const { return m_rowsPerSet; }
+    /// Likewise across: pixels of a row for each pixel of the coarsest component.
+    int columnsPerUnit() const { return m_columnsPerUnit; }
+    /// Pixels of a row.
     int width() const { return m_width; }
     ImageFormat format() const { return m_format; }
     /// A row of zero bytes is white.
@@ -73,6 +76,7 @@ private:
     int m_width = 0;
     int m_bits = 1;
     int m_rowsPerSet = 1;
+    int m_columnsPerUnit = 1;
     bool m_zeroIsWhite = true;
     bool m_isMonochrome = false;
     std::vector<Transfer> m_transfers;

@@ -131,6 +131,7 @@ void RasterSession::skipRows(int count)
     clearSeeds();
     if (count <= 0)
         return;
+    count *= m_setup.layout.rowsPerSet();
     if (zeroRowsLeaveMarks()) {
         emitZeroRows(count);
         return;

@@ -186,7 +186,11 @@ bool Tokenizer::resumeIfContinued(char prefix, char group, const char* terminato
     std::size_t digits = 0;
     while (digits < ahead.size && isDigit(ahead[digits]))
         ++digits;
-    if (digits == 0 || digits == ahead.size || !std::strchr(terminators, ahead[digits]) || ahead[digits] == 0)
+    const auto isOneOf = [&](std::size_t at) { return ahead[at] != 0 && std::strchr(terminators, ahead[at]); };
+    if (digits == ahead.size || !isOneOf(digits))
+        return false;
+    // A count of zero may be left out; then what follows must go on in the same way, or it is a word of text.
+    if (digits == 0 && (ahead.size < 2 || !(isDigit(ahead[1]) || isOneOf(1) || ahead[1] == kEscape)))
         return false;
     m_inSequence = true;
     m_prefix = prefix;

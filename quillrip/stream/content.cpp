@@ -64,6 +64,9 @@ bool startsWithPclSequence(ByteView bytes)
     std::size_t at = 2;
     if (at < bytes.size && isGroup(bytes[at]))
         ++at;
+    // Terminals select a mode by ESC%8 and nothing more; printers drop that when the next sequence comes.
+    if (bytes.size > 3 && bytes[1] == '%' && isDigit(bytes[2]) && bytes[3] == kEscape)
+        return startsWithPclSequence(bytes.sub(3));
     // Commands may be combined without an end; a hundred bytes of them prove enough.
     for (; at < bytes.size && at < 100; ++at) {
         if (bytes[at] == '+' || bytes[at] == '-')

@@ -252,6 +252,23 @@ TEST(PclColor, ComponentsOfDifferentResolutions)
     EXPECT_EQ(printed.color(154, 0), kWhite);
 }
 
+TEST(PclColor, WidthAndOffsetsCountPixelsOfTheCoarsestComponent)
+{
+    const std::string configuration = bytes({ 2, 4, 0x02, 0x58, 0x02, 0x58, 0, 2, 0x01, 0x2C, 0x01, 0x2C, 0, 2, 0x01,
+        0x2C, 0x01, 0x2C, 0, 2, 0x01, 0x2C, 0x01, 0x2C, 0, 2 });
+    PrinterSettings settings;
+    settings.format = PixelFormat::Rgb24;
+    settings.dotsPerInch = 600;
+    // Eight coarse pixels are two bytes of black and one of each colour; three coarse rows are six fine ones.
+    const Printed printed = print(kStart + command("*g", "W", configuration) + at(0, 0) + e("*r8s1A") + e("*b3Y")
+            + plane({ 0, 0x01 }) + plane({ 0, 0 }) + plane({ 0x01 }) + plane({ 0 }) + row({ 0 }),
+        settings);
+    EXPECT_EQ(printed.color(150 + 15, 6), kBlack);
+    EXPECT_EQ(printed.color(150 + 14, 7), (Rgb { 0, 255, 255 }));
+    EXPECT_EQ(printed.color(150 + 13, 6), kWhite);
+    EXPECT_EQ(printed.color(150 + 15, 5), kWhite);
+}
+
 TEST(PclColor, EveryPaletteIndexCountsModuloTheSize)
 {
     const Palette palette;

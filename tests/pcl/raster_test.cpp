@@ -101,6 +101,10 @@ TEST(PclRaster, ASequenceClosedTooEarlyGoesOn)
     EXPECT_TRUE(printed.isBlack(75, 12));
     EXPECT_TRUE(printed.isBlack(76, 13));
     EXPECT_EQ(printed.blackPixels(), 2u);
+    // Empty rows may come without a count.
+    const Printed uncounted = print(kStart + e("*t300R") + at(0, 10) + e("*r1A") + "\x1b*b2Yww1w\x80");
+    EXPECT_TRUE(uncounted.isBlack(75, 14));
+    EXPECT_EQ(uncounted.blackPixels(), 1u);
 }
 
 TEST(PclRaster, DeclaredAreaClipsAndIsPaddedWithWhite)

@@ -37,6 +37,7 @@ TEST(Content, LanguagesAreKnownByTheirFirstBytes)
     EXPECT_EQ(at("\x1B(0N\x1B(s0p10.0h").kind, ContentKind::Pcl);
     EXPECT_EQ(at("\x1B&l0h0m0a0s8c0o0E").kind, ContentKind::Pcl);
     EXPECT_EQ(at("\x1B%0BIN;SP1;").kind, ContentKind::Pcl);
+    EXPECT_EQ(at("\x1B%8\x1B*rbC\x1B*t180R").kind, ContentKind::Pcl);
     EXPECT_EQ(at("IN;SP1;PA0,0;").kind, ContentKind::Plot);
     EXPECT_EQ(at("%!PS-Adobe-3.0\n").kind, ContentKind::PostScript);
     EXPECT_EQ(at("\x04%!PS\n").kind, ContentKind::PostScript);
