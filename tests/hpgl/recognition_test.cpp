@@ -1,0 +1,78 @@
+#include "quillrip/hpgl/recognition.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace quillrip::hpgl {
+namespace {
+
+bool looks(const std::string& text)
+{
+    return looksLikePlot({ reinterpret_cast<const std::uint8_t*>(text.data()), text.size() });
+}
+
+TEST(HpglRecognition, KnowsWhatGeneratorsWrite)
+{
+    EXPECT_TRUE(looks("BP;IN;PS10668;IP0,0,8128,8128;SC0,10000,0,10000;WU1;SP1;TR0;LT;LA1,4,2,4;"));
+    EXPECT_TRUE(looks("IN;SC0,10000,0,7500;SR0.2,0.4;DI0,1;PU100,200;PD300,400;"));
+    EXPECT_TRUE(looks("IN;IP0,0,8128,8128;SC0,10000,0,10000;SP1;PA100,100;PD;PA200,200;PU;"));
+    EXPECT_TRUE(looks("INNP8SP1SD1,277,2,0;SS;UL2,8,8,9,8;PE<=ab\xc0\xc1;"));
+    EXPECT_TRUE(looks(" \r\n;in;sp1;pa 10,10;pd 20,20;"));
+    EXPECT_TRUE(looks("BP;IN;\nIP0,8396,11881,0;\nIW0,0,11881,8396;\nSC-3.0126,8.6818,-2.1311,6.1328;\n"));
+    EXPECT_TRUE(looks("DF;CO \"made by hand; with care\";SP1;PU0,0;LBany text at all\x03PD1,1;"));
+}
+
+TEST(HpglRecognition, DeviceControlsAndPlotterModeDecideAtOnce)
+{
+    EXPECT_TRUE(looks("\x1b.Y\x1b.I81;;17:"));
+    EXPECT_TRUE(looks("\x1b%-1Banything"));
+    EXPECT_TRUE(looks("\x1b"
+                      "E\x1b%-1BIN"));
+}
+
+TEST(HpglRecognition, PclWithPlotsInsideIsNoPlot)
+{
+    EXPECT_FALSE(looks("\x1b%0BIN;SP1;PU0,0;PD100,100;"));
+    EXPECT_FALSE(looks("\x1b%1BIN;SP1;PU0,0;PD100,100;"));
+    EXPECT_FALSE(looks("\x1b&l1OIN;SP1;PU0,0;PD100,100;"));
+    EXPECT_FALSE(looks("\x1b"
+                       "E\x1b&l0OIN;SP1;"));
+}
+
+TEST(HpglRecognition, ProseIsText)
+{
+    EXPECT_FALSE(looks(""));
+    EXPECT_FALSE(looks("In the beginning there was a plotter; it drew lines."));
+    EXPECT_FALSE(looks("PRICE LIST 2026\r\nSP 100  PEN UP 12.50\r\n"));
+    EXPECT_FALSE(looks("PA 19104\r\n"));
+    EXPECT_FALSE(looks("PA 19104 Philadelphia\r\nPA 15213 Pittsburgh\r\n"));
+    EXPECT_FALSE(looks("SPECIAL OFFER: 10 PENS, 20 PENCILS\n"));
+    EXPECT_FALSE(looks("IN;\nOUT;\n1;2;3;4\nSTOCK;ITEM;PRICE\n"));
+    EXPECT_FALSE(looks("co author, in print, sp. z o.o., lt. gov.\n"));
+    EXPECT_FALSE(looks("IN 12 34\nDF 11 22\nPD HOURS\n"));
+    EXPECT_FALSE(looks("INVOICE 4711\n\nRO NO 12, PW 33, LB 44\n"));
+}
+
+TEST(HpglRecognition, TextAboutPlotsIsText)
+{
+    EXPECT_FALSE(looks("The command IN; initialises, SP1; selects a pen, and PD100,100; draws.\n"));
+    EXPECT_FALSE(looks("IN initialises the plotter\nSP selects a pen\nPU lifts it\nPD lowers it\n"));
+    EXPECT_FALSE(looks("PU;PD;PA;\n- a list of mnemonics\n- without any meaning\n"));
+}
+
+TEST(HpglRecognition, CommandsWithoutAnyOperandAreNotEnough)
+{
+    EXPECT_FALSE(looks("IN;"));
+    EXPECT_FALSE(looks("IN;DF;PU;PD;"));
+}
+
+TEST(HpglRecognition, EveryCutOfAPlotIsHarmless)
+{
+    const std::string plot = "BP;IN;DT*;LBtext*PE<=ab\xc0\xc1;CO \"x\";SM+;PS1,2;BZ1,2,3,4,5,6;\x1b.Y";
+    for (std::size_t size = 0; size <= plot.size(); ++size)
+        looks(plot.substr(0, size));
+}
+
+} // namespace
+} // namespace quillrip::hpgl
