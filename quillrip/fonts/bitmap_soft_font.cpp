@@ -167,7 +167,13 @@ void BitmapSoftFont::erase(std::uint32_t code) const
         return;
     m_bytes -= sizeof(BitmapGlyph) + found->second.bits.size();
     m_glyphs.erase(found);
-    ++m_revision;
+    m_glyphRevisions[code] = ++m_revision;
+}
+
+std::uint32_t BitmapSoftFont::glyphRevision(GlyphId glyph) const
+{
+    const auto found = m_glyphRevisions.find(glyph);
+    return found == m_glyphRevisions.end() ? 0 : found->second;
 }
 
 std::shared_ptr<SoftFont> BitmapSoftFont::copy() const

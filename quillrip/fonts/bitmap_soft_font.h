@@ -25,6 +25,7 @@ public:
     bool rasterise(GlyphId glyph, const Matrix& glyphToDevice, GlyphMask::Depth depth, const GlyphStyle& style,
         GlyphMask& mask) const override;
     bool staysUpright(std::uint32_t code) const override;
+    std::uint32_t glyphRevision(GlyphId glyph) const override;
 
 private:
     /// A character whose data have not all come yet.
@@ -43,6 +44,7 @@ private:
 
     SoftFontHeader m_header;
     mutable std::map<std::uint32_t, BitmapGlyph> m_glyphs;
+    mutable std::map<GlyphId, std::uint32_t> m_glyphRevisions; ///< of glyphs that were replaced or removed
     mutable Unfinished m_unfinished;
     mutable std::size_t m_bytes;
 };

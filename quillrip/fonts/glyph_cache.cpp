@@ -36,6 +36,17 @@ GridPlace onGrid(double coordinate, int phases)
     return { static_cast<int>(pixel), static_cast<std::uint8_t>(steps - pixel * phases) };
 }
 
+/// Whether the dots of a bitmap face are blocks of whole pixels.
+bool isOnGrid(const Typeface& face, const Matrix& m)
+{
+    const double resolution = face.traits().resolution;
+    const auto isWhole = [resolution](double scale) {
+        const double pixels = scale / resolution;
+        return std::abs(pixels - std::round(pixels)) < 1e-4;
+    };
+    return resolution <= 0 || (isWhole(m.a) && isWhole(m.b) && isWhole(m.c) && isWhole(m.d));
+}
+
 } // namespace
 
 bool GlyphCache::Key::operator==(const Key& other) const
@@ -82,14 +93,16 @@ PlacedGlyph GlyphCache::place(
         return placed;
 
     const bool isGrey = depth == GlyphMask::Depth::Coverage && face.traits().isScalable;
+    // Each bitmap has a place of its own on its font's finer grid; rounding it away makes the line uneven.
+    const bool isReduced = depth == GlyphMask::Depth::Coverage && !isGrey && !isOnGrid(face, m);
     const bool runsAcross = m.b == 0 && m.c == 0;
     const bool runsDown = m.a == 0 && m.d == 0;
-    const GridPlace x = onGrid(m.e, isGrey && !runsDown ? kPhases : 1);
-    const GridPlace y = onGrid(m.f, isGrey && !runsAcross ? kPhases : 1);
+    const GridPlace x = onGrid(m.e, isReduced || (isGrey && !runsDown) ? kPhases : 1);
+    const GridPlace y = onGrid(m.f, isReduced || (isGrey && !runsAcross) ? kPhases : 1);
     placed.x = x.pixel;
     placed.y = y.pixel;
 
-    const Key key { face.id(), face.revision(), glyph, static_cast<float>(m.a), static_cast<float>(m.b),
+    const Key key { face.id(), face.glyphRevision(glyph), glyph, static_cast<float>(m.a), static_cast<float>(m.b),
         static_cast<float>(m.c), static_cast<float>(m.d), static_cast<float>(style.bold), x.phase, y.phase, depth };
     if (const auto found = m_index.find(key); found != m_index.end()) {
         m_entries.splice(m_entries.begin(), m_entries, found->second);

@@ -33,6 +33,9 @@ public:
     std::uint32_t id() const { return m_id; }
     /// Grows whenever a glyph changes that was there before: a cache key too.
     std::uint32_t revision() const { return m_revision; }
+    /// The same for one glyph, where the face keeps count of them: of a font whose codes a job uses again and again the
+    /// other glyphs stay in the cache.
+    virtual std::uint32_t glyphRevision(GlyphId) const { return m_revision; }
     const FontTraits& traits() const { return m_traits; }
 
     /// The glyph for a code in the face's own domain (traits().domain), or kNoGlyph.
