@@ -159,6 +159,29 @@ std::shared_ptr<const Typeface> FontLibrary::selectInFamily(std::uint16_t family
 
 Font FontLibrary::select(const FontRequest& request, const SelectionContext& context) const
 {
+    constexpr std::size_t kMostSelections = 16;
+    const std::uint64_t generation = m_softFonts.generation() + m_symbolSetGeneration;
+    if (generation != m_selectionGeneration) {
+        m_selections.clear();
+        m_selectionGeneration = generation;
+    }
+    const auto known = std::find_if(m_selections.begin(), m_selections.end(),
+        [&](const Selection& selection) { return selection.request == request && selection.context == context; });
+    if (known != m_selections.end())
+        return known->font;
+    Selection selection { request, context, selectAnew(request, context) };
+    const Font font = selection.font;
+    if (m_selections.size() < kMostSelections) {
+        m_selections.push_back(std::move(selection));
+    } else {
+        m_selections[m_nextSelection % kMostSelections] = std::move(selection);
+        ++m_nextSelection;
+    }
+    return font;
+}
+
+Font FontLibrary::selectAnew(const FontRequest& request, const SelectionContext& context) const
+{
     std::vector<SelectionCandidate> candidates;
     std::vector<std::shared_ptr<const Typeface>> faces;
     int order = 0;
@@ -182,10 +205,11 @@ Font FontLibrary::select(const FontRequest& request, const SelectionContext& con
     for (const std::uint16_t number : tries) {
         set = symbolSet(number);
         used = number;
+        const bool isPrivate = isPrivateSet(number);
         for (std::size_t i = 0; i < candidates.size(); ++i) {
             const bool isInternal = !candidates[i].isSoft;
             const FontTraits& traits = *candidates[i].traits;
-            if (isInternal && isPrivateSet(number) && !traits.isBoundToSet)
+            if (isInternal && isPrivate && !traits.isBoundToSet)
                 continue;
             if (canPrint(traits, isInternal ? boundSetOf(number) : number, set.get()))
                 left.push_back(i);
@@ -323,16 +347,26 @@ void FontLibrary::defineSymbolSet(std::shared_ptr<const SymbolSet> set)
 {
     if (!set)
         return;
+    ++m_symbolSetGeneration;
     const std::uint16_t number = set->number();
     m_userSymbolSets[number] = { std::move(set), false };
 }
 
-void FontLibrary::removeSymbolSet(std::uint16_t number) { m_userSymbolSets.erase(number); }
+void FontLibrary::removeSymbolSet(std::uint16_t number)
+{
+    ++m_symbolSetGeneration;
+    m_userSymbolSets.erase(number);
+}
 
-void FontLibrary::removeAllSymbolSets() { m_userSymbolSets.clear(); }
+void FontLibrary::removeAllSymbolSets()
+{
+    ++m_symbolSetGeneration;
+    m_userSymbolSets.clear();
+}
 
 void FontLibrary::removeTemporarySymbolSets()
 {
+    ++m_symbolSetGeneration;
     for (auto at = m_userSymbolSets.begin(); at != m_userSymbolSets.end();)
         at = at->second.isPermanent ? std::next(at) : m_userSymbolSets.erase(at);
 }

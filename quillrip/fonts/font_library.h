@@ -23,6 +23,12 @@ struct FontRequest {
     std::uint16_t style = 0; ///< posture + 4 * width + 32 * structure
     int weight = 0;
     std::uint16_t family = 4099;
+
+    bool operator==(const FontRequest& other) const
+    {
+        return symbolSet == other.symbolSet && isProportional == other.isProportional && pitch == other.pitch
+            && height == other.height && style == other.style && weight == other.weight && family == other.family;
+    }
 };
 
 /// What selection looks at besides the request.
@@ -31,6 +37,12 @@ struct SelectionContext {
     int orientation = 0; ///< logical page orientation, 0 to 3
     std::uint16_t defaultSymbolSet = kRoman8;
     bool allowsBitmapFonts = true; ///< false: HP-GL/2 with SB0
+
+    bool operator==(const SelectionContext& other) const
+    {
+        return resolution == other.resolution && orientation == other.orientation
+            && defaultSymbolSet == other.defaultSymbolSet && allowsBitmapFonts == other.allowsBitmapFonts;
+    }
 };
 
 /// A soft font's name in the job: a number or a string.
@@ -71,11 +83,15 @@ public:
         bool isPermanent = false;
     };
     const std::map<SoftFontKey, Entry>& entries() const { return m_entries; }
+    /// Differs after every change of what find() gives.
+    std::uint64_t generation() const { return m_generation; }
 
 private:
     std::size_t m_limit;
     std::map<SoftFontKey, Entry> m_entries;
     ShapeFinder m_shapeFinder;
+    std::uint64_t m_generation = 0;
+    mutable std::size_t m_asked = 0; ///< bytes granted since the fonts were last counted, with those
 };
 
 /// All fonts of a job: the built-in faces (files opened when first used), soft fonts, user-defined symbol sets.
@@ -122,6 +138,14 @@ private:
         bool isPermanent = false;
     };
 
+    /// A selection and what came of it: text changes to and fro between few fonts.
+    struct Selection {
+        FontRequest request;
+        SelectionContext context;
+        Font font;
+    };
+
+    Font selectAnew(const FontRequest& request, const SelectionContext& context) const;
     std::shared_ptr<const Typeface> selectInternal(const FontRequest& request) const;
     /// The face of a built-in family (there must be one) that comes nearest to style and weight.
     std::shared_ptr<const Typeface> selectInFamily(std::uint16_t family, std::uint16_t style, int weight) const;
@@ -129,7 +153,11 @@ private:
     DiagnosticSink* m_sink;
     SoftFontStore m_softFonts;
     std::map<std::uint16_t, UserSymbolSet> m_userSymbolSets;
+    std::uint64_t m_symbolSetGeneration = 0;
     std::unique_ptr<InternalFaces> m_internal;
+    mutable std::vector<Selection> m_selections;
+    mutable std::size_t m_nextSelection = 0; ///< the one that the next new selection replaces
+    mutable std::uint64_t m_selectionGeneration = 0;
 };
 
 } // namespace quillrip

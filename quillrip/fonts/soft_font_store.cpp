@@ -18,6 +18,7 @@ bool SoftFontStore::put(const SoftFontKey& key, std::shared_ptr<SoftFont> font, 
     }
     if (m_shapeFinder)
         font->lendShapes(m_shapeFinder(font->traits()));
+    ++m_generation;
     m_entries[key] = { std::move(font), false };
     return true;
 }
@@ -31,16 +32,28 @@ std::shared_ptr<SoftFont> SoftFontStore::find(const SoftFontKey& key) const
 void SoftFontStore::associate(const SoftFontKey& alias, const SoftFontKey& key)
 {
     const auto found = m_entries.find(key);
-    if (found != m_entries.end())
-        m_entries[alias] = Entry(found->second);
+    if (found == m_entries.end())
+        return;
+    const Entry entry = found->second;
+    m_entries[alias] = entry;
+    ++m_generation;
 }
 
-void SoftFontStore::remove(const SoftFontKey& key) { m_entries.erase(key); }
+void SoftFontStore::remove(const SoftFontKey& key)
+{
+    ++m_generation;
+    m_entries.erase(key);
+}
 
-void SoftFontStore::removeAll() { m_entries.clear(); }
+void SoftFontStore::removeAll()
+{
+    ++m_generation;
+    m_entries.clear();
+}
 
 void SoftFontStore::removeTemporary()
 {
+    ++m_generation;
     for (auto at = m_entries.begin(); at != m_entries.end();)
         at = at->second.isPermanent ? std::next(at) : m_entries.erase(at);
 }
@@ -54,10 +67,18 @@ void SoftFontStore::setPermanent(const SoftFontKey& key, bool isPermanent)
 
 bool SoftFontStore::hasRoomFor(std::size_t bytes) const
 {
-    std::size_t used = 0;
-    for (const auto& [key, entry] : m_entries)
-        used += entry.font->bytes();
-    return bytes <= m_limit && used <= m_limit - bytes;
+    // What was asked for so far is an upper bound; counting anew for each of many characters would take too long.
+    if (bytes > m_limit)
+        return false;
+    if (m_asked > m_limit - bytes) {
+        m_asked = 0;
+        for (const auto& [key, entry] : m_entries)
+            m_asked += entry.font->bytes();
+        if (m_asked > m_limit - bytes)
+            return false;
+    }
+    m_asked += bytes;
+    return true;
 }
 
 } // namespace quillrip

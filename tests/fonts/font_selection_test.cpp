@@ -290,3 +290,20 @@ TEST(FontSelection, UserDefinedSymbolSetsCanBeSelectedAndDeleted)
     library.removeSymbolSet(symbolSetNumber(5, 'Q'));
     EXPECT_EQ(library.symbolSet(symbolSetNumber(5, 'Q')), nullptr);
 }
+
+TEST(FontSelection, RepeatedSelectionsFollowChangesOfTheFonts)
+{
+    FontLibrary library;
+    const char* const request = "(8U(s0p10h12v0s0b4099T";
+    EXPECT_EQ(selected(library, request).face->traits().name, "Courier");
+    library.softFonts().put({ 7, "" }, bitmapFont(120, 200, 0, 0, 4099), {});
+    EXPECT_EQ(selected(library, request).face, library.softFonts().find({ 7, "" }));
+    library.softFonts().remove({ 7, "" });
+    EXPECT_EQ(selected(library, request).face->traits().name, "Courier");
+    Bytes data;
+    data.u16(18).u16(kRoman8).u8(3).u8(1).u16(0x41).u16(0x41).zeros(8).u16(0x3B1);
+    library.defineSymbolSet(SymbolSet::parse(data, {}));
+    EXPECT_EQ(selected(library, request).symbolSet->unicode(0x41), 0x3B1u);
+    library.removeAllSymbolSets();
+    EXPECT_EQ(selected(library, request).symbolSet->unicode(0x41), U'A');
+}

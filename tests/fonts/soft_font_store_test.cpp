@@ -52,6 +52,17 @@ TEST(SoftFontStore, RefusesFontsAboveTheMemoryLimit)
     EXPECT_TRUE(store.hasRoomFor(100));
 }
 
+TEST(SoftFontStore, DeletedFontsMakeRoomAgain)
+{
+    const std::size_t size = anyFont()->bytes();
+    SoftFontStore store(2 * size);
+    for (int i = 0; i < 100; ++i) {
+        EXPECT_TRUE(store.put({ 1, "" }, anyFont(), {})) << i;
+        EXPECT_TRUE(store.put({ 2, "" }, anyFont(), {})) << i;
+        EXPECT_FALSE(store.put({ 3, "" }, anyFont(), {})) << i;
+    }
+}
+
 TEST(SoftFontStore, CopiesAreIndependent)
 {
     Bytes character;
