@@ -192,8 +192,10 @@ bool Machine::execute(Tokenizer& tokenizer, const Token& token)
         return false;
     if (m_wantsRecording)
         startRecording(tokenizer);
-    // Some ink-jet drivers end a row offset with a capital letter and go on with the rows all the same.
-    if (m_raster && !token.chained && token.prefix == '*' && token.group == 'b' && token.terminator == 'Y')
+    // Some ink-jet drivers end a row offset or a plane with a capital letter and go on with the rows all the same.
+    const bool isWithinRows
+        = token.prefix == '*' && token.group == 'b' && (token.terminator == 'Y' || token.terminator == 'V');
+    if (m_raster && !token.chained && isWithinRows)
         tokenizer.resumeIfContinued('*', 'b', "vwym");
     return true;
 }
@@ -236,6 +238,7 @@ void Machine::reset()
     m_utf8Missing = 0;
     m_pagesOnSheet = 0;
     m_state = defaultState(m_environment);
+    softFontsChanged();
     m_tileCache = {};
     geometryChanged();
     if (m_plotter)

@@ -23,6 +23,7 @@ TextArea turned(const TextArea& area, const PageLayout& page, int from, int to)
 void Machine::layOutPage(const PageLayout& page)
 {
     m_state.page = page;
+    softFontsChanged(); // bitmap fonts are chosen by orientation, too
     m_state.text = turned(defaultTextArea(page), page, 0, m_state.direction);
     if (!m_isOverlayRunning)
         m_overlayMacro.reset();

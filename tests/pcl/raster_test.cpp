@@ -105,6 +105,9 @@ TEST(PclRaster, ASequenceClosedTooEarlyGoesOn)
     const Printed uncounted = print(kStart + e("*t300R") + at(0, 10) + e("*r1A") + "\x1b*b2Yww1w\x80");
     EXPECT_TRUE(uncounted.isBlack(75, 14));
     EXPECT_EQ(uncounted.blackPixels(), 1u);
+    const Printed planes
+        = print(kStart + e("*r-3U") + e("*t300R") + at(0, 10) + e("*r8s1A") + "\x1b*b1V\x80" + "1v\x80" + "1W\x80");
+    EXPECT_EQ(planes.ink(), (PixelRect { 75, 10, 76, 11 }));
 }
 
 TEST(PclRaster, DeclaredAreaClipsAndIsPaddedWithWhite)
