@@ -14,7 +14,9 @@ constexpr double kScaleTolerance = 1e-4;
 /// Outlines of larger bitmaps cost more than they show.
 constexpr std::size_t kMostTracedDots = std::size_t { 4 } << 20;
 /// A mask of this many bytes is beyond every page.
-constexpr double kMostMaskPixels = 3e8;
+constexpr double kMostMaskPixels = 6.4e7;
+/// Scales beyond this come from broken matrices.
+constexpr double kMostScale = 1e4;
 
 /// Device pixels of the glyph's box, rounded.
 struct Box {
@@ -186,6 +188,8 @@ Path BitmapGlyph::outline() const { return Tracer(*this).path(); }
 bool BitmapGlyph::rasterise(const Matrix& m, GlyphMask::Depth depth, GlyphMask& mask) const
 {
     if (width <= 0 || height <= 0 || bits.size() < stride() * static_cast<std::size_t>(height))
+        return false;
+    if (!(std::max({ std::abs(m.a), std::abs(m.b), std::abs(m.c), std::abs(m.d) }) < kMostScale))
         return false;
     const bool isExact = isWholeScale(m);
     const auto dots = static_cast<std::size_t>(width) * static_cast<std::size_t>(height);

@@ -12,6 +12,8 @@ namespace {
 constexpr int kLargestSide = 16384;
 /// Room for one character's rows; a whole page at 600 dots per inch fits.
 constexpr std::size_t kMostBits = std::size_t { 32 } << 20;
+/// What run lengths may make out of little data.
+constexpr std::size_t kMostFromNothing = std::size_t { 2 } << 20;
 
 /// Run-length rows: a count of further copies of the row, then run lengths from white on until the width is full.
 /// A run longer than 255 is written as 255, 0, the rest.
@@ -19,10 +21,12 @@ std::vector<std::uint8_t> decodeRuns(ByteView data, int width, int height)
 {
     const auto columns = static_cast<std::size_t>(width);
     const std::size_t stride = (columns + 7) / 8;
-    std::vector<std::uint8_t> bits(stride * static_cast<std::size_t>(height), 0);
+    // A few bytes can ask for many copies of a row; no glyph that is meant needs them all.
+    const std::size_t most = std::min(stride * static_cast<std::size_t>(height), kMostFromNothing + 64 * data.size);
+    std::vector<std::uint8_t> bits;
     std::vector<std::uint8_t> row(stride);
     std::size_t at = 0;
-    for (std::size_t y = 0; y < static_cast<std::size_t>(height) && at < data.size;) {
+    while (bits.size() < most && at < data.size) {
         const std::size_t copies = data[at++] + std::size_t { 1 };
         std::fill(row.begin(), row.end(), std::uint8_t { 0 });
         bool isInk = false;
@@ -33,10 +37,22 @@ std::vector<std::uint8_t> decodeRuns(ByteView data, int width, int height)
                     row[x / 8] |= static_cast<std::uint8_t>(0x80 >> (x % 8));
             }
         }
-        for (std::size_t i = 0; i < copies && y < static_cast<std::size_t>(height); ++i, ++y)
-            std::copy(row.begin(), row.end(), bits.begin() + static_cast<std::ptrdiff_t>(y * stride));
+        for (std::size_t i = 0; i < copies && bits.size() < most; ++i)
+            bits.insert(bits.end(), row.begin(), row.end());
     }
     return bits;
+}
+
+/// A glyph whose data ended early has the rows that came, the last one filled up with white.
+void cutToRows(BitmapGlyph& glyph)
+{
+    const std::size_t stride = glyph.stride();
+    if (stride == 0)
+        return;
+    const std::size_t rows
+        = std::min((glyph.bits.size() + stride - 1) / stride, static_cast<std::size_t>(glyph.height));
+    glyph.bits.resize(rows * stride, 0);
+    glyph.height = static_cast<int>(rows);
 }
 
 bool sizeIsPossible(int width, int height)
@@ -106,12 +122,12 @@ void BitmapSoftFont::finish() const
     if (m_unfinished.imageClass == 0)
         return;
     BitmapGlyph glyph = std::move(m_unfinished.stored);
-    const std::size_t rows = glyph.stride() * static_cast<std::size_t>(glyph.height);
     if (m_unfinished.imageClass == 1) {
         glyph.bits = std::move(m_unfinished.data);
-        glyph.bits.resize(rows, 0);
+        cutToRows(glyph);
     } else {
         glyph.bits = decodeRuns(m_unfinished.data, glyph.width, glyph.height);
+        cutToRows(glyph);
     }
     const std::uint32_t code = m_unfinished.code;
     m_unfinished = {};
@@ -141,7 +157,7 @@ bool BitmapSoftFont::addPclXlCharacter(std::uint32_t code, ByteView data, const 
     if (bits.size < rows)
         reporter.damage("font.character-short", "character with fewer rows than its height");
     glyph.bits.assign(bits.begin(), bits.end());
-    glyph.bits.resize(rows, 0);
+    cutToRows(glyph);
     glyph.advance = glyph.left + glyph.width;
     store(code, glyph.turnedUpright(m_traits.orientation));
     return true;

@@ -91,6 +91,7 @@ private:
     std::map<SoftFontKey, Entry> m_entries;
     ShapeFinder m_shapeFinder;
     std::uint64_t m_generation = 0;
+    mutable int m_asksSinceCount = 0;
     mutable std::size_t m_asked = 0; ///< bytes granted since the fonts were last counted, with those
 };
 

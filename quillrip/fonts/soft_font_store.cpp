@@ -67,10 +67,13 @@ void SoftFontStore::setPermanent(const SoftFontKey& key, bool isPermanent)
 
 bool SoftFontStore::hasRoomFor(std::size_t bytes) const
 {
-    // What was asked for so far is an upper bound; counting anew for each of many characters would take too long.
+    // Counting anew for each of many characters would take too long; what was asked for since is near enough, though
+    // packed characters can grow somewhat.
+    constexpr int kCountAfter = 16;
     if (bytes > m_limit)
         return false;
-    if (m_asked > m_limit - bytes) {
+    if (m_asked > m_limit - bytes || ++m_asksSinceCount >= kCountAfter) {
+        m_asksSinceCount = 0;
         m_asked = 0;
         for (const auto& [key, entry] : m_entries)
             m_asked += entry.font->bytes();

@@ -288,3 +288,14 @@ TEST(BitmapSoftFont, ImpossibleSizesAreRefused)
     GlyphMask mask;
     EXPECT_FALSE(font->rasterise(font->glyph(' '), upright(300), GlyphMask::Depth::Bits, {}, mask));
 }
+
+TEST(BitmapSoftFont, FewBytesNeverBecomeMuchMemory)
+{
+    const auto font = SoftFont::fromPclHeader(headerFormat0(), {});
+    // Every row 256 times, 16384 dots wide: 20 bytes ask for 32 megabytes.
+    const std::vector<std::uint8_t> runs(20, 255);
+    ASSERT_TRUE(font->addPclCharacter('a', character(0, 0, 16384, 16384, 0, runs, 2), {}));
+    ASSERT_TRUE(font->addPclCharacter('b', character(0, 0, 16384, 16384, 0, { 1, 2, 3 }), {}));
+    EXPECT_NE(font->glyph('a'), kNoGlyph);
+    EXPECT_LT(font->bytes(), std::size_t { 3 } << 20);
+}
