@@ -1,6 +1,7 @@
 #include "quillrip/raster/bilevel_scan.h"
 
 #include "quillrip/raster/flatten.h"
+#include "quillrip/raster/sort_nearly.h"
 
 #include <algorithm>
 
@@ -22,23 +23,9 @@ struct Crossing {
     std::int32_t winding = 0;
 };
 
-/// Crossings are nearly in order from the row before; where many are new or cross over, sorting anew is cheaper.
 void sortCrossings(std::vector<Crossing>& crossings)
 {
-    const auto isLeft = [](const Crossing& a, const Crossing& b) { return a.x < b.x; };
-    constexpr std::size_t fewCrossings = 24;
-    if (crossings.size() > fewCrossings) {
-        if (!std::is_sorted(crossings.begin(), crossings.end(), isLeft))
-            std::sort(crossings.begin(), crossings.end(), isLeft);
-        return;
-    }
-    for (std::size_t i = 1; i < crossings.size(); ++i) {
-        const Crossing moving = crossings[i];
-        std::size_t to = i;
-        for (; to > 0 && isLeft(moving, crossings[to - 1]); --to)
-            crossings[to] = crossings[to - 1];
-        crossings[to] = moving;
-    }
+    sortNearly(crossings, [](const Crossing& a, const Crossing& b) { return a.x < b.x; });
 }
 
 /// Calls inside(left, right) for each stretch between sorted crossings where the shape is.
@@ -193,6 +180,7 @@ void scanCentresAndThinParts(const Path& devicePath, FillRule rule, const PixelR
 {
     EdgeList rows(area);
     rows.addPath(devicePath);
+    rows.shrinkArea();
     sweepCentres(rows, [&](int y, const std::vector<Crossing>& crossings) {
         RowMerger merger(y, sink);
         eachStretch(crossings, rule, [&](std::int64_t left, std::int64_t right) {
@@ -208,6 +196,7 @@ void scanCentresAndThinParts(const Path& devicePath, FillRule rule, const PixelR
     });
     EdgeList columns({ area.top, area.left, area.bottom, area.right }, EdgeList::Axes::Swapped);
     columns.addPath(devicePath);
+    columns.shrinkArea();
     sweepCentres(columns, [&](int x, const std::vector<Crossing>& crossings) {
         eachStretch(crossings, rule, [&](std::int64_t top, std::int64_t bottom) {
             if (top < bottom && firstCentre(top) >= firstCentre(bottom))

@@ -1,6 +1,7 @@
 #include "quillrip/raster/coverage_scan.h"
 
 #include "quillrip/raster/coverage_row.h"
+#include "quillrip/raster/sort_nearly.h"
 
 #include <algorithm>
 #include <bitset>
@@ -24,20 +25,7 @@ struct Side {
 
 void sortSides(std::vector<Side>& sides)
 {
-    const auto isLeft = [](const Side& a, const Side& b) { return a.order() < b.order(); };
-    constexpr std::size_t fewSides = 24;
-    if (sides.size() > fewSides) {
-        if (!std::is_sorted(sides.begin(), sides.end(), isLeft))
-            std::sort(sides.begin(), sides.end(), isLeft);
-        return;
-    }
-    for (std::size_t i = 1; i < sides.size(); ++i) {
-        const Side moving = sides[i];
-        std::size_t to = i;
-        for (; to > 0 && isLeft(moving, sides[to - 1]); --to)
-            sides[to] = sides[to - 1];
-        sides[to] = moving;
-    }
+    sortNearly(sides, [](const Side& a, const Side& b) { return a.order() < b.order(); });
 }
 
 class CoverageScan {
@@ -65,8 +53,9 @@ public:
             for (; next < order.size() && m_list.firstRow(m_list.edges()[order[next]], 0) <= y; ++next) {
                 const Edge& edge = m_list.edges()[order[next]];
                 if (edge.bottom > top)
-                    m_active.push_back({ &edge, 0, 0 });
+                    m_incoming.push_back({ &edge, 0, 0 });
             }
+            mergeIncoming(top);
             scanRow(top);
             m_row.emit(y, m_sink);
             ++y;
@@ -76,6 +65,26 @@ public:
     }
 
 private:
+    /// Keeps the sides in the order of the row's top, so that every strip starts nearly sorted.
+    void mergeIncoming(std::int32_t top)
+    {
+        const auto locate
+            = [&](Side& side) { side.topX = side.bottomX = side.edge->roundedXAt(std::max(top, side.edge->top)); };
+        for (Side& side : m_active)
+            locate(side);
+        sortSides(m_active);
+        if (m_incoming.empty())
+            return;
+        for (Side& side : m_incoming)
+            locate(side);
+        const auto isLeft = [](const Side& a, const Side& b) { return a.topX < b.topX; };
+        std::sort(m_incoming.begin(), m_incoming.end(), isLeft);
+        const auto middle = static_cast<std::ptrdiff_t>(m_active.size());
+        m_active.insert(m_active.end(), m_incoming.begin(), m_incoming.end());
+        std::inplace_merge(m_active.begin(), m_active.begin() + middle, m_active.end(), isLeft);
+        m_incoming.clear();
+    }
+
     void scanRow(std::int32_t top)
     {
         const std::int32_t bottom = top + kSubpixels;
@@ -167,6 +176,7 @@ private:
     SpanSink& m_sink;
     CoverageRow m_row;
     std::vector<Side> m_active;
+    std::vector<Side> m_incoming;
     std::vector<Side> m_strip;
 };
 

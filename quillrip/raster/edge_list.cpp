@@ -6,7 +6,7 @@ namespace quillrip {
 
 namespace {
 
-std::int32_t toFixed(double pixels) { return static_cast<std::int32_t>(std::lround(pixels * kSubpixels)); }
+std::int32_t toFixed(double pixels) { return static_cast<std::int32_t>(std::floor(pixels * kSubpixels + 0.5)); }
 
 /// Areas end here: beyond is no page, and sums of fixed point numbers would not fit.
 constexpr int kFarthest = 1 << 20;

@@ -41,16 +41,15 @@ public:
 
     void scale(const std::uint8_t* source, float* result) const
     {
-        std::size_t tap = 0;
-        for (const std::size_t end : m_ends) {
-            float sums[4] = {};
-            for (; tap < end; ++tap) {
-                const std::uint8_t* pixel = source + m_taps[tap].source * m_channels;
-                for (std::size_t channel = 0; channel < m_channels; ++channel)
-                    sums[channel] += m_taps[tap].weight * static_cast<float>(pixel[channel]);
-            }
-            for (std::size_t channel = 0; channel < m_channels; ++channel)
-                *result++ = sums[channel];
+        switch (m_channels) {
+        case 1:
+            return scaleChannels<1>(source, result);
+        case 2:
+            return scaleChannels<2>(source, result);
+        case 3:
+            return scaleChannels<3>(source, result);
+        default:
+            return scaleChannels<4>(source, result);
         }
     }
 
@@ -59,6 +58,21 @@ private:
         std::size_t source;
         float weight;
     };
+
+    template <std::size_t Channels> void scaleChannels(const std::uint8_t* source, float* result) const
+    {
+        const Tap* tap = m_taps.data();
+        for (const std::size_t end : m_ends) {
+            float sums[Channels] = {};
+            for (const Tap* last = m_taps.data() + end; tap != last; ++tap) {
+                const std::uint8_t* pixel = source + tap->source * Channels;
+                for (std::size_t channel = 0; channel < Channels; ++channel)
+                    sums[channel] += tap->weight * static_cast<float>(pixel[channel]);
+            }
+            for (const float sum : sums)
+                *result++ = sum;
+        }
+    }
 
     void addTap(std::int64_t source, int sourceWidth, double weight)
     {
