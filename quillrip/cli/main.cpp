@@ -1,6 +1,7 @@
 #include "quillrip/cli/command_line.h"
 #include "quillrip/cli/version.h"
 
+#include <csignal>
 #include <cstdio>
 
 namespace {
@@ -48,6 +49,8 @@ int exitCodeOf(ConversionStatus status)
 
 int main(int count, char** words)
 {
+    // A file that may not grow is a failed write like any other, and no reason to die without a word.
+    std::signal(SIGXFSZ, SIG_IGN);
     const cli::Request request = cli::parseCommandLine(std::vector<std::string>(words + (count > 0), words + count));
     if (const auto* error = std::get_if<cli::UsageError>(&request)) {
         std::fprintf(stderr, "quillrip: %s (quillrip --help tells more)\n", error->message.c_str());

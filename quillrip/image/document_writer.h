@@ -33,7 +33,8 @@ public:
     /// document's files is there and former files are as they were. A document without pages commits no file.
     [[nodiscard]] bool commit();
 
-    /// What went wrong, as a sentence without full stop that names the file where it matters; empty while all is well.
+    /// What went wrong, as a sentence without full stop; begins with the file's name when that is not the document's
+    /// own path. Empty while all is well.
     const std::string& reason() const;
 
     /// Pages that were taken in and, after commit(), are in the files.

@@ -41,30 +41,30 @@ std::unique_ptr<OutputFile> OutputFile::create(const std::string& target, std::s
     const std::string path = followLinks(target);
     struct stat status { };
     if (path.empty() || path.back() == '/') {
-        reason = "cannot write " + target + ": not a file name";
+        reason = "cannot be written: it is not the name of a file";
         return nullptr;
     }
     if (stat(path.c_str(), &status) == 0) {
         if (S_ISDIR(status.st_mode)) {
-            reason = "cannot write " + target + ": it is a folder";
+            reason = "cannot be written: it is a folder";
             return nullptr;
         }
         if (!S_ISREG(status.st_mode)) {
-            reason = "cannot write " + target + ": it is not a regular file";
+            reason = "cannot be written: it is not a regular file";
             return nullptr;
         }
         // Renaming over a write-protected file would succeed; whoever protected it meant something else.
         if (faccessat(AT_FDCWD, path.c_str(), W_OK, AT_EACCESS) != 0) {
-            reason = "cannot write " + target + ": " + messageOf(errno);
+            reason = "cannot be written: " + messageOf(errno);
             return nullptr;
         }
     } else if (errno != ENOENT) {
-        reason = "cannot write " + target + ": " + messageOf(errno);
+        reason = "cannot be written: " + messageOf(errno);
         return nullptr;
     }
     std::unique_ptr<OutputFile> file { new OutputFile(path, path.substr(0, path.find_last_of('/') + 1)) };
     if (!file->open(naming)) {
-        reason = "cannot write " + target + ": " + messageOf(errno);
+        reason = "cannot be written: " + messageOf(errno);
         return nullptr;
     }
     return file;
@@ -110,7 +110,7 @@ OutputFile::~OutputFile()
 bool OutputFile::fail(const char* what, int error)
 {
     if (m_reason.empty())
-        m_reason = std::string { what } + m_target + ": " + messageOf(error);
+        m_reason = what + messageOf(error);
     return false;
 }
 
@@ -161,7 +161,7 @@ bool OutputFile::writeAt(std::uint64_t offset, ByteView bytes)
         if (written < 0 && errno == EINTR)
             continue;
         if (written <= 0)
-            return fail("cannot write ", written < 0 ? errno : ENOSPC);
+            return fail("cannot be written: ", written < 0 ? errno : ENOSPC);
         offset += static_cast<std::uint64_t>(written);
         bytes = bytes.sub(static_cast<std::size_t>(written));
     }
@@ -178,7 +178,7 @@ bool OutputFile::readAt(std::uint64_t offset, std::uint8_t* bytes, std::size_t c
         if (got < 0 && errno == EINTR)
             continue;
         if (got <= 0)
-            return fail("cannot read back ", got < 0 ? errno : EIO);
+            return fail("cannot be read back: ", got < 0 ? errno : EIO);
         bytes += got;
         offset += static_cast<std::uint64_t>(got);
         count -= static_cast<std::size_t>(got);
@@ -200,32 +200,32 @@ bool OutputFile::publish()
     // Some network file systems tell only here that they had no room. An unnamed file has to stay open until it has
     // a name.
     if (!m_hidden.empty() && close(std::exchange(m_descriptor, -1)) != 0)
-        return fail("cannot write ", errno);
+        return fail("cannot be written: ", errno);
     // No file of that name: one step, and a crash at any moment leaves nothing else.
     if (linkTo(m_target)) {
         m_hidden.clear();
         return published();
     }
     if (errno != EEXIST && (m_hidden.empty() || errno != EINVAL))
-        return fail("cannot write ", errno);
+        return fail("cannot be written: ", errno);
     for (int attempt = 0; m_hidden.empty(); ++attempt) {
         const std::string name = hiddenName();
         if (linkTo(name))
             m_hidden = name;
         else if (errno != EEXIST || attempt == kNameAttempts)
-            return fail("cannot write ", errno);
+            return fail("cannot be written: ", errno);
     }
     // The exchange keeps the former file under the hidden name, so that it can be put back. It would take a folder
     // for a former file.
     struct stat status { };
     if (stat(m_target.c_str(), &status) == 0 && S_ISDIR(status.st_mode))
-        return fail("cannot write ", EISDIR);
+        return fail("cannot be written: ", EISDIR);
     if (renameat2(AT_FDCWD, m_hidden.c_str(), AT_FDCWD, m_target.c_str(), RENAME_EXCHANGE) == 0)
         return published();
     if (errno != EINVAL && errno != ENOSYS && errno != ENOENT)
-        return fail("cannot write ", errno);
+        return fail("cannot be written: ", errno);
     if (rename(m_hidden.c_str(), m_target.c_str()) != 0)
-        return fail("cannot write ", errno);
+        return fail("cannot be written: ", errno);
     m_hidden.clear();
     return published();
 }

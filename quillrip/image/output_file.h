@@ -21,7 +21,8 @@ public:
         Hidden, ///< for the systems that have no unnamed files, and to test what is done there
     };
 
-    /// Null, and a sentence in `reason`, when no regular file can be made or replaced under this name.
+    /// Null, and a sentence in `reason`, when no regular file can be made or replaced under this name. Reasons do not
+    /// say the name: "cannot be written: ...".
     static std::unique_ptr<OutputFile> create(
         const std::string& target, std::string& reason, Naming naming = Naming::Unnamed);
     /// Closes the file; removes it unless it was published.

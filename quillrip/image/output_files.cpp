@@ -10,29 +10,41 @@ constexpr std::size_t kCopyBytes = 256 * 1024;
 
 } // namespace
 
-bool OutputFiles::fail(const std::string& reason)
+bool OutputFiles::fail(const std::string& target, const std::string& reason)
 {
     if (m_reason.empty())
-        m_reason = reason;
+        m_reason = target == m_firstTarget ? reason : target + ": " + reason;
     return false;
+}
+
+std::unique_ptr<OutputFile> OutputFiles::create(const std::string& target)
+{
+    std::string reason;
+    auto file = OutputFile::create(target, reason, m_naming);
+    if (!file)
+        fail(target, reason);
+    return file;
 }
 
 bool OutputFiles::begin(const std::string& target)
 {
     if (!m_reason.empty())
         return false;
+    if (m_files.empty())
+        m_firstTarget = target;
     if (m_files.size() < m_openFiles) {
-        auto file = OutputFile::create(target, m_reason, m_naming);
+        auto file = create(target);
         if (!file)
             return false;
         // Fewer bytes wait in memory, and a full disk is noticed, before the next file begins.
         if (!m_files.empty() && !m_files.back()->flush())
-            return fail(m_files.back()->reason());
+            return fail(m_targets.back(), m_files.back()->reason());
         m_files.push_back(std::move(file));
+        m_targets.push_back(target);
         return true;
     }
     if (!m_gathering) {
-        m_gathering = OutputFile::create(target, m_reason, m_naming);
+        m_gathering = create(target);
         if (!m_gathering)
             return false;
     }
@@ -44,8 +56,9 @@ bool OutputFiles::append(ByteView bytes)
 {
     if (!m_reason.empty())
         return false;
-    OutputFile& file = m_gathered.empty() ? *m_files.back() : *m_gathering;
-    return file.append(bytes) || fail(file.reason());
+    if (m_gathered.empty())
+        return m_files.back()->append(bytes) || fail(m_targets.back(), m_files.back()->reason());
+    return m_gathering->append(bytes) || fail(m_gathered.back().target, m_gathering->reason());
 }
 
 bool OutputFiles::copyOut(std::size_t index)
@@ -53,23 +66,27 @@ bool OutputFiles::copyOut(std::size_t index)
     const Gathered& gathered = m_gathered[index];
     std::uint64_t offset = gathered.offset;
     const std::uint64_t end = index + 1 < m_gathered.size() ? m_gathered[index + 1].offset : m_gathering->size();
-    auto file = OutputFile::create(gathered.target, m_reason, m_naming);
+    auto file = create(gathered.target);
     if (!file)
         return false;
     std::vector<std::uint8_t> bytes(kCopyBytes);
     while (offset < end) {
         const auto count = static_cast<std::size_t>(std::min<std::uint64_t>(end - offset, bytes.size()));
         if (!m_gathering->readAt(offset, bytes.data(), count))
-            return fail(m_gathering->reason());
+            return fail(gathered.target, m_gathering->reason());
         if (!file->append({ bytes.data(), count }))
-            return fail(file->reason());
+            return fail(gathered.target, file->reason());
         offset += count;
     }
     m_files.push_back(std::move(file));
+    m_targets.push_back(gathered.target);
     return true;
 }
 
-bool OutputFiles::publish(std::size_t index) { return m_files[index]->publish() || fail(m_files[index]->reason()); }
+bool OutputFiles::publish(std::size_t index)
+{
+    return m_files[index]->publish() || fail(m_targets[index], m_files[index]->reason());
+}
 
 bool OutputFiles::commit()
 {
@@ -77,8 +94,9 @@ bool OutputFiles::commit()
         return false;
     std::size_t published = 0;
     // Everything is on disk before the first file appears, apart from what has to be copied out.
-    bool isGood = std::all_of(
-        m_files.begin(), m_files.end(), [this](const auto& file) { return file->flush() || fail(file->reason()); });
+    bool isGood = true;
+    for (std::size_t i = 0; isGood && i < m_files.size(); ++i)
+        isGood = m_files[i]->flush() || fail(m_targets[i], m_files[i]->reason());
     while (isGood && published < m_files.size()) {
         isGood = publish(published);
         published += isGood;

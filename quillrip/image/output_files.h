@@ -29,6 +29,7 @@ public:
 
     /// The file that was begun last, for formats that write out of order; only while no more than one was begun.
     OutputFile& file() { return *m_files.back(); }
+    /// Begins with the name of the file unless that is the first one.
     const std::string& reason() const { return m_reason; }
 
 private:
@@ -37,12 +38,15 @@ private:
         std::uint64_t offset;
     };
 
-    bool fail(const std::string& reason);
+    bool fail(const std::string& target, const std::string& reason);
+    std::unique_ptr<OutputFile> create(const std::string& target);
     bool publish(std::size_t index);
     bool copyOut(std::size_t index);
 
     std::size_t m_openFiles;
     OutputFile::Naming m_naming;
+    std::string m_firstTarget;
+    std::vector<std::string> m_targets; ///< of m_files
     std::vector<std::unique_ptr<OutputFile>> m_files;
     std::unique_ptr<OutputFile> m_gathering;
     std::vector<Gathered> m_gathered;

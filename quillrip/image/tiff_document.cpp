@@ -94,7 +94,7 @@ std::string TiffDocument::reason() const
 {
     if (!file().reason().empty())
         return file().reason();
-    return "cannot write " + m_options.path + ": " + (m_message.empty() ? "TIFF: not enough memory" : m_message);
+    return "cannot be written: " + (m_message.empty() ? "TIFF: not enough memory" : m_message);
 }
 
 std::string TiffDocument::encodeStrip(

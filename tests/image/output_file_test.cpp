@@ -198,6 +198,6 @@ TEST(OutputFile, NamesThatNoFileCanHaveAreRefused)
              scratch.path("device"), scratch.path("pipe"), std::string {}, scratch.path(std::string(300, 'n')) }) {
         std::string reason;
         EXPECT_FALSE(OutputFile::create(path, reason)) << path;
-        EXPECT_NE(reason.find("cannot write " + path), std::string::npos) << reason;
+        EXPECT_EQ(reason.find("cannot be written: "), 0u) << reason;
     }
 }
