@@ -5,6 +5,7 @@
 #include "quillrip/image/output_files.h"
 #include "quillrip/image/tiff_document.h"
 
+#include <new>
 #include <utility>
 
 namespace quillrip {
@@ -68,6 +69,12 @@ public:
         return true;
     }
 
+    bool failForMemory()
+    {
+        m_reason = "not enough memory";
+        return false;
+    }
+
     const std::string& reason() const { return m_reason; }
     int pageCount() const { return m_pageCount; }
 
@@ -129,8 +136,24 @@ DocumentWriter::DocumentWriter(std::unique_ptr<Implementation> implementation)
 
 DocumentWriter::~DocumentWriter() = default;
 
-bool DocumentWriter::addPage(PageBitmap&& page) { return m_implementation->addPage(std::move(page)); }
-bool DocumentWriter::commit() { return m_implementation->commit(); }
+bool DocumentWriter::addPage(PageBitmap&& page)
+{
+    try {
+        return m_implementation->addPage(std::move(page));
+    } catch (const std::bad_alloc&) {
+        return m_implementation->failForMemory();
+    }
+}
+
+bool DocumentWriter::commit()
+{
+    try {
+        return m_implementation->commit();
+    } catch (const std::bad_alloc&) {
+        return m_implementation->failForMemory();
+    }
+}
+
 const std::string& DocumentWriter::reason() const { return m_implementation->reason(); }
 int DocumentWriter::pageCount() const { return m_implementation->pageCount(); }
 

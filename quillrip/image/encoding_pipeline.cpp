@@ -14,6 +14,8 @@ constexpr std::size_t kBytesInWork = std::size_t { 256 } << 20;
 /// Pieces of a page that are encoded and wait for one before them, per thread.
 constexpr int kPiecesAhead = 4;
 
+constexpr const char* kOutOfMemory = "not enough memory to encode a page";
+
 std::size_t bytesOf(const PageBitmap& page) { return page.stride() * static_cast<std::size_t>(page.height()); }
 
 } // namespace
@@ -119,7 +121,7 @@ void EncodingPipeline::encodeOnePiece(std::unique_lock<std::mutex>& lock, Job& j
     try {
         reason = job.encoder->encode(number, piece);
     } catch (const std::bad_alloc&) {
-        reason = "not enough memory to encode a page";
+        reason = kOutOfMemory;
     }
     lock.lock();
     if (!reason.empty()) {
@@ -146,15 +148,21 @@ void EncodingPipeline::writeWhatIsDone(std::unique_lock<std::mutex>& lock)
         const bool isFirst = job.written == 0;
         const bool isLast = job.written == job.pieceCount - 1;
         lock.unlock();
-        bool isGood = (!isFirst || job.encoder->begin()) && job.encoder->write(piece);
-        if (isGood && isLast)
-            isGood = job.encoder->end();
+        bool isGood = false;
+        bool isOutOfMemory = false;
+        try {
+            isGood = (!isFirst || job.encoder->begin()) && job.encoder->write(piece) && (!isLast || job.encoder->end());
+        } catch (const std::bad_alloc&) {
+            isOutOfMemory = true;
+        }
         if (isLast)
             job.encoder.reset(); // frees the page
         lock.lock();
         ++job.written;
         job.slots.pop_front();
         m_hasFailed = m_hasFailed || !isGood;
+        if (isOutOfMemory)
+            m_reason = kOutOfMemory;
         if (isLast)
             m_jobs.pop_front();
         if (isLast || m_hasFailed)

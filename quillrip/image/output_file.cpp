@@ -17,7 +17,7 @@ namespace quillrip {
 
 namespace {
 
-constexpr std::size_t kGatherBytes = 256 * 1024;
+constexpr std::size_t kGatherBytes = std::size_t { 256 } << 10;
 constexpr int kNameAttempts = 100;
 
 std::string messageOf(int error) { return std::generic_category().message(error); }

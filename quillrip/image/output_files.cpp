@@ -6,7 +6,7 @@ namespace quillrip {
 
 namespace {
 
-constexpr std::size_t kCopyBytes = 256 * 1024;
+constexpr std::size_t kCopyBytes = std::size_t { 256 } << 10;
 
 } // namespace
 

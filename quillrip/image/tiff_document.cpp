@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdio>
+#include <new>
 
 namespace quillrip {
 
@@ -41,7 +42,7 @@ public:
         const std::uint32_t last = std::min(first + m_stripsPerPiece, m_layout.stripCount());
         for (std::uint32_t strip = first; strip < last; ++strip) {
             const std::size_t before = encoded.bytes.size();
-            const std::string reason = m_document.encodeStrip(page(), m_layout, strip, encoded.bytes);
+            std::string reason = m_document.encodeStrip(page(), m_layout, strip, encoded.bytes);
             if (!reason.empty())
                 return reason;
             encoded.partSizes.push_back(encoded.bytes.size() - before);
@@ -117,7 +118,7 @@ std::string TiffDocument::encodeStrip(
         }
     }
     std::vector<std::uint8_t> bytes;
-    const std::string reason = encodeTiffStrip(page, layout, strip, bytes);
+    std::string reason = encodeTiffStrip(page, layout, strip, bytes);
     if (reason.empty()) {
         out.insert(out.end(), bytes.begin(), bytes.end());
         const std::lock_guard<std::mutex> lock { m_blankStripsMutex };
@@ -198,8 +199,12 @@ tmsize_t TiffDocument::write(thandle_t client, void* data, tmsize_t count)
     auto& document = *static_cast<TiffDocument*>(client);
     const ByteView bytes { static_cast<const std::uint8_t*>(data), static_cast<std::size_t>(count) };
     OutputFile& file = document.file();
-    if (!(document.m_at == file.size() ? file.append(bytes) : file.writeAt(document.m_at, bytes)))
+    try {
+        if (!(document.m_at == file.size() ? file.append(bytes) : file.writeAt(document.m_at, bytes)))
+            return -1;
+    } catch (const std::bad_alloc&) { // must not cross the library
         return -1;
+    }
     document.m_at += bytes.size;
     return count;
 }
