@@ -122,10 +122,8 @@ void convertFiles(MainWindow& window)
 
 int main(int argc, char** argv)
 {
-    if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
-        qputenv("QT_QPA_PLATFORM", "offscreen");
+    const TestEnvironment environment;
     qputenv("QT_LOGGING_RULES", "default.debug=false");
-    QCoreApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
     QApplication application(argc, argv);
 
     RemoveSettings();

@@ -15,7 +15,7 @@ foreach(path IN ITEMS
     "${contents}/plugins/platforms/libqxcb.so"
     "${contents}/plugins/platforms/libqoffscreen.so"
     "${contents}/plugins/xcbglintegrations/libqxcb-glx-integration.so"
-    "${TARGET}/share/applications/prismo.desktop"
+    "${TARGET}/share/applications/Prismo.desktop"
     "${TARGET}/share/icons/hicolor/scalable/apps/prismo.svg"
     "${TARGET}/share/metainfo/example.prismo.Prismo.metainfo.xml"
     "${TARGET}/share/mime/packages/prismo.xml"
@@ -47,7 +47,7 @@ foreach(program IN ITEMS Prismo quillrip)
         message(SEND_ERROR "${program} searches its libraries in ${rpath}${runpath}")
     endif()
 endforeach()
-file(READ "${TARGET}/share/applications/prismo.desktop" entry)
+file(READ "${TARGET}/share/applications/Prismo.desktop" entry)
 if(NOT entry MATCHES "Exec=\"${contents}/MacOS/Prismo\"")
     message(SEND_ERROR "the desktop entry starts something else")
 endif()

@@ -76,4 +76,12 @@ void AddRows(MainWindow& window, const QStringList& paths)
         qFatal("the dialog for adding files did not open");
 }
 
+TestEnvironment::TestEnvironment()
+{
+    if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    qputenv("XDG_CONFIG_HOME", m_configuration.path().toLocal8Bit());
+    QCoreApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
+}
+
 } // namespace windowtest

@@ -7,6 +7,7 @@
 #include <QObject>
 #include <QString>
 #include <QStringList>
+#include <QTemporaryDir>
 #include <QTest>
 #include <QVariant>
 
@@ -61,15 +62,23 @@ void AddRows(MainWindow& window, const QStringList& paths);
 // Chooses these files or this folder in the file dialog, and accepts it.
 void ChooseInFileDialog(QWidget* fileDialog, const QStringList& paths);
 
+// Ready for the window's tests: a platform without a screen unless another is asked for, our own file dialogs, and
+// nothing read from or written to the user's configuration, where file dialogs keep what they showed last.
+class TestEnvironment {
+public:
+    TestEnvironment();
+
+private:
+    QTemporaryDir m_configuration;
+};
+
 } // namespace windowtest
 
-// QTEST_MAIN with the environment that every window test needs.
+// QTEST_MAIN in that environment.
 #define PRISMO_TEST_MAIN(TestClass)                                                                                    \
     int main(int argc, char** argv)                                                                                    \
     {                                                                                                                  \
-        if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))                                                             \
-            qputenv("QT_QPA_PLATFORM", "offscreen");                                                                   \
-        QCoreApplication::setAttribute(Qt::AA_DontUseNativeDialogs);                                                   \
+        const windowtest::TestEnvironment environment;                                                                 \
         QApplication application(argc, argv);                                                                          \
         TestClass test;                                                                                                \
         return QTest::qExec(&test, argc, argv);                                                                        \
