@@ -26,7 +26,7 @@ const Font& Machine::currentFont()
                 slot.selectedById.reset();
         }
         if (!slot.selectedById)
-            slot.font = selected(slot.request);
+            slot.font = m_fonts.select(slot.request, selectionContext());
         slot.isStale = false;
     }
     const Font& font = slot.font;
@@ -37,25 +37,6 @@ const Font& Machine::currentFont()
         m_state.columnWidth = std::llround(font.defaultHmiInches() * kUnitsPerInch);
     }
     return font;
-}
-
-// Text that goes to and fro between a few fonts selects each of them again and again.
-Font Machine::selected(const FontRequest& request)
-{
-    constexpr std::size_t kRemembered = 16;
-    const auto isSame = [&request](const FontRequest& other) {
-        return request.symbolSet == other.symbolSet && request.isProportional == other.isProportional
-            && request.pitch == other.pitch && request.height == other.height && request.style == other.style
-            && request.weight == other.weight && request.family == other.family;
-    };
-    for (const auto& [known, font] : m_selections) {
-        if (isSame(known))
-            return font;
-    }
-    if (m_selections.size() >= kRemembered)
-        m_selections.erase(m_selections.begin());
-    m_selections.emplace_back(request, m_fonts.select(request, selectionContext()));
-    return m_selections.back().second;
 }
 
 InternalUnits Machine::columnWidth()
@@ -72,7 +53,6 @@ void Machine::changed(FontSlot& slot)
 
 void Machine::softFontsChanged()
 {
-    m_selections.clear();
     for (FontSlot& slot : m_state.fonts) {
         if (slot.selectedById && !m_fonts.softFonts().find(*slot.selectedById))
             slot.selectedById.reset();

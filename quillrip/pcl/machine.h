@@ -149,7 +149,6 @@ private:
 
     // font_commands.cpp
     const Font& currentFont();
-    Font selected(const FontRequest& request);
     InternalUnits columnWidth();
     SelectionContext selectionContext() const;
     FontSlot& slotOf(const Command& command) { return m_state.fonts[command.prefix == ')' ? 1 : 0]; }
@@ -302,7 +301,6 @@ private:
 
     std::unique_ptr<RasterSession> m_raster;
     GlyphCache m_glyphs;
-    std::vector<std::pair<FontRequest, Font>> m_selections; ///< recent ones; good until fonts or orientation change
     std::unique_ptr<hpgl::Interpreter> m_plotter;
     bool m_isPlotting = false;
 

@@ -64,8 +64,13 @@ std::shared_ptr<const PatternTile> Machine::deviceTile(
     }
     // Resolution runs along page space's axes; a direction across them exchanges the two.
     const bool isAcross = direction & 1;
-    const double factorX = (isAcross ? resolution.y : resolution.x) / tileX;
-    const double factorY = (isAcross ? resolution.x : resolution.y) / tileY;
+    double factorX = (isAcross ? resolution.y : resolution.x) / tileX;
+    double factorY = (isAcross ? resolution.x : resolution.y) / tileY;
+    if (choice.kind != PatternKind::User) {
+        // Shades and hatches are even only in whole dots, and lose their lines when they shrink.
+        factorX = std::max(1.0, std::round(factorX));
+        factorY = std::max(1.0, std::round(factorY));
+    }
     if (factorX != 1 || factorY != 1) {
         const double pixels = tile.width * factorX * tile.height * factorY;
         if (pixels > static_cast<double>(m_limits.patternBytes))

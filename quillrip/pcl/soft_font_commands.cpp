@@ -40,7 +40,6 @@ void Machine::downloadCharacter(const Command& command)
         return;
     }
     font->addPclCharacter(m_state.characterCode, command.data, fontReporter());
-    m_selections.clear();
 }
 
 void Machine::controlFonts(const Command& command)

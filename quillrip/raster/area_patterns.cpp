@@ -45,9 +45,9 @@ bool hatchHasInk(int number, int column, int row)
 {
     switch (number) {
     case 1:
-        return row == 7 || row == 8;
+        return row == 3 || row == 4;
     case 2:
-        return column == 7 || column == 8;
+        return column == 3 || column == 4;
     case 3:
         return column == 15 - row || column == ((14 - row) & 15);
     case 4:

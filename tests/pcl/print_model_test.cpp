@@ -120,6 +120,20 @@ TEST(PclPrintModel, PatternsKeepTheirSizeAtOtherResolutions)
     EXPECT_EQ(print(job, fine).blackPixels(), 4 * print(job).blackPixels());
 }
 
+TEST(PclPrintModel, ShadesKeepTheirToneOnCoarseDevices)
+{
+    for (const double dotsPerInch : { 72.0, 100.0, 200.0 }) {
+        PrinterSettings coarse;
+        coarse.dotsPerInch = dotsPerInch;
+        for (int hatch = 1; hatch <= 6; ++hatch) {
+            const Printed printed = print(kStart + at(0, 0) + e("*c600a600b" + std::to_string(hatch) + "g3P"), coarse);
+            const double share = static_cast<double>(printed.blackPixels()) / (4 * dotsPerInch * dotsPerInch);
+            EXPECT_GT(share, 0.08) << hatch;
+            EXPECT_LT(share, 0.3) << hatch;
+        }
+    }
+}
+
 TEST(PclPrintModel, InvalidPatternsDrawNothing)
 {
     EXPECT_EQ(print(kStart + at(0, 0) + e("*c9a9b0g2P")).pages.size(), 0u);
