@@ -61,8 +61,9 @@ bool MainWindow::ExeCmd()
     // Neither parented nor deleted: this runs inside the finished signal of the process before it.
     m_process = new QProcess;
     m_process->setProcessChannelMode(QProcess::SeparateChannels);
-    // Nobody reads what a backend says, and thousands of them would fill the application's memory with it.
-    m_process->setStandardOutputFile(QProcess::nullDevice());
+    // Nobody reads what a backend says, and thousands of them would fill the application's memory with it. Messages go
+    // nowhere at once, so that a backend that outlives the application can still write them; standard output, which has
+    // to stay a channel for the process to be open for reading, is thrown away as it comes (see below).
     m_process->setStandardErrorFile(QProcess::nullDevice());
 
     const QString strBackendPath = BackendPath();
@@ -89,6 +90,7 @@ bool MainWindow::ExeCmd()
     if (m_iCurrentRow >= 0 && m_iCurrentRow < ui->tableWidget->rowCount() && m_bRunning) {
         ui->tableWidget->setSelectionBehavior(QAbstractItemView::SelectRows);
         StartCommandLine(*m_process, strCommandLine);
+        m_process->closeReadChannel(QProcess::StandardOutput);
         ui->progressBarA->setMaximum(iRowCount);
         ui->progressBarA->setValue(m_iCurrentRow + 1);
         ui->tableWidget->setCurrentCell(m_iCurrentRow, 1);
