@@ -186,6 +186,7 @@ InternalFace::Source InternalFace::searchFor(char32_t unicode) const
         { "DejaVuSans", 0 },
         { "LiberationSans-Regular", 0 },
         { "Symbola_hint", 0 },
+        { "Waree", 0 },
     };
     for (const Helper& helper : helpers) {
         if (!helper.stem || (m_spec.boundSet == kWingdings && helper.ownSet == kSymbol))

@@ -23,6 +23,7 @@ set(staged_fonts_liberation2
 )
 set(staged_fonts_dejavu-core DejaVuSans DejaVuSansMono)
 set(staged_fonts_symbola Symbola_hint)
+set(staged_fonts_tlwg-waree-ttf Waree)
 
 # First match wins.
 set(font_folders
@@ -31,12 +32,13 @@ set(font_folders
     /usr/share/fonts/truetype/liberation
     /usr/share/fonts/truetype/dejavu
     /usr/share/fonts/truetype/ancient-scripts
+    /usr/share/fonts/truetype/tlwg
 )
 
 set(staged_font_sources)
 set(staged_font_copies)
 set(missing_packages)
-foreach(package urw-base35 liberation2 dejavu-core symbola)
+foreach(package urw-base35 liberation2 dejavu-core symbola tlwg-waree-ttf)
     foreach(stem IN LISTS staged_fonts_${package})
         set(source "")
         foreach(folder IN LISTS font_folders)
@@ -67,7 +69,7 @@ foreach(source IN LISTS staged_font_sources)
     install(FILES "${source}" DESTINATION fonts)
 endforeach()
 
-foreach(package urw-base35 liberation2 dejavu-core symbola)
+foreach(package urw-base35 liberation2 dejavu-core symbola tlwg-waree-ttf)
     set(licence "/usr/share/doc/fonts-${package}/copyright")
     if(EXISTS "${licence}")
         set(copy "${PRISMO_DIST_DIR}/fonts/licences/fonts-${package}.txt")

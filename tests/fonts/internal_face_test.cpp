@@ -157,6 +157,26 @@ TEST(InternalFace, EveryFaceHasAShapeForEveryCharacterOfTheCommonSets)
     EXPECT_TRUE(reports.all.empty()) << "install the font packages: " << reports.all[0].message;
 }
 
+TEST(InternalFace, EverySymbolSetPrintsWhole)
+{
+    const FontLibrary library;
+    for (const SymbolSet* set : builtInSymbolSets()) {
+        if (set->number() == kUnicodeSymbolSet)
+            continue;
+        FontRequest request;
+        request.symbolSet = set->number();
+        request.isProportional = true;
+        request.family = 4101;
+        const Font font = library.select(request, {});
+        for (unsigned code = 1; code < 256; ++code) {
+            if (set->unicode(code) != 0) {
+                EXPECT_NE(font.find(code).glyph, kNoGlyph)
+                    << set->designator() << ' ' << std::hex << code << " U+" << set->unicode(code);
+            }
+        }
+    }
+}
+
 TEST(InternalFace, BoundFacesPrintAllOfTheirSets)
 {
     const FontLibrary library;
