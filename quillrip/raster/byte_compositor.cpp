@@ -134,6 +134,10 @@ void ByteCompositor<Channels>::coverageRun(
         const unsigned share = coverage[i];
         if (share == 0)
             continue;
+        if (share == 255) {
+            std::memcpy(at, m_storedInk.data(), Channels);
+            continue;
+        }
         for (std::size_t channel = 0; channel < Channels; ++channel)
             at[channel] = mixed(at[channel], m_storedInk[channel], share);
     }

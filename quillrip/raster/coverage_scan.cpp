@@ -4,15 +4,38 @@
 #include "quillrip/raster/sort_nearly.h"
 
 #include <algorithm>
-#include <bitset>
+#include <array>
 
 namespace quillrip {
 
 namespace {
 
 /// With more vertices in a row than this, the row is sampled on lines.
-constexpr std::size_t kMostCuts = 48;
+constexpr int kMostCuts = 48;
 constexpr std::int32_t kSampleHeight = 16;
+
+/// Heights within a row, in 1/256 pixels, where it is cut.
+class Cuts {
+public:
+    void add(std::int32_t at) { m_bits[static_cast<std::size_t>(at) / 64] |= std::uint64_t { 1 } << (at % 64); }
+    int count() const
+    {
+        int count = 0;
+        for (const std::uint64_t bits : m_bits)
+            count += __builtin_popcountll(bits);
+        return count;
+    }
+    template <typename Visit> void each(Visit visit) const
+    {
+        for (std::size_t group = 0; group < m_bits.size(); ++group) {
+            for (std::uint64_t bits = m_bits[group]; bits != 0; bits &= bits - 1)
+                visit(static_cast<std::int32_t>(group * 64) + __builtin_ctzll(bits));
+        }
+    }
+
+private:
+    std::array<std::uint64_t, kSubpixels / 64> m_bits {};
+};
 
 /// An edge between two cuts: where it is at the upper and the lower one.
 struct Side {
@@ -88,24 +111,24 @@ private:
     void scanRow(std::int32_t top)
     {
         const std::int32_t bottom = top + kSubpixels;
-        std::bitset<kSubpixels> cuts;
+        Cuts cuts;
         for (const Side& side : m_active) {
             if (side.edge->top > top)
-                cuts.set(static_cast<std::size_t>(side.edge->top - top));
+                cuts.add(side.edge->top - top);
             if (side.edge->bottom < bottom)
-                cuts.set(static_cast<std::size_t>(side.edge->bottom - top));
+                cuts.add(side.edge->bottom - top);
         }
-        if (cuts.none())
+        const int count = cuts.count();
+        if (count == 0)
             return addStrip(m_active, top, bottom);
-        if (cuts.count() > kMostCuts)
+        if (count > kMostCuts)
             return sampleRow(top);
         std::int32_t from = top;
-        for (std::int32_t to = top + 1; to <= bottom; ++to) {
-            if (to == bottom || cuts.test(static_cast<std::size_t>(to - top))) {
-                addPartialStrip(from, to);
-                from = to;
-            }
-        }
+        cuts.each([&](std::int32_t cut) {
+            addPartialStrip(from, top + cut);
+            from = top + cut;
+        });
+        addPartialStrip(from, bottom);
     }
 
     void addPartialStrip(std::int32_t top, std::int32_t bottom)
