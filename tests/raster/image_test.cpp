@@ -54,6 +54,169 @@ TEST(MonoImage, MirrorsAndQuarterTurnsAreExact)
     EXPECT_EQ(monoImage(kSmall, { 0, -1, 1, 0, 0, 3 }, 3, 3), "..#\n#..\n###\n");
 }
 
+TEST(MonoImage, FractionalScaleStartsBlocksAtRoundedPositions)
+{
+    // Columns begin at round(0), round(1.5), round(3), round(4.5).
+    EXPECT_EQ(monoImage({ "#.#" }, { 1.5, 0, 0, 1, 0, 0 }, 6, 1), "##.##.\n");
+    EXPECT_EQ(monoImage({ ".#." }, { 1.5, 0, 0, 1, 0, 0 }, 6, 1), "..#...\n");
+}
+
+TEST(MonoImage, CutByThePageOnAllSides)
+{
+    EXPECT_EQ(monoImage({ "####", "#..#", "#..#", "####" }, { 1, 0, 0, 1, -1, -1 }, 2, 2), "..\n..\n");
+    EXPECT_EQ(monoImage({ "####", "#..#", "#..#", "####" }, { 2, 0, 0, 2, -5, -5 }, 4, 4), ".##.\n###.\n###.\n....\n");
+}
+
+TEST(MonoImage, OpaqueSourceWhitensItsBoxAndTransparentDoesNot)
+{
+    for (const bool isTransparent : { true, false }) {
+        PageBitmap page(PixelFormat::Bilevel, 6, 3, {});
+        Painter painter(page);
+        painter.fillRect(page.bounds(), {});
+        ImageGeometry geometry;
+        geometry.width = 4;
+        geometry.imageToDevice = Matrix::translation(1, 0);
+        PaintState state;
+        state.sourceTransparent = isTransparent;
+        const auto image = painter.beginImage(geometry, state);
+        const std::uint8_t row = 0x50;
+        image->row(&row);
+        image->blankRows(1);
+        image->finish();
+        EXPECT_EQ(textArt(page), isTransparent ? "######\n######\n######\n" : "#.#.##\n#....#\n######\n");
+    }
+}
+
+TEST(MonoImage, RowsBeyondTheHeightAreIgnoredAndMissingOnesLeaveThePage)
+{
+    PageBitmap page(PixelFormat::Bilevel, 8, 4, {});
+    Painter painter(page);
+    ImageGeometry geometry;
+    geometry.width = 8;
+    geometry.height = 2;
+    const std::uint8_t row = 0xFF;
+    const auto image = painter.beginImage(geometry, {});
+    for (int i = 0; i < 5; ++i)
+        image->row(&row);
+    image->finish();
+    EXPECT_EQ(textArt(page), "########\n########\n........\n........\n");
+}
+
+TEST(MonoImage, AnyAngleCoversTheTurnedShape)
+{
+    // A black square turned by 45 degrees about the page's middle is a diamond.
+    const double s = std::sqrt(0.5);
+    const Matrix turned = Matrix::translation(-2, -2) * Matrix { s, s, -s, s, 0, 0 } * Matrix::translation(4, 4);
+    EXPECT_EQ(monoImage({ "####", "####", "####", "####" }, turned, 8, 8),
+        "........\n"
+        "........\n"
+        "...##...\n"
+        "..####..\n"
+        "..####..\n"
+        "...##...\n"
+        "........\n"
+        "........\n");
+}
+
+TEST(MonoImage, ImageOutsideThePageIsNone) { EXPECT_EQ(monoImage(kSmall, { 1, 0, 0, 1, 50, 0 }, 6, 5), "nothing"); }
+
+namespace {
+
+/// Grey rows to the ink of a grey page.
+std::vector<std::vector<int>> grayImage(const std::vector<std::vector<std::uint8_t>>& rows, const Matrix& matrix,
+    bool smooth, int width, int height, bool isSourceTransparent = false)
+{
+    PageBitmap page(PixelFormat::Gray8, width, height, {});
+    Painter painter(page);
+    ImageGeometry geometry;
+    geometry.format = ImageFormat::Gray8;
+    geometry.width = static_cast<int>(rows[0].size());
+    geometry.imageToDevice = matrix;
+    geometry.smooth = smooth;
+    PaintState state;
+    state.sourceTransparent = isSourceTransparent;
+    const auto image = painter.beginImage(geometry, state);
+    for (const auto& row : rows)
+        image->row(row.data());
+    image->finish();
+    std::vector<std::vector<int>> result;
+    for (int y = 0; y < height; ++y)
+        result.emplace_back(page.row(y), page.row(y) + width);
+    return result;
+}
+
+} // namespace
+
+TEST(GrayImage, ShrinkingAveragesOverTheArea)
+{
+    using Rows = std::vector<std::vector<int>>;
+    EXPECT_EQ(grayImage({ { 255, 155, 0, 0 }, { 255, 155, 0, 0 } }, Matrix::scaling(0.5, 0.5), false, 2, 1),
+        (Rows { { 50, 255 } }));
+    // Three pixels on two: the middle one is shared.
+    EXPECT_EQ(grayImage({ { 255, 105, 0 } }, Matrix::scaling(2.0 / 3, 1), false, 2, 1), (Rows { { 50, 220 } }));
+}
+
+TEST(GrayImage, WholeScaleMakesBlocksEvenWhenSmooth)
+{
+    using Rows = std::vector<std::vector<int>>;
+    EXPECT_EQ(grayImage({ { 200, 100 } }, Matrix::scaling(2, 2), true, 4, 2),
+        (Rows { { 55, 55, 155, 155 }, { 55, 55, 155, 155 } }));
+}
+
+TEST(GrayImage, SmoothEnlargingMixesNeighbours)
+{
+    const auto rows = grayImage({ { 255, 5 }, { 255, 5 } }, Matrix::scaling(2.5, 2.5), true, 5, 5);
+    EXPECT_EQ(rows[0], (std::vector<int> { 0, 25, 125, 225, 250 }));
+    EXPECT_EQ(rows[4], rows[0]);
+}
+
+TEST(GrayImage, TransparentWhiteLeavesItsShareOfThePage)
+{
+    PageBitmap page(PixelFormat::Gray8, 1, 1, {});
+    Painter painter(page);
+    painter.fillRect(page.bounds(), {});
+    ImageGeometry geometry;
+    geometry.format = ImageFormat::Gray8;
+    geometry.width = 2;
+    geometry.imageToDevice = Matrix::scaling(0.5, 1);
+    const auto image = painter.beginImage(geometry, {});
+    const std::uint8_t row[2] = { 255, 155 };
+    image->row(row);
+    image->finish();
+    // Half the page's black stays, half becomes the source's 100.
+    EXPECT_NEAR(page.row(0)[0], (255 + 100) / 2, 1);
+}
+
+TEST(MonoImage, ShrinkingOnGreyIsCoverage)
+{
+    PageBitmap page(PixelFormat::Gray8, 2, 1, {});
+    Painter painter(page);
+    ImageGeometry geometry;
+    geometry.width = 8;
+    geometry.imageToDevice = Matrix::scaling(0.25, 1);
+    const auto image = painter.beginImage(geometry, {});
+    const std::uint8_t row = 0x8E;
+    image->row(&row);
+    image->finish();
+    EXPECT_EQ(page.row(0)[0], 64);
+    EXPECT_EQ(page.row(0)[1], 191);
+}
+
+TEST(ColourImage, TonesOnBilevelHaveTheirShareOfDots)
+{
+    PageBitmap page(PixelFormat::Bilevel, 64, 64, {});
+    Painter painter(page);
+    ImageGeometry geometry;
+    geometry.format = ImageFormat::Gray8;
+    geometry.width = 64;
+    const auto image = painter.beginImage(geometry, {});
+    const std::vector<std::uint8_t> row(64, 192);
+    for (int y = 0; y < 64; ++y)
+        image->row(row.data());
+    image->finish();
+    EXPECT_NEAR(static_cast<double>(test::blackPixelCount(page)), 64 * 64 * 63 / 255.0, 17);
+}
+
 TEST(MonoImage, ShrinkingKeepsThinLines)
 {
     EXPECT_EQ(

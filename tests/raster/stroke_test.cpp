@@ -118,3 +118,99 @@ TEST(Stroke, DashesStartAtTheirOffset)
     style.dashOffset = 1;
     EXPECT_EQ(stroked(polyline({ { 0, 0 }, { 12, 0 } }), 12, 1, style), "##..###..###\n");
 }
+
+TEST(Stroke, PenIsStretchedWithTheMatrix)
+{
+    // Twice as wide across as down: a level line is 2 high, an upright one 4 wide.
+    const Matrix stretched = Matrix::scaling(2, 1);
+    EXPECT_EQ(stroked(polyline({ { 1, 2 }, { 4, 2 } }), 10, 4, pen(2), stretched),
+        "..........\n"
+        "..######..\n"
+        "..######..\n"
+        "..........\n");
+    EXPECT_EQ(stroked(polyline({ { 2, 1 }, { 2, 3 } }), 8, 4, pen(2), stretched),
+        "........\n"
+        "..####..\n"
+        "..####..\n"
+        "........\n");
+}
+
+TEST(Stroke, FlattenedPenStaysAPixelThick)
+{
+    // The matrix has no inverse: the plane is pressed on a level line.
+    EXPECT_EQ(stroked(polyline({ { 1, 0 }, { 5, 7 } }), 7, 3, pen(4), { 1, 0, 0, 0, 0, 1.5 }),
+        ".......\n"
+        ".####..\n"
+        ".......\n");
+}
+
+TEST(Stroke, ClippedMiterEndsAtItsLimit)
+{
+    // A sharp corner to the right: uncut, its tip would be some 14 pixels out.
+    const Path corner = polyline({ { 0, 4 }, { 20, 6 }, { 0, 8 } });
+    StrokeStyle style = pen(2, LineCap::Butt, LineJoin::MiterClipped);
+    style.miterLimit = 4;
+    const auto rightmost = [&](const StrokeStyle& s) {
+        PageBitmap page(PixelFormat::Bilevel, 40, 12, {});
+        Painter(page).strokePath(corner, {}, s, {});
+        int right = 0;
+        for (int y = 0; y < page.height(); ++y)
+            right = std::max(right, page.extent(y).right);
+        return right;
+    };
+    EXPECT_EQ(rightmost(style), 24);
+    style.join = LineJoin::Miter;
+    EXPECT_LE(rightmost(style), 21);
+    style.miterLimit = 20;
+    EXPECT_GT(rightmost(style), 28);
+}
+
+TEST(Stroke, RulesInGreyAreCrispOnOneSideAndKeepTheirWidth)
+{
+    PageBitmap page(PixelFormat::Gray8, 4, 6, {});
+    Painter(page).strokePath(polyline({ { 0, 2.8 }, { 4, 2.8 } }), {}, pen(2.5), {});
+    const int expected[] = { 0, 0, 255, 255, 128, 0 };
+    for (int y = 0; y < 6; ++y)
+        EXPECT_EQ(page.row(y)[2], expected[y]) << y;
+}
+
+TEST(Stroke, ThinRuleInGreyIsOneFullPixel)
+{
+    PageBitmap page(PixelFormat::Gray8, 4, 4, {});
+    Painter(page).strokePath(polyline({ { 0, 1.9 }, { 4, 1.9 } }), {}, pen(0.1), {});
+    EXPECT_EQ(page.row(0)[2], 0);
+    EXPECT_EQ(page.row(1)[2], 255);
+    EXPECT_EQ(page.row(2)[2], 0);
+}
+
+TEST(Stroke, SeamlessWherePiecesMeetInGrey)
+{
+    PageBitmap page(PixelFormat::Gray8, 30, 30, {});
+    Path path;
+    path.arc({ 15, 15 }, 10, 10, 0, 7, true);
+    path.close();
+    Painter(page).strokePath(path, {}, pen(4), {});
+    for (int degree = 0; degree < 360; ++degree) {
+        const double angle = degree * 3.14159265 / 180;
+        EXPECT_EQ(
+            page.row(static_cast<int>(15 + 10 * std::sin(angle)))[static_cast<int>(15 + 10 * std::cos(angle))], 255);
+    }
+}
+
+TEST(Stroke, DashThroughTheStartOfAClosedLineIsOne)
+{
+    StrokeStyle style = pen(2, LineCap::Butt, LineJoin::Miter);
+    style.dashes = { 4, 4 };
+    style.dashOffset = 2;
+    Path path;
+    path.rectangle(1, 1, 9, 9);
+    // Two of the first dash lie before the start, two after: the corner is joined, not notched.
+    EXPECT_EQ(stroked(path, 3, 3, style), "###\n###\n##.\n");
+}
+
+TEST(Stroke, DashesThatNobodyCouldSeeAreSolid)
+{
+    StrokeStyle style = pen(1);
+    style.dashes = { 1e-6, 1e-6 };
+    EXPECT_EQ(stroked(polyline({ { 0, 0 }, { 5, 0 } }), 5, 1, style), "#####\n");
+}
