@@ -4,6 +4,13 @@
 
 namespace quillrip::pcl {
 
+namespace {
+
+/// Resolutions that only the 180 dpi colour ink-jets have.
+bool isInkjetResolution(double resolution) { return resolution == 90 || resolution == 180; }
+
+} // namespace
+
 Rgb Machine::shown(Rgb color) const
 {
     if (!m_state.isMonochrome)
@@ -40,6 +47,13 @@ void Machine::setColorComponent(const Command& command)
 void Machine::assignColor(const Command& command)
 {
     const int index = command.value.integer();
+    if (index >= 0 && static_cast<std::size_t>(index) < m_state.palettes.active().size()
+        && isInkjetResolution(m_state.raster.resolution) && m_state.palettes.active().isFixed()) {
+        // The colour ink-jets of 180 dpi let the palette of their three planes be programmed.
+        m_state.palettes.edit().setReflectance(static_cast<std::size_t>(index), m_state.colorComponents);
+        m_state.colorComponents = { 0, 0, 0 };
+        return;
+    }
     const Palette& active = m_state.palettes.active();
     if (index >= 0 && static_cast<std::size_t>(index) < active.size() && !active.isFixed())
         m_state.palettes.edit().setComponents(static_cast<std::size_t>(index), m_state.colorComponents);

@@ -139,6 +139,20 @@ void Palette::setComponents(std::size_t index, const Components& components)
         m_colors[index] = m_model.toRgb(lookedUp(components));
 }
 
+void Palette::setReflectance(std::size_t index, const Components& percent)
+{
+    if (index >= m_colors.size())
+        return;
+    // What paper and black ink reflect of each primary, in percent.
+    constexpr std::array<double, 3> kPaper { 90, 88, 85 };
+    constexpr std::array<double, 3> kBlackInk { 4, 4, 6 };
+    const auto primary = [&](std::size_t i) {
+        const double light = (percent[i] - kBlackInk[i]) / (kPaper[i] - kBlackInk[i]);
+        return static_cast<std::uint8_t>(std::lround(std::clamp(light, 0.0, 1.0) * 255));
+    };
+    m_colors[index] = { primary(0), primary(1), primary(2) };
+}
+
 void Palette::setColor(std::size_t index, Rgb color)
 {
     if (!m_isFixed && index < m_colors.size())

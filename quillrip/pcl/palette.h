@@ -117,6 +117,8 @@ public:
     /// Ignored beyond the size and for fixed palettes.
     void setComponents(std::size_t index, const Components& components);
     void setColor(std::size_t index, Rgb color);
+    /// Colour of an entry as 180 dpi colour ink-jets take it, in percent of reflected light: also for fixed palettes.
+    void setReflectance(std::size_t index, const Components& percent);
     void resize(std::size_t size);
 
     void setGamma(double gamma);

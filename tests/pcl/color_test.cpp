@@ -112,6 +112,14 @@ TEST(PclColor, FixedPalettesCannotBeChanged)
     EXPECT_EQ(printColor(kStart + e("*r3U") + e("*v9a9b9c1I") + e("*v1S") + at(0, 0) + kBox).color(75, 0), kRed);
 }
 
+TEST(PclColor, ColourInkjetsOf180DpiProgramTheirThreePlanesInPercentOfReflectedLight)
+{
+    const Printed printed = printColor(kStart + e("*t180R") + e("*r3U") + e("*v90a88b85c0I") + e("*v4a4b6c1I")
+        + e("*v90a4b6c2I") + e("*v1S") + at(0, 0) + kBox + e("*v2S") + at(20, 0) + kBox);
+    EXPECT_EQ(printed.color(75, 0), kBlack);
+    EXPECT_EQ(printed.color(95, 0), kRed);
+}
+
 TEST(PclColor, PalettesArePushedStoredAndSelected)
 {
     const std::string setup = cid(0, 1, 2) + e("*v200a0b0c1I");
