@@ -1,5 +1,6 @@
 #include "quillrip/image/tiff_strip.h"
 
+#include "quillrip/image/group4_encoder.h"
 #include "quillrip/image/light_rows.h"
 
 #include <algorithm>
@@ -86,6 +87,13 @@ std::string encodeTiffStrip(
 {
     const auto top = static_cast<int>(strip * layout.rowsPerStrip);
     const std::uint32_t rows = std::min(layout.rowsPerStrip, layout.height - strip * layout.rowsPerStrip);
+
+    // The library's coder looks at every pixel; most of a page is white.
+    if (layout.compression == COMPRESSION_CCITTFAX4 && layout.width == static_cast<std::uint32_t>(page.width())
+        && layout.fillOrder == FILLORDER_MSB2LSB) {
+        encodeGroup4(page, top, static_cast<int>(rows), out);
+        return {};
+    }
 
     std::vector<std::uint8_t> plain;
     if (!layout.isCcitt()) {
