@@ -103,17 +103,18 @@ public:
         const int bottom = m_bandTops[static_cast<std::size_t>(piece) + 1];
         encoded.checksum = static_cast<std::uint32_t>(adler32_z(0, nullptr, 0));
         for (int y = top; y < bottom;) {
-            const std::size_t whiteRows = whiteRunAt(y, bottom);
-            if (whiteRows > 0 && m_whiteRows->isReady()) {
+            const int whiteRows = repeatedWhiteRows(y, bottom);
+            if (isJoined(whiteRows) && m_whiteRows->isReady()) {
                 deflater.add(nullptr, 0, Z_FULL_FLUSH);
-                m_whiteRows->join(whiteRows, deflater, encoded.checksum);
-                y += static_cast<int>(whiteRows);
+                m_whiteRows->join(static_cast<std::size_t>(whiteRows), deflater, encoded.checksum);
+                y += whiteRows;
                 continue;
             }
-            const std::uint8_t* row = filter.filtered(y, method.filter);
-            encoded.checksum = static_cast<std::uint32_t>(adler32_z(encoded.checksum, row, m_rowBytes));
-            deflater.add(row, m_rowBytes, Z_NO_FLUSH);
-            ++y;
+            for (const int end = y + std::max(whiteRows, 1); y < end; ++y) {
+                const std::uint8_t* row = filter.filtered(y, method.filter);
+                encoded.checksum = static_cast<std::uint32_t>(adler32_z(encoded.checksum, row, m_rowBytes));
+                deflater.add(row, m_rowBytes, Z_NO_FLUSH);
+            }
         }
         encoded.plainSize = m_rowBytes * static_cast<std::size_t>(bottom - top);
         deflater.add(nullptr, 0, bottom == page().height() ? Z_FINISH : Z_FULL_FLUSH);
@@ -139,16 +140,16 @@ public:
     }
 
 private:
-    /// The repeated white rows from y on, when they are so many that they are joined from what is compressed already;
-    /// else 0.
-    std::size_t whiteRunAt(int y, int bottom) const
+    int repeatedWhiteRows(int y, int bottom) const
     {
         const int first = y;
         while (y < bottom && PngRowFilter::isRepeatedWhite(page(), y))
             ++y;
-        const auto rows = static_cast<std::size_t>(y - first);
-        return WhiteRows::isWorthwhile(rows, m_rowBytes) ? rows : 0;
+        return y - first;
     }
+
+    /// Whether so many white rows are joined from what is compressed already.
+    bool isJoined(int rows) const { return WhiteRows::isWorthwhile(static_cast<std::size_t>(rows), m_rowBytes); }
 
     /// Bands hold about the same number of bytes that have to be compressed. Returns the longest run of white rows
     /// that have not.
@@ -162,10 +163,14 @@ private:
                 m_bandTops.push_back(y);
                 bytes = 0;
             }
-            const std::size_t whiteRows = whiteRunAt(y, page().height());
-            longestRun = std::max(longestRun, whiteRows);
-            bytes += whiteRows > 0 ? 0 : m_rowBytes;
-            y += whiteRows > 0 ? static_cast<int>(whiteRows) : 1;
+            // A run of white rows stays in one band, short or long.
+            const int whiteRows = repeatedWhiteRows(y, page().height());
+            const auto rows = static_cast<std::size_t>(std::max(whiteRows, 1));
+            if (isJoined(whiteRows))
+                longestRun = std::max(longestRun, rows);
+            else
+                bytes += rows * m_rowBytes;
+            y += static_cast<int>(rows);
         }
         m_bandTops.push_back(page().height());
         return longestRun;

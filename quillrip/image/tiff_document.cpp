@@ -63,7 +63,7 @@ public:
         return true;
     }
 
-    bool end() override { return m_document.endPage(m_layout); }
+    bool end() override { return m_document.endPage(); }
 
 private:
     TiffDocument& m_document;
@@ -138,7 +138,7 @@ bool TiffDocument::writeStrip(std::uint32_t strip, ByteView bytes)
         >= 0;
 }
 
-bool TiffDocument::endPage(const TiffLayout&)
+bool TiffDocument::endPage()
 {
     // Both are filled in when the number of pages is known.
     const bool isGood = TIFFSetField(m_tiff.get(), TIFFTAG_SUBFILETYPE, FILETYPE_PAGE) == 1

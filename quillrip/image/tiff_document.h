@@ -38,7 +38,7 @@ private:
     friend class Encoder;
 
     bool writeStrip(std::uint32_t strip, ByteView bytes);
-    bool endPage(const TiffLayout& layout);
+    bool endPage();
     bool fillInPageCount();
     std::string encodeStrip(
         const PageBitmap& page, const TiffLayout& layout, std::uint32_t strip, std::vector<std::uint8_t>& out);
