@@ -40,6 +40,8 @@ public:
     {
         const std::uint32_t first = static_cast<std::uint32_t>(piece) * m_stripsPerPiece;
         const std::uint32_t last = std::min(first + m_stripsPerPiece, m_layout.stripCount());
+        if (m_layout.compression == COMPRESSION_NONE)
+            encoded.bytes.reserve(std::size_t { last - first } * m_layout.rowsPerStrip * m_layout.rowBytes());
         for (std::uint32_t strip = first; strip < last; ++strip) {
             const std::size_t before = encoded.bytes.size();
             std::string reason = m_document.encodeStrip(page(), m_layout, strip, encoded.bytes);

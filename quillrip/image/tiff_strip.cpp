@@ -97,13 +97,15 @@ std::string encodeTiffStrip(
 
     std::vector<std::uint8_t> plain;
     if (!layout.isCcitt()) {
-        plain.resize(layout.rowBytes() * rows);
+        // Rows that are not compressed go where they belong at once: copying them costs more than drawing most pages.
+        const bool isPlain = layout.compression == COMPRESSION_NONE;
+        std::vector<std::uint8_t>& rowsOut = isPlain ? out : plain;
+        const std::size_t start = rowsOut.size();
+        rowsOut.resize(start + layout.rowBytes() * rows);
         for (std::uint32_t i = 0; i < rows; ++i)
-            fillRow(page, layout, top + static_cast<int>(i), &plain[i * layout.rowBytes()]);
-        if (layout.compression == COMPRESSION_NONE) {
-            out.insert(out.end(), plain.begin(), plain.end());
+            fillRow(page, layout, top + static_cast<int>(i), &rowsOut[start + i * layout.rowBytes()]);
+        if (isPlain)
             return {};
-        }
     }
 
     MemoryFile file;
