@@ -235,17 +235,18 @@ TEST(BoxDrawing, CornersTurnAndDoublesStayApart)
 {
     const auto draw = [](char32_t unicode) {
         Path path;
-        boxDrawing(unicode, { 0, 0, 16, 16 }, 2, path);
+        boxDrawing(unicode, { 0, 0, 12, 12 }, 2, path);
         std::string text;
-        for (int y = 15; y >= 0; y -= 2) {
-            for (int x = 1; x < 16; x += 2) {
+        for (double y = 11.5; y > 0; --y) {
+            for (double x = 0.5; x < 12; ++x) {
                 bool isInk = false;
+                // Rules are rectangles, four points each.
                 for (std::size_t i = 0; i + 3 < path.pointCount(); i += 4) {
-                    const Point a = path.points()[i];
-                    const Point b = path.points()[i + 2];
+                    const Point p = path.points()[i];
+                    const Point q = path.points()[i + 2];
                     isInk = isInk
-                        || (x > std::min(a.x, b.x) && x < std::max(a.x, b.x) && y > std::min(a.y, b.y)
-                            && y < std::max(a.y, b.y));
+                        || (x > std::min(p.x, q.x) && x < std::max(p.x, q.x) && y > std::min(p.y, q.y)
+                            && y < std::max(p.y, q.y));
                 }
                 text += isInk ? '#' : '.';
             }
@@ -255,11 +256,32 @@ TEST(BoxDrawing, CornersTurnAndDoublesStayApart)
     };
     EXPECT_TRUE(isBoxDrawing(0x2554));
     EXPECT_FALSE(isBoxDrawing('A'));
-    // Two rules run from the corner to the right and down, the outer one around the inner.
-    EXPECT_EQ(draw(0x2588), "########\n########\n########\n########\n########\n########\n########\n########\n");
-    const std::string corner = draw(0x2554);
-    EXPECT_EQ(corner.substr(0, 9), "........\n");
-    EXPECT_NE(corner.find('#'), std::string::npos);
+    EXPECT_EQ(draw(0x2554),
+        "............\n"
+        "............\n"
+        "............\n"
+        "...#########\n"
+        "...#........\n"
+        "...#........\n"
+        "...#........\n"
+        "...#........\n"
+        "...#....####\n"
+        "...#....#...\n"
+        "...#....#...\n"
+        "...#....#...\n");
+    EXPECT_EQ(draw(0x2564),
+        "............\n"
+        "............\n"
+        "............\n"
+        "############\n"
+        "............\n"
+        "............\n"
+        "............\n"
+        "............\n"
+        "############\n"
+        ".....##.....\n"
+        ".....##.....\n"
+        ".....##.....\n");
 }
 
 TEST(InternalFace, MissingFilesAreReportedAndCharactersBecomeBoxes)
