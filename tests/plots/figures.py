@@ -84,8 +84,9 @@ showpage
 '''
 
 # The same margins in every terminal, whatever its letters, and a frame that cuts all pictures alike.
-GNUPLOT_LAYOUT = 'set lmargin at screen .12; set rmargin at screen .95; set tmargin at screen .93; ' \
-    'set bmargin at screen .12; set object 1 rectangle from screen .005,.005 to screen .995,.995 fs empty; '
+GNUPLOT_FRAME = 'set object 1 rectangle from screen .005,.005 to screen .995,.995 fs empty; '
+GNUPLOT_LAYOUT = GNUPLOT_FRAME + 'set lmargin at screen .12; set rmargin at screen .95; ' \
+    'set tmargin at screen .93; set bmargin at screen .12; '
 
 GNUPLOT = {
     'waves': 'set samples 400; plot [-10:10] sin(x) title "sin", cos(x/2)*0.8 title "cos", sin(x)/x title "sinc"',
@@ -187,10 +188,11 @@ def figures(folder):
     yield 'spline', make('hpgl'), make('ps'), 'plt'
 
     for name, script in GNUPLOT.items():
+        layout = GNUPLOT_FRAME if name == 'surface' else GNUPLOT_LAYOUT
         # The plots' own shapes: 10 x 7.2 for a desktop plotter, 10.16 x 7.2 inches for PCL 5.
         for terminal, extension in (('hpgl', 'plt'), ('pcl5', 'pcl')):
-            plot = run(['gnuplot', '-e', f'set term {terminal}; {GNUPLOT_LAYOUT}{script}'])
-            postscript = run(['gnuplot', '-e', f'set term postscript landscape color solid "Helvetica" 10; {GNUPLOT_LAYOUT}{script}'])
+            plot = run(['gnuplot', '-e', f'set term {terminal}; {layout}{script}'])
+            postscript = run(['gnuplot', '-e', f'set term postscript landscape color solid "Helvetica" 10; {layout}{script}'])
             yield f'gnuplot-{name}.{terminal}', plot, postscript, extension
     for name in ('waves', 'boxes', 'polar'):
         plot = run(['gnuplot', '-e', f'set term hppj; {GNUPLOT_LAYOUT}{GNUPLOT[name]}'])
