@@ -65,7 +65,7 @@ WhiteRows::WhiteRows(std::size_t rowBytes, std::uint8_t filter, std::size_t long
 {
     std::vector<std::uint8_t> row(rowBytes);
     row[0] = filter;
-    for (std::size_t rows = 1; rows <= longestRun; rows *= 2) {
+    for (std::size_t rows = 1; rows <= longestRun; rows *= 4) {
         if (rows > 1 && rows * rowBytes > kLongestWhiteRun)
             break;
         Run run;
@@ -78,9 +78,13 @@ WhiteRows::WhiteRows(std::size_t rowBytes, std::uint8_t filter, std::size_t long
         for (std::size_t i = 0; i < rows; ++i)
             deflater.add(row.data(), row.size(), i + 1 < rows ? Z_NO_FLUSH : Z_FULL_FLUSH);
         run.plainSize = rows * rowBytes;
-        run.checksum = m_runs.empty()
-            ? static_cast<std::uint32_t>(adler32_z(adler32_z(0, nullptr, 0), row.data(), row.size()))
-            : combined(m_runs.back().checksum, m_runs.back().checksum, m_runs.back().plainSize);
+        if (m_runs.empty()) {
+            run.checksum = static_cast<std::uint32_t>(adler32_z(adler32_z(0, nullptr, 0), row.data(), row.size()));
+        } else {
+            const Run& quarter = m_runs.back();
+            const std::uint32_t half = combined(quarter.checksum, quarter.checksum, quarter.plainSize);
+            run.checksum = combined(half, half, 2 * quarter.plainSize);
+        }
         m_runs.push_back(std::move(run));
     }
 }
@@ -91,11 +95,11 @@ void WhiteRows::join(std::size_t rows, Deflater& deflater, std::uint32_t& checks
 {
     std::size_t power = m_runs.size() - 1;
     while (rows > 0) {
-        while ((std::size_t { 1 } << power) > rows)
+        while ((std::size_t { 1 } << 2 * power) > rows)
             --power;
         deflater.join(m_runs[power].bytes);
         checksum = combined(checksum, m_runs[power].checksum, m_runs[power].plainSize);
-        rows -= std::size_t { 1 } << power;
+        rows -= std::size_t { 1 } << 2 * power;
     }
 }
 

@@ -39,7 +39,7 @@ private:
 };
 
 /// A run of equal rows, the first byte of each that of a filter and the others 0, compressed beforehand: in powers
-/// of two, since no other part of a page is as frequent as repeated white rows.
+/// of four, since no other part of a page is as frequent as repeated white rows.
 class WhiteRows {
 public:
     /// Rows of `rowBytes` bytes with the filter's; as many as a run of `longestRun` rows needs.
@@ -63,7 +63,7 @@ private:
     };
     std::size_t m_rowBytes;
     std::size_t m_longestRun;
-    std::vector<Run> m_runs; ///< of 1, 2, 4 ... rows
+    std::vector<Run> m_runs; ///< of 1, 4, 16 ... rows
 };
 
 } // namespace quillrip
