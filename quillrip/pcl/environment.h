@@ -11,7 +11,7 @@ struct Environment {
     int orientation = 0; ///< 0 portrait, 1 landscape, 2 reverse portrait, 3 reverse landscape
     int formLines = 0; ///< lines on a page at the default spacing; 0: six lines to the inch
     int symbolSet = 277; ///< number * 32 + letter - 64; 277 is Roman-8 (8U)
-    int fontNumber = 0; ///< internal font: 0 Courier; others only change nothing else than the typeface
+    int fontNumber = 0; ///< internal font: 0 Courier, else the built-in face of that place in the font list, from 1
     double pitch = 10; ///< characters to the inch
     double pointSize = 12; ///< points
     int lineTermination = 0; ///< as in ESC&k#G

@@ -90,7 +90,7 @@ void Machine::selectFontById(FontSlot& slot, const ResourceKey& key)
 void Machine::selectDefaultFont(const Command& command)
 {
     FontSlot& slot = slotOf(command);
-    const FontRequest standard = defaultState(m_environment).fonts[0].request;
+    const FontRequest standard = userDefaults().fonts[0].request;
     switch (command.value.integer()) {
     case 0:
     case 1:

@@ -17,9 +17,9 @@ Machine::Machine(
     , m_limits(limits)
     , m_fonts(fonts)
     , m_environment(environment)
-    , m_state(defaultState(environment))
     , m_patterns(limits.patternBytes)
 {
+    m_state = userDefaults();
     home();
 }
 
@@ -40,10 +40,31 @@ void Machine::setEnvironment(const Environment& environment)
     m_environment = environment;
     // The exit that came before has just reset everything, to defaults that are now others.
     if (!m_pageIsOpen) {
-        m_state = defaultState(m_environment);
+        m_state = userDefaults();
         geometryChanged();
         home();
     }
+}
+
+State Machine::userDefaults() const
+{
+    State state = defaultState(m_environment);
+    if (m_environment.fontNumber <= 0)
+        return state;
+    const std::vector<std::shared_ptr<const Typeface>> faces = m_fonts.builtInFaces();
+    const auto number = static_cast<std::size_t>(m_environment.fontNumber);
+    if (number > faces.size())
+        return state;
+    const FontTraits& traits = faces[number - 1]->traits();
+    for (FontSlot& slot : state.fonts) {
+        slot.request.isProportional = traits.isProportional;
+        slot.request.style = traits.style;
+        slot.request.weight = traits.weight;
+        slot.request.family = traits.family;
+        if (traits.isBoundToSet)
+            slot.request.symbolSet = traits.symbolSet;
+    }
+    return state;
 }
 
 Interpreter::End Machine::run(InputStream& input)
@@ -237,7 +258,7 @@ void Machine::reset()
     m_leadByte = -1;
     m_utf8Missing = 0;
     m_pagesOnSheet = 0;
-    m_state = defaultState(m_environment);
+    m_state = userDefaults();
     softFontsChanged();
     m_tileCache = {};
     geometryChanged();

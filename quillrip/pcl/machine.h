@@ -59,6 +59,8 @@ private:
     void warn(const char* kind, std::string message);
     void damage(const char* kind, std::string message);
     void reset();
+    /// What a reset leaves, the default font included.
+    State userDefaults() const;
     void printerReset(const Command&);
     void universalExit(const Command&);
 

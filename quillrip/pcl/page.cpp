@@ -78,7 +78,7 @@ void Machine::runOverlay()
         return;
     const State saved = m_state;
     const Position cursor = m_cursor;
-    State overlay = defaultState(m_environment);
+    State overlay = userDefaults();
     overlay.page = saved.page;
     overlay.registrationX = saved.registrationX;
     overlay.registrationY = saved.registrationY;

@@ -194,6 +194,20 @@ TEST(PclText, PlainTextNeedsNoCommands)
     EXPECT_EQ(printed.sheets[0].width, 6120);
 }
 
+TEST(PclText, DefaultFontComesFromTheEnvironment)
+{
+    PrinterSettings settings;
+    const int courier = print("iiiiiiiiii", settings).ink().width();
+    settings.environment.fontNumber = 1; // the first of the list is proportional
+    EXPECT_LT(print("iiiiiiiiii", settings).ink().width(), courier / 2);
+    EXPECT_LT(print(e("(s0b4099T") + e("(3@") + "iiiiiiiiii", settings).ink().width(), courier / 2);
+    settings.environment.fontNumber = 999;
+    EXPECT_EQ(print("iiiiiiiiii", settings).ink().width(), courier);
+    settings.environment.fontNumber = 0;
+    settings.environment.pitch = 20;
+    EXPECT_NEAR(print("iiiiiiiiii", settings).ink().width(), courier / 2, 8);
+}
+
 TEST(PclText, InkjetRasterLanguagesPrintNoText)
 {
     PrinterSettings settings;
