@@ -44,8 +44,8 @@ double Machine::patternDecipoints(const PatternLength& length) const
 StrokeStyle Machine::strokeStyle() const
 {
     static constexpr LineCap kCaps[] = { LineCap::Butt, LineCap::Square, LineCap::Triangle, LineCap::Round };
-    static constexpr LineJoin kJoins[] = { LineJoin::Miter, LineJoin::MiterBevel, LineJoin::Triangle, LineJoin::Round,
-        LineJoin::Bevel, LineJoin::None };
+    static constexpr LineJoin kJoins[] = { LineJoin::MiterClipped, LineJoin::MiterBevel, LineJoin::Triangle,
+        LineJoin::Round, LineJoin::Bevel, LineJoin::None };
     StrokeStyle style;
     style.width = penWidthDecipoints();
     style.cap = kCaps[m_state.lineAttributes.end - 1];

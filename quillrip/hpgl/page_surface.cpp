@@ -90,7 +90,8 @@ const PaintState& PageSurface::paintState(const Ink& ink, Clip& clip)
 void PageSurface::stroke(const Path& path, const StrokeStyle& style, const Ink& ink)
 {
     PageRect bounds = boundsOf(path);
-    const double reach = style.width * std::max(1.0, style.join == LineJoin::Miter ? style.miterLimit : 1.0);
+    // Caps reach no farther than the pen is wide; miters do, up to their limit.
+    const double reach = style.width * std::max(1.0, style.miterLimit);
     bounds = { bounds.left - reach, bounds.top - reach, bounds.right + reach, bounds.bottom + reach };
     if (isVisible(bounds, m_lineClip) && begin())
         m_canvas.painter->strokePath(path, m_canvas.pageToDevice, style, paintState(ink, m_lineClip));
