@@ -11,6 +11,9 @@ namespace quillrip {
 enum class FillRule;
 
 /// A set of device pixels: a rectangle, or sorted runs for each row. Immutable and shared between states.
+///
+/// A pixel is in or out, on grey and RGB pages too: so a region and its complement never share or lose a pixel, and
+/// what is drawn piece by piece through neighbouring clips has no seams.
 class ClipRegion {
 public:
     struct Run {

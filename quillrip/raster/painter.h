@@ -39,7 +39,9 @@ public:
     void fillPath(const Path& devicePath, FillRule rule, const PaintState& state, PixelRule pixels = PixelRule::Centre);
 
     /// The pen is round or square in user space: `style` gives widths in user units, and the matrix may stretch it.
-    /// A line thinner than a device pixel is drawn one pixel wide.
+    /// A line thinner than a device pixel is drawn one pixel wide. The stroke is the union of its parts: where it
+    /// crosses itself it is painted once. Lines that only run along the axes are moved by less than half a pixel so
+    /// that they are crisp.
     void strokePath(
         const Path& userPath, const Matrix& userToDevice, const StrokeStyle& style, const PaintState& state);
 

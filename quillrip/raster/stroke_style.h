@@ -13,12 +13,12 @@ enum class LineCap {
 
 enum class LineJoin {
     Miter, ///< beyond the miter limit: bevel
-    MiterBevel, ///< the same by its other name in HP-GL/2: mitred, bevelled beyond the limit
+    MiterBevel, ///< the same by its name in HP-GL/2
     Triangle,
     Round,
     Bevel,
     None, ///< segments end on their own
-    MiterClipped, ///< mitred, cut off square at the limit
+    MiterClipped, ///< beyond the limit: cut off square there; mitred in HP-GL/2
 };
 
 /// Lengths in user units.
@@ -27,7 +27,7 @@ struct StrokeStyle {
     LineCap cap = LineCap::Butt;
     LineJoin join = LineJoin::Miter;
     double miterLimit = 10; ///< miter length / line width
-    std::vector<double> dashes; ///< on, off, on, off ...; empty: solid. All zero counts as solid
+    std::vector<double> dashes; ///< on, off, on, off ...; empty or all zero: solid. An "on" of 0 is a dot
     double dashOffset = 0; ///< distance into the dashes at which a subpath starts
 };
 
