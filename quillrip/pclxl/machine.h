@@ -222,6 +222,7 @@ private:
     Status addPoints(bool isCurve, bool isRelative);
     Status checkPathSize(std::size_t points);
     void paint(const Path& userPath);
+    bool fillCell(const Path& devicePath, FillRule rule);
     void fillDevicePath(const Path& devicePath, FillRule rule);
 
     // shape_operators.cpp

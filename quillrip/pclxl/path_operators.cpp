@@ -5,6 +5,12 @@
 
 namespace quillrip::pclxl {
 
+namespace {
+
+constexpr std::uint8_t kCopyTexture = 240;
+
+} // namespace
+
 Status Machine::setCursor()
 {
     m_state.cursor = m_operands.point(Attribute::Point);
@@ -170,8 +176,40 @@ const StrokeStyle& Machine::drawableStroke()
     return m_plainStroke;
 }
 
+/// Copying the texture (240) is how drivers send the cells of a picture that stands askew: neighbours have to meet as
+/// pixels do, since through smooth edges the page below would shine.
+bool Machine::fillCell(const Path& devicePath, FillRule rule)
+{
+    if (m_state.rop != kCopyTexture || m_page.canvas.format == PixelFormat::Bilevel || devicePath.empty())
+        return false;
+    Point low = devicePath.points().front();
+    Point high = low;
+    for (const Point& p : devicePath.points()) {
+        low = { std::min(low.x, p.x), std::min(low.y, p.y) };
+        high = { std::max(high.x, p.x), std::max(high.y, p.y) };
+    }
+    const auto pixel = [](double v) { return static_cast<int>(std::clamp(v, -1e8, 1e8)); };
+    const PixelRect box { pixel(std::floor(low.x)), pixel(std::floor(low.y)), pixel(std::ceil(high.x)) + 1,
+        pixel(std::ceil(high.y)) + 1 };
+    const PixelRect bounds = box.intersected(m_page.bounds);
+    if (bounds.empty())
+        return true;
+    std::shared_ptr<const ClipRegion> region = ClipRegion::ofPath(devicePath, rule, bounds);
+    if (region->bounds().empty())
+        return false; // thinner than a pixel
+    PaintState paint = brushPaint();
+    if (paint.clip)
+        region = paint.clip->intersected(*region);
+    const PixelRect marked = region->bounds();
+    paint.clip = std::move(region);
+    m_page.canvas.painter->fillRect(marked, paint);
+    return true;
+}
+
 void Machine::fillDevicePath(const Path& devicePath, FillRule rule)
 {
+    if (fillCell(devicePath, rule))
+        return;
     m_page.canvas.painter->fillPath(devicePath, rule, brushPaint());
 }
 

@@ -225,6 +225,27 @@ TEST(XlPaint, RasterOperationsSeeSourceTextureAndDestination)
     EXPECT_NE(errorOf(XlStream().uint16(A::ROP3, 256).op(O::SetROP)).find("IllegalAttributeValue"), std::string::npos);
 }
 
+TEST(XlPaint, CellsOfAPictureThatStandsAskewMeetWithoutSeams)
+{
+    const auto darkest = [](int rop) {
+        XlStream c;
+        c.nullPen().grayBrush(0).rectangle(0, 0, 40, 40).grayBrush(255).ubyte(A::ROP3, rop).op(O::SetROP);
+        for (int i = -4; i < 8; ++i) {
+            c.op(O::NewPath).cursor(10 * i, -10).lineTo(10 * i + 10, -10).lineTo(10 * i + 37, 50);
+            c.lineTo(10 * i + 27, 50).op(O::PaintPath);
+        }
+        XlJob job(PixelFormat::Gray8);
+        job.run(onePage(40, 40, c));
+        int light = 255;
+        for (int y = 0; y < 40 && job.pageCount() == 1; ++y)
+            for (int x = 0; x < 40; ++x)
+                light = std::min<int>(light, job.pixel(0, x, y).red);
+        return light;
+    };
+    EXPECT_EQ(darkest(240), 255);
+    EXPECT_LT(darkest(252), 255); // other shapes are smooth
+}
+
 TEST(XlPaint, AWhiteBrushPaintsWhateverTheModes)
 {
     XlStream c;
