@@ -40,7 +40,7 @@ public:
             const std::uint64_t before = m_input.offset();
             const RunStatus status = runPart(*part);
             if (status == RunStatus::LimitExceeded)
-                return result(JobOutcome::LimitExceeded, m_reason.empty() ? m_device.reason() : m_reason);
+                return result(JobOutcome::LimitExceeded, limitReason());
             if (status == RunStatus::OutputFailed)
                 return result(JobOutcome::OutputFailed, m_device.reason());
             if (status == RunStatus::Damaged) {
@@ -56,7 +56,7 @@ public:
         }
         const RunStatus status = finishPcl();
         if (status == RunStatus::LimitExceeded)
-            return result(JobOutcome::LimitExceeded, m_device.reason());
+            return result(JobOutcome::LimitExceeded, limitReason());
         if (status == RunStatus::OutputFailed)
             return result(JobOutcome::OutputFailed, m_device.reason());
         if (status == RunStatus::Damaged)
@@ -112,6 +112,16 @@ private:
             m_pcl.reset();
         }
         return status;
+    }
+
+    /// Whoever met the limit has told why: the renderer, the device, or an interpreter by its diagnostics.
+    std::string limitReason() const
+    {
+        if (!m_reason.empty())
+            return m_reason;
+        if (!m_device.reason().empty() || !m_diagnostics.damage())
+            return m_device.reason();
+        return m_diagnostics.damage()->message;
     }
 
     RunStatus finishPcl()

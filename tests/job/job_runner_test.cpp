@@ -177,6 +177,14 @@ TEST(JobRunner, LimitsEndTheJob)
     limits.pageBytes = 10000;
     const auto run = runBytes(kPclPage, coarse(), {}, limits);
     EXPECT_EQ(run.result.outcome, JobOutcome::LimitExceeded);
+    // An interpreter's own limit is named, too.
+    limits = {};
+    limits.macroExecutions = 1;
+    const auto macros = runBytes("\x1b"
+                                 "E\x1b&f0X \x1b&f1X\x1b&f2x2X",
+        coarse(), {}, limits);
+    EXPECT_EQ(macros.result.outcome, JobOutcome::LimitExceeded);
+    EXPECT_NE(macros.result.reason.find("macros"), std::string::npos);
     EXPECT_NE(run.result.reason, "");
 }
 
