@@ -139,6 +139,14 @@ const std::vector<Machine::Entry>& Machine::commands()
     return s_commands;
 }
 
+std::vector<Mnemonic> Machine::knownCommands()
+{
+    std::vector<Mnemonic> names;
+    for (const Entry& entry : commands())
+        names.push_back(entry.mnemonic);
+    return names;
+}
+
 const Machine::Entry* Machine::find(Mnemonic mnemonic)
 {
     const std::vector<Entry>& table = commands();

@@ -62,6 +62,9 @@ public:
     void powerOn();
     bool hasSelectedPen() const { return m_hasSelectedPen; }
 
+    /// The commands by name, in the order of the table that they are looked up in.
+    static std::vector<Mnemonic> knownCommands();
+
     const State& state() const { return m_state; }
     const Matrix& plotterToPage() const { return m_plotterToPage; }
 

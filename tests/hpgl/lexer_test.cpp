@@ -1,6 +1,9 @@
 #include "quillrip/hpgl/lexer.h"
+#include "quillrip/hpgl/machine.h"
 
 #include <gtest/gtest.h>
+
+#include <algorithm>
 
 namespace quillrip::hpgl {
 namespace {
@@ -72,6 +75,21 @@ TEST(HpglLexer, QuotedTextMayHoldSemicolons)
     Lexer lexer(input.stream);
     EXPECT_EQ(lexer.readText(100), "a;b");
     EXPECT_EQ(input.stream.get(), ';');
+}
+
+TEST(HpglCommands, StandInOrderAndAreAllThere)
+{
+    const std::vector<Mnemonic> known = Machine::knownCommands();
+    EXPECT_TRUE(std::is_sorted(known.begin(), known.end()));
+    EXPECT_EQ(std::adjacent_find(known.begin(), known.end()), known.end());
+    const std::string index
+        = "AAACADAFAHAPARASATBLBPBRBZCACFCICOCPCRCSCTCVDCDFDIDLDPDRDTDVEAECEPERESEWFIFNFPFRFSFTINIPIRIW"
+          "LALBLMLOLTMCMGMTNPNROAOCODOEOFOHOIOKOOOPOSOTOWPAPBPCPDPEPGPMPPPRPSPTPUPWQLRARFRORPRRRTSASBSCSD"
+          "SISLSMSPSRSSSTSVTDTLTRUCULVSWDWGWUXTYT";
+    for (std::size_t i = 0; i + 1 < index.size(); i += 2) {
+        const auto name = static_cast<Mnemonic>(index[i] << 8 | index[i + 1]);
+        EXPECT_TRUE(std::binary_search(known.begin(), known.end(), name)) << toString(name);
+    }
 }
 
 TEST(HpglEscape, EnterPclCarriesItsValue)
