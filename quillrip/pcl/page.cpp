@@ -159,7 +159,8 @@ void Machine::moveTo(InternalUnits x, InternalUnits y)
 
 void Machine::moveToClamped(InternalUnits x, InternalUnits y)
 {
-    moveTo(std::clamp<InternalUnits>(x, 0, pageWidth()), std::clamp<InternalUnits>(y, 0, pageLength()));
+    const InternalUnits bottom = pageLength() + m_state.page.spareLength(m_state.direction);
+    moveTo(std::clamp<InternalUnits>(x, 0, pageWidth()), std::clamp<InternalUnits>(y, 0, bottom));
 }
 
 void Machine::applyRegistration()

@@ -176,7 +176,17 @@ InternalUnits PageLayout::reachRight(int direction) const
     }
 }
 
-InternalUnits PageLayout::reachDown(int direction) const { return reachRight(direction + 3); }
+InternalUnits PageLayout::reachDown(int direction) const { return reachRight(direction + 3) + spareLength(direction); }
+
+SheetRequest PageLayout::sheet() const
+{
+    SheetRequest request;
+    request.width = m_size.width;
+    request.height = m_size.length;
+    request.spareHeight = static_cast<double>(spareLength(0)) / kUnitsPerDecipoint;
+    request.orientation = m_orientation;
+    return request;
+}
 
 Matrix PageLayout::directionToPage(int direction) const
 {
