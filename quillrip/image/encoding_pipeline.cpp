@@ -10,7 +10,7 @@ namespace {
 
 constexpr std::size_t kPagesInWork = 2;
 /// More than this, and there is only one page in work besides the one that is being drawn.
-constexpr std::size_t kBytesInWork = std::size_t { 256 } << 20;
+constexpr std::size_t kBytesInWork = std::size_t { 16 } << 20;
 /// Pieces of a page that are encoded and wait for one before them, per thread.
 constexpr int kPiecesAhead = 4;
 
