@@ -72,11 +72,6 @@ struct Matrix {
     }
 };
 
-inline bool operator==(const Matrix& m, const Matrix& n)
-{
-    return m.a == n.a && m.b == n.b && m.c == n.c && m.d == n.d && m.e == n.e && m.f == n.f;
-}
-
 /// First `first`, then `second`.
 inline Matrix operator*(const Matrix& first, const Matrix& second)
 {

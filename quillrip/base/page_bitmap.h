@@ -71,13 +71,6 @@ public:
     const std::uint8_t* row(int y) const { return m_pixels.get() + static_cast<std::size_t>(y) * m_stride; }
     std::uint8_t* row(int y) { return m_pixels.get() + static_cast<std::size_t>(y) * m_stride; }
 
-    /// Drops the rows from `height` on (at least 1 is left); the memory stays.
-    void shorten(int height)
-    {
-        m_height = height;
-        m_extents.resize(static_cast<std::size_t>(height));
-    }
-
     /// The columns of a row that may hold ink, half open; empty (left >= right) when the row was never marked.
     struct Extent {
         std::int32_t left = INT32_MAX;

@@ -38,15 +38,6 @@ PageCanvas ImagePageDevice::preview(const SheetRequest& sheet) const
     return { nullptr, layout.pageToDevice, layout.format, layout.pageResolution };
 }
 
-PageLayout ImagePageDevice::withSpareHeight(const PageLayout& layout, SheetRequest sheet) const
-{
-    sheet.height += sheet.spareHeight;
-    const PageLayout longer = layoutOf(m_settings, sheet);
-    // Where the image's size is given, a longer sheet would change the scale, so the page stays as it is.
-    const bool isSameScale = longer.width == layout.width && longer.pageToDevice == layout.pageToDevice;
-    return isSameScale && longer.height > layout.height ? longer : layout;
-}
-
 PageBitmap ImagePageDevice::bitmapFor(const PageLayout& layout)
 {
     const double rowBytes = std::ceil(layout.width * bitsPerPixel(layout.format) / 64) * 8;
@@ -70,11 +61,9 @@ RunStatus ImagePageDevice::beginPage(const SheetRequest& sheet, PageCanvas& canv
         m_reason = "the job has more than " + std::to_string(m_limits.pages) + " pages";
         return RunStatus::LimitExceeded;
     }
-    const PageLayout layout = layoutOf(m_settings, sheet);
-    m_page = bitmapFor(withSpareHeight(layout, sheet));
+    m_page = bitmapFor(layoutOf(m_settings, sheet));
     if (m_page.isNull())
         return RunStatus::LimitExceeded;
-    m_heightWithoutSpare = static_cast<int>(layout.height);
     m_painter.emplace(m_page);
     canvas = preview(sheet);
     canvas.painter = &*m_painter;
@@ -86,11 +75,6 @@ RunStatus ImagePageDevice::endPage()
     if (m_page.isNull())
         return RunStatus::Done;
     m_painter.reset();
-    bool isSpareMarked = false;
-    for (int y = m_heightWithoutSpare; y < m_page.height() && !isSpareMarked; ++y)
-        isSpareMarked = !m_page.extent(y).empty();
-    if (!isSpareMarked && m_heightWithoutSpare < m_page.height())
-        m_page.shorten(m_heightWithoutSpare);
     return addFinishedPage(std::move(m_page));
 }
 

@@ -38,13 +38,10 @@ public:
     const std::string& reason() const { return m_reason; }
 
 private:
-    PageLayout withSpareHeight(const PageLayout& layout, SheetRequest sheet) const;
-
     PageSink& m_sink;
     PageSettings m_settings;
     Limits m_limits;
     PageBitmap m_page;
-    int m_heightWithoutSpare = 0;
     std::optional<Painter> m_painter;
     std::uint64_t m_firstPage = 1;
     std::uint64_t m_lastPage = UINT64_MAX;

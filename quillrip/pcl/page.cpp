@@ -159,8 +159,7 @@ void Machine::moveTo(InternalUnits x, InternalUnits y)
 
 void Machine::moveToClamped(InternalUnits x, InternalUnits y)
 {
-    const InternalUnits bottom = pageLength() + m_state.page.spareLength(m_state.direction);
-    moveTo(std::clamp<InternalUnits>(x, 0, pageWidth()), std::clamp<InternalUnits>(y, 0, bottom));
+    moveTo(std::clamp<InternalUnits>(x, 0, pageWidth()), std::clamp<InternalUnits>(y, 0, pageLength()));
 }
 
 void Machine::applyRegistration()

@@ -176,17 +176,7 @@ InternalUnits PageLayout::reachRight(int direction) const
     }
 }
 
-InternalUnits PageLayout::reachDown(int direction) const { return reachRight(direction + 3) + spareLength(direction); }
-
-SheetRequest PageLayout::sheet() const
-{
-    SheetRequest request;
-    request.width = m_size.width;
-    request.height = m_size.length;
-    request.spareHeight = static_cast<double>(spareLength(0)) / kUnitsPerDecipoint;
-    request.orientation = m_orientation;
-    return request;
-}
+InternalUnits PageLayout::reachDown(int direction) const { return reachRight(direction + 3); }
 
 Matrix PageLayout::directionToPage(int direction) const
 {

@@ -58,9 +58,6 @@ public:
 
     /// A form length that no sheet has: the sheet stays, the logical page ends elsewhere.
     void setLength(InternalUnits length) { m_length = length; }
-    /// How much longer the sheet may turn out to be, in portrait.
-    void setSpareLength(InternalUnits length) { m_spareLength = length; }
-    InternalUnits spareLength(int direction) const { return m_orientation == 0 && direction == 0 ? m_spareLength : 0; }
     /// Offsets along the sheet's short and long edge, whatever the orientation.
     void setRegistration(InternalUnits alongWidth, InternalUnits alongLength);
 
@@ -76,7 +73,7 @@ public:
     Position toOrientation(Position place, int direction) const;
     Position fromOrientation(Position place, int direction) const;
 
-    SheetRequest sheet() const;
+    SheetRequest sheet() const { return { m_size.width, m_size.length, m_orientation }; }
     /// From a direction's axes to page space (decipoints of the sheet in reading order).
     Matrix directionToPage(int direction) const;
 
@@ -86,7 +83,6 @@ private:
     InternalUnits m_width = 2400 * kUnitsPerDot;
     InternalUnits m_length = 3300 * kUnitsPerDot;
     InternalUnits m_leftOffset = 75 * kUnitsPerDot;
-    InternalUnits m_spareLength = 0;
     InternalUnits m_registrationX = 0; ///< in reading order, as the offset below
     InternalUnits m_registrationY = 0;
 };

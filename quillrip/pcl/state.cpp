@@ -8,8 +8,6 @@ namespace {
 
 constexpr InternalUnits kDefaultMargin = kUnitsPerInch / 2;
 constexpr InternalUnits kSixLinesPerInch = kUnitsPerInch / 6;
-constexpr int kLetter = 2;
-constexpr InternalUnits kLegalOverLetter = 3 * kUnitsPerInch;
 
 } // namespace
 
@@ -38,11 +36,8 @@ State defaultState(const Environment& environment)
     const PageSize custom = customPageSize(environment.customWidth, environment.customLength);
     const bool isCustom = environment.pageSize == 101 && custom.dotsWide > 150 && custom.dotsLong > 150;
     if (!size)
-        size = findPageSize(kLetter);
+        size = findPageSize(2);
     state.page = PageLayout(isCustom ? custom : *size, environment.orientation);
-    // Old drivers name no paper; what they print below the sheet that is taken for granted was meant for a longer one.
-    if (!environment.isPaperNamed && size->code == kLetter && !isCustom)
-        state.page.setSpareLength(kLegalOverLetter);
     state.text = defaultTextArea(state.page);
     state.lineSpacing = defaultLineSpacing(environment, state.page);
     state.lineTermination = environment.lineTermination;

@@ -13,9 +13,6 @@ struct SheetRequest {
     /// Quarter turns counter-clockwise of the page on the sheet: 0 portrait, 1 landscape, 2 reverse portrait,
     /// 3 reverse landscape. The image shows the page upright.
     int orientation = 0;
-    /// Decipoints by which the sheet may turn out longer, in portrait: kept when something is marked there, else the
-    /// image ends at `height`. For jobs that do not name their paper.
-    double spareHeight = 0;
 };
 
 /// Where a page is drawn. Page space is the whole sheet turned to reading order: origin at its top left corner as

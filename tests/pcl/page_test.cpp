@@ -30,29 +30,6 @@ TEST(PclPages, PageSizesAreThoseOfTheSheets)
     }
 }
 
-TEST(PclPages, ASheetThatIsNotNamedGrowsToLegalWhereARasterNeedsIt)
-{
-    const auto rowAt = [](int y) { return at(0, y) + e("*t300R") + e("*r1A") + command("*b", "W", "\x80") + e("*rB"); };
-    const std::string unnamed = e("E") + e("&l0E");
-    const Printed longer = print(unnamed + rowAt(3000) + e("*p+600Y") + e("*r1A") + command("*b", "W", "\x40"));
-    EXPECT_EQ(longer.pages[0].height(), 4200);
-    EXPECT_TRUE(longer.isBlack(kLeft + 1, 3601));
-    EXPECT_EQ(longer.blackPixels(), 2u);
-    EXPECT_EQ(print(unnamed + rowAt(3299)).pages[0].height(), 3300);
-    // A named sheet stays what it is, and the cursor stays on it.
-    EXPECT_EQ(print(kStart + at(0, 0) + kMark + rowAt(3600)).pages[0].height(), 3300);
-    PrinterSettings named;
-    named.environment.isPaperNamed = true;
-    EXPECT_EQ(print(unnamed + at(0, 0) + kMark + rowAt(3600), named).pages[0].height(), 3300);
-    // Lines of text go on on the next page as ever.
-    std::string lines;
-    for (int line = 0; line < 70; ++line)
-        lines += "x\r\n";
-    const Printed text = print(lines);
-    ASSERT_EQ(text.pages.size(), 2u);
-    EXPECT_EQ(text.pages[0].height(), 3300);
-}
-
 TEST(PclPages, UnknownPageSizeIsIgnoredAndEjectsNothing)
 {
     const Printed printed = print(kStart + at(0, 0) + kMark + e("&l222A") + at(100, 0) + kMark);

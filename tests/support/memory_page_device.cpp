@@ -45,9 +45,7 @@ RunStatus MemoryPageDevice::beginPage(const SheetRequest& sheet, PageCanvas& can
     const bool isTurned = (sheet.orientation & 1) != 0;
     const double across = isTurned ? sheet.height : sheet.width;
     const double down = isTurned ? sheet.width : sheet.height;
-    m_heightWithoutSpare = pixelsOf(down, m_resolution.y);
-    m_open = PageBitmap(
-        m_format, pixelsOf(across, m_resolution.x), pixelsOf(down + sheet.spareHeight, m_resolution.y), m_resolution);
+    m_open = PageBitmap(m_format, pixelsOf(across, m_resolution.x), pixelsOf(down, m_resolution.y), m_resolution);
     if (m_open.isNull())
         return RunStatus::LimitExceeded;
     m_painter = std::make_unique<Painter>(m_open);
@@ -60,10 +58,6 @@ RunStatus MemoryPageDevice::beginPage(const SheetRequest& sheet, PageCanvas& can
 RunStatus MemoryPageDevice::endPage()
 {
     m_painter.reset();
-    int height = m_open.height();
-    while (height > m_heightWithoutSpare && m_open.extent(height - 1).empty())
-        --height;
-    m_open.shorten(height > m_heightWithoutSpare ? m_open.height() : height);
     m_pages.push_back(std::move(m_open));
     m_open = PageBitmap();
     return RunStatus::Done;

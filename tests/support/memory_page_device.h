@@ -40,7 +40,6 @@ private:
     std::vector<PageBitmap> m_pages;
     std::vector<SheetRequest> m_sheets;
     PageBitmap m_open;
-    int m_heightWithoutSpare = 0;
     std::unique_ptr<Painter> m_painter;
 };
 
