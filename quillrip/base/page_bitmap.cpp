@@ -1,5 +1,6 @@
 #include "quillrip/base/page_bitmap.h"
 
+#include <algorithm>
 #include <cstdlib>
 
 namespace quillrip {
@@ -33,6 +34,65 @@ Rgb PageBitmap::pixel(int x, int y) const
         break;
     }
     return { light(at[3 * x]), light(at[3 * x + 1]), light(at[3 * x + 2]) };
+}
+
+bool PageBitmap::hasInk(const PixelRect& rect) const
+{
+    const PixelRect inside = rect.intersected(bounds());
+    const int depth = bitsPerPixel(m_format);
+    for (int y = inside.top; y < inside.bottom; ++y) {
+        const int left = std::max(inside.left, extent(y).left);
+        const int right = std::min(inside.right, extent(y).right);
+        if (left >= right)
+            continue;
+        const std::int64_t firstBit = std::int64_t { left } * depth;
+        const std::int64_t lastBit = std::int64_t { right } * depth - 1;
+        for (std::int64_t i = firstBit / 8; i <= lastBit / 8; ++i) {
+            unsigned byte = row(y)[i];
+            if (i == firstBit / 8)
+                byte &= 0xFFu >> firstBit % 8;
+            if (i == lastBit / 8)
+                byte &= 0xFF00u >> (lastBit % 8 + 1);
+            if (byte != 0)
+                return true;
+        }
+    }
+    return false;
+}
+
+PageBitmap PageBitmap::cropped(int left, int width, int height) &&
+{
+    if (left == 0 && width == m_width && height <= m_height) {
+        m_height = height;
+        m_extents.resize(static_cast<std::size_t>(height));
+        return std::move(*this);
+    }
+    PageBitmap result(m_format, width, height, m_resolution);
+    if (result.isNull())
+        return result;
+    const std::int64_t depth = bitsPerPixel(m_format);
+    const auto stride = static_cast<std::int64_t>(m_stride);
+    for (int y = 0; y < std::min(height, m_height); ++y) {
+        if (extent(y).empty())
+            continue;
+        const int first = std::max(0, extent(y).left - left);
+        const int last = std::min(width, extent(y).right - left);
+        if (first >= last)
+            continue;
+        const std::uint8_t* from = row(y);
+        std::uint8_t* to = result.row(y);
+        const auto byteAt = [&](std::int64_t i) { return i < 0 || i >= stride ? 0u : from[i]; };
+        for (std::int64_t i = first * depth / 8; i <= (last * depth - 1) / 8; ++i) {
+            const std::int64_t bit = left * depth + i * 8;
+            const std::int64_t at = bit >> 3;
+            to[i] = static_cast<std::uint8_t>((byteAt(at) << 8 | byteAt(at + 1)) >> (8 - (bit & 7)));
+        }
+        // What lies beyond the last column is white by contract.
+        if (const std::int64_t rest = width * depth % 8)
+            to[width * depth / 8] &= static_cast<std::uint8_t>(0xFF00u >> rest);
+        result.touch(y, first, last);
+    }
+    return result;
 }
 
 } // namespace quillrip

@@ -89,6 +89,12 @@ public:
     /// The colour that a pixel shows; for tests and slow paths.
     Rgb pixel(int x, int y) const;
 
+    /// Whether a pixel of the rectangle, or of its part inside the bitmap, holds ink.
+    bool hasInk(const PixelRect& rect) const;
+    /// The columns from `left` on of the topmost rows, white where this bitmap has no pixels. Rows that end sooner cost
+    /// nothing; null pixels when memory is short.
+    PageBitmap cropped(int left, int width, int height) &&;
+
 private:
     struct Free {
         void operator()(std::uint8_t* pixels) const;

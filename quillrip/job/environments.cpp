@@ -25,8 +25,10 @@ std::optional<stream::PaperSize> paperOf(const stream::PjlEnvironment& variables
 pcl::Environment pclEnvironment(const stream::PjlEnvironment& variables, bool isInkjetRaster)
 {
     pcl::Environment environment;
-    if (paperOf(variables))
+    if (paperOf(variables)) {
         environment.pageSize = *variables.paperCode;
+        environment.isPaperNamed = true;
+    }
     environment.customWidth = variables.customWidth.value_or(environment.customWidth);
     environment.customLength = variables.customLength.value_or(environment.customLength);
     environment.orientation = variables.orientation.value_or(environment.orientation);

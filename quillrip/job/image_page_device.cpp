@@ -1,5 +1,6 @@
 #include "quillrip/job/image_page_device.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace quillrip {
@@ -8,6 +9,9 @@ namespace {
 
 // What a bitmap's coordinates can hold with room for sums of them.
 constexpr double kLongestEdge = 1 << 28;
+
+// Drivers and scanned pages overrun the sheet they mean by as much as a printer leaves white at its edge.
+constexpr double kHarmlessOverrun = 180; // decipoints
 
 void removeColour(PageBitmap& page)
 {
@@ -61,7 +65,11 @@ RunStatus ImagePageDevice::beginPage(const SheetRequest& sheet, PageCanvas& canv
         m_reason = "the job has more than " + std::to_string(m_limits.pages) + " pages";
         return RunStatus::LimitExceeded;
     }
-    m_page = bitmapFor(layoutOf(m_settings, sheet));
+    m_page = bitmapFor(planWindows(sheet));
+    if (m_page.isNull() && m_windows.size() > 1) {
+        m_windows.resize(1);
+        m_page = bitmapFor(layoutOf(m_settings, sheet));
+    }
     if (m_page.isNull())
         return RunStatus::LimitExceeded;
     m_painter.emplace(m_page);
@@ -70,11 +78,61 @@ RunStatus ImagePageDevice::beginPage(const SheetRequest& sheet, PageCanvas& canv
     return RunStatus::Done;
 }
 
+/// The sheet's layout, made as long as the longest candidate.
+PageLayout ImagePageDevice::planWindows(const SheetRequest& sheet)
+{
+    PageLayout layout = layoutOf(m_settings, sheet);
+    m_windows.assign(1, { 0, static_cast<int>(layout.width), static_cast<int>(layout.height) });
+    m_overrun = static_cast<int>(std::lround(kHarmlessOverrun * layout.pageToDevice.d));
+    const PageLayout requested = layout;
+    for (const SheetCandidate& candidate : sheet.candidates) {
+        SheetRequest other = sheet;
+        other.width = candidate.width;
+        other.height = candidate.height;
+        const PageLayout longer = layoutOf(m_settings, other);
+        const Matrix& was = requested.pageToDevice;
+        const Matrix& is = longer.pageToDevice;
+        // Where the image's size is given, another sheet means another scale.
+        const bool isSameScale = was.a == is.a && was.b == is.b && was.c == is.c && was.d == is.d;
+        if (!isSameScale || longer.height > kLongestEdge)
+            continue;
+        const double left = was.a * candidate.left + was.e - is.e;
+        m_windows.push_back(
+            { static_cast<int>(std::lround(left)), static_cast<int>(longer.width), static_cast<int>(longer.height) });
+        layout.height = std::max(layout.height, longer.height);
+    }
+    return layout;
+}
+
+ImagePageDevice::Window ImagePageDevice::chooseWindow() const
+{
+    const Window& requested = m_windows.front();
+    const int end = m_page.height();
+    if (!m_page.hasInk({ 0, requested.height + m_overrun, m_page.width(), end }))
+        return requested;
+    for (const Window& window : m_windows) {
+        const bool isWhole = !m_page.hasInk({ 0, 0, window.left, end })
+            && !m_page.hasInk({ window.left + window.width, 0, m_page.width(), end })
+            && !m_page.hasInk({ 0, window.height, m_page.width(), end });
+        if (isWhole)
+            return window;
+    }
+    return m_windows.back();
+}
+
 RunStatus ImagePageDevice::endPage()
 {
     if (m_page.isNull())
         return RunStatus::Done;
     m_painter.reset();
+    if (m_windows.size() > 1) {
+        const Window window = chooseWindow();
+        m_page = std::move(m_page).cropped(window.left, window.width, window.height);
+        if (m_page.isNull()) {
+            m_reason = "there is not enough memory for a page";
+            return RunStatus::LimitExceeded;
+        }
+    }
     return addFinishedPage(std::move(m_page));
 }
 

@@ -6,6 +6,7 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace quillrip {
 
@@ -38,10 +39,22 @@ public:
     const std::string& reason() const { return m_reason; }
 
 private:
+    /// The part of the bitmap, from its top on, that becomes the image on one of the sheets.
+    struct Window {
+        int left;
+        int width;
+        int height;
+    };
+
+    PageLayout planWindows(const SheetRequest& sheet);
+    Window chooseWindow() const;
+
     PageSink& m_sink;
     PageSettings m_settings;
     Limits m_limits;
     PageBitmap m_page;
+    std::vector<Window> m_windows; ///< the requested sheet, then its candidates; of the open page
+    int m_overrun = 0; ///< device pixels below the requested sheet that may be lost
     std::optional<Painter> m_painter;
     std::uint64_t m_firstPage = 1;
     std::uint64_t m_lastPage = UINT64_MAX;

@@ -6,6 +6,7 @@ namespace quillrip::pcl {
 /// Every reset returns to it.
 struct Environment {
     int pageSize = 2; ///< page size code as in ESC&l#A: 2 Letter, 26 A4; 101 takes the custom size below
+    bool isPaperNamed = false; ///< false: pageSize is a guess, and the sheet may turn out longer
     double customWidth = 6120; ///< decipoints, short edge; for page size 101
     double customLength = 7920; ///< decipoints, long edge; for page size 101
     int orientation = 0; ///< 0 portrait, 1 landscape, 2 reverse portrait, 3 reverse landscape

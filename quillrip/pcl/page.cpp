@@ -123,7 +123,8 @@ PixelRect Machine::deviceRect(Position from, Position to, int direction) const
 
 std::shared_ptr<const ClipRegion> Machine::logicalPageClip() const
 {
-    return ClipRegion::ofRect(deviceRect({ 0, 0 }, { m_state.page.width(), m_state.page.length() }, 0));
+    const InternalUnits bottom = m_state.page.length() + m_state.page.spareLength(0);
+    return ClipRegion::ofRect(deviceRect({ 0, 0 }, { m_state.page.width(), bottom }, 0));
 }
 
 Position Machine::homePosition() const
@@ -159,7 +160,10 @@ void Machine::moveTo(InternalUnits x, InternalUnits y)
 
 void Machine::moveToClamped(InternalUnits x, InternalUnits y)
 {
-    moveTo(std::clamp<InternalUnits>(x, 0, pageWidth()), std::clamp<InternalUnits>(y, 0, pageLength()));
+    // A place that not even the longest sheet has is no sign of that sheet.
+    const InternalUnits longest = pageLength() + m_state.page.spareLength(m_state.direction);
+    const InternalUnits bottom = y <= longest ? longest : pageLength();
+    moveTo(std::clamp<InternalUnits>(x, 0, pageWidth()), std::clamp<InternalUnits>(y, 0, bottom));
 }
 
 void Machine::applyRegistration()

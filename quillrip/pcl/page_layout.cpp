@@ -56,6 +56,9 @@ constexpr std::array kPageSizes {
     inches(110, 4.375, 5.75, 1312, 1725), // A2 envelope
 };
 
+/// What else than Letter lies in the tray when nobody says so, the likeliest first.
+constexpr std::array kLongerThanLetter { 26, 3 };
+
 /// Sizes that a page length in lines may choose, the common ones first.
 constexpr std::array kSizesByLength { 2, 26, 3, 1, 6, 27, 80, 81, 90, 91, 100, 25 };
 
@@ -176,7 +179,34 @@ InternalUnits PageLayout::reachRight(int direction) const
     }
 }
 
-InternalUnits PageLayout::reachDown(int direction) const { return reachRight(direction + 3); }
+InternalUnits PageLayout::reachDown(int direction) const { return reachRight(direction + 3) + spareLength(direction); }
+
+InternalUnits PageLayout::spareLength(int direction) const
+{
+    if (!m_isGuessed || m_orientation != 0 || (direction & 3) != 0)
+        return 0;
+    InternalUnits longest = m_length;
+    for (const int code : kLongerThanLetter)
+        longest = std::max(longest, findPageSize(code)->dotsLong * kUnitsPerDot);
+    return longest - m_length;
+}
+
+SheetRequest PageLayout::sheet() const
+{
+    SheetRequest request;
+    request.width = m_size.width;
+    request.height = m_size.length;
+    request.orientation = m_orientation;
+    if (spareLength(0) > 0) {
+        for (const int code : kLongerThanLetter) {
+            const PageSize& size = *findPageSize(code);
+            // The logical page stays, the sheet's edge does not.
+            const InternalUnits left = m_leftOffset - insetDots(size, false) * kUnitsPerDot;
+            request.candidates.push_back({ size.width, size.length, static_cast<double>(left) / kUnitsPerDecipoint });
+        }
+    }
+    return request;
+}
 
 Matrix PageLayout::directionToPage(int direction) const
 {

@@ -58,6 +58,10 @@ public:
 
     /// A form length that no sheet has: the sheet stays, the logical page ends elsewhere.
     void setLength(InternalUnits length) { m_length = length; }
+    /// The job has not named the sheet: in portrait it may turn out to be a longer one.
+    void setGuessed() { m_isGuessed = true; }
+    /// How much longer in a direction's axes; 0 for a sheet that is known.
+    InternalUnits spareLength(int direction) const;
     /// Offsets along the sheet's short and long edge, whatever the orientation.
     void setRegistration(InternalUnits alongWidth, InternalUnits alongLength);
 
@@ -73,7 +77,7 @@ public:
     Position toOrientation(Position place, int direction) const;
     Position fromOrientation(Position place, int direction) const;
 
-    SheetRequest sheet() const { return { m_size.width, m_size.length, m_orientation }; }
+    SheetRequest sheet() const;
     /// From a direction's axes to page space (decipoints of the sheet in reading order).
     Matrix directionToPage(int direction) const;
 
@@ -83,6 +87,7 @@ private:
     InternalUnits m_width = 2400 * kUnitsPerDot;
     InternalUnits m_length = 3300 * kUnitsPerDot;
     InternalUnits m_leftOffset = 75 * kUnitsPerDot;
+    bool m_isGuessed = false;
     InternalUnits m_registrationX = 0; ///< in reading order, as the offset below
     InternalUnits m_registrationY = 0;
 };

@@ -7,6 +7,7 @@ namespace quillrip::pcl {
 namespace {
 
 constexpr InternalUnits kDefaultMargin = kUnitsPerInch / 2;
+constexpr int kLetter = 2;
 constexpr InternalUnits kSixLinesPerInch = kUnitsPerInch / 6;
 
 } // namespace
@@ -36,8 +37,10 @@ State defaultState(const Environment& environment)
     const PageSize custom = customPageSize(environment.customWidth, environment.customLength);
     const bool isCustom = environment.pageSize == 101 && custom.dotsWide > 150 && custom.dotsLong > 150;
     if (!size)
-        size = findPageSize(2);
+        size = findPageSize(kLetter);
     state.page = PageLayout(isCustom ? custom : *size, environment.orientation);
+    if (!environment.isPaperNamed && size->code == kLetter && !isCustom)
+        state.page.setGuessed();
     state.text = defaultTextArea(state.page);
     state.lineSpacing = defaultLineSpacing(environment, state.page);
     state.lineTermination = environment.lineTermination;

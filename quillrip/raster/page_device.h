@@ -4,7 +4,16 @@
 #include "quillrip/base/page_bitmap.h"
 #include "quillrip/raster/painter.h"
 
+#include <vector>
+
 namespace quillrip {
+
+/// A sheet that a page may turn out to be printed on.
+struct SheetCandidate {
+    double width = 0; ///< decipoints, as in SheetRequest
+    double height = 0;
+    double left = 0; ///< decipoints that it loses at the left edge of the page as requested
+};
 
 /// The sheet that a page is printed on and how the page lies on it.
 struct SheetRequest {
@@ -13,6 +22,9 @@ struct SheetRequest {
     /// Quarter turns counter-clockwise of the page on the sheet: 0 portrait, 1 landscape, 2 reverse portrait,
     /// 3 reverse landscape. The image shows the page upright.
     int orientation = 0;
+    /// Longer sheets, the best first, for a portrait page whose job does not name the sheet: the page becomes the first
+    /// on which everything lies that overruns the sheet above.
+    std::vector<SheetCandidate> candidates {};
 };
 
 /// Where a page is drawn. Page space is the whole sheet turned to reading order: origin at its top left corner as

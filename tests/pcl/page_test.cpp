@@ -30,6 +30,46 @@ TEST(PclPages, PageSizesAreThoseOfTheSheets)
     }
 }
 
+TEST(PclPages, ASheetThatIsNotNamedMayTurnOutToBeA4OrLegal)
+{
+    const auto rowAt = [](int y) { return at(0, y) + e("*t300R") + e("*r1A") + command("*b", "W", "\x80") + e("*rB"); };
+    const std::string unnamed = e("E") + e("&l0E");
+    const Printed longer = print(unnamed + rowAt(3000) + e("*p+600Y") + e("*r1A") + command("*b", "W", "\x40"));
+    ASSERT_EQ(longer.sheets[0].candidates.size(), 2u);
+    EXPECT_NEAR(longer.sheets[0].candidates[0].height, 297 / 25.4 * 720, 0.01);
+    EXPECT_NEAR(longer.sheets[0].candidates[0].left, 4 / 300.0 * 720, 0.01) << "the logical page begins 4 dots sooner";
+    EXPECT_NEAR(longer.sheets[0].candidates[1].height, 14 * 720, 0.01);
+    EXPECT_EQ(longer.sheets[0].candidates[1].left, 0);
+    EXPECT_TRUE(longer.isBlack(kLeft + 1, 3601));
+    EXPECT_EQ(longer.blackPixels(), 2u);
+    EXPECT_EQ(print(unnamed + at(0, 4000) + kMark).ink(), (PixelRect { kLeft, 4000, kLeft + 10, 4010 }));
+    const std::string toTheEnd = at(0, 5000) + e("*p-10Y") + kMark;
+    EXPECT_EQ(print(unnamed + toTheEnd).ink().top, 3290) << "no sheet is as long as that";
+    EXPECT_TRUE(print(unnamed + e("&l1O") + kMark).sheets[0].candidates.empty()) << "in landscape it is Letter";
+}
+
+TEST(PclPages, ASheetThatIsNamedStaysWhatItIs)
+{
+    PrinterSettings named;
+    named.environment.isPaperNamed = true;
+    for (const Printed& printed : { print(kStart + at(0, 3600) + kMark),
+             print(e("E") + e("&l0e66P") + at(0, 0) + kMark), print(e("E") + kMark, named) }) {
+        ASSERT_FALSE(printed.sheets.empty());
+        EXPECT_TRUE(printed.sheets[0].candidates.empty());
+        EXPECT_EQ(printed.pages[0].height(), 3300);
+    }
+}
+
+TEST(PclPages, LinesOfTextEndAtTheFootOfLetterAlsoWhereNoSheetIsNamed)
+{
+    std::string lines;
+    for (int line = 0; line < 70; ++line)
+        lines += "x\r\n";
+    const Printed text = print(lines);
+    ASSERT_EQ(text.pages.size(), 2u);
+    EXPECT_EQ(text.pages[0].height(), 3300);
+}
+
 TEST(PclPages, UnknownPageSizeIsIgnoredAndEjectsNothing)
 {
     const Printed printed = print(kStart + at(0, 0) + kMark + e("&l222A") + at(100, 0) + kMark);

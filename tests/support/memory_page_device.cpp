@@ -1,5 +1,6 @@
 #include "tests/support/memory_page_device.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace quillrip::test {
@@ -45,7 +46,11 @@ RunStatus MemoryPageDevice::beginPage(const SheetRequest& sheet, PageCanvas& can
     const bool isTurned = (sheet.orientation & 1) != 0;
     const double across = isTurned ? sheet.height : sheet.width;
     const double down = isTurned ? sheet.width : sheet.height;
-    m_open = PageBitmap(m_format, pixelsOf(across, m_resolution.x), pixelsOf(down, m_resolution.y), m_resolution);
+    double longest = down;
+    for (const SheetCandidate& candidate : sheet.candidates)
+        longest = std::max(longest, candidate.height);
+    m_height = pixelsOf(down, m_resolution.y);
+    m_open = PageBitmap(m_format, pixelsOf(across, m_resolution.x), pixelsOf(longest, m_resolution.y), m_resolution);
     if (m_open.isNull())
         return RunStatus::LimitExceeded;
     m_painter = std::make_unique<Painter>(m_open);
@@ -58,6 +63,8 @@ RunStatus MemoryPageDevice::beginPage(const SheetRequest& sheet, PageCanvas& can
 RunStatus MemoryPageDevice::endPage()
 {
     m_painter.reset();
+    if (!m_open.hasInk({ 0, m_height, m_open.width(), m_open.height() }))
+        m_open = std::move(m_open).cropped(0, m_open.width(), m_height);
     m_pages.push_back(std::move(m_open));
     m_open = PageBitmap();
     return RunStatus::Done;

@@ -9,7 +9,8 @@
 
 namespace quillrip::test {
 
-/// A page device that keeps what is printed, so that a test can look at it.
+/// A page device that keeps what is printed, so that a test can look at it. Pages on which a sheet that is not named is
+/// overrun keep all that was drawn.
 class MemoryPageDevice : public PageDevice {
 public:
     MemoryPageDevice(PixelFormat format, Resolution resolution);
@@ -39,7 +40,8 @@ private:
     std::size_t m_pageLimit = SIZE_MAX;
     std::vector<PageBitmap> m_pages;
     std::vector<SheetRequest> m_sheets;
-    PageBitmap m_open;
+    PageBitmap m_open; ///< as long as the longest candidate for its sheet
+    int m_height = 0; ///< of the sheet itself, device pixels
     std::unique_ptr<Painter> m_painter;
 };
 
