@@ -1,11 +1,12 @@
 #include "quillrip/base/page_bitmap.h"
 
 #include <algorithm>
-#include <cstdlib>
+
+#include <sys/mman.h>
 
 namespace quillrip {
 
-void PageBitmap::Free::operator()(std::uint8_t* pixels) const { std::free(pixels); }
+void PageBitmap::Unmap::operator()(std::uint8_t* pixels) const { munmap(pixels, bytes); }
 
 PageBitmap::PageBitmap(PixelFormat format, int width, int height, Resolution resolution)
     : m_format(format)
@@ -14,9 +15,12 @@ PageBitmap::PageBitmap(PixelFormat format, int width, int height, Resolution res
     , m_resolution(resolution)
     , m_stride((rowBytes() + 7) / 8 * 8)
 {
-    m_pixels.reset(static_cast<std::uint8_t*>(std::calloc(static_cast<std::size_t>(height), m_stride)));
-    if (m_pixels)
-        m_extents.resize(static_cast<std::size_t>(height));
+    const std::size_t bytes = static_cast<std::size_t>(height) * m_stride;
+    void* pixels = mmap(nullptr, bytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    if (pixels == MAP_FAILED)
+        return;
+    m_pixels = { static_cast<std::uint8_t*>(pixels), Unmap { bytes } };
+    m_extents.resize(static_cast<std::size_t>(height));
 }
 
 Rgb PageBitmap::pixel(int x, int y) const

@@ -96,7 +96,10 @@ public:
     PageBitmap cropped(int left, int width, int height) &&;
 
 private:
-    struct Free {
+    /// Pages are mapped and unmapped, never taken from the heap: it would keep them, and hand them out again with their
+    /// zeros written instead of mapped.
+    struct Unmap {
+        std::size_t bytes; ///< value-initialised with the pointer
         void operator()(std::uint8_t* pixels) const;
     };
 
@@ -105,7 +108,7 @@ private:
     int m_height = 0;
     Resolution m_resolution;
     std::size_t m_stride = 0;
-    std::unique_ptr<std::uint8_t, Free> m_pixels;
+    std::unique_ptr<std::uint8_t, Unmap> m_pixels;
     std::vector<Extent> m_extents;
 };
 

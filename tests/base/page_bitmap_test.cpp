@@ -2,6 +2,11 @@
 
 #include <gtest/gtest.h>
 
+#include <cstring>
+
+#include <sys/mman.h>
+#include <unistd.h>
+
 namespace quillrip {
 namespace {
 
@@ -90,6 +95,29 @@ TEST_P(EveryPageBitmap, CroppedBeyondItsEndIsWhite)
     EXPECT_TRUE(isMarked(larger, 36, 19));
     EXPECT_FALSE(larger.hasInk({ 37, 0, 60, 30 }));
     EXPECT_FALSE(larger.hasInk({ 0, 20, 60, 30 }));
+}
+
+/// System pages of a bitmap that take memory.
+std::size_t residentPages(PageBitmap& page)
+{
+    const std::size_t bytes = page.stride() * static_cast<std::size_t>(page.height());
+    const std::size_t systemPage = static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
+    std::vector<unsigned char> states((bytes + systemPage - 1) / systemPage);
+    EXPECT_EQ(mincore(page.row(0), bytes, states.data()), 0);
+    std::size_t count = 0;
+    for (const unsigned char state : states)
+        count += state & 1;
+    return count;
+}
+
+TEST(PageBitmapMemory, WhatAPageNeverMarksTakesNoMemoryAlsoAfterOtherPages)
+{
+    for (int i = 0; i < 3; ++i) {
+        PageBitmap page(PixelFormat::Rgb24, 2550, 3300, {});
+        EXPECT_EQ(residentPages(page), 0u) << "page " << i;
+        std::memset(page.row(0), 1, page.stride() * 3300);
+        EXPECT_GT(residentPages(page), 6000u);
+    }
 }
 
 INSTANTIATE_TEST_SUITE_P(
