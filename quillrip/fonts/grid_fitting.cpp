@@ -413,14 +413,14 @@ Path fittedToRows(const Path& outline, const FittingGuide& guide)
     return mapped(outline, [&](Point p) { return Point { p.x, rows.moved(p.y) }; });
 }
 
-bool fitToDevice(const Path& shape, const Matrix& glyphToDevice, GlyphMask::Depth depth, const FittingGuide& face,
-    Path& fitted, Matrix& toDevice)
+bool rasteriseFitted(
+    const Path& shape, const Matrix& glyphToDevice, GlyphMask::Depth depth, const FittingGuide& face, GlyphMask& mask)
 {
     // Larger letters have strokes whose widths differ by less than can be seen.
     constexpr double kLargestFittedEm = 250;
     const AxisScale axes = axisScale(glyphToDevice);
     if (!axes.isAligned || axes.x > kLargestFittedEm || axes.y > kLargestFittedEm)
-        return false;
+        return rasteriseOutline(shape, glyphToDevice, depth, mask);
     FittingGuide guide;
     guide.em = std::max(axes.x, axes.y);
     guide.stem = face.stem * axes.x;
@@ -428,9 +428,8 @@ bool fitToDevice(const Path& shape, const Matrix& glyphToDevice, GlyphMask::Dept
     for (const AlignmentZone& zone : face.zones)
         guide.zones.push_back({ zone.flat * axes.y, zone.round * axes.y });
     const Path scaled = shape.transformed(Matrix::scaling(axes.x, axes.y));
-    fitted = depth == GlyphMask::Depth::Bits ? fittedToGrid(scaled, guide) : fittedToRows(scaled, guide);
-    toDevice = axes.turn;
-    return true;
+    const Path fitted = depth == GlyphMask::Depth::Bits ? fittedToGrid(scaled, guide) : fittedToRows(scaled, guide);
+    return rasteriseOutline(fitted, axes.turn, depth, mask);
 }
 
 double uprightStrokeWidth(const Path& outline, double em) { return longestStroke(outline, em, true); }

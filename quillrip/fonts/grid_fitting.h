@@ -28,11 +28,10 @@ Path fittedToGrid(const Path& outline, const FittingGuide& guide);
 /// The same for level strokes only: for coverage, where strokes keep their places along the line.
 Path fittedToRows(const Path& outline, const FittingGuide& guide);
 
-/// An outline in glyph space made ready for pixels: fitted (`depth` tells which way), in device pixels along the axes,
-/// with `toDevice` to put it into place. `face` is in glyph space units, with em 1. False, and nothing done, where
-/// fitting makes no sense: slanted or turned text, very large letters.
-bool fitToDevice(const Path& shape, const Matrix& glyphToDevice, GlyphMask::Depth depth, const FittingGuide& face,
-    Path& fitted, Matrix& toDevice);
+/// Pixels of an outline in glyph space as by rasteriseOutline(), fitted before: to the grid for bits, to rows for
+/// coverage. `face` is in glyph space units, with em 1. Slanted or turned text and very large letters stay as they are.
+bool rasteriseFitted(
+    const Path& shape, const Matrix& glyphToDevice, GlyphMask::Depth depth, const FittingGuide& face, GlyphMask& mask);
 
 /// Width of the longest upright stroke of an outline and thickness of its longest level one, in its own units; 0 when
 /// it has none. `em` in the same units.

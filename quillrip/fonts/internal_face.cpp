@@ -340,12 +340,9 @@ bool InternalFace::rasterise(
         return false;
     if (style.bold > 0)
         return rasteriseOutline(emboldened(shape, style.bold, style.bold), glyphToDevice, depth, mask);
-    Path fitted;
-    Matrix toDevice;
     const Source source = isBoxDrawing(unicodeOf(glyph)) ? Source {} : find(glyph);
-    if (source.isOwn && !m_boundSet
-        && fitToDevice(shape, glyphToDevice, depth, guideFor(glyph, source), fitted, toDevice))
-        return rasteriseOutline(fitted, toDevice, depth, mask);
+    if (source.isOwn && !m_boundSet)
+        return rasteriseFitted(shape, glyphToDevice, depth, guideFor(glyph, source), mask);
     return rasteriseOutline(shape, glyphToDevice, depth, mask);
 }
 

@@ -229,11 +229,7 @@ bool TrueTypeSoftFont::rasterise(
         return false;
     if (style.bold > 0)
         return rasteriseOutline(emboldened(shape, style.bold, style.bold), glyphToDevice, depth, mask);
-    Path fitted;
-    Matrix toDevice;
-    if (fitToDevice(shape, glyphToDevice, depth, measures(), fitted, toDevice))
-        return rasteriseOutline(fitted, toDevice, depth, mask);
-    return rasteriseOutline(shape, glyphToDevice, depth, mask);
+    return rasteriseFitted(shape, glyphToDevice, depth, measures(), mask);
 }
 
 bool TrueTypeSoftFont::staysUpright(std::uint32_t code) const
