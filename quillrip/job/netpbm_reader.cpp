@@ -7,7 +7,7 @@ namespace quillrip {
 
 namespace {
 
-constexpr int kLargestNumber = 1 << 28;
+constexpr int kLargestNumber = 99999999; // one more digit still fits an int
 
 bool isBlank(int c) { return c == ' ' || c == '\n' || c == '\r' || c == '\t'; }
 
@@ -37,10 +37,10 @@ int NetpbmReader::number()
         }
     }
     int value = 0;
-    for (; c >= '0' && c <= '9' && value < kLargestNumber; c = m_input.get())
+    for (; c >= '0' && c <= '9' && value <= kLargestNumber; c = m_input.get())
         value = value * 10 + (c - '0');
     // The one blank behind the last number has been taken.
-    return isBlank(c) && value < kLargestNumber ? value : 0;
+    return isBlank(c) && value <= kLargestNumber ? value : 0;
 }
 
 bool NetpbmReader::nextPage(NetpbmHeader& header)
