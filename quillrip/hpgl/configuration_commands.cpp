@@ -48,22 +48,21 @@ void Machine::updateFrame()
     m_plotScale = std::min(scaleX, scaleY);
     const double x = scaleX * kDecipointsPerUnit;
     const double y = scaleY * kDecipointsPerUnit;
-    Matrix frameToPage;
     switch (f.quarterTurns & 3) {
     case 1:
-        frameToPage = { 0, x, y, 0, f.left, f.top };
+        m_frameToPage = { 0, x, y, 0, f.left, f.top };
         break;
     case 2:
-        frameToPage = { -x, 0, 0, y, f.left + f.width, f.top };
+        m_frameToPage = { -x, 0, 0, y, f.left + f.width, f.top };
         break;
     case 3:
-        frameToPage = { 0, -x, -y, 0, f.left + f.width, f.top + f.height };
+        m_frameToPage = { 0, -x, -y, 0, f.left + f.width, f.top + f.height };
         break;
     default:
-        frameToPage = { x, 0, 0, -y, f.left, f.top + f.height };
+        m_frameToPage = { x, 0, 0, -y, f.left, f.top + f.height };
         break;
     }
-    m_plotterToPage = rotation(m_state.quarterTurns, frameSize()) * frameToPage;
+    m_plotterToPage = rotation(m_state.quarterTurns, frameSize()) * m_frameToPage;
     m_clipIsStale = true;
 }
 

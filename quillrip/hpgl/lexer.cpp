@@ -154,8 +154,9 @@ bool isUniversalExit(ByteView window)
 namespace {
 
 /// The rest of a PCL command behind its ESC and parameterised character, chained parts and binary data included.
-void skipParameterised(InputStream& input)
+void skipParameterised(InputStream& input, int prefix)
 {
+    const bool isTransfer = isRasterTransfer(prefix, input.peek());
     // A command that is not ended within a few hundred bytes is none.
     for (int count = 0; count < 512; ++count) {
         bool hasNumber = false;
@@ -166,7 +167,8 @@ void skipParameterised(InputStream& input)
         if (byte < 0x20 || byte > 0x7E)
             return;
         input.get();
-        if ((byte == 'W' || byte == 'w' || byte == 'V' || byte == 'v') && hasNumber && number > 0)
+        const bool hasData = byte == 'W' || byte == 'w' || (isTransfer && (byte == 'V' || byte == 'v'));
+        if (hasData && hasNumber && number > 0)
             input.skip(static_cast<std::uint64_t>(number));
         if (byte >= '@' && byte <= '^')
             return;
@@ -219,11 +221,11 @@ EscapeSequence readEscape(InputStream& input)
             input.get();
             sequence.kind = third == 'A' ? EscapeSequence::Kind::EnterPcl : EscapeSequence::Kind::EnterHpgl;
         } else {
-            skipParameterised(input);
+            skipParameterised(input, second);
         }
     } else if (second < '0') {
         input.get();
-        skipParameterised(input);
+        skipParameterised(input, second);
     } else {
         input.get();
     }

@@ -72,6 +72,10 @@ struct EscapeSequence {
 /// Takes one escape sequence; the input stands on the ESC. Only UniversalExit is left where it is.
 EscapeSequence readEscape(InputStream& input);
 
+/// Whether the commands of an escape sequence that begins with these two characters behind its ESC transfer rows of
+/// raster: of those, V has data too.
+inline bool isRasterTransfer(int prefix, int group) { return prefix == '*' && group == 'b'; }
+
 /// Whether `window` begins with the Universal Exit Language command.
 bool isUniversalExit(ByteView window);
 

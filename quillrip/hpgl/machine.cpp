@@ -17,13 +17,14 @@ constexpr unsigned kSuspiciousErrors = 64;
 } // namespace
 
 Machine::Machine(Host& host, Surface& surface, FontLibrary& fonts, DiagnosticSink& sink, const Limits& limits,
-    PlotListener* listener)
+    PlotListener* listener, RasterLanguage* rasterLanguage)
     : m_host(host)
     , m_surface(surface)
     , m_fonts(fonts)
     , m_sink(sink)
     , m_limits(limits)
     , m_listener(listener)
+    , m_rasterLanguage(rasterLanguage)
 {
 }
 
@@ -140,6 +141,14 @@ Machine::Stop Machine::run(InputStream& input)
 bool Machine::obeyEscape(InputStream& input, Stop& stop)
 {
     m_commandOffset = input.offset();
+    if (m_rasterLanguage && !m_isSwitchedOff) {
+        // Drivers set up the raster before they enter HP-GL/2 for the first time.
+        const ByteView start = input.window(3);
+        if (start.size >= 3 && (start[1] == '*' || (start[1] == '&' && (start[2] == 'a' || start[2] == 'p')))) {
+            visitRasterLanguage(input, RasterLanguage::Entry::Unannounced);
+            return true;
+        }
+    }
     const EscapeSequence sequence = readEscape(input);
     switch (sequence.kind) {
     case EscapeSequence::Kind::UniversalExit:
@@ -154,7 +163,11 @@ bool Machine::obeyEscape(InputStream& input, Stop& stop)
             stop = Stop::EnterPcl;
             return false;
         }
-        skipRasterLanguage(input);
+        if (m_rasterLanguage)
+            visitRasterLanguage(
+                input, (sequence.value & 1) ? RasterLanguage::Entry::AtPen : RasterLanguage::Entry::KeepsPosition);
+        else
+            skipRasterLanguage(input);
         return true;
     case EscapeSequence::Kind::DeviceControl:
         handleControl(sequence.control);
@@ -166,26 +179,6 @@ bool Machine::obeyEscape(InputStream& input, Stop& stop)
         return true;
     }
     return true;
-}
-
-/// A plotter's ESC%#A leads to its raster language, which is a subset of PCL.
-void Machine::skipRasterLanguage(InputStream& input)
-{
-    warn("hpgl.raster-language", "raster graphics between HP-GL/2 (HP RTL) are not drawn");
-    for (;;) {
-        const int byte = input.peek();
-        if (byte < 0)
-            return;
-        if (byte != kEscape) {
-            input.get();
-            continue;
-        }
-        const ByteView window = input.window(9);
-        if (isUniversalExit(window) || (window.size >= 2 && window[1] == 'E'))
-            return;
-        if (readEscape(input).kind == EscapeSequence::Kind::EnterHpgl)
-            return;
-    }
 }
 
 void Machine::handleControl(char control)

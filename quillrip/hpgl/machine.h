@@ -8,6 +8,7 @@
 #include "quillrip/hpgl/lexer.h"
 #include "quillrip/hpgl/line_pattern.h"
 #include "quillrip/hpgl/polygon.h"
+#include "quillrip/hpgl/raster_language.h"
 #include "quillrip/hpgl/state.h"
 #include "quillrip/hpgl/surface.h"
 
@@ -32,6 +33,8 @@ public:
     virtual void scaled() = 0;
     /// PG, AF, AH, BP: the page is finished. `isForced`: also when nothing was drawn.
     virtual void advancePage(bool isForced) = 0;
+    /// A raster of the plotter's other language lies there, in page space.
+    virtual void rasterCovered(const PageRect& raster) = 0;
 };
 
 /// The interpreter proper: state, commands and the drawing that follows from them.
@@ -39,13 +42,14 @@ class Machine {
 public:
     enum class Stop { InputEnded, EnterPcl, Reset, UniversalExit, Failed };
 
-    /// `listener` is null inside PCL; with it, the commands of plot files of their own are obeyed.
+    /// `listener` is null inside PCL; with it, the commands of plot files of their own are obeyed. `rasterLanguage` is
+    /// what ESC%#A leads to in those; null: it is passed over.
     Machine(Host& host, Surface& surface, FontLibrary& fonts, DiagnosticSink& sink, const Limits& limits,
-        PlotListener* listener);
+        PlotListener* listener, RasterLanguage* rasterLanguage = nullptr);
 
     Stop run(InputStream& input);
     int enterPclValue() const { return m_enterPclValue; }
-    RunStatus status() const { return m_surface.status(); }
+    RunStatus status() const { return m_rasterStatus != RunStatus::Done ? m_rasterStatus : m_surface.status(); }
 
     Point penOnPage();
     void setPenOnPage(Point page);
@@ -108,7 +112,6 @@ private:
     void initialise(); ///< as IN does, without its effect on the palette
     void execute(Mnemonic mnemonic, Lexer& lexer);
     bool obeyEscape(InputStream& input, Stop& stop);
-    void skipRasterLanguage(InputStream& input);
     void handleControl(char control);
     void warn(const char* kind, std::string message);
     std::size_t operandCount() const { return m_operands.size(); }
@@ -119,6 +122,11 @@ private:
     /// Rounded and cut to -32768 ... 32767.
     int clampedInteger(std::size_t index, int otherwise = 0) const;
     double clampedReal(std::size_t index, double otherwise = 0) const;
+
+    // Raster between vectors (raster_visit.cpp)
+    class VisitedPage;
+    void visitRasterLanguage(InputStream& input, RasterLanguage::Entry entry);
+    void skipRasterLanguage(InputStream& input);
 
     // Coordinates (configuration_commands.cpp)
     void updateFrame();
@@ -288,9 +296,12 @@ private:
     DiagnosticSink& m_sink;
     const Limits m_limits;
     PlotListener* const m_listener;
+    RasterLanguage* const m_rasterLanguage;
+    RunStatus m_rasterStatus = RunStatus::Done;
 
     State m_state;
     PictureFrame m_frame;
+    Matrix m_frameToPage; ///< plotter units at RO0 to page space
     Matrix m_plotterToPage; ///< rotated plotter units to page space
     double m_plotScale = 1; ///< the smaller of the frame's scale factors: for metric lengths
     UserToPlotter m_userToPlotter;

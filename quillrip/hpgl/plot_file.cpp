@@ -100,10 +100,12 @@ std::optional<Point> sizeOfPlotSize(const std::vector<double>& operands, const P
 /// The first reading: nothing is drawn, but what every page needs is found out.
 class MeasuringPass final : public PlotterHost, private PlotListener {
 public:
-    MeasuringPass(FontLibrary& fonts, const Limits& limits, const PlotEnvironment& environment)
+    MeasuringPass(FontLibrary& fonts, const Limits& limits, const PlotEnvironment& environment,
+        const RasterLanguageFactory& rasterLanguage)
         : m_environment(environment)
         , m_size(assumedPaper(environment))
-        , m_machine(*this, m_surface, fonts, m_sink, limits, this)
+        , m_rasterLanguage(rasterLanguage ? rasterLanguage(fonts, m_sink) : nullptr)
+        , m_machine(*this, m_surface, fonts, m_sink, limits, this, m_rasterLanguage.get())
     {
     }
 
@@ -159,6 +161,10 @@ private:
         rect.include(corner1);
         rect.include(corner2);
         (isInputWindow ? m_facts.inputWindow : m_facts.inputPoints) = rect;
+        PlotRect unrotated = PlotRect::nothing();
+        unrotated.include(withoutRotation(m_machine.plotterToPage().apply(corner1)));
+        unrotated.include(withoutRotation(m_machine.plotterToPage().apply(corner2)));
+        (isInputWindow ? m_unrotatedWindow : m_unrotatedPoints) = unrotated;
     }
 
     void pointsDefaulted() override { m_hasOwnPoints = false; }
@@ -177,9 +183,14 @@ private:
 
     void endPage()
     {
-        if (m_facts.hasMixedTurns)
+        if (m_facts.hasMixedTurns || m_facts.hasRaster)
             m_facts.extent = m_unrotated;
-        m_pages.push_back(m_facts);
+        PlotFacts page = m_facts;
+        if (page.hasRaster) {
+            page.inputWindow = m_unrotatedWindow;
+            page.inputPoints = m_unrotatedPoints;
+        }
+        m_pages.push_back(page);
         // PS stays in force until the next; what the state still holds is known to the next page too.
         PlotFacts next;
         next.plotLength = m_facts.plotLength;
@@ -202,8 +213,22 @@ private:
         const Matrix toPlotter = m_machine.plotterToPage().inverted();
         for (const Point corner : { Point { bounds.left, bounds.top }, Point { bounds.right, bounds.bottom } }) {
             m_facts.extent.include(toPlotter.apply(corner));
-            m_unrotated.include({ corner.x / kDecipointsPerUnit, m_size.y - corner.y / kDecipointsPerUnit });
+            m_unrotated.include(withoutRotation(corner));
         }
+    }
+
+    void rasterCovered(const PageRect& raster) override
+    {
+        m_facts.isDrawn = true;
+        m_facts.hasRaster = true;
+        m_unrotated.include(withoutRotation({ raster.left, raster.top }));
+        m_unrotated.include(withoutRotation({ raster.right, raster.bottom }));
+    }
+
+    /// Page space to plotter units at RO0.
+    Point withoutRotation(Point page) const
+    {
+        return { page.x / kDecipointsPerUnit, m_size.y - page.y / kDecipointsPerUnit };
     }
 
     const PlotEnvironment& m_environment;
@@ -212,20 +237,24 @@ private:
     ExtentSurface m_surface;
     PlotFacts m_facts;
     PlotRect m_unrotated = PlotRect::nothing();
+    std::optional<PlotRect> m_unrotatedWindow;
+    std::optional<PlotRect> m_unrotatedPoints;
     bool m_hasOwnPoints = false;
     std::vector<PlotFacts> m_pages;
+    std::unique_ptr<RasterLanguage> m_rasterLanguage;
     Machine m_machine;
 };
 
 /// The second reading: pages of known size are drawn.
 class DrawingPass final : public PlotterHost, private PlotListener {
 public:
-    DrawingPass(
-        PageDevice& device, FontLibrary& fonts, DiagnosticSink& sink, const Limits& limits, std::vector<PlotPage> pages)
+    DrawingPass(PageDevice& device, FontLibrary& fonts, DiagnosticSink& sink, const Limits& limits,
+        const RasterLanguageFactory& rasterLanguage, std::vector<PlotPage> pages)
         : m_device(device)
         , m_pages(std::move(pages))
         , m_surface(*this)
-        , m_machine(*this, m_surface, fonts, sink, limits, this)
+        , m_rasterLanguage(rasterLanguage ? rasterLanguage(fonts, sink) : nullptr)
+        , m_machine(*this, m_surface, fonts, sink, limits, this, m_rasterLanguage.get())
     {
     }
 
@@ -244,8 +273,12 @@ private:
 
     RunStatus beginMark(PageCanvas& canvas) override
     {
-        const RunStatus status = m_device.beginPage(page().sheet, canvas);
+        // Vectors and raster ask each for itself.
+        RunStatus status = RunStatus::Done;
+        if (!m_isOpen)
+            status = m_device.beginPage(page().sheet, m_canvas);
         m_isOpen = status == RunStatus::Done;
+        canvas = m_canvas;
         return status;
     }
     PageCanvas previewCanvas() const override { return m_device.preview(page().sheet); }
@@ -255,6 +288,7 @@ private:
     void plotWindow(bool, Point, Point) override { }
     void pointsDefaulted() override { }
     void scaled() override { }
+    void rasterCovered(const PageRect&) override { }
 
     void advancePage(bool isForced) override
     {
@@ -285,7 +319,9 @@ private:
     std::vector<PlotPage> m_pages;
     std::size_t m_page = 0;
     bool m_isOpen = false;
+    PageCanvas m_canvas;
     PageSurface m_surface;
+    std::unique_ptr<RasterLanguage> m_rasterLanguage;
     Machine m_machine;
 };
 
@@ -349,12 +385,13 @@ const DefaultPoints* defaultPointsFor(Point sheet)
 class PlotFile::Implementation {
 public:
     Implementation(PageDevice& device, FontLibrary& fonts, DiagnosticSink& sink, const Limits& limits,
-        const PlotEnvironment& environment)
+        const PlotEnvironment& environment, RasterLanguageFactory rasterLanguage)
         : m_device(device)
         , m_fonts(fonts)
         , m_sink(sink)
         , m_limits(limits)
         , m_environment(environment)
+        , m_rasterLanguage(std::move(rasterLanguage))
     {
     }
 
@@ -370,7 +407,7 @@ public:
         std::vector<PlotFacts> facts;
         {
             MemoryInputStream bytes { ByteView(kept) };
-            MeasuringPass pass(m_fonts, m_limits, m_environment);
+            MeasuringPass pass(m_fonts, m_limits, m_environment, m_rasterLanguage);
             prepare(pass.machine(), isOlder, false);
             facts = pass.run(bytes);
             needsPen = !pass.machine().hasSelectedPen();
@@ -378,7 +415,7 @@ public:
         if (needsPen) {
             // Plots that never choose a pen are meant to be seen all the same.
             MemoryInputStream bytes { ByteView(kept) };
-            MeasuringPass pass(m_fonts, m_limits, m_environment);
+            MeasuringPass pass(m_fonts, m_limits, m_environment, m_rasterLanguage);
             prepare(pass.machine(), isOlder, true);
             facts = pass.run(bytes);
         }
@@ -393,7 +430,7 @@ public:
             sink.report({ Severity::Warning, 0, "hpgl.huge-plot",
                 "the drawing is larger than any sheet and was reduced to fit one" });
         ReplayStream replay(kept, source);
-        DrawingPass pass(m_device, m_fonts, sink, m_limits, std::move(pages));
+        DrawingPass pass(m_device, m_fonts, sink, m_limits, m_rasterLanguage, std::move(pages));
         prepare(pass.machine(), isOlder, needsPen);
         m_status = pass.run(replay);
         if (m_status != RunStatus::Done)
@@ -455,12 +492,14 @@ private:
     DiagnosticSink& m_sink;
     const Limits m_limits;
     const PlotEnvironment m_environment;
+    const RasterLanguageFactory m_rasterLanguage;
     RunStatus m_status = RunStatus::Done;
 };
 
 PlotFile::PlotFile(PageDevice& device, FontLibrary& fonts, DiagnosticSink& sink, const Limits& limits,
-    const PlotEnvironment& environment)
-    : m_implementation(std::make_unique<Implementation>(device, fonts, sink, limits, environment))
+    const PlotEnvironment& environment, RasterLanguageFactory rasterLanguage)
+    : m_implementation(
+        std::make_unique<Implementation>(device, fonts, sink, limits, environment, std::move(rasterLanguage)))
 {
 }
 

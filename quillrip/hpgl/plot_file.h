@@ -3,6 +3,7 @@
 #include "quillrip/base/diagnostics.h"
 #include "quillrip/base/input_stream.h"
 #include "quillrip/base/limits.h"
+#include "quillrip/hpgl/raster_language.h"
 #include "quillrip/raster/page_device.h"
 
 #include <memory>
@@ -36,9 +37,9 @@ public:
         Failed, ///< status() says why; nothing more may be run
     };
 
-    /// All references must outlive the plot.
+    /// All references must outlive the plot. Without a raster language, raster between vectors is passed over.
     PlotFile(PageDevice& device, FontLibrary& fonts, DiagnosticSink& sink, const Limits& limits,
-        const PlotEnvironment& environment);
+        const PlotEnvironment& environment, RasterLanguageFactory rasterLanguage = {});
     ~PlotFile();
     PlotFile(const PlotFile&) = delete;
     PlotFile& operator=(const PlotFile&) = delete;

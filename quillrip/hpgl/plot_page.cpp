@@ -112,12 +112,20 @@ Placed fromExtent(const PlotRect& extent, bool isMetric)
 
 Placed place(const PlotFacts& facts, const PlotEnvironment& environment)
 {
-    const bool isTurned = facts.quarterTurns & 1;
+    const bool isTurned = (facts.quarterTurns & 1) && !facts.hasRaster;
     const auto upright = [&](double length, double width) {
         return Placed { isTurned ? Point { width, length } : Point { length, width }, {} };
     };
-    if (environment.paperWidth > 0 && environment.paperHeight > 0)
-        return upright(environment.paperWidth / kDecipointsPerUnit, environment.paperHeight / kDecipointsPerUnit);
+    if (environment.paperWidth > 0 && environment.paperHeight > 0) {
+        Placed paper
+            = upright(environment.paperWidth / kDecipointsPerUnit, environment.paperHeight / kDecipointsPerUnit);
+        // Raster cannot be turned, so the sheet is fed as the raster needs it.
+        const Point needed { facts.plotLength.value_or(facts.extent.high.x),
+            facts.plotWidth.value_or(facts.extent.high.y) };
+        if (facts.hasRaster && (needed.x > needed.y) != (paper.size.x > paper.size.y))
+            std::swap(paper.size.x, paper.size.y);
+        return paper;
+    }
     if (facts.plotLength && facts.plotWidth)
         return upright(*facts.plotLength, *facts.plotWidth);
     if (facts.plotLength) {
@@ -174,21 +182,26 @@ PlotPage plotPage(const PlotFacts& facts, const PlotEnvironment& environment)
         const Point largest = kMetricSheets.back();
         reduction = std::min(largest.x / placed.size.x, largest.y / placed.size.y);
     }
-    const Point plot = placed.size * kDecipointsPerUnit;
+    Point plot = placed.size * kDecipointsPerUnit;
+    if (facts.hasRaster) {
+        // From the unrotated system to the one whose x axis runs to the reader's right.
+        std::swap(plot.x, plot.y);
+        std::swap(placed.lowerLeft.x, placed.lowerLeft.y);
+    }
     const Point onPage { std::max(plot.x * reduction, 1.0), std::max(plot.y * reduction, 1.0) };
     page.sheet.width = std::min(onPage.x, onPage.y);
     page.sheet.height = std::max(onPage.x, onPage.y);
     page.sheet.orientation = onPage.x > onPage.y ? 1 : 0;
 
     PictureFrame& frame = page.frame;
-    const int turns = facts.hasMixedTurns ? 0 : facts.quarterTurns;
+    const int turns = facts.hasRaster ? 1 : facts.hasMixedTurns ? 0 : facts.quarterTurns;
     frame.quarterTurns = turns;
     frame.width = onPage.x;
     frame.height = onPage.y;
     frame.plotWidth = turns & 1 ? plot.y : plot.x;
     frame.plotHeight = turns & 1 ? plot.x : plot.y;
     frame.left = -placed.lowerLeft.x * kDecipointsPerUnit * reduction;
-    frame.top = placed.lowerLeft.y * kDecipointsPerUnit * reduction;
+    frame.top = (facts.hasRaster ? -1 : 1) * placed.lowerLeft.y * kDecipointsPerUnit * reduction;
     frame.cutsAtFrame = false;
     frame.clipLeft = 0;
     frame.clipTop = 0;

@@ -26,6 +26,9 @@ struct PlotFacts {
     PlotRect extent = PlotRect::nothing(); ///< of all marks, pen widths included
     int quarterTurns = 0; ///< RO / 90 of the marks
     bool hasMixedTurns = false; ///< RO changed between marks: `extent` is then in the unrotated system
+    /// There is raster among the marks. Its rows run along the plotter's y axis whatever RO says, so that the page is
+    /// read with x running down; all rectangles are then in the unrotated system.
+    bool hasRaster = false;
     std::optional<double> plotLength; ///< PS
     std::optional<double> plotWidth;
     std::optional<PlotRect> inputWindow; ///< IW before the first mark

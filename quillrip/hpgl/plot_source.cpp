@@ -19,6 +19,8 @@ std::size_t PlotSource::pull(std::uint8_t* to, std::size_t count)
         return 0;
     }
     std::size_t take = std::min(count, window.size);
+    if (m_opaque == 0 && m_isInSequence)
+        m_opaque = escapeLength();
     if (m_opaque == 0 && window[0] == kEscape) {
         if (isUniversalExit(window)) {
             m_isOver = true;
@@ -45,13 +47,19 @@ std::size_t PlotSource::pull(std::uint8_t* to, std::size_t count)
 std::uint64_t PlotSource::escapeLength()
 {
     // ESC, a parameterised character, perhaps a group character, numbers and letters up to a capital. A number before
-    // W counts bytes of data behind it, in which an ESC means nothing.
+    // W counts bytes of data behind it, in which an ESC means nothing, as does that before the V of a raster's plane.
     constexpr std::size_t kLongest = 256;
     const ByteView window = m_input.window(kLongest);
-    if (window.size < 2 || window[1] < 0x21 || window[1] > 0x2F || window[1] == '.')
-        return 1;
+    std::size_t at = 0;
+    if (!m_isInSequence) {
+        if (window.size < 2 || window[1] < 0x21 || window[1] > 0x2F || window[1] == '.')
+            return 1;
+        m_isTransfer = window.size > 2 && isRasterTransfer(window[1], window[2]);
+        at = 2;
+    }
+    m_isInSequence = false;
     std::uint64_t number = 0;
-    for (std::size_t at = 2; at < window.size; ++at) {
+    for (; at < window.size; ++at) {
         const std::uint8_t byte = window[at];
         if (byte >= '0' && byte <= '9') {
             number = std::min<std::uint64_t>(number * 10 + (byte - '0'), UINT32_MAX);
@@ -59,11 +67,15 @@ std::uint64_t PlotSource::escapeLength()
         }
         if (byte < 0x20 || byte > 0x7E)
             return at;
+        const std::uint8_t letter = byte & 0xDF;
+        const std::uint64_t data = letter == 'W' || (letter == 'V' && m_isTransfer) ? number : 0;
         if (byte >= '@' && byte <= '^')
-            return at + 1 + (byte == 'W' || byte == 'V' ? number : 0);
-        if (byte == 'w' || byte == 'v')
-            return at + 1 + number; // what follows is looked at anew
-        if (byte != '-' && byte != '+' && byte != '.' && byte != ' ')
+            return at + 1 + data;
+        if (data > 0) {
+            m_isInSequence = true; // and goes on behind the data
+            return at + 1 + data;
+        }
+        if (byte != '.' && byte != ' ')
             number = 0;
     }
     return window.size;

@@ -23,13 +23,15 @@ protected:
     std::size_t pull(std::uint8_t* to, std::size_t count) override;
 
 private:
-    /// Bytes of an escape sequence and its binary data that begin here.
+    /// Bytes of an escape sequence, or of what is left of one, and its binary data that begin here.
     std::uint64_t escapeLength();
 
     InputStream& m_input;
     End m_end = End::InputEnded;
     bool m_isOver = false;
     std::uint64_t m_opaque = 0; ///< bytes that are data, whatever they look like
+    bool m_isInSequence = false; ///< behind them a combined escape sequence goes on
+    bool m_isTransfer = false; ///< which transfers rows of raster
 };
 
 /// Bytes that were kept, and then the rest of where they came from.

@@ -16,6 +16,8 @@ constexpr int kCommandsLookedAt = 12;
 constexpr int kFailuresAllowed = 1;
 /// So few commands must all be believable.
 constexpr int kShortPlot = 4;
+/// Plotter units; a little more than the long edge of the largest sheet that desktop printers take.
+constexpr double kLargeFormat = 17400;
 
 enum class Form : std::uint8_t {
     Numbers,
@@ -178,9 +180,9 @@ bool isLower(int byte) { return byte >= 'a' && byte <= 'z'; }
 /// Reads commands from the start of the data as a plotter would and judges them.
 class Judge {
 public:
-    explicit Judge(ByteView bytes)
-        : m_bytes(bytes.sub(0, kWindow))
-        , m_isCut(bytes.size >= kWindow)
+    Judge(ByteView bytes, std::size_t window)
+        : m_bytes(bytes.sub(0, window))
+        , m_isCut(bytes.size >= window)
     {
     }
 
@@ -206,6 +208,42 @@ public:
         if (m_commands < kShortPlot && m_failures > 0)
             return false;
         return m_commands > 0 && m_hasOperands;
+    }
+
+    bool decideWithRaster()
+    {
+        bool isInVectors = false;
+        for (;;) {
+            skipSeparators();
+            if (m_at >= m_bytes.size)
+                return false;
+            if (peek() != kEscape) {
+                const bool isGood = isInVectors && readCommand(false);
+                if (!isInVectors || m_wasCut || (!isGood && ++m_failures > kFailuresAllowed))
+                    return false;
+                notePage();
+            } else if (startsWith("\x1b%-1B")) {
+                return true;
+            } else if (peek(1) == 'E') {
+                if (m_page.hasBegun || m_page.hasSize)
+                    return false;
+                m_at += 2;
+                isInVectors = false;
+            } else if (peek(1) == '%') {
+                m_at += 2;
+                while (isDigit(peek()))
+                    ++m_at;
+                if (peek() != 'A' && peek() != 'B')
+                    return false;
+                isInVectors = peek() == 'B';
+                ++m_at;
+            } else if (!skipRasterSequence()) {
+                return false;
+            }
+            const bool asksForPage = m_page.hasBegun || m_page.hasSize;
+            if ((asksForPage && m_hasRaster) || (m_page.hasBothEdges && (m_page.hasBegun || m_page.isLarge)))
+                return true;
+        }
     }
 
 private:
@@ -242,8 +280,72 @@ private:
         }
     }
 
+    /// After a command: whether it asked for a page.
+    void notePage()
+    {
+        const ByteView command = m_bytes.sub(m_commandAt, m_at - m_commandAt);
+        if (command.size < 2)
+            return;
+        const int first = command[0] & ~0x20;
+        const int second = command[1] & ~0x20;
+        m_page.hasBegun = m_page.hasBegun || (first == 'B' && second == 'P');
+        if (first != 'P' || second != 'S')
+            return;
+        int edges = 0;
+        double edge = 0;
+        for (std::size_t at = 2; at < command.size; ++at) {
+            const bool isInNumber = isDigit(command[at]);
+            if (isInNumber && !isDigit(command[at - 1])) {
+                ++edges;
+                edge = 0;
+            }
+            if (isInNumber)
+                edge = edge * 10 + (command[at] - '0');
+            m_page.isLarge = m_page.isLarge || edge > kLargeFormat;
+        }
+        m_page.hasSize = m_page.hasSize || edges > 0;
+        m_page.hasBothEdges = m_page.hasBothEdges || edges == 2;
+    }
+
+    /// Takes an escape sequence that both PCL and the raster language of plotters have; false for any other.
+    bool skipRasterSequence()
+    {
+        const int prefix = peek(1);
+        const int group = peek(2);
+        const char* const letters = prefix == '*' && group > 0 && std::strchr("bgilmprtv", group) ? "" // any
+            : prefix == '&' && group == 'a'                                                       ? "HNV"
+            : prefix == '&' && group == 'p'                                                       ? "CIS"
+            : prefix == '&' && group == 'u'                                                       ? "D"
+                                                                                                  : nullptr;
+        if (!letters)
+            return false;
+        m_at += 3;
+        for (;;) {
+            std::uint64_t number = 0;
+            for (; isDigit(peek()) || peek() == '+' || peek() == '-' || peek() == '.'; ++m_at) {
+                if (isDigit(peek()))
+                    number
+                        = std::min<std::uint64_t>(number * 10 + static_cast<std::uint64_t>(peek() - '0'), kWindow * 64);
+            }
+            const int byte = peek();
+            if (byte == kEscape || byte < 0)
+                return true; // some drivers leave a sequence unfinished
+            const int letter = isLower(byte) ? byte - 0x20 : byte;
+            if (!isUpper(letter) || (*letters && !std::strchr(letters, letter)))
+                return false;
+            ++m_at;
+            const bool isTransfer = group == 'b' && (letter == 'V' || letter == 'W');
+            m_hasRaster = m_hasRaster || (group == 'r' && letter == 'A') || (isTransfer && number > 0);
+            if (prefix == '*' && (letter == 'W' || isTransfer))
+                m_at = std::min<std::uint64_t>(m_at + number, m_bytes.size);
+            if (isUpper(byte))
+                return true;
+        }
+    }
+
     bool readCommand(bool isFirst)
     {
+        m_commandAt = m_at;
         const int first = peek();
         const int second = peek(1);
         const bool isName = (isUpper(first) && isUpper(second)) || (isLower(first) && isLower(second));
@@ -393,10 +495,21 @@ private:
     int m_commands = 0;
     int m_failures = 0;
     bool m_hasOperands = false;
+
+    std::size_t m_commandAt = 0; ///< of the command read last
+    bool m_hasRaster = false;
+    struct {
+        bool hasBegun = false; ///< BP
+        bool hasSize = false; ///< PS
+        bool hasBothEdges = false;
+        bool isLarge = false;
+    } m_page;
 };
 
 } // namespace
 
-bool looksLikePlot(ByteView window) { return Judge(window).decide(); }
+bool looksLikePlot(ByteView window) { return Judge(window, kWindow).decide(); }
+
+bool looksLikeRasterPlot(ByteView window) { return Judge(window, SIZE_MAX).decideWithRaster(); }
 
 } // namespace quillrip::hpgl

@@ -9,6 +9,7 @@
 #include "quillrip/job/image_page_device.h"
 #include "quillrip/job/pass_through.h"
 #include "quillrip/pcl/interpreter.h"
+#include "quillrip/pcl/plotter_raster.h"
 #include "quillrip/pclxl/interpreter.h"
 #include "quillrip/stream/containers.h"
 #include "quillrip/stream/job_reader.h"
@@ -18,6 +19,8 @@
 namespace quillrip {
 
 namespace {
+
+bool isPlot(ByteView window) { return hpgl::looksLikePlot(window) || hpgl::looksLikeRasterPlot(window); }
 
 /// The interpreters of one input, made when the first job of their language comes.
 class Runner {
@@ -30,7 +33,7 @@ public:
         , m_diagnostics(diagnostics)
         , m_ghostscript(ghostscript)
         , m_fonts(limits, &diagnostics)
-        , m_reader(input, diagnostics, &hpgl::looksLikePlot)
+        , m_reader(input, diagnostics, &isPlot)
     {
     }
 
@@ -144,7 +147,11 @@ private:
 
     RunStatus runPlot()
     {
-        hpgl::PlotFile plot(m_device, m_fonts, m_diagnostics, m_limits, plotEnvironment(m_reader.environment()));
+        const auto raster = [this](FontLibrary& fonts, DiagnosticSink& diagnostics) {
+            return std::make_unique<pcl::PlotterRaster>(fonts, diagnostics, m_limits);
+        };
+        hpgl::PlotFile plot(
+            m_device, m_fonts, m_diagnostics, m_limits, plotEnvironment(m_reader.environment()), raster);
         return plot.run(m_input) == hpgl::PlotFile::End::Failed ? plot.status() : RunStatus::Done;
     }
 

@@ -18,6 +18,8 @@ struct Environment {
     int lineTermination = 0; ///< as in ESC&k#G
     bool wrapLines = false; ///< ESC&s0C from the start
     bool rasterOnly = false; ///< ink-jet raster languages: text is a broken command, never printed
+    /// The raster language of plotters (HP RTL): a subset without text and without pages of its own.
+    bool isPlotterRaster = false;
 };
 
 } // namespace quillrip::pcl

@@ -114,6 +114,8 @@ Machine::Flow Machine::interpret(Tokenizer& tokenizer)
             displayByte(tokenizer);
             continue;
         }
+        if (m_plotterPage && visitHasEnded(tokenizer))
+            return Flow::Ended;
         const Token token = tokenizer.next();
         if (!m_isInMacro)
             m_offset = token.offset;
@@ -121,6 +123,8 @@ Machine::Flow Machine::interpret(Tokenizer& tokenizer)
             return Flow::Ended;
         if (m_isRecording && !record(tokenizer, token))
             continue;
+        if (m_plotterPage && token.kind != Token::Kind::Command)
+            continue; // plotters print no text here, and what stands between commands moves nothing
         switch (token.kind) {
         case Token::Kind::Text:
             finishRaster();
@@ -196,7 +200,8 @@ bool Machine::execute(Tokenizer& tokenizer, const Token& token)
         readData(tokenizer, token, count);
     else
         m_data.clear();
-    if (entry && entry->handler && !(m_raster && entry->raster == RasterRule::Waits)) {
+    const bool isObeyed = entry && entry->handler && (!m_environment.isPlotterRaster || isOfPlotters(*entry));
+    if (isObeyed && !(m_raster && entry->raster == RasterRule::Waits)) {
         if (entry->raster == RasterRule::Ends)
             finishRaster();
         Command command;

@@ -3,6 +3,7 @@
 #include "quillrip/fonts/glyph_cache.h"
 #include "quillrip/hpgl/host.h"
 #include "quillrip/hpgl/interpreter.h"
+#include "quillrip/hpgl/raster_language.h"
 #include "quillrip/pcl/interpreter.h"
 #include "quillrip/pcl/raster_session.h"
 #include "quillrip/pcl/state.h"
@@ -37,6 +38,13 @@ public:
     Interpreter::End run(InputStream& input);
     RunStatus status() const { return m_status; }
     RunStatus finish();
+
+    /// A stretch of raster in a plot, of which run() reads the commands: up to ESC%#B, or, when it was not announced,
+    /// to anything that is no escape sequence. The page must last until endVisit().
+    void beginVisit(hpgl::RasterPage& page, hpgl::RasterLanguage::Entry entry, const hpgl::RasterExchange& exchange);
+    void endVisit(hpgl::RasterExchange& exchange);
+    /// The # of the ESC%#B that ended the visit; nothing when none did.
+    std::optional<int> enterPlotValue() const { return m_enterPlotValue; }
 
     using Handler = void (Machine::*)(const Command&);
     struct Entry;
@@ -244,6 +252,10 @@ private:
     void setMonochrome(const Command&);
     Rgb shown(Rgb color) const;
 
+    // plotter_raster.cpp: raster in plots
+    bool visitHasEnded(Tokenizer& tokenizer) const;
+    static bool isOfPlotters(const Entry& entry);
+
     // plot.cpp: HP-GL/2
     void enterPlot(const Command&);
     void enterPcl(const Command&);
@@ -305,6 +317,11 @@ private:
     GlyphCache m_glyphs;
     std::unique_ptr<hpgl::Interpreter> m_plotter;
     bool m_isPlotting = false;
+
+    hpgl::RasterPage* m_plotterPage = nullptr; ///< during a visit
+    bool m_isUnannounced = false;
+    std::optional<int> m_enterPlotValue;
+    std::vector<Rgb> m_lentPalette; ///< what the plot's pens were when the visit began
 
     PageCanvas m_canvas; ///< while a page is open
     bool m_pageIsOpen = false;

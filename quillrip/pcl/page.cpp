@@ -160,6 +160,12 @@ void Machine::moveTo(InternalUnits x, InternalUnits y)
 
 void Machine::moveToClamped(InternalUnits x, InternalUnits y)
 {
+    if (m_environment.isPlotterRaster) {
+        // A plot may lie anywhere about its origin.
+        constexpr InternalUnits kFarthest = InternalUnits { 1 } << 40;
+        moveTo(std::clamp(x, -kFarthest, kFarthest), std::clamp(y, -kFarthest, kFarthest));
+        return;
+    }
     // A place that not even the longest sheet has is no sign of that sheet.
     const InternalUnits longest = pageLength() + m_state.page.spareLength(m_state.direction);
     const InternalUnits bottom = y <= longest ? longest : pageLength();

@@ -111,6 +111,16 @@ PageLayout::PageLayout(const PageSize& size, int orientation)
     m_leftOffset = inset * kUnitsPerDot;
 }
 
+PageLayout PageLayout::ofPlot(double width, double length)
+{
+    PageLayout layout;
+    layout.m_size = { 101, std::max(width, 1.0), std::max(length, 1.0), 0, 0, false };
+    layout.m_width = inUnits(layout.m_size.width, kUnitsPerDecipoint);
+    layout.m_length = inUnits(layout.m_size.length, kUnitsPerDecipoint);
+    layout.m_leftOffset = 0;
+    return layout;
+}
+
 void PageLayout::setRegistration(InternalUnits alongWidth, InternalUnits alongLength)
 {
     // Each orientation sees the sheet's edges from another side.

@@ -49,6 +49,9 @@ public:
     PageLayout() = default;
     PageLayout(const PageSize& size, int orientation);
 
+    /// A plotter's page: nothing is kept free at its edges. Decipoints.
+    static PageLayout ofPlot(double width, double length);
+
     const PageSize& size() const { return m_size; }
     int orientation() const { return m_orientation; }
     /// The logical page in the orientation's own axes.

@@ -93,12 +93,21 @@ Palette Palette::pens(std::size_t count)
 {
     Palette palette;
     palette.m_isFixed = false;
+    palette.m_isPens = true;
     palette.m_model.bitsPerIndex = 1;
     while (palette.m_model.bitsPerIndex < 8 && (std::size_t { 1 } << palette.m_model.bitsPerIndex) < count)
         ++palette.m_model.bitsPerIndex;
     const std::size_t size = std::size_t { 1 } << palette.m_model.bitsPerIndex;
     palette.m_colors.assign(size, kBlack);
     std::copy_n(kPens.begin(), std::min(size, kPens.size()), palette.m_colors.begin());
+    return palette;
+}
+
+Palette Palette::firstTwo() const
+{
+    Palette palette = *this;
+    palette.m_colors.resize(2, kBlack);
+    palette.m_model.bitsPerIndex = 1;
     return palette;
 }
 

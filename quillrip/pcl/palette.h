@@ -99,6 +99,10 @@ public:
 
     const ColorModel& model() const { return m_model; }
     bool isFixed() const { return m_isFixed; }
+    /// Made by HP-GL/2.
+    bool isPens() const { return m_isPens; }
+    /// The palette of one plane that the first two entries make.
+    Palette firstTwo() const;
     std::size_t size() const { return m_colors.size(); }
     /// Two entries, white and black: raster is then a mask that takes the current pattern.
     bool isBlackOnWhite() const;
@@ -133,6 +137,7 @@ private:
     std::vector<Rgb> m_colors;
     bool m_isFixed = true;
     bool m_hasBlackPlane = false;
+    bool m_isPens = false;
     double m_gamma = 0;
     std::shared_ptr<const ColorLookup> m_lookup;
     int m_renderAlgorithm = 3;

@@ -27,6 +27,10 @@ void Machine::enterPlot(const Command& command)
     const int mode = command.value.integer();
     if (mode < -1 || mode > 3)
         return;
+    if (m_plotterPage) {
+        m_enterPlotValue = mode;
+        return;
+    }
     m_isPlotting = true;
     if (mode == 1 || mode == 3) {
         const Matrix toPage = m_state.page.directionToPage(m_state.direction);

@@ -15,8 +15,12 @@ constexpr double kLargestResolution = 9600;
 
 void Machine::setRasterResolution(const Command& command)
 {
-    if (command.value.number >= 1)
-        m_state.raster.resolution = std::min(std::trunc(command.value.number), kLargestResolution);
+    if (command.value.number < 1)
+        return;
+    m_state.raster.resolution = std::min(std::trunc(command.value.number), kLargestResolution);
+    // Plotters count moves in the raster's dots.
+    if (m_environment.isPlotterRaster)
+        m_state.unitsPerInch = static_cast<int>(m_state.raster.resolution);
 }
 
 void Machine::setPresentation(const Command& command)
@@ -146,6 +150,7 @@ void Machine::beginRaster(bool isScaled)
     // The canvas may be there only from the first row on, but its geometry is known before.
     setup.unitsToDevice = unitsToDevice(setup.direction);
     setup.paint = paintState(m_state.pattern);
+    setup.needsPixels = !m_plotterPage || m_plotterPage->needsPixels();
     m_raster = std::make_unique<RasterSession>(std::move(setup), [this] { return painterForMark(); });
 }
 
@@ -155,6 +160,8 @@ void Machine::finishRaster()
         return;
     const PageLayout& page = m_state.page;
     const Position place = page.toOrientation(m_raster->finish(), m_raster->direction());
+    if (m_plotterPage && m_raster->hasRows())
+        m_plotterPage->covered(m_raster->area());
     m_raster.reset();
     const Position cursor = page.fromOrientation(place, m_state.direction);
     moveTo(cursor.x, cursor.y);
@@ -187,6 +194,11 @@ void Machine::transferPlane(const Command& command)
 void Machine::transferRow(const Command& command)
 {
     ensureRaster();
+    const Palette& palette = m_state.palettes.active();
+    if (palette.isPens() && m_state.raster.componentData.empty() && !m_raster->hasData() && !command.data.empty()) {
+        // Pens are there without a raster having been thought of: rows of one transfer have one plane.
+        m_raster->replaceLayout(RasterLayout::forPalette(palette.firstTwo(), m_raster->width(), m_state.isMonochrome));
+    }
     report(m_raster->transferRow(command.data, m_state.raster.compression));
 }
 

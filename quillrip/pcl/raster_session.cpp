@@ -28,11 +28,34 @@ RasterSession::RasterSession(Setup setup, std::function<Painter*()> painter)
     : m_setup(std::move(setup))
     , m_painter(std::move(painter))
 {
-    for (const RasterLayout::Transfer& transfer : m_setup.layout.transfers())
-        m_planes.emplace_back(transfer.rowBytes, std::uint8_t { 0 });
+    makePlanes();
 }
 
 RasterSession::~RasterSession() { stopImage(); }
+
+void RasterSession::makePlanes()
+{
+    m_planes.clear();
+    for (const RasterLayout::Transfer& transfer : m_setup.layout.transfers())
+        m_planes.emplace_back(m_setup.needsPixels ? transfer.rowBytes : 0, std::uint8_t { 0 });
+}
+
+void RasterSession::replaceLayout(RasterLayout layout)
+{
+    stopImage();
+    m_setup.layout = std::move(layout);
+    m_nextTransfer = 0;
+    makePlanes();
+}
+
+hpgl::PageRect RasterSession::area() const
+{
+    const auto decipoints = [](double units) { return units / kUnitsPerDecipoint; };
+    const auto rows = static_cast<double>(m_setup.height ? std::min<std::int64_t>(m_row, *m_setup.height) : m_row);
+    const double left = decipoints(static_cast<double>(m_setup.origin.x));
+    const double top = decipoints(static_cast<double>(m_setup.origin.y));
+    return { left, top, left + decipoints(width() * m_setup.pixelWidth), top + decipoints(rows * m_setup.pixelHeight) };
+}
 
 Position RasterSession::cursor() const
 {
@@ -54,6 +77,7 @@ RasterSession::Outcome RasterSession::decodePlane(ByteView data, int method)
     std::vector<std::uint8_t>& plane = m_planes[m_nextTransfer];
     const int forced = m_setup.layout.transfers()[m_nextTransfer].method;
     ++m_nextTransfer;
+    m_hasData = m_hasData || !data.empty();
     if (forced >= 0)
         method = forced;
     // The method of photographs starts from white paper.
@@ -67,14 +91,20 @@ RasterSession::Outcome RasterSession::transferPlane(ByteView data, int method) {
 RasterSession::Outcome RasterSession::transferRow(ByteView data, int method)
 {
     if (method == kAdaptive && m_planes.size() == 1) {
+        m_hasData = m_hasData || !data.empty();
         const bool isWhole = decodeAdaptive(data, m_planes[0], [this](int count) {
             m_seedsAreFresh = false;
-            emitRow(m_setup.layout.compose(m_planes, 0, m_pixels), count);
+            emitRow(composed(0), count);
             return true;
         });
         return isWhole ? Outcome::Fine : Outcome::BadBlock;
     }
     const Outcome outcome = decodePlane(data, method);
+    if (outcome == Outcome::UnknownMethod) {
+        // Nobody knows how many rows these would have been.
+        m_nextTransfer = 0;
+        return outcome;
+    }
     // Planes that were not sent for this row are zero.
     for (; m_nextTransfer < m_planes.size(); ++m_nextTransfer)
         std::fill(m_planes[m_nextTransfer].begin(), m_planes[m_nextTransfer].end(), std::uint8_t { 0 });
@@ -87,7 +117,12 @@ RasterSession::Outcome RasterSession::transferRow(ByteView data, int method)
 void RasterSession::emitSet()
 {
     for (int subRow = 0; subRow < m_setup.layout.rowsPerSet(); ++subRow)
-        emitRow(m_setup.layout.compose(m_planes, subRow, m_pixels), 1);
+        emitRow(composed(subRow), 1);
+}
+
+const std::uint8_t* RasterSession::composed(int subRow)
+{
+    return m_setup.needsPixels ? m_setup.layout.compose(m_planes, subRow, m_pixels) : nullptr;
 }
 
 int RasterSession::rowsUntilPageEnd() const
@@ -99,6 +134,11 @@ int RasterSession::rowsUntilPageEnd() const
 
 void RasterSession::emitRow(const std::uint8_t* pixels, int count)
 {
+    m_hasRows = m_hasRows || count > 0;
+    if (!m_setup.needsPixels) {
+        m_row += count;
+        return;
+    }
     int visible = std::min(count, rowsUntilPageEnd());
     if (m_setup.height)
         visible = static_cast<int>(std::clamp<std::int64_t>(*m_setup.height - m_row, 0, visible));
@@ -124,7 +164,7 @@ bool RasterSession::zeroRowsLeaveMarks() const
     return m_setup.hasDeclaredArea && (!m_setup.paint.sourceTransparent || !m_setup.layout.zeroIsWhite());
 }
 
-void RasterSession::emitZeroRows(int count) { emitRow(m_setup.layout.compose(m_planes, 0, m_pixels), count); }
+void RasterSession::emitZeroRows(int count) { emitRow(composed(0), count); }
 
 void RasterSession::skipRows(int count)
 {

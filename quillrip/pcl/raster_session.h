@@ -1,5 +1,6 @@
 #pragma once
 
+#include "quillrip/hpgl/surface.h"
 #include "quillrip/pcl/page_layout.h"
 #include "quillrip/pcl/raster_layout.h"
 #include "quillrip/raster/painter.h"
@@ -26,6 +27,7 @@ public:
         InternalUnits pageEnd = 0; ///< rows that start below are not painted
         Matrix unitsToDevice; ///< internal units in those axes to device pixels
         PaintState paint;
+        bool needsPixels = true; ///< false: nothing is painted, rows are only counted
     };
 
     /// `painter` gives the page's painter, beginning the page when needed; null when that fails.
@@ -47,12 +49,23 @@ public:
     Position finish();
 
     int direction() const { return m_setup.direction; }
+    int width() const { return m_setup.layout.width(); }
     Position cursor() const;
+    /// Rows were transferred.
+    bool hasRows() const { return m_hasRows; }
+    /// Transfers were made that were not empty.
+    bool hasData() const { return m_hasData; }
+    /// Where the rows lie, in the raster's axes and decipoints: up to the cursor and not beyond the declared height.
+    hpgl::PageRect area() const;
+    /// Other planes; only before there are data.
+    void replaceLayout(RasterLayout layout);
 
 private:
+    void makePlanes();
     Outcome decodePlane(ByteView data, int method);
     void emitSet();
     void emitRow(const std::uint8_t* pixels, int count);
+    const std::uint8_t* composed(int subRow);
     void emitZeroRows(int count);
     void clearSeeds();
     bool zeroRowsLeaveMarks() const;
@@ -66,6 +79,8 @@ private:
     std::vector<std::uint8_t> m_pixels;
     std::size_t m_nextTransfer = 0;
     bool m_seedsAreFresh = true;
+    bool m_hasRows = false;
+    bool m_hasData = false;
     std::int64_t m_row = 0; ///< rows done, painted or not
     std::unique_ptr<ImagePainter> m_image;
     bool m_imageStarted = false;

@@ -9,6 +9,7 @@ namespace {
 constexpr InternalUnits kDefaultMargin = kUnitsPerInch / 2;
 constexpr int kLetter = 2;
 constexpr InternalUnits kSixLinesPerInch = kUnitsPerInch / 6;
+constexpr int kPlotterDotsPerInch = 300;
 
 } // namespace
 
@@ -33,6 +34,13 @@ InternalUnits defaultLineSpacing(const Environment& environment, const PageLayou
 State defaultState(const Environment& environment)
 {
     State state;
+    if (environment.isPlotterRaster) {
+        // The page is the plot's and comes with every visit; the plotter's own dots are the unit until another is set.
+        state.text = {};
+        state.lineSpacing = 0; // the position is at the origin until something moves it
+        state.raster.resolution = state.unitsPerInch = kPlotterDotsPerInch;
+        return state;
+    }
     const PageSize* size = findPageSize(environment.pageSize);
     const PageSize custom = customPageSize(environment.customWidth, environment.customLength);
     const bool isCustom = environment.pageSize == 101 && custom.dotsWide > 150 && custom.dotsLong > 150;

@@ -56,6 +56,8 @@ public:
     /// continue it nevertheless. True when what follows looks like a further parameter with one of `terminators`.
     bool resumeIfContinued(char prefix, char group, const char* terminators);
 
+    /// Between the parameters of a combined sequence.
+    bool isInSequence() const { return m_inSequence; }
     /// Forgets a sequence that was to be continued.
     void abandonSequence() { m_inSequence = false; }
 

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <string>
 
 namespace quillrip::hpgl {
@@ -65,6 +66,54 @@ TEST(HpglRecognition, CommandsWithoutAnyOperandAreNotEnough)
 {
     EXPECT_FALSE(looks("IN;"));
     EXPECT_FALSE(looks("IN;DF;PU;PD;"));
+}
+
+bool hasRaster(const std::string& text)
+{
+    return looksLikeRasterPlot({ reinterpret_cast<const std::uint8_t*>(text.data()), text.size() });
+}
+
+/// ESC is written as '@'.
+std::string escaped(std::string text)
+{
+    std::replace(text.begin(), text.end(), '@', '\x1b');
+    return text;
+}
+
+TEST(HpglRecognition, RasterBehindAPlotsPageIsAPlot)
+{
+    EXPECT_TRUE(hasRaster(escaped("@*rbC@*t300R@%0BBP5,1PS11176,8636PUPA0,0@%1A@&a1N@*v6W\1\1\3\1\1\1@*r8S@*r1A")));
+    EXPECT_TRUE(hasRaster(escaped("@E@%0BBP;IN;PU0,0;@%1A@*r1A@*b1W1@*rC@%0BPG;")));
+    EXPECT_TRUE(hasRaster(escaped("@%1BIN;PS6000;PU0,0;@%1A@*b2m1v1w1W")));
+    // What a driver leaves behind its reset, with the next page.
+    EXPECT_TRUE(hasRaster(escaped("@*rC@%0BPG;@*rbC@*t300R@%0BBP5,1PS11176,8636PUPA0,0@%1A@*r8S@*r1A")));
+}
+
+TEST(HpglRecognition, APageOfBothEdgesIsAPlotsWhenItIsLargeOrAPlotBegins)
+{
+    EXPECT_TRUE(hasRaster(escaped("@E@%0BIN;PS33640,23760;SP1;PU0,0;PD1000,1000;")));
+    EXPECT_TRUE(hasRaster(escaped("@%0BBP;IN;PS10000,8000;SP1;PU0,0;")));
+    EXPECT_FALSE(hasRaster(escaped("@%0BIN;PS10000,8000;SP1;PU0,0;")));
+}
+
+TEST(HpglRecognition, PclWithPlotsAndRasterIsPcl)
+{
+    // Drawing programs send the whole plot to printers too, its page size included.
+    EXPECT_FALSE(hasRaster(escaped("@%0B\nBP;IN;PS10668;IP0,1016,8128,9144;SP1;PA0,0;SP0;PG;\n@%0A")));
+    EXPECT_FALSE(hasRaster(escaped("@E@%0BIN;SP1;PU0,0;PD100,100;@%0A@*t300R@*r1A@*b1W1@*rB@E")));
+    EXPECT_FALSE(hasRaster(escaped("@E@&l26A@%0BBP;IN;PS10668;SP1;@%0A@*r1A@*b1W1")));
+    EXPECT_FALSE(hasRaster(escaped("@*t300R@%0BBP;IN;PS10668;@%0A@(10U@*r1A@*b1W1")));
+    EXPECT_FALSE(hasRaster(escaped("@*t300R@%0BBP;IN;PS10668;@%0AText@*r1A@*b1W1")));
+    EXPECT_FALSE(hasRaster(escaped("@*t300R@*r1A@*b1W1@*rC\f")));
+    EXPECT_FALSE(hasRaster("IN;PS33640,23760;PU0,0;"));
+    EXPECT_FALSE(hasRaster(""));
+}
+
+TEST(HpglRecognition, EveryCutOfARasterPlotIsHarmless)
+{
+    const std::string plot = escaped("@*rbC@*t300R@%0BBP5,1PS11,8PUPA0,0@%1A@&a1N@*v6W\1\1\3\1\1\1@*b99999W");
+    for (std::size_t size = 0; size <= plot.size(); ++size)
+        hasRaster(plot.substr(0, size));
 }
 
 TEST(HpglRecognition, EveryCutOfAPlotIsHarmless)

@@ -78,6 +78,8 @@ TEST(JobReader, JobLanguageIsTakenOffInAllItsForms)
     EXPECT_EQ(partsOf(kExit + "@PJL\r\n@PJL enter language = pclxl \r\n) HP-PCL XL;1;1;\n" + kExit),
         "xl:) HP-PCL XL;1;1;\n|");
     EXPECT_EQ(partsOf(kReset + kExit + "\r\n@PJL SET RET=ON\n\n@PJL ENTER LANGUAGE=HPGL2\nPU;" + kExit), "plot:PU;|");
+    for (const std::string name : { "HP-GL/2", "HP-GL2/RTL", "HPRTL", "RTL" })
+        EXPECT_EQ(partsOf(kExit + "@PJL ENTER LANGUAGE=" + name + "\n\x1B*t300R" + kExit), "plot:\x1B*t300R|") << name;
     EXPECT_EQ(partsOf("@PJL ENTER LANGUAGE=POSTSCRIPT\n%!PS\n" + kExit + "@PJL EOJ\n" + kExit), "ps:%!PS\n|");
     EXPECT_EQ(partsOf(kExit + "@PJL SET COPIES=2\r@PJL ENTER LANGUAGE=PCL\r\x1B&l0O"), "pcl:\x1B&l0O|");
     EXPECT_EQ(partsOf(kExit + kReset + "x" + kExit + "%!PS\n" + kExit),
