@@ -28,7 +28,16 @@ struct Ink {
     std::optional<Point> patternSize; ///< user units, in place of the pattern's own
 };
 
-enum class ColorSpace : std::uint8_t { BiLevel = 0, Gray = 1, Rgb = 2, Crgb = 5, Srgb = 6, MonochromeGray = 7 };
+/// 7 and 8 are gray like 1; streams with vendor raster name them.
+enum class ColorSpace : std::uint8_t {
+    BiLevel = 0,
+    Gray = 1,
+    Rgb = 2,
+    Crgb = 5,
+    Srgb = 6,
+    MonochromeGray = 7,
+    VendorGray = 8
+};
 
 constexpr int componentsOf(ColorSpace space)
 {

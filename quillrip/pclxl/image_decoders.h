@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 
 namespace quillrip::pclxl {
 
@@ -29,14 +30,34 @@ public:
     virtual void row(const std::uint8_t* pixels) = 0;
 };
 
+/// Hands the rows to a function.
+class CallingSink final : public RowSink {
+public:
+    explicit CallingSink(std::function<void(const std::uint8_t*)> call)
+        : m_call(std::move(call))
+    {
+    }
+    void row(const std::uint8_t* pixels) override { m_call(pixels); }
+
+private:
+    std::function<void(const std::uint8_t*)> m_call;
+};
+
 /// Decodes `rows` rows of a block from its embedded data. Needs memory for one row, whatever the block's height. Rows
 /// decoded before an error have gone to the sink. MissingData when the data end too soon, IllegalDataValue when they
 /// are no JPEG stream.
 Status decodeBlock(
     Compression compression, EmbeddedData& data, const BlockLayout& layout, std::uint32_t rows, RowSink& sink);
 
-/// One complete JFIF stream. Its pixels count as the layout says: gray or RGB; a row is cut or padded with white, and
-/// rows beyond the stream's height do not come.
-Status decodeJpegBlock(EmbeddedData& data, const BlockLayout& layout, std::uint32_t rows, RowSink& sink);
+/// What a JPEG stream leaves out, and what its components are.
+struct JpegForm {
+    ByteView headers; ///< stand before the data, which begin with their first scan; empty: the stream is complete
+    bool hasPlainComponents = false; ///< the components go to the sink as they are, without YCbCr conversion
+};
+
+/// One JPEG stream. Its pixels count as the layout says: gray or RGB; a row is cut or padded with white, and rows
+/// beyond the stream's height do not come. IllegalDataValue where plain components are not as many as the layout's.
+Status decodeJpegBlock(
+    EmbeddedData& data, const BlockLayout& layout, std::uint32_t rows, RowSink& sink, const JpegForm& form = {});
 
 } // namespace quillrip::pclxl

@@ -10,19 +10,6 @@ namespace {
 constexpr std::uint8_t kCopySource = 204;
 constexpr std::uint8_t kTextureOrSource = 252;
 
-/// What remains of an image for a painter whose rows begin at `row`.
-class CallingSink final : public RowSink {
-public:
-    explicit CallingSink(std::function<void(const std::uint8_t*)> call)
-        : m_call(std::move(call))
-    {
-    }
-    void row(const std::uint8_t* pixels) override { m_call(pixels); }
-
-private:
-    std::function<void(const std::uint8_t*)> m_call;
-};
-
 } // namespace
 
 /// Layout and pixel conversion from the attributes that images and patterns have in common.
@@ -92,42 +79,60 @@ Status Machine::beginImage()
     }
     if (size.x < 0 || size.y < 0)
         return { Error::IllegalAttributeValue, Attribute::DestinationSize };
-    m_image.imageToDevice = Matrix::scaling(size.x / m_image.layout.width, size.y / m_image.layout.height)
-        * Matrix::translation(corner.x, corner.y) * m_state.userToDevice;
-    m_image.isVisible = size.x > 0 && size.y > 0 && m_image.imageToDevice.isInvertible();
-
-    PaintState& paint = m_image.paint;
-    paint.rop = m_state.rop;
-    paint.sourceTransparent = m_state.sourceTransparent;
-    paint.patternTransparent = m_state.paintTransparent;
-    paint.clip = m_state.clip;
-    if (m_image.converter.hasInk()) {
-        // A copy of a two-coloured source is the same as its ink painted in that colour.
-        paint.rop = kTextureOrSource;
-        paint.texture.color = m_image.converter.ink();
-    } else if (m_state.brush.kind != Ink::Kind::None) {
-        paint.texture = textureOf(m_state.brush);
-    }
+    preparePaint(m_image, corner, size);
     m_definition = Definition::Image;
     return {};
 }
 
-/// A painter for the rows from `row` on: the image's first, or those behind a gap.
-void Machine::beginImagePainter(std::int64_t row)
+/// Where the image goes, in user units, and how its pixels are painted there.
+void Machine::preparePaint(ImageInProgress& image, Point corner, Point size)
 {
-    if (m_image.painter)
-        m_image.painter->finish();
-    m_image.painter.reset();
-    m_image.nextRow = row;
-    if (!m_image.isVisible)
+    image.imageToDevice = Matrix::scaling(size.x / image.layout.width, size.y / image.layout.height)
+        * Matrix::translation(corner.x, corner.y) * m_state.userToDevice;
+    image.isVisible = size.x > 0 && size.y > 0 && image.imageToDevice.isInvertible();
+
+    PaintState& paint = image.paint;
+    paint.rop = m_state.rop;
+    paint.sourceTransparent = m_state.sourceTransparent;
+    paint.patternTransparent = m_state.paintTransparent;
+    paint.clip = m_state.clip;
+    if (image.converter.hasInk()) {
+        // A copy of a two-coloured source is the same as its ink painted in that colour.
+        paint.rop = kTextureOrSource;
+        paint.texture.color = image.converter.ink();
+    } else if (m_state.brush.kind != Ink::Kind::None) {
+        paint.texture = textureOf(m_state.brush);
+    }
+}
+
+/// A painter for the rows from `row` on: the image's first, or those behind a gap.
+void Machine::beginImagePainter(ImageInProgress& image, std::int64_t row)
+{
+    finishPainter(image);
+    image.nextRow = row;
+    if (!image.isVisible)
         return;
     ImageGeometry geometry;
-    geometry.format = m_image.converter.format();
-    geometry.width = static_cast<int>(m_image.layout.width);
-    geometry.height = static_cast<int>(m_image.layout.height - row);
-    geometry.imageToDevice = Matrix::translation(0, static_cast<double>(row)) * m_image.imageToDevice;
+    geometry.format = image.converter.format();
+    geometry.width = static_cast<int>(image.layout.width);
+    geometry.height = static_cast<int>(image.layout.height - row);
+    geometry.imageToDevice = Matrix::translation(0, static_cast<double>(row)) * image.imageToDevice;
     geometry.smooth = geometry.format != ImageFormat::Mono;
-    m_image.painter = m_page.canvas.painter->beginImage(geometry, m_image.paint);
+    image.painter = m_page.canvas.painter->beginImage(geometry, image.paint);
+}
+
+void Machine::finishPainter(ImageInProgress& image)
+{
+    if (image.painter)
+        image.painter->finish();
+    image.painter.reset();
+}
+
+void Machine::paintRow(ImageInProgress& image, const std::uint8_t* pixels)
+{
+    ++image.nextRow;
+    if (image.painter)
+        image.painter->row(image.converter.convert(pixels));
 }
 
 Status Machine::readImage()
@@ -135,13 +140,21 @@ Status Machine::readImage()
     return readBlock(
         [this](std::int64_t row) {
             if (m_image.nextRow != row)
-                beginImagePainter(row);
+                beginImagePainter(m_image, row);
         },
-        [this](const std::uint8_t* pixels) {
-            ++m_image.nextRow;
-            if (m_image.painter)
-                m_image.painter->row(m_image.converter.convert(pixels));
-        });
+        [this](const std::uint8_t* pixels) { paintRow(m_image, pixels); });
+}
+
+/// The block's rows have to lie within the image.
+Status Machine::checkBlock(const BlockLayout& layout) const
+{
+    const int start = m_operands.integer(Attribute::StartLine);
+    const int rows = m_operands.integer(Attribute::BlockHeight);
+    if (start < 0 || static_cast<std::uint32_t>(start) >= layout.height)
+        return { Error::IllegalAttributeValue, Attribute::StartLine };
+    if (rows < 0 || static_cast<std::uint32_t>(rows) > layout.height - static_cast<std::uint32_t>(start))
+        return { Error::IllegalAttributeValue, Attribute::BlockHeight };
+    return {};
 }
 
 /// Checks the block against the image, then decodes it: `begin` hears of its first row, `each` gets the rows.
@@ -149,12 +162,11 @@ Status Machine::readBlock(
     const std::function<void(std::int64_t)>& begin, const std::function<void(const std::uint8_t*)>& each)
 {
     BlockLayout& layout = m_image.layout;
+    const Status status = checkBlock(layout);
+    if (!status.isOk())
+        return status;
     const int start = m_operands.integer(Attribute::StartLine);
     const int rows = m_operands.integer(Attribute::BlockHeight);
-    if (start < 0 || static_cast<std::uint32_t>(start) >= layout.height)
-        return { Error::IllegalAttributeValue, Attribute::StartLine };
-    if (rows < 0 || static_cast<std::uint32_t>(rows) > layout.height - static_cast<std::uint32_t>(start))
-        return { Error::IllegalAttributeValue, Attribute::BlockHeight };
     const int padding = m_operands.integer(Attribute::PadBytesMultiple, 4);
     if (padding < 1 || padding > 255)
         return { Error::IllegalAttributeValue, Attribute::PadBytesMultiple };
@@ -174,8 +186,7 @@ Status Machine::readBlock(
 
 Status Machine::endImage()
 {
-    if (m_image.painter)
-        m_image.painter->finish();
+    finishPainter(m_image);
     m_image = {};
     m_definition = Definition::None;
     return {};

@@ -96,7 +96,7 @@ struct Decoding {
     std::vector<std::uint8_t> row;
 };
 
-Status decode(Decoding& state, const BlockLayout& layout, std::uint32_t rows, RowSink& sink)
+Status decode(Decoding& state, const BlockLayout& layout, std::uint32_t rows, RowSink& sink, bool hasPlainComponents)
 {
     if (setjmp(state.errors.escape))
         return state.source.isAtEnd ? Error::MissingData : Error::IllegalDataValue;
@@ -107,6 +107,9 @@ Status decode(Decoding& state, const BlockLayout& layout, std::uint32_t rows, Ro
     info.progress = &state.progress;
     jpeg_read_header(&info, TRUE);
     info.out_color_space = layout.components == 1 ? JCS_GRAYSCALE : JCS_RGB;
+    // With another number of components the library finds this an error.
+    if (hasPlainComponents)
+        info.jpeg_color_space = info.out_color_space;
     jpeg_start_decompress(&info);
 
     state.decoded.resize(static_cast<std::size_t>(info.output_width) * static_cast<std::size_t>(layout.components));
@@ -129,7 +132,8 @@ Status decode(Decoding& state, const BlockLayout& layout, std::uint32_t rows, Ro
 
 } // namespace
 
-Status decodeJpegBlock(EmbeddedData& data, const BlockLayout& layout, std::uint32_t rows, RowSink& sink)
+Status decodeJpegBlock(
+    EmbeddedData& data, const BlockLayout& layout, std::uint32_t rows, RowSink& sink, const JpegForm& form)
 {
     Decoding state;
     state.info.err = jpeg_std_error(&state.errors.base);
@@ -137,6 +141,8 @@ Status decodeJpegBlock(EmbeddedData& data, const BlockLayout& layout, std::uint3
     state.errors.base.emit_message = onMessage;
     state.errors.base.output_message = onOutput;
     state.source.data = &data;
+    state.source.base.next_input_byte = form.headers.data;
+    state.source.base.bytes_in_buffer = form.headers.size;
     state.source.base.init_source = initSource;
     state.source.base.fill_input_buffer = fillBuffer;
     state.source.base.skip_input_data = skipInput;
@@ -144,7 +150,7 @@ Status decodeJpegBlock(EmbeddedData& data, const BlockLayout& layout, std::uint3
     state.source.base.term_source = termSource;
     state.progress.progress_monitor = onProgress;
     state.row.assign(std::max<std::size_t>(layout.rowBytes, 1), 0xFF);
-    const Status status = decode(state, layout, rows, sink);
+    const Status status = decode(state, layout, rows, sink, form.hasPlainComponents);
     jpeg_destroy_decompress(&state.info);
     return status;
 }

@@ -208,6 +208,7 @@ void Machine::abandonPage()
     if (m_page.hasPassedThrough && m_environment.passThrough)
         m_environment.passThrough->endPage();
     m_image = {};
+    m_vendorImage.reset();
     m_page = {};
     m_state = {};
     m_stack.clear();

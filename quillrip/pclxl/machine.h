@@ -9,6 +9,7 @@
 #include "quillrip/pclxl/operator_table.h"
 #include "quillrip/pclxl/pixel_converter.h"
 #include "quillrip/pclxl/tag_reader.h"
+#include "quillrip/pclxl/vendor_raster.h"
 
 #include <functional>
 #include <map>
@@ -52,6 +53,12 @@ struct ImageInProgress {
     RasterPattern pattern;
 };
 
+/// An image of vendor raster between its beginning and its end.
+struct VendorImage {
+    ImageInProgress image;
+    StripCoding coding;
+};
+
 /// Keeps what the font code reports until it is known whether the operator fails: the operator's own error then says
 /// what the job's damage is.
 class HeldDiagnostics final : public DiagnosticSink {
@@ -86,7 +93,6 @@ public:
     Status endSession();
     Status openDataSource();
     Status closeDataSource();
-    Status vendorUnique();
     Status ignoreOperator();
     Status ignoreOnce();
 
@@ -157,6 +163,9 @@ public:
     Status beginRastPattern();
     Status readRastPattern();
     Status endRastPattern();
+
+    // vendor_operators.cpp
+    Status vendorUnique();
 
     // Soft fonts: font_operators.cpp
     Status beginFontHeader();
@@ -232,10 +241,21 @@ private:
 
     // image_operators.cpp
     Status describeImage(ImageInProgress& image, PixelFormat target);
+    void preparePaint(ImageInProgress& image, Point corner, Point size);
+    Status checkBlock(const BlockLayout& layout) const;
     Status readBlock(
         const std::function<void(std::int64_t)>& begin, const std::function<void(const std::uint8_t*)>& each);
-    void beginImagePainter(std::int64_t row);
+    void beginImagePainter(ImageInProgress& image, std::int64_t row);
+    void finishPainter(ImageInProgress& image);
+    void paintRow(ImageInProgress& image, const std::uint8_t* pixels);
     void storePatternRow(const std::uint8_t* row);
+
+    // vendor_operators.cpp
+    Status runVendorCommand(VendorCommand command, std::uint64_t length);
+    Status beginVendorImage();
+    Status readVendorHeader(VendorChunk kind, EmbeddedData& chunk, std::uint32_t length);
+    Status readVendorStrip(VendorChunk kind, EmbeddedData& chunk);
+    void endVendorImage();
 
     // font_operators.cpp
     std::string fontName() const;
@@ -285,6 +305,7 @@ private:
     std::vector<Point> m_points; ///< of the operator that runs; kept for its memory
 
     ImageInProgress m_image;
+    std::unique_ptr<VendorImage> m_vendorImage;
     struct StoredPattern {
         std::shared_ptr<const RasterPattern> pattern;
         bool endsWithPage = true;

@@ -374,7 +374,7 @@ struct AttributeEntry {
 
 constexpr AttributeEntry kAttributes[] = {
     { A::PaletteDepth, "PaletteDepth", 0x7 },
-    { A::ColorSpace, "ColorSpace", 0xE7 },
+    { A::ColorSpace, "ColorSpace", 0x1E7 },
     { A::NullBrush, "NullBrush", 0 },
     { A::NullPen, "NullPen", 0 },
     { A::PaletteData, "PaletteData", 0 },

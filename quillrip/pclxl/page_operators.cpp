@@ -101,6 +101,7 @@ Status Machine::beginPage()
 Status Machine::endPage()
 {
     const int copies = m_operands.integer(Attribute::PageCopies, 1);
+    endVendorImage();
     if (m_page.hasPassedThrough && m_environment.passThrough)
         m_environment.passThrough->endPage();
     m_page.hasPassedThrough = false;

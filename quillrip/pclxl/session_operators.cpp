@@ -45,17 +45,6 @@ Status Machine::closeDataSource()
     return {};
 }
 
-/// The payload stands right behind the operator, without a data tag.
-Status Machine::vendorUnique()
-{
-    const double length = m_operands.number(Attribute::VUDataLength);
-    if (length < 0)
-        return { Error::IllegalAttributeValue, Attribute::VUDataLength };
-    const std::uint64_t bytes = static_cast<std::uint64_t>(length);
-    warn("pclxl.vendor-unique", "vendor raster is not supported and is passed over");
-    return m_reader->input().skip(bytes) == bytes ? Status() : Error::PrematureEnd;
-}
-
 Status Machine::ignoreOperator() { return {}; }
 
 /// Hints for a device's own colours.

@@ -197,9 +197,9 @@ bool EmbeddedData::refill()
 {
     giveBack();
     while (m_left == 0)
-        if (m_isTruncated || !beginBlock())
+        if (m_isTruncated || !m_hasTags || !beginBlock())
             return false;
-    const ByteView ahead = m_input.window(1);
+    const ByteView ahead = m_input.window(static_cast<std::size_t>(std::min<std::uint64_t>(m_left, kSignature)));
     if (ahead.empty()) {
         m_isTruncated = true;
         m_left = 0;

@@ -59,7 +59,7 @@ private:
 /// that cannot be understood any more: between tags the exit is found by TagReader.
 bool skipToUniversalExit(InputStream& input);
 
-/// The bytes that belong to an operator: all data blocks that follow it, as one run.
+/// The bytes that belong to an operator: all data blocks that follow it, or bytes without a data tag, as one run.
 class EmbeddedData {
 public:
     /// `lengths` is the byte order of the stream, `contents` that of the data source.
@@ -69,8 +69,20 @@ public:
         , m_contents(contents)
     {
     }
+    /// The next `count` bytes of the input, which no data tag announces.
+    EmbeddedData(InputStream& input, std::uint64_t count, ByteOrder contents)
+        : m_input(input)
+        , m_lengths(contents)
+        , m_contents(contents)
+        , m_left(count)
+        , m_hasTags(false)
+    {
+    }
     EmbeddedData(const EmbeddedData&) = delete;
     EmbeddedData& operator=(const EmbeddedData&) = delete;
+
+    /// The bytes that a run or a block begins with are shown together up to this many.
+    static constexpr std::size_t kSignature = 8;
 
     ByteOrder byteOrder() const { return m_contents; }
 
@@ -112,6 +124,7 @@ private:
     const std::uint8_t* m_at = nullptr;
     const std::uint8_t* m_end = nullptr;
     std::uint64_t m_left = 0; ///< bytes of the block behind m_end
+    bool m_hasTags = true;
     bool m_isTruncated = false;
 };
 

@@ -1,0 +1,611 @@
+#include "tests/pclxl/jpeg_writer.h"
+#include "tests/pclxl/xl_job.h"
+
+#include <algorithm>
+#include <array>
+#include <fstream>
+#include <gtest/gtest.h>
+#include <iterator>
+
+using namespace quillrip;
+using namespace quillrip::test;
+using A = pclxl::Attribute;
+using O = pclxl::Operator;
+using Bytes = std::vector<std::uint8_t>;
+
+namespace {
+
+constexpr Rgb kWhite { 255, 255, 255 };
+constexpr Rgb kBlack { 0, 0, 0 };
+
+using Table = std::array<unsigned, 64>; // divisors row by row
+using Tables = std::array<Table, 3>;
+
+Tables flatTables(unsigned divisor)
+{
+    Table table {};
+    table.fill(divisor);
+    return { table, table, table };
+}
+
+void append(Bytes& to, std::uint32_t value, int byteCount)
+{
+    for (int i = 0; i < byteCount; ++i)
+        to.push_back(static_cast<std::uint8_t>(value >> 8 * i));
+}
+
+Bytes chunk(int tag, const Bytes& contents)
+{
+    Bytes result;
+    append(result, static_cast<std::uint32_t>(tag), 2);
+    append(result, static_cast<std::uint32_t>(contents.size()), 4);
+    result.insert(result.end(), contents.begin(), contents.end());
+    return result;
+}
+
+/// The two chunks of an image's beginning.
+Bytes header(
+    const Tables& tables, const std::array<int, 9>& conversion = { 8192, 0, 0, 8192, -8192, 0, 8192, 0, -8192 })
+{
+    Bytes divisors;
+    for (const Table& table : tables)
+        for (const unsigned divisor : table)
+            append(divisors, divisor, 4);
+    Bytes factors(8);
+    for (const int factor : conversion)
+        append(factors, static_cast<std::uint32_t>(factor) & 0xFFFF, 4);
+    Bytes result = chunk(0x8000, divisors);
+    const Bytes second = chunk(0x8001, factors);
+    result.insert(result.end(), second.begin(), second.end());
+    return result;
+}
+
+/// A JPEG stream of components as they are, without subsampling, each with a table of its own.
+Bytes wholeJpeg(const Bytes& samples, int width, int height, int components, const Tables& tables)
+{
+    jpeg_compress_struct info {};
+    jpeg_error_mgr errors {};
+    info.err = jpeg_std_error(&errors);
+    jpeg_create_compress(&info);
+    unsigned char* memory = nullptr;
+    unsigned long size = 0;
+    jpeg_mem_dest(&info, &memory, &size);
+    info.image_width = static_cast<JDIMENSION>(width);
+    info.image_height = static_cast<JDIMENSION>(height);
+    info.input_components = components;
+    info.in_color_space = components == 1 ? JCS_GRAYSCALE : JCS_YCbCr;
+    jpeg_set_defaults(&info);
+    for (int i = 0; i < components; ++i) {
+        jpeg_add_quant_table(&info, i, tables[static_cast<std::size_t>(i)].data(), 100, FALSE);
+        info.comp_info[i].quant_tbl_no = i;
+        info.comp_info[i].h_samp_factor = info.comp_info[i].v_samp_factor = 1;
+    }
+    jpeg_start_compress(&info, FALSE);
+    for (int y = 0; y < height; ++y) {
+        JSAMPROW row = const_cast<JSAMPROW>(samples.data()) + static_cast<std::ptrdiff_t>(y) * width * components;
+        jpeg_write_scanlines(&info, &row, 1);
+    }
+    jpeg_finish_compress(&info);
+    jpeg_destroy_compress(&info);
+    Bytes result(memory, memory + size);
+    std::free(memory);
+    return result;
+}
+
+/// What a strip carries: the stream from behind its scan's header on.
+Bytes withoutHeaders(const Bytes& jpeg)
+{
+    std::size_t at = 2;
+    for (;;) {
+        const std::size_t length = jpeg[at + 2] * 256u + jpeg[at + 3];
+        const bool isScan = jpeg[at + 1] == 0xDA;
+        at += 2 + length;
+        if (isScan)
+            return Bytes(jpeg.begin() + static_cast<std::ptrdiff_t>(at), jpeg.end());
+    }
+}
+
+/// RGB pixels as the components of a colour strip.
+Bytes asComponents(const Bytes& rgb)
+{
+    Bytes result;
+    for (std::size_t i = 0; i < rgb.size(); i += 3) {
+        result.push_back(static_cast<std::uint8_t>(rgb[i] / 2));
+        result.push_back(static_cast<std::uint8_t>(128 + (rgb[i] - rgb[i + 1]) / 2));
+        result.push_back(static_cast<std::uint8_t>(128 + (rgb[i] - rgb[i + 2]) / 2));
+    }
+    return result;
+}
+
+Bytes colorStrip(const Bytes& rgb, int width, int height, const Tables& tables)
+{
+    return chunk(0x9021, withoutHeaders(wholeJpeg(asComponents(rgb), width, height, 3, tables)));
+}
+
+Bytes flat(Rgb color, int count)
+{
+    Bytes result;
+    for (int i = 0; i < count; ++i)
+        result.insert(result.end(), { color.red, color.green, color.blue });
+    return result;
+}
+
+XlStream& vendor(XlStream& c, int command, const Bytes& payload)
+{
+    c.uint32(A::VUExtension, 0x68700000u | static_cast<unsigned>(command));
+    return c.uint32(A::VUDataLength, static_cast<std::uint32_t>(payload.size())).op(O::VendorUnique).raw(payload);
+}
+
+XlStream& beginRaster(XlStream& c, bool isColor, int width, int height, const Bytes& payload)
+{
+    c.uint16(A::SourceWidth, width).uint16(A::SourceHeight, height).uint16(A::VUAttr1, 1).uint16(A::VUAttr2, height);
+    c.ubyte(A::VUAttr5, isColor ? 4 : 0).ubyte(A::VUAttr6, 0).uint32(A::VUAttr3, 0x00040000);
+    return vendor(c, 0x4000, payload);
+}
+
+XlStream& strip(XlStream& c, int start, int rows, const Bytes& payload)
+{
+    return vendor(c.uint16(A::StartLine, start).uint16(A::BlockHeight, rows).ubyte(A::VUAttr4, 0), 0x4001, payload);
+}
+
+XlStream& endRaster(XlStream& c) { return vendor(c, 0x4002, {}); }
+
+struct Drawn {
+    XlJob job { PixelFormat::Rgb24 };
+    Drawn(int width, int height, const XlStream& contents) { job.run(onePage(width, height, contents)); }
+    Rgb at(int x, int y) const { return job.pixel(0, x, y); }
+};
+
+bool isNear(Rgb a, Rgb b, int distance)
+{
+    return std::abs(a.red - b.red) <= distance && std::abs(a.green - b.green) <= distance
+        && std::abs(a.blue - b.blue) <= distance;
+}
+
+/// A page of `width` by `rows` pixels with one strip of replacement rows.
+XlStream replacementPage(bool isColor, int width, int rows, const Bytes& data)
+{
+    XlStream c;
+    c.cursor(0, 0);
+    beginRaster(c, isColor, width, rows, {});
+    strip(c, 0, rows, chunk(0x9011, data));
+    return endRaster(c);
+}
+
+TEST(XlVendorRaster, JpegStripsGiveTheirColours)
+{
+    const std::array<Rgb, 4> colors = { Rgb { 200, 100, 50 }, Rgb { 10, 20, 30 }, kWhite, kBlack };
+    Bytes rgb;
+    for (int y = 0; y < 8; ++y)
+        for (const Rgb color : colors) {
+            const Bytes run = flat(color, 8);
+            rgb.insert(rgb.end(), run.begin(), run.end());
+        }
+    XlStream c;
+    c.colorSpace(6).cursor(0, 0);
+    beginRaster(c, true, 32, 8, header(flatTables(1)));
+    strip(c, 0, 8, colorStrip(rgb, 32, 8, flatTables(1)));
+    endRaster(c);
+    Drawn d(32, 8, c);
+    ASSERT_EQ(d.job.pageCount(), 1u) << d.job.sink.message();
+    EXPECT_TRUE(d.job.sink.diagnostics.empty());
+    for (int i = 0; i < 4; ++i)
+        for (const int x : { 0, 7 })
+            EXPECT_TRUE(isNear(d.at(8 * i + x, 4), colors[static_cast<std::size_t>(i)], 1)) << i;
+}
+
+TEST(XlVendorRaster, EachComponentHasItsTableRowByRow)
+{
+    // Divisors that differ by table and place: a wrong order multiplies the edges by wrong numbers.
+    Tables tables {};
+    for (unsigned t = 0; t < 3; ++t)
+        for (unsigned i = 0; i < 64; ++i)
+            tables[t][i] = 1 + (i * 7 + t * 13) % 12;
+    tables[0][8] = 20; // across and down differ most
+    tables[0][1] = 1;
+    Bytes rgb;
+    for (int y = 0; y < 16; ++y)
+        for (int x = 0; x < 16; ++x) {
+            rgb.push_back(static_cast<std::uint8_t>(14 * y));
+            rgb.push_back(static_cast<std::uint8_t>(14 * x));
+            rgb.push_back(static_cast<std::uint8_t>(7 * (x + y)));
+        }
+    XlStream c;
+    c.cursor(0, 0);
+    beginRaster(c, true, 16, 16, header(tables));
+    strip(c, 0, 16, colorStrip(rgb, 16, 16, tables));
+    endRaster(c);
+    Drawn d(16, 16, c);
+    ASSERT_EQ(d.job.pageCount(), 1u) << d.job.sink.message();
+    int worst = 0;
+    for (int y = 0; y < 16; ++y)
+        for (int x = 0; x < 16; ++x) {
+            const Rgb got = d.at(x, y);
+            const std::uint8_t* want = rgb.data() + 3 * (16 * y + x);
+            worst = std::max(
+                { worst, std::abs(got.red - want[0]), std::abs(got.green - want[1]), std::abs(got.blue - want[2]) });
+        }
+    EXPECT_LE(worst, 16);
+}
+
+TEST(XlVendorRaster, DivisorsAbove255Count)
+{
+    XlStream c;
+    c.cursor(0, 0);
+    beginRaster(c, false, 8, 8, header(flatTables(508)));
+    // One block whose only coefficient is 1: 508 / 8 above 128.
+    strip(c, 0, 8, chunk(0x9021, { 0x5A, 0xFF, 0x00, 0xFF, 0xD9 })); // 010 1 1010, filled up with ones
+    endRaster(c);
+    Drawn d(8, 8, c);
+    ASSERT_EQ(d.job.pageCount(), 1u) << d.job.sink.message();
+    EXPECT_TRUE(isNear(d.at(4, 4), { 63, 63, 63 }, 1)) << int(d.at(4, 4).red);
+}
+
+TEST(XlVendorRaster, TheColourConversionIsTheImages)
+{
+    XlStream c;
+    c.cursor(0, 0);
+    beginRaster(c, true, 8, 8, header(flatTables(1), { 4096, 0, 0, 4096, 4096, 0, 0, 0, 8192 }));
+    Bytes samples;
+    for (int i = 0; i < 64; ++i)
+        samples.insert(samples.end(), { 100, 148, 178 });
+    strip(c, 0, 8, chunk(0x9021, withoutHeaders(wholeJpeg(samples, 8, 8, 3, flatTables(1)))));
+    endRaster(c);
+    Drawn d(8, 8, c);
+    ASSERT_EQ(d.job.pageCount(), 1u) << d.job.sink.message();
+    EXPECT_TRUE((d.at(3, 3) == Rgb { 100, 120, 100 }));
+}
+
+TEST(XlVendorRaster, GrayStripsAreInk)
+{
+    Bytes samples(128, 0);
+    std::fill(samples.begin() + 64, samples.end(), std::uint8_t { 155 });
+    XlStream c;
+    c.colorSpace(8).cursor(0, 0);
+    beginRaster(c, false, 8, 16, header(flatTables(1)));
+    strip(c, 0, 16, chunk(0x9021, withoutHeaders(wholeJpeg(samples, 8, 16, 1, flatTables(1)))));
+    endRaster(c);
+    Drawn d(8, 16, c);
+    ASSERT_EQ(d.job.pageCount(), 1u) << d.job.sink.message();
+    EXPECT_TRUE((d.at(3, 3) == kWhite));
+    EXPECT_TRUE((d.at(3, 12) == Rgb { 100, 100, 100 }));
+}
+
+TEST(XlVendorRaster, AStripWithHeadersOfItsOwnNeedsNoTables)
+{
+    XlStream c;
+    c.cursor(0, 0);
+    beginRaster(c, true, 8, 8, {});
+    strip(c, 0, 8, chunk(0x9011, wholeJpeg(asComponents(flat({ 20, 60, 240 }, 64)), 8, 8, 3, flatTables(1))));
+    endRaster(c);
+    Drawn d(8, 8, c);
+    ASSERT_EQ(d.job.pageCount(), 1u) << d.job.sink.message();
+    EXPECT_TRUE((d.at(3, 3) == Rgb { 20, 60, 240 }));
+}
+
+/// Gives one byte at a time.
+class Trickle final : public InputStream {
+public:
+    explicit Trickle(Bytes bytes)
+        : m_bytes(std::move(bytes))
+    {
+    }
+
+protected:
+    std::size_t pull(std::uint8_t* to, std::size_t) override
+    {
+        if (m_next == m_bytes.size())
+            return 0;
+        *to = m_bytes[m_next++];
+        return 1;
+    }
+
+private:
+    Bytes m_bytes;
+    std::size_t m_next = 0;
+};
+
+TEST(XlVendorRaster, TheInputsPiecesDoNotMatter)
+{
+    XlStream c;
+    c.cursor(0, 0);
+    beginRaster(c, true, 8, 8, {});
+    strip(c, 0, 8, chunk(0x9011, wholeJpeg(asComponents(flat({ 20, 60, 240 }, 64)), 8, 8, 3, flatTables(1))));
+    endRaster(c);
+    Trickle input(onePage(8, 8, c).bytes());
+    XlJob job(PixelFormat::Rgb24);
+    job.interpreter.run(input);
+    ASSERT_EQ(job.pageCount(), 1u) << job.sink.message();
+    EXPECT_TRUE((job.pixel(0, 3, 3) == Rgb { 20, 60, 240 }));
+}
+
+TEST(XlVendorRaster, StripsStandAtTheCursorByTheirStartLine)
+{
+    XlStream c;
+    c.xy(A::PageOrigin, 3, 2).op(O::SetPageOrigin).cursor(1, 1);
+    beginRaster(c, true, 8, 32, header(flatTables(1)));
+    const auto put
+        = [&](int start, Rgb color) { strip(c, start, 8, colorStrip(flat(color, 64), 8, 8, flatTables(1))); };
+    put(0, { 200, 0, 0 });
+    put(8, { 0, 200, 0 });
+    put(24, { 0, 0, 200 }); // nothing comes for the rows before
+    endRaster(c);
+    Drawn d(16, 40, c);
+    ASSERT_EQ(d.job.pageCount(), 1u) << d.job.sink.message();
+    EXPECT_TRUE((d.at(3, 3) == kWhite));
+    EXPECT_TRUE((d.at(4, 2) == kWhite));
+    for (const int x : { 4, 11 }) {
+        EXPECT_TRUE(isNear(d.at(x, 3), { 200, 0, 0 }, 2));
+        EXPECT_TRUE(isNear(d.at(x, 10), { 200, 0, 0 }, 2));
+        EXPECT_TRUE(isNear(d.at(x, 11), { 0, 200, 0 }, 2));
+        EXPECT_TRUE(isNear(d.at(x, 18), { 0, 200, 0 }, 2));
+        EXPECT_TRUE((d.at(x, 19) == kWhite));
+        EXPECT_TRUE((d.at(x, 26) == kWhite));
+        EXPECT_TRUE(isNear(d.at(x, 27), { 0, 0, 200 }, 2));
+        EXPECT_TRUE(isNear(d.at(x, 34), { 0, 0, 200 }, 2));
+    }
+    EXPECT_TRUE((d.at(12, 3) == kWhite));
+    EXPECT_TRUE((d.at(4, 35) == kWhite));
+}
+
+TEST(XlVendorRaster, APageMayEndBeforeItsRasterDoes)
+{
+    // At half size, so that the painter still holds rows back when the page ends.
+    XlStream stream = XlStream::withHeader();
+    stream.beginSession(200).openDataSource().beginPage(8, 32).cursor(0, 0);
+    beginRaster(stream, true, 8, 64, header(flatTables(1)));
+    strip(stream, 0, 7, colorStrip(flat(kBlack, 56), 8, 7, flatTables(1)));
+    stream.endPage().endSession();
+    XlJob job(PixelFormat::Rgb24);
+    job.run(stream);
+    ASSERT_EQ(job.pageCount(), 1u) << job.sink.message();
+    EXPECT_TRUE((job.pixel(0, 1, 1) == kBlack));
+    EXPECT_LT(job.pixel(0, 1, 3).red, 200);
+    EXPECT_TRUE((job.pixel(0, 1, 4) == kWhite));
+}
+
+TEST(XlVendorRaster, ReplacementRowsTakePixelsFromAllSources)
+{
+    // Row 0: a new pixel, one from the left after a gap, a run of the last one; the rest stays white.
+    // Row 1: the last pixel of the row before; the one above on the right; a new run of ten.
+    // Row 2: as row 1.
+    const Bytes data = { 0x00, 1, 2, 3, 0x28, 0x89, 9, 8, 7, 0x98, 8 - 3, //
+        0x60, 0x40, 0x87, 5, 5, 5, 10 - 9, 0x18, 0, //
+        0x18, 15 - 3 };
+    Drawn d(15, 3, replacementPage(true, 15, 3, data));
+    ASSERT_EQ(d.job.pageCount(), 1u) << d.job.sink.message();
+    const auto rowOf = [&](int y) {
+        std::vector<int> reds;
+        for (int x = 0; x < 15; ++x)
+            reds.push_back(d.at(x, y).red);
+        return reds;
+    };
+    EXPECT_EQ(rowOf(0), (std::vector<int> { 1, 255, 255, 255, 9, 9, 9, 255, 255, 255, 255, 255, 255, 255, 255 }));
+    EXPECT_TRUE((d.at(0, 0) == Rgb { 1, 2, 3 }));
+    EXPECT_TRUE((d.at(4, 0) == Rgb { 9, 8, 7 }));
+    EXPECT_EQ(rowOf(1), (std::vector<int> { 9, 255, 5, 5, 5, 5, 5, 5, 5, 5, 5, 5, 255, 255, 255 }));
+    EXPECT_EQ(rowOf(2), rowOf(1));
+}
+
+TEST(XlVendorRaster, ReplacementPixelsFromTheLeftAndTheRightAreTheLastOnes)
+{
+    // 1, then the one above on its right, which is white, as the last; then the one on the left, 7, as the last.
+    const Bytes data = { 0x00, 1, 1, 1, 0x40, 0x60, 0x00, 7, 7, 7, 0x00, 8, 8, 8, 0x20, 0x00, 9, 9, 9, 0x68 };
+    const Bytes left = { 0x00, 1, 1, 1, 0x01, 2, 2, 2, 3, 3, 3, 0x20, 0xE0 };
+    Drawn a(9, 1, replacementPage(true, 9, 1, data));
+    ASSERT_EQ(a.job.pageCount(), 1u) << a.job.sink.message();
+    EXPECT_EQ(a.at(1, 0).red, 255);
+    EXPECT_EQ(a.at(2, 0).red, 255);
+    EXPECT_EQ(a.at(5, 0).red, 8);
+    EXPECT_EQ(a.at(8, 0).red, 9);
+    Drawn b(6, 1, replacementPage(true, 6, 1, left));
+    ASSERT_EQ(b.job.pageCount(), 1u) << b.job.sink.message();
+    EXPECT_EQ(b.at(2, 0).red, 3);
+    EXPECT_EQ(b.at(3, 0).red, 3);
+    EXPECT_EQ(b.at(5, 0).red, 3);
+}
+
+TEST(XlVendorRaster, ReplacementRowsEndAtTheirWidth)
+{
+    // A run that passes the end, an offset that does, and a pixel from behind the end, which is black.
+    for (const bool isColor : { true, false }) {
+        const Bytes data = { 0x85, 90, 90, 90, 0x18, 200, 0x10, 50, 50, 50, 0x40 };
+        Drawn d(4, 3, replacementPage(isColor, 4, 3, data));
+        ASSERT_EQ(d.job.pageCount(), 1u) << d.job.sink.message();
+        const int first = isColor ? 90 : 165;
+        EXPECT_EQ(d.at(3, 0).red, first);
+        EXPECT_EQ(d.at(3, 1).red, first);
+        EXPECT_EQ(d.at(1, 2).red, first);
+        EXPECT_EQ(d.at(2, 2).red, isColor ? 50 : 205);
+        EXPECT_TRUE((d.at(3, 2) == kBlack));
+    }
+}
+
+TEST(XlVendorRaster, EachReplacementStripStartsFromWhite)
+{
+    for (const bool isColor : { true, false }) {
+        XlStream c;
+        c.cursor(0, 0);
+        beginRaster(c, isColor, 8, 2, {});
+        strip(c, 0, 1, chunk(0x9011, { 0x86, 60, 60, 60 }));
+        strip(c, 1, 1, chunk(0x9011, { 0x18, 8 - 3 }));
+        endRaster(c);
+        Drawn d(8, 2, c);
+        ASSERT_EQ(d.job.pageCount(), 1u) << d.job.sink.message();
+        EXPECT_EQ(d.at(7, 0).red, isColor ? 60 : 195);
+        EXPECT_TRUE((d.at(0, 1) == kWhite));
+        EXPECT_TRUE((d.at(7, 1) == kWhite));
+    }
+}
+
+TEST(XlVendorRaster, DamagedStripsAreErrorsByName)
+{
+    const auto errorOf = [](const Bytes& begin, const Bytes& payload, int start = 0, int rows = 8) {
+        XlStream c;
+        c.cursor(0, 0);
+        beginRaster(c, true, 8, 8, begin);
+        strip(c, start, rows, payload);
+        endRaster(c);
+        Drawn d(8, 8, c);
+        EXPECT_EQ(d.job.pageCount(), 0u);
+        return d.job.sink.message();
+    };
+    const auto has = [](const std::string& text, const char* what) { return text.find(what) != std::string::npos; };
+    const Bytes begin = header(flatTables(1));
+    const Bytes good = colorStrip(flat(kBlack, 64), 8, 8, flatTables(1));
+    Bytes cut(good.begin(), good.end() - 4);
+    cut[2] = static_cast<std::uint8_t>(cut.size() - 6);
+    EXPECT_TRUE(has(errorOf(begin, cut), "MissingData"));
+    Bytes tooLong = good;
+    tooLong[2] = static_cast<std::uint8_t>(tooLong[2] + 1);
+    EXPECT_TRUE(has(errorOf(begin, tooLong), "IllegalDataLength"));
+    EXPECT_TRUE(has(errorOf({}, good), "IllegalDataValue"));
+    EXPECT_TRUE(has(errorOf(begin, good, 1), "BlockHeight"));
+    EXPECT_TRUE(has(errorOf(begin, good, 8), "StartLine"));
+    EXPECT_TRUE(has(errorOf(begin, chunk(0x9011, { 0x00, 1 })), "MissingData"));
+    EXPECT_TRUE(has(errorOf(begin, chunk(0x9011, {})), "MissingData"));
+    EXPECT_TRUE(has(errorOf(begin, chunk(0x9011, wholeJpeg(Bytes(64), 8, 8, 1, flatTables(1)))), "IllegalDataValue"));
+    Bytes zero = begin;
+    zero[6] = 0;
+    EXPECT_TRUE(has(errorOf(zero, good), "IllegalDataValue"));
+    EXPECT_TRUE(has(errorOf(chunk(0x8000, Bytes(4)), good), "IllegalDataLength"));
+    EXPECT_TRUE(has(errorOf(chunk(0x8001, Bytes(4)), good), "IllegalDataLength"));
+}
+
+TEST(XlVendorRaster, ThePayloadIsTakenWholeWhateverBecomesOfIt)
+{
+    // The strip fails at its start; an exit within its payload must not be taken for the stream's.
+    XlStream c;
+    c.cursor(0, 0);
+    beginRaster(c, true, 8, 8, {});
+    Bytes data(40, 0xFF);
+    const std::string text = "\x1b%-12345X";
+    std::copy(text.begin(), text.end(), data.begin() + 20);
+    strip(c, 9, 1, chunk(0x9011, data));
+    XlStream all = onePage(8, 8, c);
+    all.universalExit().raw("rest");
+    XlJob job;
+    MemoryInputStream input { ByteView(all.bytes()) };
+    EXPECT_EQ(job.interpreter.run(input), pclxl::Interpreter::End::UniversalExit);
+    EXPECT_EQ(input.offset(), all.size() - 4 - 9);
+}
+
+TEST(XlVendorRaster, AnInputThatEndsWithinAPayloadIsDamage)
+{
+    XlStream c;
+    c.cursor(0, 0);
+    beginRaster(c, true, 8, 8, header(flatTables(1)));
+    strip(c, 0, 8, colorStrip(flat(kBlack, 64), 8, 8, flatTables(1)));
+    const Bytes all = onePage(8, 8, c).bytes();
+    for (std::size_t size = 1; size < all.size() - 2; size += 3) {
+        XlJob job;
+        job.run(Bytes(all.begin(), all.begin() + static_cast<std::ptrdiff_t>(size)));
+        EXPECT_LE(job.pageCount(), 1u);
+    }
+    XlJob job;
+    job.run(Bytes(all.begin(), all.end() - 12));
+    EXPECT_EQ(job.pageCount(), 0u);
+    EXPECT_EQ(job.interpreter.status(), RunStatus::Damaged);
+}
+
+TEST(XlVendorRaster, RowsThatNoMemoryHoldsEndTheJob)
+{
+    XlStream c;
+    c.cursor(0, 0).uint32(A::SourceWidth, 0x7FFFFFFF).uint16(A::SourceHeight, 1).ubyte(A::VUAttr5, 4);
+    vendor(c, 0x4000, {});
+    XlJob job;
+    EXPECT_EQ(job.run(onePage(8, 8, c)), pclxl::Interpreter::End::Failed);
+    EXPECT_EQ(job.interpreter.status(), RunStatus::LimitExceeded);
+}
+
+TEST(XlVendorRaster, ItNeedsACursor)
+{
+    XlStream c;
+    beginRaster(c, true, 8, 8, header(flatTables(1)));
+    EXPECT_NE(Drawn(8, 8, c).job.sink.message().find("CurrentCursorUndefined"), std::string::npos);
+}
+
+TEST(XlVendorRaster, WhatIsNotKnownIsPassedOverWithItsName)
+{
+    const auto warningOf = [](const XlStream& c, const char* kind = "pclxl.vendor-unique") {
+        Drawn d(8, 8, c);
+        EXPECT_EQ(d.job.pageCount(), 1u) << d.job.sink.message();
+        EXPECT_EQ(d.job.device.blackPixelCount(0), 0u);
+        return d.job.sink.message(kind);
+    };
+    const auto has = [](const std::string& text, const char* what) { return text.find(what) != std::string::npos; };
+    XlStream fast;
+    vendor(fast, 0x2006, { 0, 1, 2, 0x58 });
+    EXPECT_TRUE(has(warningOf(fast), "fast raster"));
+    XlStream unknown;
+    vendor(unknown, 0x4003, { 1, 2, 3 });
+    EXPECT_TRUE(has(warningOf(unknown), "0x68704003"));
+    XlStream stranger;
+    stranger.uint32(A::VUExtension, 0x12344001).uint32(A::VUDataLength, 2).op(O::VendorUnique).raw("AB");
+    EXPECT_TRUE(has(warningOf(stranger), "0x12344001"));
+    XlStream alone;
+    strip(alone.cursor(0, 0), 0, 1, chunk(0x9011, { 0x86, 0, 0, 0 }));
+    EXPECT_TRUE(has(warningOf(alone), "no image"));
+    XlStream code;
+    beginRaster(code.cursor(0, 0), true, 8, 8, {});
+    strip(code, 0, 8, chunk(0x9031, { 1, 2, 3 }));
+    EXPECT_TRUE(has(warningOf(code, "pclxl.vendor-chunk"), "unknown code"));
+}
+
+Bytes fixture(const std::string& name)
+{
+    std::ifstream file(std::string(PRISMO_TEST_DATA) + '/' + name, std::ios::binary);
+    const std::string all((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
+    const std::size_t start = all.find(") HP-PCL XL;");
+    return start == std::string::npos ? Bytes() : Bytes(all.begin() + static_cast<std::ptrdiff_t>(start), all.end());
+}
+
+/// Jobs of a driver for colour lasers, in its two qualities and in colour and gray, from one PostScript page of 72 by
+/// 72 points at 600 dpi: three squares of 12 points in red, green and blue from (18, 36), one of (.4, .6, .2) below the
+/// first, a ramp, and a line of 0.12 points at 20.04 from 18 to 54.
+TEST(XlVendorRaster, ADriversJobsAreDrawnInPlace)
+{
+    const Rgb red { 255, 0, 0 }, green { 0, 255, 0 }, blue { 0, 0, 255 }, moss { 102, 153, 51 };
+    struct Case {
+        const char* name;
+        int loss;
+        std::array<Rgb, 4> squares;
+    };
+    const auto gray = [](std::uint8_t level) { return Rgb { level, level, level }; };
+    const std::array<Rgb, 4> grays { gray(130), gray(220), gray(70), gray(139) };
+    for (const Case& c : { Case { "vendor_replacement_colour.prn", 0, { red, green, blue, moss } },
+             Case { "vendor_jpeg_colour.prn", 10, { red, green, blue, moss } },
+             Case { "vendor_replacement_gray.prn", 0, grays }, Case { "vendor_jpeg_gray.prn", 10, grays } }) {
+        XlJob job(PixelFormat::Rgb24, {}, {}, 600);
+        EXPECT_EQ(job.run(fixture(c.name)), pclxl::Interpreter::End::UniversalExit);
+        ASSERT_EQ(job.pageCount(), 1u) << c.name << job.sink.message();
+        EXPECT_TRUE(job.sink.diagnostics.empty()) << c.name;
+        const auto is = [&](int x, int y, Rgb color) { return isNear(job.pixel(0, x, y), color, c.loss); };
+        for (const int i : { 0, 1, 2 }) {
+            EXPECT_TRUE(is(152 + 100 * i, 202, c.squares[static_cast<std::size_t>(i)])) << c.name << i;
+            EXPECT_TRUE(is(247 + 100 * i, 250, c.squares[static_cast<std::size_t>(i)])) << c.name << i;
+        }
+        EXPECT_TRUE(is(160, 390, c.squares[3])) << c.name;
+        EXPECT_TRUE(is(200, 432, kBlack)) << c.name; // the line, one row thick
+        EXPECT_TRUE(is(200, 434, kWhite)) << c.name;
+        EXPECT_TRUE(is(140, 300, kWhite)) << c.name;
+        EXPECT_TRUE(is(250, 190, kWhite)) << c.name;
+    }
+}
+
+/// Of another driver, which sends whole JPEG streams where replacement rows are announced: three flat fields and a
+/// ramp.
+TEST(XlVendorRaster, ADriversWholeJpegStripsAreDrawn)
+{
+    XlJob job(PixelFormat::Rgb24, {}, {}, 600);
+    EXPECT_EQ(job.run(fixture("vendor_whole_jpeg.prn")), pclxl::Interpreter::End::UniversalExit);
+    ASSERT_EQ(job.pageCount(), 1u) << job.sink.message();
+    EXPECT_TRUE(job.sink.diagnostics.empty());
+    EXPECT_TRUE(isNear(job.pixel(0, 200, 180), { 200, 100, 50 }, 2));
+    EXPECT_TRUE(isNear(job.pixel(0, 400, 180), { 20, 60, 240 }, 2));
+    EXPECT_TRUE(isNear(job.pixel(0, 600, 180), { 0, 160, 80 }, 2));
+    EXPECT_TRUE(isNear(job.pixel(0, 800, 180), { 0, 0, 0 }, 4));
+    EXPECT_TRUE(isNear(job.pixel(0, 1200, 180), { 200, 200, 200 }, 4));
+}
+
+} // namespace
