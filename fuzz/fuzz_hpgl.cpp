@@ -2,6 +2,7 @@
 
 #include "quillrip/fonts/font_library.h"
 #include "quillrip/hpgl/plot_file.h"
+#include "quillrip/pcl/plotter_raster.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
@@ -12,6 +13,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     fuzz::NoPages pages;
     ImagePageDevice device(pages, fuzz::smallPages(size), limits);
     FontLibrary fonts(limits);
-    hpgl::PlotFile plot(device, fonts, diagnostics, limits, {});
+    hpgl::PlotFile plot(device, fonts, diagnostics, limits, {}, [&limits](FontLibrary& library, DiagnosticSink& sink) {
+        return std::make_unique<pcl::PlotterRaster>(library, sink, limits);
+    });
     return static_cast<int>(plot.run(input)) * 0;
 }

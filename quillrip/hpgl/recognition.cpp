@@ -18,6 +18,7 @@ constexpr int kFailuresAllowed = 1;
 constexpr int kShortPlot = 4;
 /// Plotter units; a little more than the long edge of the largest sheet that desktop printers take.
 constexpr double kLargeFormat = 17400;
+constexpr double kUnitsPerInch = 1016;
 
 enum class Form : std::uint8_t {
     Numbers,
@@ -240,7 +241,8 @@ public:
             } else if (!skipRasterSequence()) {
                 return false;
             }
-            const bool asksForPage = m_page.hasBegun || m_page.hasSize;
+            const bool asksForPage
+                = m_page.hasBegun || m_page.hasSize || m_rasterWidth / m_dotsPerInch * kUnitsPerInch > kLargeFormat;
             if ((asksForPage && m_hasRaster) || (m_page.hasBothEdges && (m_page.hasBegun || m_page.isLarge)))
                 return true;
         }
@@ -336,6 +338,10 @@ private:
             ++m_at;
             const bool isTransfer = group == 'b' && (letter == 'V' || letter == 'W');
             m_hasRaster = m_hasRaster || (group == 'r' && letter == 'A') || (isTransfer && number > 0);
+            if (group == 't' && letter == 'R' && number > 0)
+                m_dotsPerInch = static_cast<double>(number);
+            if (group == 'r' && letter == 'S')
+                m_rasterWidth = static_cast<double>(number);
             if (prefix == '*' && (letter == 'W' || isTransfer))
                 m_at = std::min<std::uint64_t>(m_at + number, m_bytes.size);
             if (isUpper(byte))
@@ -498,6 +504,8 @@ private:
 
     std::size_t m_commandAt = 0; ///< of the command read last
     bool m_hasRaster = false;
+    double m_rasterWidth = 0; ///< dots
+    double m_dotsPerInch = 300;
     struct {
         bool hasBegun = false; ///< BP
         bool hasSize = false; ///< PS

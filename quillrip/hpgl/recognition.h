@@ -15,8 +15,8 @@ bool looksLikePlot(ByteView window);
 /// Whether bytes are the start of a plot with raster in it, which begins with the plotter's raster language (HP RTL)
 /// and enters HP-GL/2 from there: by ESC%0B and ESC%1B, as PCL 5 does. What tells it from PCL is that nothing of PCL
 /// stands in front but what the raster language has too, that the plot asks for its page (PS, or BP), which PCL's
-/// HP-GL/2 does not obey, and that raster follows; or that PS gives both edges of the page and BP stands there, or the
-/// page is larger than a printer's. `window`: as much as can be had, up to some 64 KiB.
+/// HP-GL/2 does not obey, and that raster follows; or that PS gives both edges of the page and BP stands there; or that
+/// the page or the raster is larger than a printer's. `window`: as much as can be had, up to some 64 KiB.
 bool looksLikeRasterPlot(ByteView window);
 
 } // namespace quillrip::hpgl

@@ -129,6 +129,7 @@ void JobReader::passOver(const std::string& name, std::uint64_t offset)
 void JobReader::universalExitTaken()
 {
     m_isReadingPjl = true;
+    m_isNamedPlot = false;
     if (!m_isInsideJob && m_hasDataSinceReset) {
         resetEnvironment();
         m_job = { m_job.serial + 1, 1, UINT64_MAX };
@@ -198,6 +199,8 @@ std::optional<Part> JobReader::partOf(const Content& content)
     m_input.skip(content.padding);
     const std::uint64_t offset = m_input.offset();
     Part part { content.kind, offset, false };
+    if (m_isNamedPlot && content.kind == ContentKind::Pcl)
+        part.kind = ContentKind::Plot; // what the plotter's raster language shares with PCL
     switch (content.kind) {
     case ContentKind::Text:
         part.kind = ContentKind::Pcl;
@@ -338,6 +341,7 @@ std::optional<Part> JobReader::enterLanguage(const std::string& name)
         break;
     case Speaks::Plot:
         part.kind = ContentKind::Plot;
+        m_isNamedPlot = true;
         break;
     case Speaks::PostScript:
         part.kind = ContentKind::PostScript;

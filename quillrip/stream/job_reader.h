@@ -69,6 +69,7 @@ private:
     bool m_hasDataSinceReset = false;
     bool m_isReadingPjl = false;
     bool m_hadPart = false;
+    bool m_isNamedPlot = false; ///< the job language named a plot, whose resets do not end it
     std::string m_foreignName;
     std::uint64_t m_foreignOffset = 0;
 };

@@ -96,6 +96,13 @@ TEST(HpglRecognition, APageOfBothEdgesIsAPlotsWhenItIsLargeOrAPlotBegins)
     EXPECT_FALSE(hasRaster(escaped("@%0BIN;PS10000,8000;SP1;PU0,0;")));
 }
 
+TEST(HpglRecognition, RasterThatNoPrinterIsWideEnoughForIsAPlot)
+{
+    EXPECT_TRUE(hasRaster(escaped("@E@*t300R@*r10200s1A@*b2W11")));
+    EXPECT_FALSE(hasRaster(escaped("@E@*t600R@*r10200s1A@*b2W11")));
+    EXPECT_FALSE(hasRaster(escaped("@E@&l8A@*t300R@*r10200s1A@*b2W11")));
+}
+
 TEST(HpglRecognition, PclWithPlotsAndRasterIsPcl)
 {
     // Drawing programs send the whole plot to printers too, its page size included.

@@ -78,6 +78,20 @@ TEST(RasterPlot, JobLanguageMayNameIt)
     }
 }
 
+TEST(RasterPlot, AResetDoesNotEndAPlotThatTheJobLanguageNamed)
+{
+    // The second page says nothing that tells a plotter's raster from a printer's, but for its name.
+    const std::string page = "\x1B*t300R\x1B*r600s1A\x1B*b2m2W\xB6\xFF\x1B*rC\x1B"
+                             "E";
+    const auto run = runBytes("\x1B%-12345X@PJL ENTER LANGUAGE=RTL\r\n" + page + page + "\x1B%-12345X");
+    ASSERT_EQ(run.sink.pages.size(), 2u) << run.result.reason;
+    EXPECT_EQ(inkCount(run.sink.pages[1], { 0, 0, 600, 1 }), 600);
+    // The name holds to the end of the job, not of the file.
+    const auto mixed = runBytes("\x1B%-12345X@PJL ENTER LANGUAGE=RTL\r\n" + page + "\x1B%-12345X" + page);
+    ASSERT_EQ(mixed.sink.pages.size(), 2u) << mixed.result.reason;
+    EXPECT_EQ(inkCount(mixed.sink.pages[1], { 0, 0, 600, 1 }), 0);
+}
+
 TEST(RasterPlot, PclWithEmbeddedPlotsAndRasterStaysPcl)
 {
     const std::string rest = "\x1B%0BBP;IN;PS10668;SP1;PU0,0;PD1000,0;\x1B%0A\x1B*t300R\x1B*r1A\x1B*b1W\xFF\x1B*rB\f";
