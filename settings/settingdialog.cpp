@@ -3,13 +3,19 @@
 #include "settings/optionvocabulary.h"
 #include "ui_settingdialog.h"
 
+#include <QFontInfo>
+#include <QFontMetrics>
 #include <QPalette>
 #include <QPixmap>
+#include <QStyleOptionComboBox>
+
+#include <algorithm>
 
 namespace {
 
 constexpr int kDialogWidth = 400;
 constexpr int kDialogHeight = 300;
+constexpr int kSmallestFontPixels = 8;
 
 template <std::size_t N> QStringList ListOf(const std::array<const char*, N>& table)
 {
@@ -56,6 +62,7 @@ SettingDialog::SettingDialog(QWidget* parent)
     connect(ui->comboBox_FaxKind, SIGNAL(currentIndexChanged(int)), this, SLOT(ChangeFaxTiff()));
 
     SetBackground();
+    FitFont();
 
     // Filling the lists already runs the slots above, so the connections come first.
     IniAllChoice();
@@ -71,6 +78,33 @@ void SettingDialog::SetBackground()
     windowPalette.setBrush(
         QPalette::Window, QBrush(background.scaled(size(), Qt::IgnoreAspectRatio, Qt::SmoothTransformation)));
     setPalette(windowPalette);
+}
+
+// Of the rows whose texts a font can make too wide for the form, this is the widest by far.
+int SettingDialog::FaxRowWidth(const QFont& rowFont) const
+{
+    const QFontMetrics metrics(rowFont);
+    int iLongest = 0;
+    for (const char* chFaxKind : vocabulary::kFaxKinds)
+        iLongest = std::max(iLongest, metrics.horizontalAdvance(QLatin1String(chFaxKind)));
+    QStyleOptionComboBox option;
+    option.initFrom(ui->comboBox_FaxKind);
+    option.fontMetrics = metrics;
+    const QSize list = style()->sizeFromContents(
+        QStyle::CT_ComboBox, &option, QSize(iLongest, metrics.height()), ui->comboBox_FaxKind);
+    return metrics.horizontalAdvance(ui->label_7->text()) + ui->horizontalLayout_6->spacing() + list.width();
+}
+
+// The form's places are pixels, and blanks put its labels there. Where the desktop's font is too wide for that, the
+// longest fax kind would lose its end; the dialog then takes the largest size that leaves it whole.
+void SettingDialog::FitFont()
+{
+    QFont fittingFont = font();
+    for (int iPixels = QFontInfo(fittingFont).pixelSize() - 1;
+         iPixels >= kSmallestFontPixels && FaxRowWidth(fittingFont) > ui->layoutWidget3->width(); --iPixels)
+        fittingFont.setPixelSize(iPixels);
+    if (fittingFont != font())
+        setFont(fittingFont);
 }
 
 // Clearing a list runs its slot with an empty text, the first entry runs it again; everything below counts on that.

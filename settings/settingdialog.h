@@ -51,6 +51,8 @@ public slots:
 
 private:
     void SetBackground();
+    int FaxRowWidth(const QFont& rowFont) const;
+    void FitFont();
     void FillList(QComboBox* pList, const QStringList& entries);
     QStringList CompressNames(const QStringList& shortNames);
     void EnablePageSize();
