@@ -95,6 +95,8 @@ void CommandLineTest::CompressMinusOneIsLeftOutAndZeroIsSent_data()
                        << R"( "-c" "7" )";
     QTest::newRow("8") << "8"
                        << "";
+    QTest::newRow("no number") << "abc"
+                               << R"( "-c" "0" )";
 }
 
 // Whatever the format is: the default here is ".bmp".
@@ -232,6 +234,10 @@ void CommandLineTest::PageSizesAreNotReadWithoutTheirSwitch()
 {
     Store({ { "ResizePage", "FALSE" }, { "PageSizeX", "850" }, { "PageSizeY", "1100" } });
     QCOMPARE(m_window->GetCmdArg(), QString(R"("-b" "1")"));
+    // What is no number counts as 0.
+    Store({ { "ResizePage", "TRUE" }, { "PageSizeX", "wide" }, { "ResizeResolution", "TRUE" },
+        { "ResolutionX", "fine" } });
+    QCOMPARE(m_window->GetCmdArg(), QString(R"( "-gh" "1100" "-b" "1")"));
     // With the switch and no sizes, both default to 100.
     RemoveSettings();
     Store({ { "ResizePage", "TRUE" }, { "ResizeResolution", "TRUE" } });

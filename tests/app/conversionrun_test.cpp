@@ -54,6 +54,10 @@ private slots:
     void FileListGrowsWithEveryPress();
     void KillProcessWithoutARunDoesNothing();
     void OneBackendAtATime();
+    void StopPressStoresTheFolder();
+    void CallWithoutTheFlagStartsNothing();
+    void ClosedWindowLeavesItsBackendRunning();
+    void PathsOfAnyLanguageReachTheBackend();
 
 private:
     QPushButton* Button() { return Child<QPushButton>(*m_window, "pushButton_Convert"); }
@@ -579,6 +583,71 @@ void ConversionRunTest::OneBackendAtATime()
         m_backend->OpenGate();
     }
     QVERIFY(WaitForEnd());
+}
+
+void ConversionRunTest::StopPressStoresTheFolder()
+{
+    Prepare(1);
+    m_backend->WaitAtGate();
+    Press();
+    QVERIFY(m_backend->WaitForRuns(1));
+    QVERIFY(QDir(m_folder->path()).mkdir("later"));
+    Folder()->setText(m_folder->filePath("later"));
+    Press();
+    QCOMPARE(ReadSetting("SettingInfo/OutputFolder"), m_folder->filePath("later"));
+    // The row that stopping started again.
+    m_backend->OpenGate();
+    QVERIFY(m_backend->WaitForRuns(2));
+}
+
+// What the end of a stopped run's last backend does: all preparations, and no start.
+void ConversionRunTest::CallWithoutTheFlagStartsNothing()
+{
+    Prepare(1);
+    qunsetenv("PCLFONTSOURCE");
+    WriteSetting("SettingInfo/Format", "3");
+    QVERIFY(m_window->ExeCmd());
+    QVERIFY(MainWindowProbe::Process(*m_window));
+    QCOMPARE(MainWindowProbe::Process(*m_window)->state(), QProcess::NotRunning);
+    QCOMPARE(MainWindowProbe::Extension(*m_window), QString(".png"));
+    QVERIFY(qEnvironmentVariableIsSet("PCLFONTSOURCE"));
+    QCOMPARE(MainWindowProbe::CurrentRow(*m_window), 0);
+    QCOMPARE(Bar()->value(), 0);
+    QCOMPARE(Table()->currentRow(), -1);
+    QVERIFY(m_backend->Runs().empty());
+}
+
+void ConversionRunTest::ClosedWindowLeavesItsBackendRunning()
+{
+    Prepare(2);
+    m_backend->WaitAtGate();
+    Press();
+    QVERIFY(m_backend->WaitForRuns(1));
+    QProcess* process = MainWindowProbe::Process(*m_window);
+    QSignalSpy finished(process, &QProcess::finished);
+    m_window.reset();
+    QVERIFY(process->state() != QProcess::NotRunning);
+
+    m_backend->OpenGate();
+    QVERIFY(WaitUntil([&finished] { return finished.size() == 1; }));
+    QCOMPARE(process->exitStatus(), QProcess::NormalExit);
+    QCOMPARE(m_backend->Runs().size(), std::size_t(1));
+}
+
+void ConversionRunTest::PathsOfAnyLanguageReachTheBackend()
+{
+    const QString strFolder = m_folder->filePath(QString::fromUtf8("B\u00FCcher, \u65E5\u672C=%"));
+    QVERIFY(QDir().mkdir(strFolder));
+    const QString strInput = MakeFile(m_folder->filePath(QString::fromUtf8("Gr\u00FC\u00DFe.pcl")), 10);
+    AddRows(*m_window, { strInput });
+    QCOMPARE(Table()->item(0, 0)->text(), strInput);
+    Folder()->setText(strFolder);
+    Press();
+    QVERIFY(WaitForEnd());
+    QCOMPARE(m_backend->InputsSoFar(), QStringList({ strInput }));
+    QVERIFY(m_backend->Runs().at(0).arguments.contains(strFolder + QString::fromUtf8("/Gr\u00FC\u00DFe.bmp")));
+    QCOMPARE(ReadSetting("SettingInfo/OutputFolder"), strFolder);
+    QCOMPARE(ReadSetting("SettingInfo/InputFolder"), strInput);
 }
 
 PRISMO_TEST_MAIN(ConversionRunTest)

@@ -266,6 +266,15 @@ void SettingsFileTest::StoredNumbersOutOfRangeAreRepaired()
     QCOMPARE(Text(dialog, "lineEdit_PageSizeY"), QString("0"));
     QCOMPARE(Text(dialog, "lineEdit_ResoX"), QString("100"));
     QCOMPARE(Text(dialog, "lineEdit_ResoY"), QString("100"));
+
+    // What is no number counts as 0, which a page size may be and a resolution may not.
+    for (const char* key : { "PageSizeX", "PageSizeY", "ResolutionX", "CompressMethod", "FaxTiff" })
+        WriteSetting(QLatin1String("SettingInfo/") + QLatin1String(key), "abc");
+    const SettingDialog again;
+    QCOMPARE(Text(again, "lineEdit_PageSizeX"), QString("0"));
+    QCOMPARE(Text(again, "lineEdit_PageSizeY"), QString("0"));
+    QCOMPARE(Text(again, "lineEdit_ResoX"), QString("100"));
+    QCOMPARE(Shown(again, "comboBox_Compress"), QString("None"));
 }
 
 void SettingsFileTest::AllTenKeysAreWrittenAsTexts()
