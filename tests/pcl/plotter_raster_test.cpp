@@ -219,13 +219,18 @@ TEST(PlotterRaster, PensFollowThePaletteOfTheRaster)
     EXPECT_EQ(plotted.color(10, 40), kRed);
 }
 
-TEST(PlotterRaster, PaletteOfTheRasterOutlivesVectorsThatLeaveItAlone)
+TEST(PlotterRaster, ColoursOfTheRasterOutliveVectorsThatLeaveThemAlone)
 {
-    const std::string configured = command("*v", "W", bytes({ 0, 0, 3, 8, 8, 8 }));
-    const Plotted plotted(kPage + e("%1A") + configured + e("%0B") + "SP7;PU0,0;" + kRaster + plane("\xFF")
-        + plane(bytes({ 0 })) + row(bytes({ 0 })) + kEnd);
-    ASSERT_EQ(plotted.pages(), 1u);
-    EXPECT_EQ(plotted.color(0, 0), kRed);
+    const std::string configured = command("*v", "W", bytes({ 0, 3, 8, 8, 8, 8 }));
+    const std::string pixel = kRaster + row(bytes({ 10, 20, 30 })) + kEnd;
+    const Plotted left(kPage + e("%1A") + configured + e("%0B") + "SP7;PU0,0;" + pixel);
+    ASSERT_EQ(left.pages(), 1u);
+    EXPECT_EQ(left.color(0, 0), (Rgb { 10, 20, 30 }));
+    // New pens are another palette, of one plane here.
+    const Plotted replaced(kPage + e("%1A") + configured + e("%0B") + "IN;PU0,0;" + pixel);
+    ASSERT_EQ(replaced.pages(), 1u);
+    EXPECT_EQ(replaced.color(0, 0), kWhite);
+    EXPECT_EQ(replaced.color(4, 0), kBlack);
 }
 
 TEST(PlotterRaster, LogicalOperationIsSharedWithTheVectors)
@@ -237,7 +242,7 @@ TEST(PlotterRaster, LogicalOperationIsSharedWithTheVectors)
     const Plotted byRaster(
         kPage + "SP1;PU0,0;RA254,254;" + e("%1A") + e("*l85O") + e("%0B") + "PU0,0;RA254,254;", PixelFormat::Bilevel);
     ASSERT_EQ(byRaster.pages(), 1u);
-    EXPECT_EQ(byRaster.color(10, 10), kWhite);
+    EXPECT_EQ(byRaster.color(10, 40), kWhite);
 }
 
 TEST(PlotterRaster, MovesCountTheRastersDots)
@@ -250,6 +255,15 @@ TEST(PlotterRaster, MovesCountTheRastersDots)
         + e("*r1A") + row("\xFF") + kEnd);
     ASSERT_EQ(negative.pages(), 1u);
     EXPECT_EQ(negative.art({ 14, 19, 24, 21 }), "..........\n.########.\n");
+}
+
+TEST(PlotterRaster, RasterMayBeginBeyondTheEdges)
+{
+    const Plotted plotted(kPage + "PU-254,-254;" + e("%1A") + e("*t100R") + e("*r32S") + e("*r1A")
+        + row("\xFF\xFF\xFF\xFF") + e("*b24Y") + row("\xFF\xFF\xFF\xFF") + kEnd);
+    ASSERT_EQ(plotted.pages(), 1u);
+    EXPECT_EQ(plotted.art({ 0, 0, 9, 2 }), "#######..\n.........\n");
+    EXPECT_EQ(plotted.device.blackPixelCount(0), 7u);
 }
 
 TEST(PlotterRaster, EveryPageHasItsOwn)
