@@ -241,8 +241,11 @@ public:
             } else if (!skipRasterSequence()) {
                 return false;
             }
-            const bool asksForPage
-                = m_page.hasBegun || m_page.hasSize || m_rasterWidth / m_dotsPerInch * kUnitsPerInch > kLargeFormat;
+            // A coarse raster can be too wide by mistake, and printers cut it.
+            constexpr double kFineDotsPerInch = 150;
+            const bool isWide
+                = m_dotsPerInch >= kFineDotsPerInch && m_rasterWidth / m_dotsPerInch * kUnitsPerInch > kLargeFormat;
+            const bool asksForPage = m_page.hasBegun || m_page.hasSize || isWide;
             if ((asksForPage && m_hasRaster) || (m_page.hasBothEdges && (m_page.hasBegun || m_page.isLarge)))
                 return true;
         }
@@ -505,7 +508,7 @@ private:
     std::size_t m_commandAt = 0; ///< of the command read last
     bool m_hasRaster = false;
     double m_rasterWidth = 0; ///< dots
-    double m_dotsPerInch = 300;
+    double m_dotsPerInch = 0; ///< of the raster; 0: not set
     struct {
         bool hasBegun = false; ///< BP
         bool hasSize = false; ///< PS

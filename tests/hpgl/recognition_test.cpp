@@ -100,6 +100,8 @@ TEST(HpglRecognition, RasterThatNoPrinterIsWideEnoughForIsAPlot)
 {
     EXPECT_TRUE(hasRaster(escaped("@E@*t300R@*r10200s1A@*b2W11")));
     EXPECT_FALSE(hasRaster(escaped("@E@*t600R@*r10200s1A@*b2W11")));
+    EXPECT_FALSE(hasRaster(escaped("@E@*t75R@*r2000s1A@*b2W11")));
+    EXPECT_FALSE(hasRaster(escaped("@E@*r10200s1A@*b2W11")));
     EXPECT_FALSE(hasRaster(escaped("@E@&l8A@*t300R@*r10200s1A@*b2W11")));
 }
 
