@@ -77,6 +77,11 @@ private:
         // A copy, which the bytes written cannot change.
         const StripCoding::ColorConversion factors = m_coding.conversion;
         for (std::size_t at = 0; at < m_row.size(); at += 3, from += 3) {
+            // Most of a page is of one colour.
+            if (at > 0 && std::equal(from, from + 3, from - 3)) {
+                std::copy_n(m_row.data() + at - 3, 3, m_row.data() + at);
+                continue;
+            }
             const int first = from[0];
             const int second = from[1] - 128;
             const int third = from[2] - 128;
