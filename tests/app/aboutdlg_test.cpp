@@ -42,6 +42,8 @@ private slots:
     void TextIsEditableAndEditsVanish();
     void AllLinesFitTheTextArea();
     void EscapeClosesIt();
+    void TextsAreAskedForInTheDialogsName();
+    void EachOpeningIsAFreshDialog();
 
 private:
     static QList<QTextBlock> Paragraphs(const QTextDocument* document)
@@ -246,6 +248,35 @@ void AboutDlgTest::EscapeClosesIt()
     DialogDriver driver;
     driver.Expect([](QWidget* shown) { QTest::keyClick(shown, Qt::Key_Escape); });
     QCOMPARE(dialog.exec(), static_cast<int>(QDialog::Rejected));
+}
+
+void AboutDlgTest::TextsAreAskedForInTheDialogsName()
+{
+    const NotingTranslator translator;
+    const AboutDlg dialog;
+    QCOMPARE(translator.Asked().size(), 3);
+    QVERIFY(translator.Asked().contains("AboutDlg: About "));
+    QVERIFY(translator.Asked().contains("AboutDlg: Visit Our Homepage"));
+    for (const QString& strAsked : translator.Asked())
+        QVERIFY(strAsked.startsWith("AboutDlg: "));
+}
+
+void AboutDlgTest::EachOpeningIsAFreshDialog()
+{
+    MainWindow window;
+    DialogDriver driver;
+    for (const int opening : { 1, 2 }) {
+        driver.Expect([](QWidget* dialog) {
+            QVERIFY(!dialog->parentWidget());
+            auto* text = Child<QTextEdit>(*dialog, "textEdit");
+            QVERIFY(text->toPlainText().startsWith("Thank you"));
+            text->setPlainText("edited");
+            dialog->close();
+        });
+        ClickButton(window, "pushButton_About");
+        QCOMPARE(driver.ShownCount(), opening);
+    }
+    QVERIFY(driver.AllShown());
 }
 
 PRISMO_TEST_MAIN(AboutDlgTest)

@@ -58,6 +58,7 @@ private slots:
     void CallWithoutTheFlagStartsNothing();
     void ClosedWindowLeavesItsBackendRunning();
     void PathsOfAnyLanguageReachTheBackend();
+    void BackendThatVanishesDuringARunLeavesItRunning();
 
 private:
     QPushButton* Button() { return Child<QPushButton>(*m_window, "pushButton_Convert"); }
@@ -648,6 +649,29 @@ void ConversionRunTest::PathsOfAnyLanguageReachTheBackend()
     QVERIFY(m_backend->Runs().at(0).arguments.contains(strFolder + QString::fromUtf8("/Gr\u00FC\u00DFe.bmp")));
     QCOMPARE(ReadSetting("SettingInfo/OutputFolder"), strFolder);
     QCOMPARE(ReadSetting("SettingInfo/InputFolder"), strInput);
+}
+
+void ConversionRunTest::BackendThatVanishesDuringARunLeavesItRunning()
+{
+    Prepare(3);
+    m_backend->WaitAtGate();
+    Press();
+    QVERIFY(m_backend->WaitForRuns(1));
+    QSignalSpy finished(MainWindowProbe::Process(*m_window), &QProcess::finished);
+    m_backend->Remove();
+    m_backend->OpenGate();
+    const DialogDriver driver;
+    QVERIFY(WaitUntil([&finished] { return finished.size() == 1; }));
+    QVERIFY(Running());
+    QCOMPARE(Button()->text(), QString("Stop "));
+    QCOMPARE(Bar()->value(), 1);
+    QCOMPARE(MainWindowProbe::CurrentRow(*m_window), 1);
+
+    Press();
+    QVERIFY(!Running());
+    QCOMPARE(Button()->text(), QString("Convert"));
+    QCOMPARE(Bar()->value(), 0);
+    QCOMPARE(driver.ShownCount(), 0);
 }
 
 PRISMO_TEST_MAIN(ConversionRunTest)

@@ -50,6 +50,7 @@ private slots:
     void EveryConnectionExists();
     void BackgroundIsThePictureScaledToTheWindow();
     void ButtonsAreNeverDisabled();
+    void TextsAreAskedForInTheWindowsName();
 
 private:
     void Open()
@@ -531,6 +532,37 @@ void MainWindowTest::ButtonsAreNeverDisabled()
     MainWindowProbe::Running(*m_window) = true;
     for (const QPushButton* button : m_window->findChildren<QPushButton*>())
         QVERIFY(button->isEnabled());
+}
+
+void MainWindowTest::TextsAreAskedForInTheWindowsName()
+{
+    NotingTranslator translator;
+    Open();
+    for (const char* text : { "Prismo", "Convert", "Add File(s)", "Remove    ", "Clear       ", "Setting   ",
+             "About     ", "Output Path:", "File Name", "File Size", "Remove All" })
+        QVERIFY2(translator.Asked().contains(QLatin1String("MainWindow: ") + QLatin1String(text)), text);
+
+    // The dialogs' texts, too; the list comes first, so that there is something to convert.
+    const QTemporaryDir folder;
+    AddRows(*m_window, { MakeFile(folder.filePath("a.pcl"), 10) });
+    DialogDriver driver;
+    QStringList titles;
+    for (const char* name : { "pushButton_Add", "pushButton_OutPutPath", "pushButton_Convert" }) {
+        driver.Expect([&titles](QWidget* dialog) {
+            titles.append(dialog->windowTitle());
+            dialog->close();
+        });
+        Click(Button(name));
+    }
+    QCOMPARE(titles, QStringList({ "Select one or more files to open~", "Open directory~", "Warning~" }));
+    QVERIFY(translator.Asked().contains("MainWindow: Please select a correct output folder."));
+
+    // A button that reads otherwise than "Convert" or "Stop " starts nothing.
+    QCOMPARE(Button("pushButton_Convert")->text(), QString("Convert~"));
+    Child<QLineEdit>(*m_window, "lineEdit_OutPutPath")->setText(folder.path());
+    Click(Button("pushButton_Convert"));
+    QVERIFY(!MainWindowProbe::Running(*m_window));
+    QVERIFY(!MainWindowProbe::Process(*m_window));
 }
 
 PRISMO_TEST_MAIN(MainWindowTest)

@@ -4,6 +4,7 @@
 #include "ui_settingdialog.h"
 
 #include <QDialog>
+#include <QRegularExpression>
 #include <QSignalSpy>
 
 #include <memory>
@@ -33,6 +34,7 @@ private slots:
     void LabelsHaveTheirAlignment();
     void ControlsHaveNothingElse();
     void DialogHasSizeTitleAndIcon();
+    void TextsAreAskedForInOrder();
 
 private:
     std::unique_ptr<QDialog> m_dialog;
@@ -260,6 +262,17 @@ void SettingFormTest::DialogHasSizeTitleAndIcon()
     const QImage icon = m_dialog->windowIcon().pixmap(48, 48).toImage();
     QVERIFY(!icon.isNull());
     QCOMPARE(icon, QIcon(":/MyIco/Image/Main.ico").pixmap(48, 48).toImage());
+}
+
+void SettingFormTest::TextsAreAskedForInOrder()
+{
+    const NotingTranslator translator;
+    m_form.retranslateUi(m_dialog.get());
+    QStringList texts { "Setting", "Reset", "OK", "Cancle", "Resize Page", "         Page Size (Pixel):", "x",
+        "Reset Resolution", "         Resolution (DPI):", "x", "Color Depth:", "Convert to:", "Set TIFF",
+        "                            Compression:", "                                   Fax TIFF:" };
+    texts.replaceInStrings(QRegularExpression("^"), "SettingDialog: ");
+    QCOMPARE(translator.Asked(), texts);
 }
 
 PRISMO_TEST_MAIN(SettingFormTest)

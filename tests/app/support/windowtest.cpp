@@ -76,6 +76,21 @@ void AddRows(MainWindow& window, const QStringList& paths)
         qFatal("the dialog for adding files did not open");
 }
 
+NotingTranslator::NotingTranslator() { QCoreApplication::installTranslator(this); }
+
+NotingTranslator::~NotingTranslator() { QCoreApplication::removeTranslator(this); }
+
+// The toolkit asks for its own texts too, in contexts of its own; those stay as they are.
+QString NotingTranslator::translate(
+    const char* context, const char* sourceText, const char* /*disambiguation*/, int /*n*/) const
+{
+    const QString strContext = QString::fromUtf8(context);
+    if (strContext.startsWith(QLatin1Char('Q')))
+        return {};
+    m_asked.append(strContext + QLatin1String(": ") + QString::fromUtf8(sourceText));
+    return QString::fromUtf8(sourceText) + QLatin1Char('~');
+}
+
 TestEnvironment::TestEnvironment()
 {
     if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))

@@ -9,6 +9,7 @@
 #include <QStringList>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QTranslator>
 #include <QVariant>
 
 #include <functional>
@@ -61,6 +62,24 @@ void AddRows(MainWindow& window, const QStringList& paths);
 
 // Chooses these files or this folder in the file dialog, and accepts it.
 void ChooseInFileDialog(QWidget* fileDialog, const QStringList& paths);
+
+// Stands in for a language while it lives: notes what is asked for as "context: text", in that order, and answers with
+// the text and a "~" behind it.
+class NotingTranslator : public QTranslator {
+public:
+    NotingTranslator();
+    ~NotingTranslator() override;
+
+    QStringList Asked() const { return m_asked; }
+    void Forget() { m_asked.clear(); }
+
+    QString translate(
+        const char* context, const char* sourceText, const char* disambiguation = nullptr, int n = -1) const override;
+    bool isEmpty() const override { return false; }
+
+private:
+    mutable QStringList m_asked;
+};
 
 // Ready for the window's tests: a platform without a screen unless another is asked for, our own file dialogs, and
 // nothing read from or written to the user's configuration, where file dialogs keep what they showed last.
