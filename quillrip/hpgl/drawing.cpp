@@ -158,7 +158,7 @@ void Machine::drawLine(const std::vector<LineVertex>& line, double& phase)
     std::vector<LineVertex> reachable = line;
     for (LineVertex& vertex : reachable)
         vertex.at = withinReach(vertex.at);
-    const DashedLine dashed = cutIntoDashes(reachable, pattern, m_clip, phase);
+    const DashedLine dashed = cutIntoDashes(reachable, pattern, m_clip, penWidthDecipoints(), phase);
     m_strokes.append(dashed.dashes);
     for (const Point dot : dashed.dots)
         drawDot(dot);

@@ -9,12 +9,16 @@ namespace {
 
 /// Patterns finer than this are drawn as if they were so long: no device shows them.
 constexpr double kShortestPattern = 0.5; // decipoints
+/// More dashes of one line than anybody could tell apart. Wide ones take longer to draw, and fewer make sense.
+constexpr double kMostDashes = 1000000;
+constexpr double kWideDash = 20; // decipoints
 
 /// Walks the pattern along a line and collects what the pen draws.
 class Dasher {
 public:
-    Dasher(const LinePattern& pattern, DashedLine& result)
+    Dasher(const LinePattern& pattern, std::size_t mostDashes, DashedLine& result)
         : m_pattern(pattern)
+        , m_dashesLeft(mostDashes)
         , m_result(result)
     {
     }
@@ -47,12 +51,18 @@ public:
         double done = 0;
         while (done < length) {
             const Point here = from + (to - from) * (done / length);
-            if (m_isFreshSlot && isDown() && m_left == 0)
+            if (m_dashesLeft == 0 && !m_isDrawing)
+                return drawRest(here, to);
+            if (m_isFreshSlot && isDown() && m_left == 0) {
                 m_result.dots.push_back(here);
+                --m_dashesLeft;
+            }
             const double step = std::min(m_left, length - done);
             if (isDown() && step > 0) {
-                if (!m_isDrawing)
+                if (!m_isDrawing) {
                     m_result.dashes.moveTo(here);
+                    --m_dashesLeft;
+                }
                 m_isDrawing = true;
                 m_result.dashes.lineTo(from + (to - from) * ((done + step) / length));
             }
@@ -70,6 +80,12 @@ public:
 private:
     bool isDown() const { return m_slot % 2 == 0; }
 
+    void drawRest(Point from, Point to)
+    {
+        m_result.dashes.moveTo(from);
+        m_result.dashes.lineTo(to);
+    }
+
     void nextSlot()
     {
         m_isDrawing = m_isDrawing && m_slot + 1 == m_pattern.shares.size() && m_slot % 2 == 0;
@@ -79,6 +95,7 @@ private:
     }
 
     const LinePattern& m_pattern;
+    std::size_t m_dashesLeft;
     DashedLine& m_result;
     double m_length = 0;
     std::size_t m_slot = 0;
@@ -127,15 +144,16 @@ const std::vector<double>& builtInLinePattern(int type)
     return s_patterns[static_cast<std::size_t>(type)];
 }
 
-DashedLine cutIntoDashes(
-    const std::vector<LineVertex>& line, const LinePattern& pattern, const PageRect& visible, double& phase)
+DashedLine cutIntoDashes(const std::vector<LineVertex>& line, const LinePattern& pattern, const PageRect& visible,
+    double penWidth, double& phase)
 {
     DashedLine result;
     const double length = std::max(pattern.length, kShortestPattern);
     // What lies farther away than a whole pattern is passed over by arithmetic, however long it is.
     const PageRect shown { visible.left - length - 100, visible.top - length - 100, visible.right + length + 100,
         visible.bottom + length + 100 };
-    Dasher dasher(pattern, result);
+    const double mostDashes = kMostDashes / (1 + std::max(0.0, penWidth) / kWideDash);
+    Dasher dasher(pattern, std::max<std::size_t>(1, static_cast<std::size_t>(mostDashes)), result);
     double at = pattern.isAdaptive ? 0 : std::fmod(phase, length);
     dasher.enter(at, length);
 

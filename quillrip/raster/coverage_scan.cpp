@@ -13,6 +13,9 @@ namespace {
 /// With more vertices in a row than this, the row is sampled on lines.
 constexpr int kMostCuts = 48;
 constexpr std::int32_t kSampleHeight = 16;
+/// Edges that the strips or lines of one row may meet together. A few dozen bytes can ask for many thousand edges in
+/// every row (wide pens, short dashes): such rows are sampled on fewer lines.
+constexpr std::size_t kMostMeetings = 32768;
 
 /// Heights within a row, in 1/256 pixels, where it is cut.
 class Cuts {
@@ -119,10 +122,10 @@ private:
                 cuts.add(side.edge->bottom - top);
         }
         const int count = cuts.count();
+        if (count > kMostCuts || m_active.size() * static_cast<std::size_t>(count + 1) > kMostMeetings)
+            return sampleRow(top);
         if (count == 0)
             return addStrip(m_active, top, bottom);
-        if (count > kMostCuts)
-            return sampleRow(top);
         std::int32_t from = top;
         cuts.each([&](std::int32_t cut) {
             addPartialStrip(from, top + cut);
@@ -168,7 +171,10 @@ private:
 
     void sampleRow(std::int32_t top)
     {
-        for (std::int32_t line = top + kSampleHeight / 2; line < top + kSubpixels; line += kSampleHeight) {
+        std::int32_t height = kSampleHeight;
+        while (height < kSubpixels && m_active.size() * static_cast<std::size_t>(kSubpixels / height) > kMostMeetings)
+            height *= 2;
+        for (std::int32_t line = top + height / 2; line < top + kSubpixels; line += height) {
             m_strip.clear();
             for (const Side& side : m_active) {
                 if (side.edge->top > line || side.edge->bottom <= line)
@@ -177,7 +183,7 @@ private:
                 m_strip.push_back({ side.edge, x, x });
             }
             sortSides(m_strip);
-            addTrapezoids(m_strip, kSampleHeight);
+            addTrapezoids(m_strip, height);
         }
     }
 

@@ -57,6 +57,19 @@ TEST(Coverage, OverlapsCountOnce)
     EXPECT_NEAR(inkOf(filledGray(path, 6, 6)), 25, 0.1);
 }
 
+TEST(Coverage, ARowWithVeryManyEdgesIsSampledOnFewLines)
+{
+    // With exact strips or sixteen lines the time for such rows would have no bound.
+    const auto shareOfMiddlePixel = [](int rectangles) {
+        Path path;
+        for (int i = 0; i < rectangles; ++i)
+            path.rectangle(1, 0.375, 2, 1);
+        return filledGray(path, 3, 1).row(0)[1];
+    };
+    EXPECT_EQ(shareOfMiddlePixel(100), 159);
+    EXPECT_EQ(shareOfMiddlePixel(9000), 255);
+}
+
 TEST(Coverage, CrossingEdgesKeepTheirArea)
 {
     // A bow tie: two triangles of 8 x 4 / 2 ... each 16, with opposite windings.
