@@ -1,12 +1,42 @@
 #include "quillrip/base/page_bitmap.h"
 
 #include <algorithm>
+#include <cstdlib>
 
 #include <sys/mman.h>
 
+// A sanitizer watches the bounds of what comes from the heap, and of nothing else.
+#if defined(__SANITIZE_ADDRESS__)
+#define QUILLRIP_PAGES_ON_HEAP
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer)
+#define QUILLRIP_PAGES_ON_HEAP
+#endif
+#endif
+
 namespace quillrip {
 
-void PageBitmap::Unmap::operator()(std::uint8_t* pixels) const { munmap(pixels, bytes); }
+namespace {
+
+#ifdef QUILLRIP_PAGES_ON_HEAP
+
+void* takeZeroed(std::size_t bytes) { return std::calloc(bytes, 1); }
+void giveBack(void* pixels, std::size_t) { std::free(pixels); }
+
+#else
+
+void* takeZeroed(std::size_t bytes)
+{
+    void* pixels = mmap(nullptr, bytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    return pixels == MAP_FAILED ? nullptr : pixels;
+}
+void giveBack(void* pixels, std::size_t bytes) { munmap(pixels, bytes); }
+
+#endif
+
+} // namespace
+
+void PageBitmap::Unmap::operator()(std::uint8_t* pixels) const { giveBack(pixels, bytes); }
 
 PageBitmap::PageBitmap(PixelFormat format, int width, int height, Resolution resolution)
     : m_format(format)
@@ -16,8 +46,8 @@ PageBitmap::PageBitmap(PixelFormat format, int width, int height, Resolution res
     , m_stride((rowBytes() + 7) / 8 * 8)
 {
     const std::size_t bytes = static_cast<std::size_t>(height) * m_stride;
-    void* pixels = mmap(nullptr, bytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
-    if (pixels == MAP_FAILED)
+    void* pixels = takeZeroed(bytes);
+    if (!pixels)
         return;
     m_pixels = { static_cast<std::uint8_t*>(pixels), Unmap { bytes } };
     m_extents.resize(static_cast<std::size_t>(height));

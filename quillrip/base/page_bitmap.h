@@ -84,7 +84,10 @@ public:
         Extent& extent = m_extents[static_cast<std::size_t>(y)];
         extent.left = left < extent.left ? left : extent.left;
         extent.right = right > extent.right ? right : extent.right;
+        m_paintedPixels += static_cast<std::uint64_t>(std::int64_t { right } - left);
     }
+    /// All columns of all touch() together: how much has been painted, however often in one place.
+    std::uint64_t paintedPixels() const { return m_paintedPixels; }
 
     /// The colour that a pixel shows; for tests and slow paths.
     Rgb pixel(int x, int y) const;
@@ -110,6 +113,7 @@ private:
     std::size_t m_stride = 0;
     std::unique_ptr<std::uint8_t, Unmap> m_pixels;
     std::vector<Extent> m_extents;
+    std::uint64_t m_paintedPixels = 0;
 };
 
 } // namespace quillrip

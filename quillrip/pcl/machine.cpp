@@ -102,6 +102,11 @@ RunStatus Machine::finish()
 Machine::Flow Machine::interpret(Tokenizer& tokenizer)
 {
     while (!failed()) {
+        if (m_replay.isRunning() && !m_replay.mayGoOn(openPage())) {
+            damage("pcl.macro-drawing", "the job's macros draw more than the limit allows");
+            fail(RunStatus::LimitExceeded);
+            break;
+        }
         if (m_isPlotting && !m_isRecording) {
             if (tokenizer.stream().atEnd())
                 return Flow::Ended;

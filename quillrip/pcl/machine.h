@@ -1,5 +1,6 @@
 #pragma once
 
+#include "quillrip/base/replay_meter.h"
 #include "quillrip/fonts/glyph_cache.h"
 #include "quillrip/hpgl/host.h"
 #include "quillrip/hpgl/interpreter.h"
@@ -77,6 +78,7 @@ private:
     Painter* painterForMark();
     void ejectPage(bool evenWhenUnmarked);
     void closePage();
+    const PageBitmap* openPage() const { return m_pageIsOpen ? &m_canvas.painter->page() : nullptr; }
     void runOverlay();
     PageCanvas canvas() const;
     const Matrix& unitsToDevice();
@@ -296,8 +298,7 @@ private:
     bool m_isOverlayRunning = false;
     int m_macroDepth = 0;
     bool m_hasReportedDepth = false;
-    std::uint32_t m_macroExecutions = 0;
-    std::uint64_t m_macroBytesRun = 0;
+    ReplayMeter m_replay { m_limits };
     std::vector<std::uint8_t> m_recorded;
     bool m_isRecording = false;
     bool m_wantsRecording = false; ///< the command that starts a recording was just carried out

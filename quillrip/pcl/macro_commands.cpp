@@ -8,8 +8,6 @@ namespace {
 
 /// A macro may run another, and that one a third.
 constexpr int kMacroDepth = 3;
-/// What all macro executions of a job may read, for each execution allowed.
-constexpr std::uint64_t kBytesPerExecution = 4096;
 
 } // namespace
 
@@ -126,9 +124,8 @@ void Machine::runMacro(const MacroBytes& bytes)
         m_hasReportedDepth = true;
         return;
     }
-    m_macroBytesRun += bytes->size();
-    if (++m_macroExecutions > m_limits.macroExecutions
-        || m_macroBytesRun > kBytesPerExecution * m_limits.macroExecutions) {
+    if (!m_replay.enter(bytes->size(), openPage())) {
+        m_replay.leave(openPage());
         damage("pcl.macro-executions", "the job runs macros more often than the limit allows");
         fail(RunStatus::LimitExceeded);
         return;
@@ -143,6 +140,7 @@ void Machine::runMacro(const MacroBytes& bytes)
     Tokenizer tokenizer { stream };
     interpret(tokenizer);
     m_data.swap(data);
+    m_replay.leave(openPage());
     --m_macroDepth;
     m_isInMacro = wasInMacro;
 }

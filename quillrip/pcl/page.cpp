@@ -52,6 +52,7 @@ void Machine::closePage()
         return;
     m_pageIsOpen = false;
     m_isMarked = false;
+    m_replay.pageEnded();
     const RunStatus status = m_device.endPage();
     if (status != RunStatus::Done)
         fail(status);

@@ -71,6 +71,8 @@ Status Machine::interpret(TagReader& reader, bool isUserStream)
             const Status status = dispatch(reader);
             if (!status.isOk())
                 return status;
+            if (m_replay.isRunning() && !m_replay.mayGoOn(openPage()))
+                return Error::LimitExceeded;
             break;
         }
         case TagReader::Token::EmbeddedData: {
@@ -210,6 +212,7 @@ void Machine::abandonPage()
     m_image = {};
     m_vendorImage.reset();
     m_page = {};
+    m_replay.pageEnded();
     m_state = {};
     m_stack.clear();
     m_stackCosts.clear();

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "quillrip/base/replay_meter.h"
 #include "quillrip/fonts/font_library.h"
 #include "quillrip/fonts/glyph_cache.h"
 #include "quillrip/pclxl/graphics_state.h"
@@ -192,6 +193,7 @@ public:
     Status readStream();
     Status endStream();
     Status execStream();
+    Status runStream(const std::string& name, ByteView bytes);
     Status removeStream();
 
 private:
@@ -203,6 +205,7 @@ private:
     void warn(const char* kind, const std::string& message);
     void resetSession();
     void abandonPage();
+    const PageBitmap* openPage() const { return m_page.isOpen ? &m_page.canvas.painter->page() : nullptr; }
     EmbeddedData& data() { return *m_data; }
     FontReporter fontReporter() { return { &m_fontDiagnostics, m_offset }; }
 
@@ -325,7 +328,7 @@ private:
     std::string m_definedStream;
     std::vector<std::uint8_t> m_streamData;
     std::vector<std::string> m_runningStreams;
-    std::uint32_t m_streamRuns = 0;
+    ReplayMeter m_replay { m_limits };
 };
 
 } // namespace quillrip::pclxl

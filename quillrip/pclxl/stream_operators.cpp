@@ -65,12 +65,19 @@ Status Machine::execStream()
         return { Error::StreamAlreadyRunning, Attribute::StreamName };
     if (m_runningStreams.size() >= kMaxNesting)
         return { Error::StreamNestingFull, Attribute::StreamName };
-    // Streams that call others many times over multiply.
-    if (++m_streamRuns > m_limits.macroExecutions)
-        return Error::LimitExceeded;
-
     const StreamBytes bytes = found->second; // it may be replaced while it runs
-    MemoryInputStream input(*bytes);
+    if (!m_replay.enter(bytes->size(), openPage())) {
+        m_replay.leave(openPage());
+        return Error::LimitExceeded;
+    }
+    const Status status = runStream(name, *bytes);
+    m_replay.leave(openPage());
+    return status;
+}
+
+Status Machine::runStream(const std::string& name, ByteView bytes)
+{
+    MemoryInputStream input(bytes);
     ByteOrder order = m_reader->byteOrder();
     if (standsOnStreamHeader(input)) {
         const Status status = readStreamHeader(input, order);

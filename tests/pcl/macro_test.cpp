@@ -105,6 +105,39 @@ TEST(PclMacros, ThreeLevelsRunTheFourthIsReported)
     EXPECT_TRUE(printed.warnedOf("pcl.macro-depth"));
 }
 
+TEST(PclMacros, MacrosThatPaintThePageWithoutEndAreStopped)
+{
+    // 200 x 200 calls of 20 rectangles: nearly a million pages of ink from five hundred bytes.
+    std::string rectangles = "\x1b*c2400a3150b";
+    std::string inner = "\x1b&f1y";
+    std::string outer = "\x1b&f2y";
+    for (int i = 0; i < 20; ++i)
+        rectangles += "0p";
+    for (int i = 0; i < 200; ++i) {
+        inner += "3x";
+        outer += "3x";
+    }
+    PrinterSettings settings;
+    settings.dotsPerInch = 36;
+    settings.limits.macroCoats = 100;
+    const Printed printed = print(
+        kStart + define(1, rectangles + "0P") + define(2, inner + "3X") + define(3, outer + "3X") + run(3, kCall),
+        settings);
+    EXPECT_EQ(printed.status, RunStatus::LimitExceeded);
+    EXPECT_TRUE(printed.warnedOf("pcl.macro-drawing"));
+}
+
+TEST(PclMacros, FormsOnEveryPageAreNoEndlessPainting)
+{
+    PrinterSettings settings;
+    settings.dotsPerInch = 36;
+    settings.limits.macroCoats = 3;
+    std::string job = kStart + define(1, e("*c2400a3150b0P")) + run(1, kOverlay);
+    for (int i = 0; i < 10; ++i)
+        job += run(1, kCall) + "\f";
+    EXPECT_EQ(print(job, settings).pages.size(), 10u);
+}
+
 TEST(PclMacros, NamesStandForMacrosToo)
 {
     const std::string name = command("&n", "W", bytes({ 4 }) + "logo");

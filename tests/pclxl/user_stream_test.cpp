@@ -121,6 +121,44 @@ TEST(XlUserStream, StreamsThatMultiplyEndTheJob)
     EXPECT_EQ(job.interpreter.status(), RunStatus::LimitExceeded);
 }
 
+TEST(XlUserStream, StreamsThatPaintThePageWithoutEndAreStopped)
+{
+    XlStream fill;
+    XlStream fills;
+    XlStream many;
+    for (int i = 0; i < 20; ++i) {
+        fill.rectangle(0, 0, 100, 100);
+        exec(fills, "fill");
+        exec(many, "fills");
+    }
+    XlStream c = define("fill", fill);
+    c.append(define("fills", fills)).append(define("many", many));
+    exec(c, "many");
+    Limits limits;
+    limits.macroCoats = 100;
+    XlJob job(PixelFormat::Bilevel, limits);
+    EXPECT_EQ(job.run(onePage(100, 100, c)), pclxl::Interpreter::End::Failed);
+    EXPECT_EQ(job.interpreter.status(), RunStatus::LimitExceeded);
+}
+
+TEST(XlUserStream, OnePageRunsABoundedNumberOfBytes)
+{
+    XlStream comments;
+    comments.raw(std::string(600, ' '));
+    XlStream page;
+    exec(page, "comments");
+    Limits limits;
+    limits.macroBytes = 1000;
+    XlStream s = XlStream::withHeader();
+    s.beginSession().openDataSource().append(define("comments", comments));
+    s.beginPage(4, 1).append(page).endPage().beginPage(4, 1).append(page).endPage();
+    s.beginPage(4, 1).append(page).append(page).endPage();
+    XlJob job(PixelFormat::Bilevel, limits);
+    EXPECT_EQ(job.run(s), pclxl::Interpreter::End::Failed);
+    EXPECT_EQ(job.pageCount(), 2u);
+    EXPECT_EQ(job.interpreter.status(), RunStatus::LimitExceeded);
+}
+
 TEST(XlUserStream, MemoryIsLimited)
 {
     Limits limits;
