@@ -39,6 +39,9 @@ void Machine::setPageSize(const Command& command)
     const PageSize custom = customPageSize(m_environment.customWidth, m_environment.customLength);
     if (code == 101 && custom.dotsWide > 150 && custom.dotsLong > 150)
         size = &custom;
+    const Environment unsaid;
+    m_state.wantsCustomSheet = code == 101 && m_environment.customWidth == unsaid.customWidth
+        && m_environment.customLength == unsaid.customLength;
     if (!size)
         return;
     ejectPage(false);
@@ -56,6 +59,8 @@ void Machine::setPageLength(const Command& command)
         page = PageLayout(standard.size(), m_state.page.orientation());
     } else if (std::llabs(page.length() - length) > kUnitsPerInch / 6) {
         const PageSize* size = m_state.page.orientation() & 1 ? nullptr : findPageSizeByLength(length);
+        if (!size && m_state.wantsCustomSheet)
+            size = findLargeSheetByLength(length);
         if (size)
             page = PageLayout(*size, m_state.page.orientation());
         else

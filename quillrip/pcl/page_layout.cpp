@@ -59,6 +59,24 @@ constexpr std::array kPageSizes {
 /// What else than Letter lies in the tray when nobody says so, the likeliest first.
 constexpr std::array kLongerThanLetter { 26, 3 };
 
+/// Sheets of large-format printers, which have no code of their own.
+constexpr std::array kLargeSheets {
+    inches(101, 12, 18, 3600, 5400), // architects' B
+    millimetres(101, 329, 483, 3886, 5705), // A3+
+    inches(101, 17, 22, 5100, 6600), // C
+    millimetres(101, 420, 594, 4960, 7016), // A2
+    inches(101, 18, 24, 5400, 7200), // architects' C
+    millimetres(101, 500, 707, 5906, 8350), // B2
+    millimetres(101, 594, 841, 7016, 9933), // A1
+    inches(101, 22, 34, 6600, 10200), // D
+    inches(101, 24, 36, 7200, 10800), // architects' D
+    millimetres(101, 707, 1000, 8350, 11811), // B1
+    inches(101, 30, 42, 9000, 12600), // architects' E1
+    inches(101, 34, 44, 10200, 13200), // E
+    millimetres(101, 841, 1189, 9933, 14043), // A0
+    inches(101, 36, 48, 10800, 14400), // architects' E
+};
+
 /// Sizes that a page length in lines may choose, the common ones first.
 constexpr std::array kSizesByLength { 2, 26, 3, 1, 6, 27, 80, 81, 90, 91, 100, 25 };
 
@@ -88,6 +106,17 @@ const PageSize* findPageSizeByLength(InternalUnits length)
         const PageSize* size = findPageSize(code);
         if (std::llabs(size->dotsLong * kUnitsPerDot - length) <= kUnitsPerInch / 6)
             return size;
+    }
+    return nullptr;
+}
+
+const PageSize* findLargeSheetByLength(InternalUnits length)
+{
+    // Lines of a sixth of an inch are rounded down to fit the sheet.
+    for (const PageSize& size : kLargeSheets) {
+        const InternalUnits spare = size.dotsLong * kUnitsPerDot - length;
+        if (spare >= -kUnitsPerDot && spare <= kUnitsPerInch / 6)
+            return &size;
     }
     return nullptr;
 }

@@ -39,6 +39,8 @@ struct PageSize {
 const PageSize* findPageSize(int code);
 /// The size whose length comes within a sixth of an inch of `length`; null when there is none.
 const PageSize* findPageSizeByLength(InternalUnits length);
+/// The sheet of a large-format printer that holds so many inches of lines and hardly more; null when there is none.
+const PageSize* findLargeSheetByLength(InternalUnits length);
 /// Page size 101, as job control, panel or driver gave it.
 PageSize customPageSize(double width, double length);
 

@@ -56,6 +56,7 @@ struct FrameSettings {
 /// the save. The cursor's stack, soft fonts, macros, patterns and symbol sets are not part of it.
 struct State {
     PageLayout page;
+    bool wantsCustomSheet = false; ///< page size 101 was selected and nothing said its size: the page length may yet
     InternalUnits registrationX = 0;
     InternalUnits registrationY = 0;
     int direction = 0; ///< print direction in quarter turns counter-clockwise

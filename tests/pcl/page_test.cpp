@@ -132,6 +132,23 @@ TEST(PclPages, HomeIsThreeQuartersOfALineBelowTheTopMargin)
     EXPECT_EQ(print(e("E") + e("&l8D") + kMark).ink().top, 150 + 28);
 }
 
+// Large-format printers have no codes for their sheets: their drivers ask for a custom one and give its length in
+// lines.
+TEST(PclPages, PageLengthOfACustomSheetPicksALargeOne)
+{
+    const auto sheet = [](const std::string& commands) { return print(e("E") + commands + kMark).sheets[0]; };
+    EXPECT_NEAR(sheet(e("&l6d101a140P")).height, 594 / 25.4 * 720, 0.01);
+    EXPECT_NEAR(sheet(e("&l6d101a140P")).width, 420 / 25.4 * 720, 0.01);
+    EXPECT_NEAR(sheet(e("&l6d101a198P")).height, 841 / 25.4 * 720, 0.01);
+    EXPECT_NEAR(sheet(e("&l6d101a216P")).width, 24 * 720, 0.01);
+    // Without asking for one, such a length is a form's that runs on over the sheet.
+    EXPECT_NEAR(sheet(e("&l6d2a140P")).height, 11 * 720, 0.01);
+    PrinterSettings named;
+    named.environment.customWidth = 3600;
+    named.environment.customLength = 7200;
+    EXPECT_NEAR(print(e("E") + e("&l6d101a140P") + kMark, named).sheets[0].height, 7200, 0.01);
+}
+
 TEST(PclPages, PageLengthPicksTheSizeOfThatManyLines)
 {
     EXPECT_NEAR(print(e("E") + e("&l84P") + kMark).sheets[0].height, 14 * 720, 0.01);
