@@ -51,6 +51,7 @@ private slots:
     void EveryTextHasItsRoom_data();
     void EveryTextHasItsRoom();
     void FileIsReadOnlyWhenTheDialogIsBuilt();
+    void StoredTiffOfUnknownDepthOffersOneBitMethods();
 
 private:
     QComboBox* List(const char* name) { return Child<QComboBox>(*m_dialog, name); }
@@ -503,6 +504,20 @@ void SettingDialogTest::FileIsReadOnlyWhenTheDialogIsBuilt()
     m_dialog->show();
     QCOMPARE(List("comboBox_Format")->currentText(), QString(".bmp"));
     QCOMPARE(Field("lineEdit_PageSizeX")->text(), QString("100"));
+}
+
+// The format is applied before the depth is selected, while the list still shows "1 Bit"; nothing refills it after
+// that.
+void SettingDialogTest::StoredTiffOfUnknownDepthOffersOneBitMethods()
+{
+    WriteSetting("SettingInfo/Format", "4");
+    WriteSetting("SettingInfo/BitCount", "9");
+    Open();
+    QCOMPARE(List("comboBox_BitCount")->currentIndex(), -1);
+    QCOMPARE(List("comboBox_Format")->currentText(), QString(".tif"));
+    QCOMPARE(Entries(List("comboBox_Compress")), kOneBitMethods);
+    QVERIFY(List("comboBox_Compress")->isEnabled());
+    QVERIFY(List("comboBox_FaxKind")->isEnabled());
 }
 
 PRISMO_TEST_MAIN(SettingDialogTest)
