@@ -12,11 +12,13 @@ namespace quillrip {
 
 namespace {
 
-/// Whether a path's points miss an area, with a pixel to spare. Curves lie within their control points.
-bool liesOutside(const Path& path, const PixelRect& area)
+/// Whether a path's points, and all within `reach` of them, miss an area, with a pixel to spare. Curves lie within
+/// their control points.
+bool liesOutside(const Path& path, const Matrix& toDevice, double reach, const PixelRect& area)
 {
     double left = HUGE_VAL, top = HUGE_VAL, right = -HUGE_VAL, bottom = -HUGE_VAL;
-    for (const Point& point : path.points()) {
+    for (const Point& own : path.points()) {
+        const Point point = toDevice.apply(own);
         if (!isFinite(point))
             continue;
         left = std::min(left, point.x);
@@ -24,7 +26,17 @@ bool liesOutside(const Path& path, const PixelRect& area)
         right = std::max(right, point.x);
         bottom = std::max(bottom, point.y);
     }
-    return right < area.left - 1 || left > area.right + 1 || bottom < area.top - 1 || top > area.bottom + 1;
+    const double spare = reach + 1;
+    return right < area.left - spare || left > area.right + spare || bottom < area.top - spare
+        || top > area.bottom + spare;
+}
+
+/// Device pixels that a stroke may reach beyond its path: by its pen, square caps and miters.
+double reachOf(const StrokeStyle& style, const Matrix& userToDevice)
+{
+    const double stretch = std::hypot(userToDevice.a, userToDevice.b) + std::hypot(userToDevice.c, userToDevice.d);
+    const double miter = std::isfinite(style.miterLimit) ? style.miterLimit : 10;
+    return style.width * stretch * std::max(2.0, miter) + 1;
 }
 
 } // namespace
@@ -56,7 +68,7 @@ void Painter::fillPath(const Path& devicePath, FillRule rule, const PaintState& 
 {
     const std::unique_ptr<Compositor> compositor = compositorFor(state);
     const PixelRect& area = compositor->bounds();
-    if (area.empty() || liesOutside(devicePath, area))
+    if (area.empty() || liesOutside(devicePath, {}, 0, area))
         return;
     PaintingSink painting(*compositor);
     if (m_page.format() != PixelFormat::Bilevel) {
@@ -82,7 +94,8 @@ void Painter::strokePath(
     const Path& userPath, const Matrix& userToDevice, const StrokeStyle& style, const PaintState& state)
 {
     const std::unique_ptr<Compositor> compositor = compositorFor(state);
-    if (!compositor->bounds().empty())
+    const PixelRect& area = compositor->bounds();
+    if (!area.empty() && !liesOutside(userPath, userToDevice, reachOf(style, userToDevice), area))
         paintStroke(userPath, userToDevice, style, *compositor);
 }
 

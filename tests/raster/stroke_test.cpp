@@ -79,6 +79,20 @@ TEST(Stroke, MiterReachesTheCornerAndBevelDoesNot)
         ".......\n");
 }
 
+TEST(Stroke, WhatReachesThePageFromALineBesideItIsDrawn)
+{
+    EXPECT_EQ(stroked(polyline({ { -3, 1 }, { -3, 3 } }), 3, 4, pen(8)), "...\n#..\n#..\n...\n");
+    // Scaled, and with a cap.
+    EXPECT_EQ(stroked(polyline({ { -1.5, -1 }, { -1, -1 } }), 3, 2, pen(2, LineCap::Square), Matrix::scaling(2, 1)),
+        "...\n...\n");
+    EXPECT_EQ(stroked(polyline({ { -1.5, 0 }, { -0.5, 0 } }), 3, 2, pen(2, LineCap::Square), Matrix::scaling(2, 1)),
+        "#..\n...\n");
+    // A corner far to the left whose miter points to the right.
+    StrokeStyle pointed = pen(1.5);
+    pointed.miterLimit = 30;
+    EXPECT_EQ(stroked(polyline({ { -90, -2 }, { -10, 1.5 }, { -90, 5 } }), 3, 3, pointed), "...\n###\n...\n");
+}
+
 TEST(Stroke, InvertingStrokeThatCrossesItselfChangesEachPixelOnce)
 {
     PaintState inverting;
