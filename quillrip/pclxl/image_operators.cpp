@@ -12,8 +12,8 @@ constexpr std::uint8_t kTextureOrSource = 252;
 
 } // namespace
 
-/// Layout and pixel conversion from the attributes that images and patterns have in common.
-Status Machine::describeImage(ImageInProgress& image, PixelFormat target)
+/// SourceWidth and SourceHeight, which every image has.
+Status Machine::readSourceSize(BlockLayout& layout) const
 {
     const int width = m_operands.integer(Attribute::SourceWidth);
     const int height = m_operands.integer(Attribute::SourceHeight);
@@ -21,6 +21,19 @@ Status Machine::describeImage(ImageInProgress& image, PixelFormat target)
         return { Error::IllegalAttributeValue, Attribute::SourceWidth };
     if (height < 1)
         return { Error::IllegalAttributeValue, Attribute::SourceHeight };
+    layout.width = static_cast<std::uint32_t>(width);
+    layout.height = static_cast<std::uint32_t>(height);
+    // A row takes three bytes a pixel at most, and padding.
+    return std::uint64_t { layout.width } * 3 + 256 > m_limits.imageRowBytes ? Status(Error::LimitExceeded) : Status();
+}
+
+/// Layout and pixel conversion from the attributes that images and patterns have in common.
+Status Machine::describeImage(ImageInProgress& image, PixelFormat target)
+{
+    BlockLayout& layout = image.layout;
+    const Status size = readSourceSize(layout);
+    if (!size.isOk())
+        return size;
     int depth = 0;
     if (m_operands.has(Attribute::ColorDepth)) {
         depth = m_operands.integer(Attribute::ColorDepth);
@@ -45,15 +58,10 @@ Status Machine::describeImage(ImageInProgress& image, PixelFormat target)
             return { Error::ImagePaletteMismatch, Attribute::ColorDepth };
         meaning.palette = m_state.palette.get();
     }
-    BlockLayout& layout = image.layout;
-    layout.width = static_cast<std::uint32_t>(width);
-    layout.height = static_cast<std::uint32_t>(height);
     layout.components = meaning.isIndexed ? 1 : componentsOf(meaning.space);
     layout.bitsPerComponent = meaning.bitsPerComponent;
     const std::uint64_t bits
         = std::uint64_t { layout.width } * static_cast<std::uint64_t>(layout.components * layout.bitsPerComponent);
-    if (std::uint64_t { layout.width } * 3 + 256 > m_limits.imageRowBytes)
-        return Error::LimitExceeded;
     layout.rowBytes = static_cast<std::size_t>((bits + 7) / 8);
     image.converter = PixelConverter(meaning, layout.width, target, m_state.rop == kCopySource);
     return {};

@@ -243,6 +243,7 @@ private:
     Status appendArc(ArcKind kind);
 
     // image_operators.cpp
+    Status readSourceSize(BlockLayout& layout) const;
     Status describeImage(ImageInProgress& image, PixelFormat target);
     void preparePaint(ImageInProgress& image, Point corner, Point size);
     Status checkBlock(const BlockLayout& layout) const;

@@ -108,26 +108,19 @@ Status Machine::beginVendorImage()
         return {};
     if (!m_state.cursor)
         return Error::CurrentCursorUndefined;
-    const int width = m_operands.integer(Attribute::SourceWidth);
-    const int height = m_operands.integer(Attribute::SourceHeight);
-    if (width < 1)
-        return { Error::IllegalAttributeValue, Attribute::SourceWidth };
-    if (height < 1)
-        return { Error::IllegalAttributeValue, Attribute::SourceHeight };
-    if (static_cast<std::uint64_t>(width) * 3 > m_limits.imageRowBytes)
-        return Error::LimitExceeded;
-
     auto vendor = std::make_unique<VendorImage>();
     vendor->coding.isColor = kind == kColorStrips;
     BlockLayout& layout = vendor->image.layout;
-    layout.width = static_cast<std::uint32_t>(width);
-    layout.height = static_cast<std::uint32_t>(height);
+    const Status size = readSourceSize(layout);
+    if (!size.isOk())
+        return size;
     layout.components = vendor->coding.components();
     layout.rowBytes = layout.width * static_cast<std::size_t>(layout.components);
     PixelMeaning meaning;
     meaning.space = vendor->coding.isColor ? ColorSpace::Srgb : ColorSpace::Gray;
     vendor->image.converter = PixelConverter(meaning, layout.width, m_page.canvas.format, false);
-    preparePaint(vendor->image, *m_state.cursor, { static_cast<double>(width), static_cast<double>(height) });
+    preparePaint(
+        vendor->image, *m_state.cursor, { static_cast<double>(layout.width), static_cast<double>(layout.height) });
     m_vendorImage = std::move(vendor);
     return {};
 }

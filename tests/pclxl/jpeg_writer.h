@@ -11,9 +11,10 @@ extern "C" {
 
 namespace quillrip::test {
 
-/// A whole JFIF stream of gray (1) or RGB (3) pixels.
-inline std::vector<std::uint8_t> writeJpeg(
-    const std::vector<std::uint8_t>& pixels, int width, int height, int components)
+/// A whole JPEG stream; `adjust` changes what the library would do by itself.
+template <typename Adjust>
+std::vector<std::uint8_t> writeJpeg(const std::vector<std::uint8_t>& pixels, int width, int height, int components,
+    J_COLOR_SPACE colorSpace, Adjust adjust)
 {
     jpeg_compress_struct info {};
     jpeg_error_mgr errors {};
@@ -25,9 +26,9 @@ inline std::vector<std::uint8_t> writeJpeg(
     info.image_width = static_cast<JDIMENSION>(width);
     info.image_height = static_cast<JDIMENSION>(height);
     info.input_components = components;
-    info.in_color_space = components == 1 ? JCS_GRAYSCALE : JCS_RGB;
+    info.in_color_space = colorSpace;
     jpeg_set_defaults(&info);
-    jpeg_set_quality(&info, 95, TRUE);
+    adjust(info);
     jpeg_start_compress(&info, TRUE);
     for (int y = 0; y < height; ++y) {
         JSAMPROW row = const_cast<JSAMPROW>(pixels.data()) + static_cast<std::ptrdiff_t>(y) * width * components;
@@ -38,6 +39,14 @@ inline std::vector<std::uint8_t> writeJpeg(
     const std::vector<std::uint8_t> result(memory, memory + size);
     std::free(memory);
     return result;
+}
+
+/// A whole JFIF stream of gray (1) or RGB (3) pixels.
+inline std::vector<std::uint8_t> writeJpeg(
+    const std::vector<std::uint8_t>& pixels, int width, int height, int components)
+{
+    return writeJpeg(pixels, width, height, components, components == 1 ? JCS_GRAYSCALE : JCS_RGB,
+        [](jpeg_compress_struct& info) { jpeg_set_quality(&info, 95, TRUE); });
 }
 
 } // namespace quillrip::test

@@ -63,33 +63,14 @@ Bytes header(
 /// A JPEG stream of components as they are, without subsampling, each with a table of its own.
 Bytes wholeJpeg(const Bytes& samples, int width, int height, int components, const Tables& tables)
 {
-    jpeg_compress_struct info {};
-    jpeg_error_mgr errors {};
-    info.err = jpeg_std_error(&errors);
-    jpeg_create_compress(&info);
-    unsigned char* memory = nullptr;
-    unsigned long size = 0;
-    jpeg_mem_dest(&info, &memory, &size);
-    info.image_width = static_cast<JDIMENSION>(width);
-    info.image_height = static_cast<JDIMENSION>(height);
-    info.input_components = components;
-    info.in_color_space = components == 1 ? JCS_GRAYSCALE : JCS_YCbCr;
-    jpeg_set_defaults(&info);
-    for (int i = 0; i < components; ++i) {
-        jpeg_add_quant_table(&info, i, tables[static_cast<std::size_t>(i)].data(), 100, FALSE);
-        info.comp_info[i].quant_tbl_no = i;
-        info.comp_info[i].h_samp_factor = info.comp_info[i].v_samp_factor = 1;
-    }
-    jpeg_start_compress(&info, FALSE);
-    for (int y = 0; y < height; ++y) {
-        JSAMPROW row = const_cast<JSAMPROW>(samples.data()) + static_cast<std::ptrdiff_t>(y) * width * components;
-        jpeg_write_scanlines(&info, &row, 1);
-    }
-    jpeg_finish_compress(&info);
-    jpeg_destroy_compress(&info);
-    Bytes result(memory, memory + size);
-    std::free(memory);
-    return result;
+    return writeJpeg(samples, width, height, components, components == 1 ? JCS_GRAYSCALE : JCS_YCbCr,
+        [&](jpeg_compress_struct& info) {
+            for (int i = 0; i < components; ++i) {
+                jpeg_add_quant_table(&info, i, tables[static_cast<std::size_t>(i)].data(), 100, FALSE);
+                info.comp_info[i].quant_tbl_no = i;
+                info.comp_info[i].h_samp_factor = info.comp_info[i].v_samp_factor = 1;
+            }
+        });
 }
 
 /// What a strip carries: the stream from behind its scan's header on.
