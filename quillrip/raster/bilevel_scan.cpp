@@ -64,9 +64,10 @@ template <typename Visit> void sweepCentres(const EdgeList& list, Visit visit)
             if (list.firstRow(edge, toCentre - 1) > row)
                 break;
             const int endRow = (edge.bottom + toCentre - 1) >> kSubpixelBits;
+            // Of an edge that ends in this row the step is not needed, and may be larger than any number.
+            const std::int64_t step = endRow > row + 1 ? edge.slope * kSubpixels : 0;
             if (endRow > row)
-                crossings.push_back(
-                    { edge.xAt(row * kSubpixels + toCentre), edge.slope * kSubpixels, endRow, edge.winding });
+                crossings.push_back({ edge.xAt(row * kSubpixels + toCentre), step, endRow, edge.winding });
         }
         if (!crossings.empty()) {
             sortCrossings(crossings);

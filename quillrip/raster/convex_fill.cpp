@@ -98,7 +98,9 @@ void ConvexFill::fillNear(const Point* points, std::size_t count)
             = std::int64_t { upperX } * (std::int64_t { 1 } << 32) + (begin * kSubpixels + toCentre - upperY) * slope;
         x += std::int64_t { toCentre } * (std::int64_t { 1 } << 32)
             - 1; // the first centre at or right of x is in the pixel of x + 1/2
-        for (int row = begin; row < end; ++row, x += slope * kSubpixels) {
+        // Of an edge with a single row the step is not needed, and may be larger than any number.
+        const std::int64_t step = end > begin + 1 ? slope * kSubpixels : 0;
+        for (int row = begin; row < end; ++row, x += step) {
             const int pixel = static_cast<int>(x >> (kSubpixelBits + 32));
             Row& extent = m_rows[static_cast<std::size_t>(row - firstRow)];
             extent.left = std::min(extent.left, pixel);
