@@ -1,56 +1,67 @@
 #include "quillrip/base/page_bitmap.h"
 
 #include <algorithm>
-#include <cstdlib>
-
-#include <sys/mman.h>
-
-// A sanitizer watches the bounds of what comes from the heap, and of nothing else.
-#if defined(__SANITIZE_ADDRESS__)
-#define QUILLRIP_PAGES_ON_HEAP
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer)
-#define QUILLRIP_PAGES_ON_HEAP
-#endif
-#endif
+#include <cstring>
 
 namespace quillrip {
 
-namespace {
-
-#ifdef QUILLRIP_PAGES_ON_HEAP
-
-void* takeZeroed(std::size_t bytes) { return std::calloc(bytes, 1); }
-void giveBack(void* pixels, std::size_t) { std::free(pixels); }
-
-#else
-
-void* takeZeroed(std::size_t bytes)
-{
-    void* pixels = mmap(nullptr, bytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
-    return pixels == MAP_FAILED ? nullptr : pixels;
-}
-void giveBack(void* pixels, std::size_t bytes) { munmap(pixels, bytes); }
-
-#endif
-
-} // namespace
-
-void PageBitmap::Unmap::operator()(std::uint8_t* pixels) const { giveBack(pixels, bytes); }
-
-PageBitmap::PageBitmap(PixelFormat format, int width, int height, Resolution resolution)
+PageBitmap::PageBitmap(PixelFormat format, int width, int height, Resolution resolution, std::shared_ptr<PagePool> pool)
     : m_format(format)
     , m_width(width)
     , m_height(height)
     , m_resolution(resolution)
     , m_stride((rowBytes() + 7) / 8 * 8)
+    , m_pool(std::move(pool))
+    , m_bytes(static_cast<std::size_t>(height) * m_stride)
 {
-    const std::size_t bytes = static_cast<std::size_t>(height) * m_stride;
-    void* pixels = takeZeroed(bytes);
-    if (!pixels)
+    m_pixels = m_pool->take(m_bytes);
+    if (m_pixels)
+        m_extents.resize(static_cast<std::size_t>(height));
+}
+
+PageBitmap::~PageBitmap()
+{
+    if (!m_pixels)
         return;
-    m_pixels = { static_cast<std::uint8_t*>(pixels), Unmap { bytes } };
-    m_extents.resize(static_cast<std::size_t>(height));
+    if (PagePool::keeps(m_bytes))
+        clearRows(0, m_height);
+    m_pool->giveBack(m_pixels, m_bytes);
+}
+
+PageBitmap::PageBitmap(PageBitmap&& other) noexcept { swap(other); }
+
+PageBitmap& PageBitmap::operator=(PageBitmap&& other) noexcept
+{
+    PageBitmap taken(std::move(other));
+    swap(taken);
+    return *this;
+}
+
+void PageBitmap::swap(PageBitmap& other) noexcept
+{
+    std::swap(m_format, other.m_format);
+    std::swap(m_width, other.m_width);
+    std::swap(m_height, other.m_height);
+    std::swap(m_resolution, other.m_resolution);
+    std::swap(m_stride, other.m_stride);
+    std::swap(m_pool, other.m_pool);
+    std::swap(m_pixels, other.m_pixels);
+    std::swap(m_bytes, other.m_bytes);
+    std::swap(m_extents, other.m_extents);
+    std::swap(m_paintedPixels, other.m_paintedPixels);
+}
+
+void PageBitmap::clearRows(int top, int bottom)
+{
+    const std::size_t depth = static_cast<std::size_t>(bitsPerPixel(m_format));
+    for (int y = top; y < bottom; ++y) {
+        const Extent touched = extent(y);
+        if (touched.empty())
+            continue;
+        const std::size_t first = static_cast<std::size_t>(touched.left) * depth / 8;
+        const std::size_t last = (static_cast<std::size_t>(touched.right) * depth + 7) / 8;
+        std::memset(row(y) + first, 0, last - first);
+    }
 }
 
 Rgb PageBitmap::pixel(int x, int y) const
@@ -97,11 +108,12 @@ bool PageBitmap::hasInk(const PixelRect& rect) const
 PageBitmap PageBitmap::cropped(int left, int width, int height) &&
 {
     if (left == 0 && width == m_width && height <= m_height) {
+        clearRows(height, m_height);
         m_height = height;
         m_extents.resize(static_cast<std::size_t>(height));
         return std::move(*this);
     }
-    PageBitmap result(m_format, width, height, m_resolution);
+    PageBitmap result(m_format, width, height, m_resolution, m_pool);
     if (result.isNull())
         return result;
     const std::int64_t depth = bitsPerPixel(m_format);

@@ -2,6 +2,7 @@
 
 #include "quillrip/base/bytes.h"
 #include "quillrip/base/geometry.h"
+#include "quillrip/base/page_pool.h"
 
 #include <cstdint>
 #include <memory>
@@ -51,8 +52,13 @@ struct Resolution {
 class PageBitmap {
 public:
     PageBitmap() = default;
-    /// `width` and `height` in device pixels, both at least 1. Null pixels (see isNull()) when memory is short.
-    PageBitmap(PixelFormat format, int width, int height, Resolution resolution);
+    /// `width` and `height` in device pixels, both at least 1. Null pixels (see isNull()) when memory is short. Pages
+    /// that come one after the other share a pool.
+    PageBitmap(PixelFormat format, int width, int height, Resolution resolution,
+        std::shared_ptr<PagePool> pool = std::make_shared<PagePool>());
+    ~PageBitmap();
+    PageBitmap(PageBitmap&& other) noexcept;
+    PageBitmap& operator=(PageBitmap&& other) noexcept;
 
     bool isNull() const { return !m_pixels; }
     PixelFormat format() const { return m_format; }
@@ -68,8 +74,8 @@ public:
     }
     PixelRect bounds() const { return { 0, 0, m_width, m_height }; }
 
-    const std::uint8_t* row(int y) const { return m_pixels.get() + static_cast<std::size_t>(y) * m_stride; }
-    std::uint8_t* row(int y) { return m_pixels.get() + static_cast<std::size_t>(y) * m_stride; }
+    const std::uint8_t* row(int y) const { return m_pixels + static_cast<std::size_t>(y) * m_stride; }
+    std::uint8_t* row(int y) { return m_pixels + static_cast<std::size_t>(y) * m_stride; }
 
     /// The columns of a row that may hold ink, half open; empty (left >= right) when the row was never marked.
     struct Extent {
@@ -99,19 +105,18 @@ public:
     PageBitmap cropped(int left, int width, int height) &&;
 
 private:
-    /// Pages are mapped and unmapped, never taken from the heap: it would keep them, and hand them out again with their
-    /// zeros written instead of mapped.
-    struct Unmap {
-        std::size_t bytes; ///< value-initialised with the pointer
-        void operator()(std::uint8_t* pixels) const;
-    };
+    void swap(PageBitmap& other) noexcept;
+    /// Makes the rows from `top` to `bottom` white again.
+    void clearRows(int top, int bottom);
 
     PixelFormat m_format = PixelFormat::Bilevel;
     int m_width = 0;
     int m_height = 0;
     Resolution m_resolution;
     std::size_t m_stride = 0;
-    std::unique_ptr<std::uint8_t, Unmap> m_pixels;
+    std::shared_ptr<PagePool> m_pool;
+    std::uint8_t* m_pixels = nullptr; ///< of the pool
+    std::size_t m_bytes = 0; ///< all rows that were taken, also those that have been cropped since
     std::vector<Extent> m_extents;
     std::uint64_t m_paintedPixels = 0;
 };

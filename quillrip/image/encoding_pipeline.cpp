@@ -9,7 +9,8 @@ namespace quillrip {
 namespace {
 
 constexpr std::size_t kPagesInWork = 2;
-/// More than this, and there is only one page in work besides the one that is being drawn.
+/// More than this, and there is only one page in work besides the one that is being drawn, unless pages are of one
+/// piece: only side by side can these be encoded on several threads.
 constexpr std::size_t kBytesInWork = std::size_t { 16 } << 20;
 /// Pieces of a page that are encoded and wait for one before them, per thread.
 constexpr int kPiecesAhead = 4;
@@ -36,14 +37,17 @@ EncodingPipeline::~EncodingPipeline()
         thread.join();
 }
 
-bool EncodingPipeline::hasRoomFor(std::size_t pageBytes) const
+bool EncodingPipeline::hasRoomFor(const PageEncoder& encoder) const
 {
     if (m_jobs.empty())
         return true;
-    std::size_t bytes = pageBytes;
-    for (const auto& job : m_jobs)
+    std::size_t bytes = bytesOf(encoder.page());
+    bool areOfOnePiece = encoder.pieceCount() == 1;
+    for (const auto& job : m_jobs) {
         bytes += job->pageBytes;
-    return m_jobs.size() < kPagesInWork && bytes <= kBytesInWork;
+        areOfOnePiece = areOfOnePiece && job->pieceCount == 1;
+    }
+    return m_jobs.size() < kPagesInWork && (bytes <= kBytesInWork || areOfOnePiece);
 }
 
 bool EncodingPipeline::startThread()
@@ -58,13 +62,12 @@ bool EncodingPipeline::startThread()
 
 bool EncodingPipeline::add(std::unique_ptr<PageEncoder> encoder)
 {
-    const std::size_t pageBytes = bytesOf(encoder->page());
     std::unique_lock<std::mutex> lock { m_mutex };
-    m_progressed.wait(lock, [&] { return m_hasFailed || hasRoomFor(pageBytes); });
+    m_progressed.wait(lock, [&] { return m_hasFailed || hasRoomFor(*encoder); });
     if (m_hasFailed)
         return false;
     auto job = std::make_unique<Job>();
-    job->pageBytes = pageBytes;
+    job->pageBytes = bytesOf(encoder->page());
     job->encoder = std::move(encoder);
     job->pieceCount = job->encoder->pieceCount();
     const auto threads

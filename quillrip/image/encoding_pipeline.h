@@ -48,7 +48,7 @@ private:
         std::deque<Slot> slots; ///< the pieces from `written` to `taken`
     };
 
-    bool hasRoomFor(std::size_t pageBytes) const;
+    bool hasRoomFor(const PageEncoder& encoder) const;
     Job* nextJob();
     bool startThread();
     void run();

@@ -52,7 +52,7 @@ PageBitmap ImagePageDevice::bitmapFor(const PageLayout& layout)
         return {};
     }
     PageBitmap page(
-        layout.format, static_cast<int>(layout.width), static_cast<int>(layout.height), layout.imageResolution);
+        layout.format, static_cast<int>(layout.width), static_cast<int>(layout.height), layout.imageResolution, m_pool);
     if (page.isNull())
         m_reason = "there is not enough memory for a page";
     return page;

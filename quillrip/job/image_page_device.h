@@ -4,6 +4,7 @@
 #include "quillrip/job/page_layout.h"
 #include "quillrip/job/page_sink.h"
 
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -52,6 +53,7 @@ private:
     PageSink& m_sink;
     PageSettings m_settings;
     Limits m_limits;
+    std::shared_ptr<PagePool> m_pool = std::make_shared<PagePool>();
     PageBitmap m_page;
     std::vector<Window> m_windows; ///< the requested sheet, then its candidates; of the open page
     int m_overrun = 0; ///< device pixels below the requested sheet that may be lost
