@@ -12,8 +12,8 @@ struct Limits {
     std::uint32_t pages = 100000;
     std::size_t fontBytes = std::size_t { 256 } << 20; ///< all soft fonts together
     std::size_t patternBytes = std::size_t { 64 } << 20; ///< all user patterns together
-    std::size_t macroBytes = std::size_t { 64 }
-        << 20; ///< all macros or user streams together, and what of them is run for one page
+    /// All macros or user streams together, and what of them is run for one page.
+    std::size_t macroBytes = std::size_t { 64 } << 20;
     std::size_t pathPoints = std::size_t { 16 } << 20; ///< one path
     std::size_t imageRowBytes = std::size_t { 64 } << 20; ///< one decoded source row
     std::uint32_t macroExecutions = 1000000; ///< macro calls of one job: ends a job that calls itself in circles

@@ -68,6 +68,7 @@ RunStatus ImagePageDevice::beginPage(const SheetRequest& sheet, PageCanvas& canv
     m_page = bitmapFor(planWindows(sheet));
     if (m_page.isNull() && m_windows.size() > 1) {
         m_windows.resize(1);
+        m_reason.clear();
         m_page = bitmapFor(layoutOf(m_settings, sheet));
     }
     if (m_page.isNull())

@@ -83,7 +83,7 @@ TEST(ImagePageDevice, AFaxOfAGuessedSheetIsAsWideAsAnyFax)
     EXPECT_EQ(test::inkCount(page, { 100 + 3 + 48 - 20, 2000, 100 + 3 + 48 - 20 + 10, 2300 }), 3000);
 }
 
-TEST(ImagePageDevice, NoRoomForTheLongerSheetIsALimit)
+TEST(ImagePageDevice, AGuessedSheetStaysWhereALongerOneIsAboveTheLimit)
 {
     PageSettings settings;
     settings.resolution = { 100, 100 };
@@ -93,6 +93,7 @@ TEST(ImagePageDevice, NoRoomForTheLongerSheetIsALimit)
     ImagePageDevice device(sink, settings, limits);
     PageCanvas canvas;
     EXPECT_EQ(device.beginPage(guessedSheet(), canvas), RunStatus::Done) << "the requested sheet has room";
+    EXPECT_EQ(device.reason(), "") << "nothing went wrong";
     canvas.painter->fillRect({ 0, 1000, 10, 1300 }, {});
     EXPECT_EQ(device.endPage(), RunStatus::Done);
     EXPECT_EQ(sink.pages.at(0).height(), 1100);
