@@ -1,5 +1,5 @@
-#include "quillrip/fonts/soft_font.h"
-#include "quillrip/fonts/symbol_set.h"
+#include "quillrip/fonts/select/symbol_set.h"
+#include "quillrip/fonts/soft/soft_font.h"
 
 #include <algorithm>
 #include <vector>

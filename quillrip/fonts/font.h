@@ -1,7 +1,7 @@
 #pragma once
 
-#include "quillrip/fonts/symbol_set.h"
-#include "quillrip/fonts/typeface.h"
+#include "quillrip/fonts/faces/typeface.h"
+#include "quillrip/fonts/select/symbol_set.h"
 
 #include <memory>
 

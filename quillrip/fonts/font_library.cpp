@@ -1,9 +1,9 @@
 #include "quillrip/fonts/font_library.h"
 
-#include "quillrip/fonts/font_file.h"
-#include "quillrip/fonts/font_names.h"
-#include "quillrip/fonts/font_selection.h"
-#include "quillrip/fonts/internal_face.h"
+#include "quillrip/fonts/faces/font_file.h"
+#include "quillrip/fonts/faces/internal_face.h"
+#include "quillrip/fonts/select/font_names.h"
+#include "quillrip/fonts/select/font_selection.h"
 
 #include <algorithm>
 #include <cmath>

@@ -3,7 +3,7 @@
 #include "quillrip/base/limits.h"
 #include "quillrip/fonts/font.h"
 #include "quillrip/fonts/font_reporter.h"
-#include "quillrip/fonts/soft_font.h"
+#include "quillrip/fonts/soft/soft_font.h"
 
 #include <functional>
 #include <map>

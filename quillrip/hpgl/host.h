@@ -2,8 +2,8 @@
 
 #include "quillrip/base/diagnostics.h"
 #include "quillrip/base/page_bitmap.h"
+#include "quillrip/raster/compose/paint_state.h"
 #include "quillrip/raster/page_device.h"
-#include "quillrip/raster/paint_state.h"
 
 #include <cstddef>
 #include <cstdint>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "quillrip/fonts/glyph_cache.h"
+#include "quillrip/fonts/pixels/glyph_cache.h"
 #include "quillrip/hpgl/host.h"
 #include "quillrip/hpgl/surface.h"
 

@@ -5,7 +5,7 @@
 #include "quillrip/hpgl/page_surface.h"
 #include "quillrip/hpgl/plot_page.h"
 #include "quillrip/hpgl/plot_source.h"
-#include "quillrip/raster/area_patterns.h"
+#include "quillrip/raster/compose/area_patterns.h"
 
 #include <algorithm>
 #include <array>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "quillrip/base/geometry.h"
-#include "quillrip/raster/path.h"
+#include "quillrip/raster/paths/path.h"
 
 #include <vector>
 

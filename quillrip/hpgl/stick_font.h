@@ -1,6 +1,6 @@
 #pragma once
 
-#include "quillrip/raster/path.h"
+#include "quillrip/raster/paths/path.h"
 
 #include <vector>
 

@@ -2,8 +2,8 @@
 
 #include "quillrip/base/diagnostics.h"
 #include "quillrip/base/geometry.h"
-#include "quillrip/fonts/typeface.h"
-#include "quillrip/raster/paint_state.h"
+#include "quillrip/fonts/faces/typeface.h"
+#include "quillrip/raster/compose/paint_state.h"
 #include "quillrip/raster/painter.h"
 
 #include <memory>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "quillrip/base/replay_meter.h"
-#include "quillrip/fonts/glyph_cache.h"
+#include "quillrip/fonts/pixels/glyph_cache.h"
 #include "quillrip/hpgl/host.h"
 #include "quillrip/hpgl/interpreter.h"
 #include "quillrip/hpgl/raster_language.h"

@@ -1,6 +1,6 @@
 #include "quillrip/pcl/pattern_store.h"
 
-#include "quillrip/raster/area_patterns.h"
+#include "quillrip/raster/compose/area_patterns.h"
 
 namespace quillrip::pcl {
 

@@ -2,7 +2,7 @@
 
 #include "quillrip/base/bytes.h"
 #include "quillrip/pcl/palette.h"
-#include "quillrip/raster/paint_state.h"
+#include "quillrip/raster/compose/paint_state.h"
 
 #include <map>
 #include <memory>

@@ -2,7 +2,7 @@
 
 #include "quillrip/base/bytes.h"
 #include "quillrip/pcl/palette.h"
-#include "quillrip/raster/image_painter.h"
+#include "quillrip/raster/images/image_painter.h"
 
 #include <cstdint>
 #include <optional>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "quillrip/raster/clip_region.h"
-#include "quillrip/raster/path.h"
+#include "quillrip/raster/paths/path.h"
+#include "quillrip/raster/scan/clip_region.h"
 
 #include <cstddef>
 

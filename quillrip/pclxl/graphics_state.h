@@ -4,10 +4,10 @@
 #include "quillrip/base/page_bitmap.h"
 #include "quillrip/fonts/font.h"
 #include "quillrip/pclxl/raster_pattern.h"
-#include "quillrip/raster/clip_region.h"
 #include "quillrip/raster/painter.h"
-#include "quillrip/raster/path.h"
-#include "quillrip/raster/stroke_style.h"
+#include "quillrip/raster/paths/path.h"
+#include "quillrip/raster/paths/stroke_style.h"
+#include "quillrip/raster/scan/clip_region.h"
 
 #include <array>
 #include <cstdint>

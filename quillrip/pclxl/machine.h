@@ -2,7 +2,7 @@
 
 #include "quillrip/base/replay_meter.h"
 #include "quillrip/fonts/font_library.h"
-#include "quillrip/fonts/glyph_cache.h"
+#include "quillrip/fonts/pixels/glyph_cache.h"
 #include "quillrip/pclxl/graphics_state.h"
 #include "quillrip/pclxl/image_decoders.h"
 #include "quillrip/pclxl/interpreter.h"

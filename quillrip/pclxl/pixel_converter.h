@@ -2,7 +2,7 @@
 
 #include "quillrip/base/page_bitmap.h"
 #include "quillrip/pclxl/graphics_state.h"
-#include "quillrip/raster/image_painter.h"
+#include "quillrip/raster/images/image_painter.h"
 
 #include <array>
 #include <cstdint>

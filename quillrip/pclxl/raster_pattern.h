@@ -1,7 +1,7 @@
 #pragma once
 
 #include "quillrip/base/geometry.h"
-#include "quillrip/raster/paint_state.h"
+#include "quillrip/raster/compose/paint_state.h"
 
 #include <cstddef>
 #include <memory>

@@ -1,12 +1,12 @@
 #include "quillrip/raster/painter.h"
 
-#include "quillrip/raster/aligned_image.h"
-#include "quillrip/raster/bilevel_scan.h"
-#include "quillrip/raster/compositor.h"
-#include "quillrip/raster/coverage_scan.h"
-#include "quillrip/raster/flatten.h"
-#include "quillrip/raster/span_union.h"
-#include "quillrip/raster/stroke_painter.h"
+#include "quillrip/raster/compose/compositor.h"
+#include "quillrip/raster/images/aligned_image.h"
+#include "quillrip/raster/paths/flatten.h"
+#include "quillrip/raster/paths/stroke_painter.h"
+#include "quillrip/raster/scan/bilevel_scan.h"
+#include "quillrip/raster/scan/coverage_scan.h"
+#include "quillrip/raster/scan/span_union.h"
 
 namespace quillrip {
 

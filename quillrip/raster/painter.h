@@ -1,12 +1,12 @@
 #pragma once
 
 #include "quillrip/base/page_bitmap.h"
-#include "quillrip/raster/clip_region.h"
+#include "quillrip/raster/compose/paint_state.h"
 #include "quillrip/raster/glyph_mask.h"
-#include "quillrip/raster/image_painter.h"
-#include "quillrip/raster/paint_state.h"
-#include "quillrip/raster/path.h"
-#include "quillrip/raster/stroke_style.h"
+#include "quillrip/raster/images/image_painter.h"
+#include "quillrip/raster/paths/path.h"
+#include "quillrip/raster/paths/stroke_style.h"
+#include "quillrip/raster/scan/clip_region.h"
 
 namespace quillrip {
 

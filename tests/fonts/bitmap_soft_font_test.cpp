@@ -1,6 +1,6 @@
 #include "font_test_helpers.h"
-#include "quillrip/fonts/bitmap_glyph.h"
-#include "quillrip/fonts/soft_font.h"
+#include "quillrip/fonts/pixels/bitmap_glyph.h"
+#include "quillrip/fonts/soft/soft_font.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 #include "font_test_helpers.h"
 #include "quillrip/fonts/font_library.h"
-#include "quillrip/fonts/font_selection.h"
+#include "quillrip/fonts/select/font_selection.h"
 
 #include <gtest/gtest.h>
 

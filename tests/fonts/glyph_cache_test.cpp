@@ -1,6 +1,6 @@
 #include "font_test_helpers.h"
 #include "quillrip/fonts/font_library.h"
-#include "quillrip/fonts/glyph_cache.h"
+#include "quillrip/fonts/pixels/glyph_cache.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 #include "font_test_helpers.h"
 #include "quillrip/fonts/font_library.h"
-#include "quillrip/fonts/grid_fitting.h"
+#include "quillrip/fonts/pixels/grid_fitting.h"
 
 #include <gtest/gtest.h>
 

@@ -1,9 +1,9 @@
 #include "font_test_helpers.h"
-#include "quillrip/fonts/advance_widths.h"
-#include "quillrip/fonts/box_drawing.h"
+#include "quillrip/fonts/faces/advance_widths.h"
+#include "quillrip/fonts/faces/box_drawing.h"
+#include "quillrip/fonts/faces/internal_face.h"
 #include "quillrip/fonts/font_library.h"
-#include "quillrip/fonts/glyph_cache.h"
-#include "quillrip/fonts/internal_face.h"
+#include "quillrip/fonts/pixels/glyph_cache.h"
 
 #include <gtest/gtest.h>
 

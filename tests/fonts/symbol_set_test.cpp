@@ -1,5 +1,5 @@
 #include "font_test_helpers.h"
-#include "quillrip/fonts/symbol_set.h"
+#include "quillrip/fonts/select/symbol_set.h"
 
 #include <gtest/gtest.h>
 

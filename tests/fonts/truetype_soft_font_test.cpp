@@ -1,6 +1,6 @@
 #include "font_test_helpers.h"
-#include "quillrip/fonts/font_file.h"
-#include "quillrip/fonts/soft_font.h"
+#include "quillrip/fonts/faces/font_file.h"
+#include "quillrip/fonts/soft/soft_font.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 #include "tests/hpgl/plot_bench.h"
 
 #include "quillrip/base/input_stream.h"
-#include "quillrip/raster/area_patterns.h"
+#include "quillrip/raster/compose/area_patterns.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,4 +1,4 @@
-#include "quillrip/raster/clip_region.h"
+#include "quillrip/raster/scan/clip_region.h"
 
 #include "quillrip/raster/painter.h"
 #include "tests/support/text_art.h"

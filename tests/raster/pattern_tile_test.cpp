@@ -1,4 +1,4 @@
-#include "quillrip/raster/paint_state.h"
+#include "quillrip/raster/compose/paint_state.h"
 #include "quillrip/raster/painter.h"
 #include "tests/support/text_art.h"
 

@@ -1,5 +1,5 @@
+#include "quillrip/raster/compose/screen.h"
 #include "quillrip/raster/painter.h"
-#include "quillrip/raster/screen.h"
 
 #include <gtest/gtest.h>
 

@@ -1,0 +1,253 @@
+#include "quillrip/fonts/faces/font_file.h"
+
+#include <array>
+#include <cstdlib>
+#include <filesystem>
+#include <system_error>
+
+#include <ft2build.h>
+#include FT_FREETYPE_H
+#include FT_OUTLINE_H
+
+namespace quillrip {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+/// OpenType first among the forms of one font: it opens fastest.
+constexpr std::array<const char*, 4> kExtensions { ".otf", ".ttf", ".t1", ".pfb" };
+
+/// Walking the system's folders stops here; no installation comes near.
+constexpr int kMostSystemFiles = 20000;
+constexpr int kDeepestFolder = 6;
+
+std::vector<std::string> searchFolders()
+{
+    std::vector<std::string> folders;
+    if (const char* source = std::getenv("PCLFONTSOURCE"); source && *source)
+        folders.emplace_back(source);
+    std::error_code error;
+    const fs::path program = fs::read_symlink("/proc/self/exe", error);
+    if (!error) {
+        const fs::path folder = program.parent_path();
+        folders.push_back((folder / "fonts").string());
+        // Name.app/Contents/MacOS/program: the fonts lie beside Name.app.
+        folders.push_back((folder.parent_path().parent_path().parent_path() / "fonts").string());
+    }
+    return folders;
+}
+
+std::vector<std::string> systemFolders()
+{
+    std::vector<std::string> folders { "/usr/share/fonts", "/usr/local/share/fonts" };
+    if (const char* home = std::getenv("HOME"); home && *home) {
+        folders.push_back(std::string(home) + "/.local/share/fonts");
+        folders.push_back(std::string(home) + "/.fonts");
+    }
+    return folders;
+}
+
+/// FreeType walks an outline piece by piece; the path takes it in em.
+struct OutlineSink {
+    Path* path;
+    double unit;
+    Point last;
+    bool isOpen = false;
+
+    Point point(const FT_Vector* v) const
+    {
+        return { static_cast<double>(v->x) * unit, static_cast<double>(v->y) * unit };
+    }
+};
+
+int moveTo(const FT_Vector* to, void* user)
+{
+    auto& sink = *static_cast<OutlineSink*>(user);
+    if (sink.isOpen)
+        sink.path->close();
+    sink.isOpen = true;
+    sink.last = sink.point(to);
+    sink.path->moveTo(sink.last);
+    return 0;
+}
+
+int lineTo(const FT_Vector* to, void* user)
+{
+    auto& sink = *static_cast<OutlineSink*>(user);
+    sink.last = sink.point(to);
+    sink.path->lineTo(sink.last);
+    return 0;
+}
+
+int conicTo(const FT_Vector* control, const FT_Vector* to, void* user)
+{
+    auto& sink = *static_cast<OutlineSink*>(user);
+    const Point c = sink.point(control);
+    const Point end = sink.point(to);
+    sink.path->cubicTo(sink.last + (c - sink.last) * (2.0 / 3), end + (c - end) * (2.0 / 3), end);
+    sink.last = end;
+    return 0;
+}
+
+int cubicTo(const FT_Vector* control1, const FT_Vector* control2, const FT_Vector* to, void* user)
+{
+    auto& sink = *static_cast<OutlineSink*>(user);
+    sink.last = sink.point(to);
+    sink.path->cubicTo(sink.point(control1), sink.point(control2), sink.last);
+    return 0;
+}
+
+} // namespace
+
+bool appendSlotOutline(FT_FaceRec_* face, double unit, Path& path)
+{
+    if (face->glyph->format != FT_GLYPH_FORMAT_OUTLINE || face->glyph->outline.n_points <= 0)
+        return false;
+    FT_Outline_Funcs functions {};
+    functions.move_to = moveTo;
+    functions.line_to = lineTo;
+    functions.conic_to = conicTo;
+    functions.cubic_to = cubicTo;
+    OutlineSink sink { &path, unit, {} };
+    const bool isWhole = FT_Outline_Decompose(&face->glyph->outline, &functions, &sink) == 0;
+    if (sink.isOpen)
+        path.close();
+    return isWhole;
+}
+
+FontFile::FontFile(FT_FaceRec_* face)
+    : m_face(face)
+{
+    for (int i = 0; i < face->num_charmaps; ++i) {
+        if (face->charmaps[i]->encoding == FT_ENCODING_ADOBE_CUSTOM)
+            m_ownMap = face->charmaps[i];
+    }
+    // Symbol fonts in OpenType form claim Unicode for codes of their own: they have a glyph at "a", which is alpha.
+    m_mapsUnicode = face->charmap && face->charmap->encoding == FT_ENCODING_UNICODE
+        && !(m_ownMap && FT_Get_Char_Index(face, 'a') != 0);
+}
+
+FontFile::~FontFile() { FT_Done_Face(m_face); }
+
+unsigned FontFile::glyphOfUnicode(char32_t unicode) const
+{
+    return m_mapsUnicode ? FT_Get_Char_Index(m_face, unicode) : 0;
+}
+
+unsigned FontFile::glyphOfOwnCode(unsigned code) const
+{
+    if (!m_mapsUnicode)
+        return FT_Get_Char_Index(m_face, code);
+    if (!m_ownMap)
+        return 0;
+    const FT_CharMap kept = m_face->charmap;
+    FT_Set_Charmap(m_face, m_ownMap);
+    const unsigned glyph = FT_Get_Char_Index(m_face, code);
+    FT_Set_Charmap(m_face, kept);
+    return glyph;
+}
+
+double FontFile::advance(unsigned glyph) const
+{
+    if (FT_Load_Glyph(m_face, glyph, FT_LOAD_NO_SCALE) != 0)
+        return 0;
+    return static_cast<double>(m_face->glyph->metrics.horiAdvance) / m_face->units_per_EM;
+}
+
+bool FontFile::outline(unsigned glyph, Path& path) const
+{
+    if (FT_Load_Glyph(m_face, glyph, FT_LOAD_NO_SCALE) != 0)
+        return false;
+    return appendSlotOutline(m_face, 1.0 / m_face->units_per_EM, path);
+}
+
+FontFiles::FontFiles()
+    : m_folders(searchFolders())
+    , m_usesSystemFolders(true)
+{
+}
+
+FontFiles::FontFiles(std::vector<std::string> folders)
+    : m_folders(std::move(folders))
+    , m_usesSystemFolders(false)
+{
+}
+
+FontFiles::~FontFiles()
+{
+    m_opened.clear();
+    if (m_library)
+        FT_Done_FreeType(m_library);
+}
+
+const FontFile* FontFiles::open(const std::string& stem)
+{
+    if (const auto found = m_opened.find(stem); found != m_opened.end())
+        return found->second.get();
+    std::unique_ptr<FontFile>& file = m_opened[stem];
+    if (!m_library && FT_Init_FreeType(&m_library) != 0)
+        return nullptr;
+    const std::string path = locate(stem);
+    FT_Face face = nullptr;
+    if (path.empty() || FT_New_Face(m_library, path.c_str(), 0, &face) != 0)
+        return nullptr;
+    if (!FT_IS_SCALABLE(face) || face->units_per_EM == 0) {
+        FT_Done_Face(face);
+        return nullptr;
+    }
+    file.reset(new FontFile(face));
+    return file.get();
+}
+
+std::string FontFiles::locate(const std::string& stem)
+{
+    std::error_code error;
+    for (const std::string& folder : m_folders) {
+        for (const char* extension : kExtensions) {
+            const fs::path path = fs::path(folder) / (stem + extension);
+            if (fs::is_regular_file(path, error))
+                return path.string();
+        }
+    }
+    if (!m_usesSystemFolders)
+        return {};
+    if (!m_hasScanned)
+        scanSystemFolders();
+    const auto found = m_systemFiles.find(stem);
+    return found == m_systemFiles.end() ? std::string() : found->second;
+}
+
+void FontFiles::scanSystemFolders()
+{
+    m_hasScanned = true;
+    const auto rank = [](const std::string& extension) {
+        for (std::size_t i = 0; i < kExtensions.size(); ++i) {
+            if (extension == kExtensions[i])
+                return static_cast<int>(i);
+        }
+        return -1;
+    };
+    int seen = 0;
+    for (const std::string& folder : systemFolders()) {
+        std::error_code error;
+        fs::recursive_directory_iterator walk(folder, fs::directory_options::skip_permission_denied, error);
+        for (; !error && walk != fs::recursive_directory_iterator() && seen < kMostSystemFiles; walk.increment(error)) {
+            if (walk.depth() > kDeepestFolder)
+                walk.disable_recursion_pending();
+            const fs::path& path = walk->path();
+            const int wanted = rank(path.extension().string());
+            if (wanted < 0)
+                continue;
+            ++seen;
+            std::string& known = m_systemFiles[path.stem().string()];
+            const fs::path knownPath(known);
+            // Of equal files in several folders the last by name: a newer release has the higher folder name.
+            if (known.empty() || wanted < rank(knownPath.extension().string())
+                || (wanted == rank(knownPath.extension().string()) && known < path.string()))
+                known = path.string();
+        }
+    }
+}
+
+} // namespace quillrip

@@ -1,0 +1,73 @@
+#pragma once
+
+#include "quillrip/fonts/faces/typeface.h"
+#include "quillrip/raster/paths/path.h"
+
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+struct FT_LibraryRec_;
+struct FT_FaceRec_;
+struct FT_CharMapRec_;
+
+namespace quillrip {
+
+/// An outline font on disk, opened. All lengths in em.
+class FontFile {
+public:
+    ~FontFile();
+    FontFile(const FontFile&) = delete;
+    FontFile& operator=(const FontFile&) = delete;
+
+    /// The glyph of a Unicode character; 0 when the font has none.
+    unsigned glyphOfUnicode(char32_t unicode) const;
+    /// The glyph of a code of the font's own encoding (symbol fonts); 0 when the font has none.
+    unsigned glyphOfOwnCode(unsigned code) const;
+    /// Whether the character map is by Unicode. Symbol fonts in OpenType form map their own codes instead.
+    bool mapsUnicode() const { return m_mapsUnicode; }
+
+    double advance(unsigned glyph) const;
+    /// Unhinted, y up. False when the glyph is blank or broken.
+    bool outline(unsigned glyph, Path& path) const;
+
+private:
+    friend class FontFiles;
+    explicit FontFile(FT_FaceRec_* face);
+
+    FT_FaceRec_* m_face;
+    FT_CharMapRec_* m_ownMap = nullptr; ///< the font's own encoding, when it is not a standard one
+    bool m_mapsUnicode = false;
+};
+
+/// Appends the outline that FreeType holds in the face's glyph slot, scaled by `unit`. False when it has none.
+bool appendSlotOutline(FT_FaceRec_* face, double unit, Path& path);
+
+/// Finds font files by name and opens each once. Folders, in this order: what the environment variable PCLFONTSOURCE
+/// names, "fonts" beside the executable, "fonts" beside the application bundle that the executable lies in, the
+/// system's. Nothing is looked for before the first question.
+class FontFiles {
+public:
+    FontFiles();
+    /// Only these folders, without those below them; for tests.
+    explicit FontFiles(std::vector<std::string> folders);
+    ~FontFiles();
+
+    /// `stem` is the file's name without its extension: .otf, .ttf, .t1 and .pfb are tried. Null when there is no such
+    /// file in any folder, or none that can be opened.
+    const FontFile* open(const std::string& stem);
+
+private:
+    std::string locate(const std::string& stem);
+    void scanSystemFolders();
+
+    FT_LibraryRec_* m_library = nullptr;
+    std::vector<std::string> m_folders;
+    bool m_usesSystemFolders;
+    bool m_hasScanned = false;
+    std::map<std::string, std::string> m_systemFiles; ///< stem to path
+    std::map<std::string, std::unique_ptr<FontFile>> m_opened; ///< null: looked for and not found
+};
+
+} // namespace quillrip

@@ -1,0 +1,114 @@
+#include "quillrip/raster/compose/bilevel_compositor.h"
+
+namespace quillrip {
+
+BilevelCompositor::BilevelCompositor(
+    PageBitmap& page, const PaintState& state, std::shared_ptr<const DeviceTexture> texture)
+    : Compositor(page, state, std::move(texture))
+{
+    if (!m_texture.isUniformBilevel())
+        return;
+    const std::uint64_t ink = m_texture.words(0, 0).ink;
+    const bool keeps = m_operation.keep(kAllBits, ink) != 0;
+    const bool flips = m_operation.flip(kAllBits, ink) != 0;
+    m_inkEffect = keeps ? (flips ? Effect::Invert : Effect::Nothing) : (flips ? Effect::Set : Effect::Clear);
+}
+
+void BilevelCompositor::combine(
+    std::uint8_t* at, int y, int word, std::uint64_t source, std::uint64_t sourceNotWhite, std::uint64_t wanted) const
+{
+    const DeviceTexture::Words texture = m_texture.words(y, word);
+    if (m_sourceTransparent)
+        wanted &= sourceNotWhite;
+    if (m_patternTransparent)
+        wanted &= texture.opaque | ~sourceNotWhite;
+    const std::uint64_t before = loadWord(at);
+    const std::uint64_t after = m_operation.apply(source, texture.ink, before);
+    storeWord(at, before ^ ((before ^ after) & wanted));
+}
+
+void BilevelCompositor::inkRun(int y, int left, int right)
+{
+    switch (m_inkEffect) {
+    case Effect::Nothing:
+        return;
+    case Effect::Set:
+        return eachWord(
+            y, left, right, [](std::uint8_t* at, int, std::uint64_t wanted) { storeWord(at, loadWord(at) | wanted); });
+    case Effect::Clear:
+        return eachWord(
+            y, left, right, [](std::uint8_t* at, int, std::uint64_t wanted) { storeWord(at, loadWord(at) & ~wanted); });
+    case Effect::Invert:
+        return eachWord(
+            y, left, right, [](std::uint8_t* at, int, std::uint64_t wanted) { storeWord(at, loadWord(at) ^ wanted); });
+    case Effect::Varies:
+        return eachWord(y, left, right, [&](std::uint8_t* at, int word, std::uint64_t wanted) {
+            combine(at, y, word, kAllBits, kAllBits, wanted);
+        });
+    }
+}
+
+void BilevelCompositor::whiteRun(int y, int left, int right)
+{
+    eachWord(
+        y, left, right, [&](std::uint8_t* at, int word, std::uint64_t wanted) { combine(at, y, word, 0, 0, wanted); });
+}
+
+void BilevelCompositor::bitsRun(int y, int left, int right, const BitRow& bits, std::ptrdiff_t shift)
+{
+    const auto sourceAt = [&](int word) { return bits.wordAt(std::ptrdiff_t { word } * 64 + shift); };
+    if (m_sourceTransparent && m_inkEffect == Effect::Set) {
+        return eachWord(y, left, right, [&](std::uint8_t* at, int word, std::uint64_t wanted) {
+            storeWord(at, loadWord(at) | (sourceAt(word) & wanted));
+        });
+    }
+    if (m_sourceTransparent && m_inkEffect == Effect::Clear) {
+        return eachWord(y, left, right, [&](std::uint8_t* at, int word, std::uint64_t wanted) {
+            storeWord(at, loadWord(at) & ~(sourceAt(word) & wanted));
+        });
+    }
+    eachWord(y, left, right, [&](std::uint8_t* at, int word, std::uint64_t wanted) {
+        const std::uint64_t source = sourceAt(word);
+        combine(at, y, word, source, source, wanted);
+    });
+}
+
+void BilevelCompositor::coverageRun(int y, int left, int right, const std::uint8_t* coverage, bool whiteElsewhere)
+{
+    eachWord(y, left, right, [&](std::uint8_t* at, int word, std::uint64_t wanted) {
+        const int from = std::max(left, word * 64);
+        const int to = std::min(right, word * 64 + 64);
+        std::uint64_t source = 0;
+        for (int x = from; x < to; ++x)
+            source |= static_cast<std::uint64_t>(coverage[x - left] >= 128) << (63 - (x & 63));
+        combine(at, y, word, source, source, whiteElsewhere ? wanted : wanted & source);
+    });
+}
+
+void BilevelCompositor::colorsRun(int y, int left, int right, const std::uint8_t* ink, const std::uint8_t* coverage)
+{
+    const std::uint8_t* thresholds = screenRow(y);
+    eachWord(y, left, right, [&](std::uint8_t* at, int word, std::uint64_t wanted) {
+        const int wordStart = word * 64;
+        std::uint8_t dots[64] = {};
+        std::uint8_t notWhite[64] = {};
+        const int from = std::max(left, wordStart) - wordStart;
+        const int to = std::min(right, wordStart + 64) - wordStart;
+        const std::uint8_t* tones = ink + (wordStart + from - left);
+        for (int x = from; x < to; ++x) {
+            dots[x] = tones[x - from] > thresholds[x];
+            notWhite[x] = tones[x - from] != 0;
+        }
+        if (coverage) {
+            const std::uint8_t* covered = coverage + (wordStart + from - left);
+            std::uint8_t isCovered[64] = {};
+            for (int x = from; x < to; ++x)
+                isCovered[x] = covered[x - from] >= 128;
+            wanted &= packFlags(isCovered);
+        }
+        // The test for white comes before the screen: a white dot of a grey tone is not white.
+        combine(at, y, word, packFlags(dots), packFlags(notWhite), wanted);
+    });
+}
+
+} // namespace quillrip

@@ -1,0 +1,116 @@
+#pragma once
+
+#include "quillrip/raster/compose/bit_words.h"
+#include "quillrip/raster/compose/device_texture.h"
+#include "quillrip/raster/compose/paint_state.h"
+#include "quillrip/raster/compose/raster_operation.h"
+#include "quillrip/raster/scan/clip_region.h"
+
+#include <memory>
+
+namespace quillrip {
+
+/// Where spans go: the one place where mask, source, texture, raster operation, transparencies and clip meet the
+/// page. One for each call of the painter.
+///
+/// Rows and columns may lie anywhere; what is outside page or clip is cut off. Spans of one mark must not overlap,
+/// except where `isIdempotent()`.
+class Compositor {
+public:
+    static std::unique_ptr<Compositor> create(
+        PageBitmap& page, const PaintState& state, std::shared_ptr<const DeviceTexture> texture);
+    virtual ~Compositor() = default;
+
+    /// Nothing outside these can be marked.
+    const PixelRect& bounds() const { return m_bounds; }
+    PixelFormat format() const { return m_page.format(); }
+    bool isSourceTransparent() const { return m_sourceTransparent; }
+    /// Whether marking a pixel with ink twice gives the same as once.
+    bool isIdempotent() const { return m_isIdempotent; }
+
+    /// Source black in columns left <= x < right.
+    void ink(int y, int left, int right)
+    {
+        eachRun(y, left, right, [&](int l, int r) { inkRun(y, l, r); });
+    }
+    /// Source white in columns left <= x < right: nothing if the source is transparent.
+    void white(int y, int left, int right)
+    {
+        if (m_sourceTransparent)
+            return;
+        eachRun(y, left, right, [&](int l, int r) { whiteRun(y, l, r); });
+    }
+    /// Source black where `bits` has a 1, white where 0. Pixel `left` is bit `firstBit`.
+    void bits(int y, int left, const BitRow& bits, std::ptrdiff_t firstBit, int count)
+    {
+        eachRun(y, left, left + count, [&](int l, int r) { bitsRun(y, l, r, bits, firstBit - left); });
+    }
+    /// Source black with coverage (255 = whole pixel). With `whiteElsewhere` what is not covered is a white source.
+    void coverage(int y, int left, const std::uint8_t* coverage, int count, bool whiteElsewhere)
+    {
+        eachRun(y, left, left + count,
+            [&](int l, int r) { coverageRun(y, l, r, coverage + (l - left), whiteElsewhere && !m_sourceTransparent); });
+    }
+    /// Source of the page's own channels, as ink (one byte a pixel on a bilevel page, where it is screened), mixed by
+    /// `coverage` unless that is null.
+    void colors(int y, int left, const std::uint8_t* ink, const std::uint8_t* coverage, int count)
+    {
+        const int channels = m_page.format() == PixelFormat::Rgb24 ? 3 : 1;
+        eachRun(y, left, left + count, [&](int l, int r) {
+            colorsRun(y, l, r, ink + static_cast<std::ptrdiff_t>(l - left) * channels,
+                coverage ? coverage + (l - left) : nullptr);
+        });
+    }
+
+protected:
+    Compositor(PageBitmap& page, const PaintState& state, std::shared_ptr<const DeviceTexture> texture);
+
+    // What follows is given parts of one row, inside page and clip, never empty.
+    virtual void inkRun(int y, int left, int right) = 0;
+    virtual void whiteRun(int y, int left, int right) = 0;
+    /// Pixel x is bit x + shift.
+    virtual void bitsRun(int y, int left, int right, const BitRow& bits, std::ptrdiff_t shift) = 0;
+    virtual void coverageRun(int y, int left, int right, const std::uint8_t* coverage, bool whiteElsewhere) = 0;
+    virtual void colorsRun(int y, int left, int right, const std::uint8_t* ink, const std::uint8_t* coverage) = 0;
+
+    PageBitmap& m_page;
+    const RasterOperation m_operation;
+    const bool m_sourceTransparent;
+    const bool m_patternTransparent;
+    const std::shared_ptr<const DeviceTexture> m_textureOwner;
+    const DeviceTexture& m_texture;
+
+private:
+    template <typename Paint> void eachRun(int y, int left, int right, Paint paint)
+    {
+        if (y < m_bounds.top || y >= m_bounds.bottom)
+            return;
+        left = left < m_bounds.left ? m_bounds.left : left;
+        right = right > m_bounds.right ? m_bounds.right : right;
+        if (left >= right)
+            return;
+        if (m_clip)
+            return eachClippedRun(y, left, right, paint);
+        m_page.touch(y, left, right);
+        paint(left, right);
+    }
+
+    template <typename Paint> void eachClippedRun(int y, int left, int right, Paint paint)
+    {
+        const ClipRegion::Run* end = m_clip->end(y);
+        const ClipRegion::Run* run = std::lower_bound(m_clip->begin(y), end, left,
+            [](const ClipRegion::Run& candidate, int column) { return candidate.right <= column; });
+        for (; run != end && run->left < right; ++run) {
+            const int from = std::max(left, run->left);
+            const int to = std::min(right, run->right);
+            m_page.touch(y, from, to);
+            paint(from, to);
+        }
+    }
+
+    PixelRect m_bounds;
+    std::shared_ptr<const ClipRegion> m_clip; ///< null where the bounds say all
+    bool m_isIdempotent;
+};
+
+} // namespace quillrip

@@ -1,0 +1,344 @@
+#include "quillrip/raster/images/aligned_image.h"
+#include "quillrip/raster/images/image_source.h"
+
+#include <algorithm>
+
+namespace quillrip {
+
+namespace {
+
+/// How source pixels become device pixels along an axis.
+enum class Resampling {
+    Blocks, ///< device pixels repeat the source pixel that they lie in
+    Average, ///< over the area
+    Linear, ///< between the two nearest source pixels
+};
+
+Resampling resamplingFor(const ImageAxis& axis, bool smooth)
+{
+    if (axis.shrinks())
+        return Resampling::Average;
+    return smooth && !axis.isWhole() ? Resampling::Linear : Resampling::Blocks;
+}
+
+/// Source rows to rows of the device's columns, as floating point ink.
+class ColumnScaler {
+public:
+    ColumnScaler(const ImageAxis& axis, int sourceWidth, Resampling resampling, int channels)
+        : m_channels(static_cast<std::size_t>(channels))
+    {
+        for (int column = axis.visibleBegin; column < axis.visibleEnd; ++column) {
+            const std::size_t first = m_taps.size();
+            addTaps(axis, sourceWidth, resampling, column);
+            m_ends.push_back(m_taps.size());
+            float sum = 0;
+            for (std::size_t tap = first; tap < m_taps.size(); ++tap)
+                sum += m_taps[tap].weight;
+            for (std::size_t tap = first; tap < m_taps.size(); ++tap)
+                m_taps[tap].weight /= sum;
+        }
+    }
+
+    void scale(const std::uint8_t* source, float* result) const
+    {
+        switch (m_channels) {
+        case 1:
+            return scaleChannels<1>(source, result);
+        case 2:
+            return scaleChannels<2>(source, result);
+        case 3:
+            return scaleChannels<3>(source, result);
+        default:
+            return scaleChannels<4>(source, result);
+        }
+    }
+
+private:
+    struct Tap {
+        std::size_t source;
+        float weight;
+    };
+
+    template <std::size_t Channels> void scaleChannels(const std::uint8_t* source, float* result) const
+    {
+        const Tap* tap = m_taps.data();
+        for (const std::size_t end : m_ends) {
+            float sums[Channels] = {};
+            for (const Tap* last = m_taps.data() + end; tap != last; ++tap) {
+                const std::uint8_t* pixel = source + tap->source * Channels;
+                for (std::size_t channel = 0; channel < Channels; ++channel)
+                    sums[channel] += tap->weight * static_cast<float>(pixel[channel]);
+            }
+            for (const float sum : sums)
+                *result++ = sum;
+        }
+    }
+
+    void addTap(std::int64_t source, int sourceWidth, double weight)
+    {
+        const auto inside = std::clamp<std::int64_t>(source, 0, sourceWidth - 1);
+        m_taps.push_back({ static_cast<std::size_t>(inside), static_cast<float>(weight) });
+    }
+
+    void addTaps(const ImageAxis& axis, int sourceWidth, Resampling resampling, int column)
+    {
+        if (resampling == Resampling::Blocks)
+            return addTap(axis.blockAt(column), sourceWidth, 1);
+        if (resampling == Resampling::Linear) {
+            const double at = axis.sourceAt(column + 0.5) - 0.5;
+            const double before = std::floor(at);
+            addTap(static_cast<std::int64_t>(before), sourceWidth, 1 - (at - before));
+            return addTap(static_cast<std::int64_t>(before) + 1, sourceWidth, at - before);
+        }
+        const double begin = std::clamp(axis.sourceAt(column), 0.0, static_cast<double>(sourceWidth));
+        const double end = std::clamp(axis.sourceAt(column + 1), 0.0, static_cast<double>(sourceWidth));
+        const auto first = static_cast<std::int64_t>(std::floor(begin));
+        const auto last = static_cast<std::int64_t>(std::ceil(end)) - 1;
+        if (last < first)
+            return addTap(first, sourceWidth, 1);
+        for (std::int64_t source = first; source <= last; ++source) {
+            const double overlap
+                = std::min(end, static_cast<double>(source + 1)) - std::max(begin, static_cast<double>(source));
+            if (overlap > 1e-9 || first == last)
+                addTap(source, sourceWidth, std::max(overlap, 1e-9));
+        }
+    }
+
+    std::size_t m_channels;
+    std::vector<Tap> m_taps;
+    std::vector<std::size_t> m_ends; ///< of each column's taps
+};
+
+class ToneImage final : public AlignedImage {
+public:
+    ToneImage(const AlignedGeometry& aligned, std::unique_ptr<Compositor> owned)
+        : AlignedImage(aligned, std::move(owned))
+        , m_isMono(aligned.format == ImageFormat::Mono)
+        , m_inkChannels(!m_isMono && compositor().format() == PixelFormat::Rgb24 ? 3 : 1)
+        , m_columnWay(resamplingFor(aligned.columns, aligned.smooth))
+        , m_lineWay(resamplingFor(aligned.lines, aligned.smooth))
+        , m_isAllBlocks(m_columnWay == Resampling::Blocks && m_lineWay == Resampling::Blocks)
+        // Where pixels are mixed, those of a transparent source's white leave a part of the page as it is.
+        , m_hasAlpha(!m_isMono && !m_isAllBlocks && compositor().isSourceTransparent()
+              && compositor().format() != PixelFormat::Bilevel)
+        , m_channels(m_inkChannels + (m_hasAlpha ? 1 : 0))
+        , m_scaler(aligned.columns, aligned.width, m_columnWay, m_channels)
+        , m_ink(static_cast<std::size_t>(aligned.width) * static_cast<std::size_t>(m_channels))
+        , m_line(static_cast<std::size_t>(aligned.columns.visible()) * static_cast<std::size_t>(m_inkChannels))
+        , m_alpha(static_cast<std::size_t>(aligned.columns.visible()))
+        , m_current(static_cast<std::size_t>(aligned.columns.visible()) * static_cast<std::size_t>(m_channels))
+        , m_previous(m_current.size())
+        , m_sums(m_current.size())
+        , m_nextLine(aligned.lines.start(0))
+    {
+    }
+
+private:
+    void addRows(const std::uint8_t* pixels, std::int64_t index, std::int64_t count, bool isBlank) override
+    {
+        const ImageAxis& axis = geometry().lines;
+        // Rows that reach no visible line, with one to spare for those that are mixed.
+        if (axis.position(static_cast<double>(index + count)) < axis.visibleBegin - 2 * axis.scale - 1
+            || axis.position(static_cast<double>(index)) > axis.visibleEnd + 2 * axis.scale + 1)
+            return;
+        if (m_isAllBlocks)
+            return addBlocks(pixels, index, count, isBlank);
+        m_current.swap(m_previous);
+        convertRow(pixels, geometry().format, geometry().width, m_inkChannels, m_ink.data());
+        if (m_hasAlpha)
+            addAlpha();
+        m_scaler.scale(m_ink.data(), m_current.data());
+        switch (m_lineWay) {
+        case Resampling::Blocks:
+            return repeatLine(index, count);
+        case Resampling::Average:
+            return average(index, count);
+        case Resampling::Linear:
+            return interpolate(index, count);
+        }
+    }
+
+    void end(std::int64_t count) override
+    {
+        if (m_isAllBlocks || count == 0)
+            return;
+        const std::int64_t lastLine = geometry().lines.start(count);
+        if (m_lineWay == Resampling::Average && m_weight > 0 && m_nextLine < lastLine)
+            emitAverage();
+        if (m_lineWay == Resampling::Linear) {
+            for (; m_nextLine < std::min<std::int64_t>(lastLine, geometry().lines.visibleEnd); ++m_nextLine)
+                emit(m_nextLine, m_current.data());
+        }
+    }
+
+    /// Whole blocks need no arithmetic, and a source pixel stays what it is.
+    void addBlocks(const std::uint8_t* pixels, std::int64_t index, std::int64_t count, bool isBlank)
+    {
+        const ImageAxis& axis = geometry().lines;
+        const std::int64_t begin = std::max<std::int64_t>(axis.start(index), axis.visibleBegin);
+        const std::int64_t end = std::min<std::int64_t>(axis.start(index + count), axis.visibleEnd);
+        if (begin >= end)
+            return;
+        if (isBlank)
+            return whiteLines(begin, end);
+        const ImageAxis& columns = geometry().columns;
+        convertRow(pixels, geometry().format, geometry().width, m_inkChannels, m_ink.data());
+        const auto channels = static_cast<std::size_t>(m_inkChannels);
+        const std::uint8_t* line = m_line.data();
+        if (columns.isIdentity()) {
+            line = m_ink.data() + static_cast<std::size_t>(columns.visibleBegin - columns.start(0)) * channels;
+        } else {
+            if (m_blocks.empty()) {
+                for (int column = columns.visibleBegin; column < columns.visibleEnd; ++column)
+                    m_blocks.push_back(static_cast<std::size_t>(columns.blockAt(column)) * channels);
+            }
+            std::uint8_t* to = m_line.data();
+            for (const std::size_t from : m_blocks) {
+                for (std::size_t channel = 0; channel < channels; ++channel)
+                    *to++ = m_ink[from + channel];
+            }
+        }
+        for (std::int64_t at = begin; at < end; ++at)
+            emitBytes(at, line, nullptr);
+    }
+
+    /// White has no ink, so the ink of mixed pixels is that of the others already; only their number is missing.
+    void addAlpha()
+    {
+        const auto inkChannels = static_cast<std::size_t>(m_inkChannels);
+        const auto channels = static_cast<std::size_t>(m_channels);
+        for (auto x = static_cast<std::size_t>(geometry().width); x-- > 0;) {
+            std::uint8_t any = 0;
+            for (std::size_t channel = inkChannels; channel-- > 0;) {
+                const std::uint8_t value = m_ink[x * inkChannels + channel];
+                m_ink[x * channels + channel] = value;
+                any = static_cast<std::uint8_t>(any | value);
+            }
+            m_ink[x * channels + inkChannels] = any != 0 ? 255 : 0;
+        }
+    }
+
+    void repeatLine(std::int64_t index, std::int64_t count)
+    {
+        const ImageAxis& axis = geometry().lines;
+        const std::int64_t begin = std::max<std::int64_t>(axis.start(index), axis.visibleBegin);
+        const std::int64_t end = std::min<std::int64_t>(axis.start(index + count), axis.visibleEnd);
+        for (std::int64_t line = begin; line < end; ++line)
+            emit(line, m_current.data());
+    }
+
+    void average(std::int64_t index, std::int64_t count)
+    {
+        const ImageAxis& axis = geometry().lines;
+        const double begin = axis.position(static_cast<double>(index));
+        const double end = axis.position(static_cast<double>(index + count));
+        const auto limited = [&](double line) {
+            return static_cast<std::int64_t>(
+                std::clamp(line, static_cast<double>(axis.visibleBegin) - 1, static_cast<double>(axis.visibleEnd)));
+        };
+        const std::int64_t last = limited(std::ceil(end - axis.bias) - 1);
+        for (std::int64_t line = std::max(limited(std::floor(begin + axis.bias)), axis.start(0)); line <= last;
+             ++line) {
+            if (line != m_nextLine) {
+                emitAverage();
+                m_nextLine = line;
+            }
+            const double top = std::max(begin, static_cast<double>(line));
+            const double bottom = std::min(end, static_cast<double>(line) + 1);
+            const auto weight = static_cast<float>(std::max(bottom - top, 1e-9));
+            m_weight += weight;
+            for (std::size_t i = 0; i < m_sums.size(); ++i)
+                m_sums[i] += weight * m_current[i];
+        }
+    }
+
+    void emitAverage()
+    {
+        if (m_weight > 0) {
+            for (float& sum : m_sums)
+                sum /= m_weight;
+            emit(m_nextLine, m_sums.data());
+            std::fill(m_sums.begin(), m_sums.end(), 0.0F);
+        }
+        m_weight = 0;
+    }
+
+    void interpolate(std::int64_t index, std::int64_t count)
+    {
+        const ImageAxis& axis = geometry().lines;
+        m_nextLine = std::max<std::int64_t>(m_nextLine, axis.visibleBegin);
+        for (; m_nextLine < axis.visibleEnd; ++m_nextLine) {
+            const double at = axis.sourceAt(static_cast<double>(m_nextLine) + 0.5) - 0.5;
+            if (at >= static_cast<double>(index + count - 1))
+                return;
+            // Before the middle of the first row there is nothing to mix with; between equal rows neither.
+            const double share = at - static_cast<double>(index - 1);
+            if (index == 0 || share >= 1) {
+                emit(m_nextLine, m_current.data());
+                continue;
+            }
+            const auto part = static_cast<float>(std::max(share, 0.0));
+            for (std::size_t i = 0; i < m_sums.size(); ++i)
+                m_sums[i] = m_previous[i] + (m_current[i] - m_previous[i]) * part;
+            emit(m_nextLine, m_sums.data());
+        }
+    }
+
+    void emit(std::int64_t line, const float* values)
+    {
+        if (!isVisibleLine(line))
+            return;
+        const auto byteOf
+            = [](float value) { return static_cast<std::uint8_t>(std::clamp(value + 0.5F, 0.0F, 255.0F)); };
+        if (!m_hasAlpha) {
+            for (std::size_t i = 0; i < m_line.size(); ++i)
+                m_line[i] = byteOf(values[i]);
+            return emitBytes(line, m_line.data(), nullptr);
+        }
+        const auto inkChannels = static_cast<std::size_t>(m_inkChannels);
+        for (std::size_t x = 0; x < m_alpha.size(); ++x, values += m_channels) {
+            const float alpha = values[inkChannels];
+            m_alpha[x] = byteOf(alpha);
+            const float whole = alpha > 0 ? 255 / alpha : 0;
+            for (std::size_t channel = 0; channel < inkChannels; ++channel)
+                m_line[x * inkChannels + channel] = byteOf(values[channel] * whole);
+        }
+        emitBytes(line, m_line.data(), m_alpha.data());
+    }
+
+    void emitBytes(std::int64_t line, const std::uint8_t* bytes, const std::uint8_t* coverage)
+    {
+        const ImageAxis& columns = geometry().columns;
+        if (m_isMono)
+            lines().coverage(deviceLine(line), columns.visibleBegin, bytes, columns.visible());
+        else
+            lines().colors(deviceLine(line), columns.visibleBegin, bytes, coverage, columns.visible());
+    }
+
+    bool m_isMono;
+    int m_inkChannels;
+    Resampling m_columnWay;
+    Resampling m_lineWay;
+    bool m_isAllBlocks;
+    bool m_hasAlpha;
+    int m_channels; ///< with alpha
+    ColumnScaler m_scaler;
+    std::vector<std::size_t> m_blocks; ///< where in m_ink each column's pixel is
+    std::vector<std::uint8_t> m_ink; ///< the source row
+    std::vector<std::uint8_t> m_line;
+    std::vector<std::uint8_t> m_alpha;
+    std::vector<float> m_current; ///< the source row in device columns
+    std::vector<float> m_previous;
+    std::vector<float> m_sums;
+    float m_weight = 0; ///< of the rows in m_sums
+    std::int64_t m_nextLine; ///< Average: the line that m_sums is for; Linear: the next to paint
+};
+
+} // namespace
+
+std::unique_ptr<ImagePainter> makeToneImage(const AlignedGeometry& geometry, std::unique_ptr<Compositor> compositor)
+{
+    return std::make_unique<ToneImage>(geometry, std::move(compositor));
+}
+
+} // namespace quillrip

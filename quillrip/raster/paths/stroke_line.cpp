@@ -1,0 +1,228 @@
+#include "quillrip/raster/paths/stroke_line.h"
+
+#include "quillrip/raster/paths/flatten.h"
+#include "quillrip/raster/scan/hairline.h"
+
+namespace quillrip {
+
+void forEachStrokeLine(const Path& userPath, const Matrix& userToDevice, StrokeLineSink& sink)
+{
+    StrokeLine line;
+    bool hasSegment = false;
+    const auto finish = [&](bool isClosed) {
+        if (!line.vertices.empty() && (hasSegment || isClosed)) {
+            line.isClosed = isClosed && line.vertices.size() > 2;
+            // The start again at the end is the same corner.
+            if (isClosed && line.vertices.size() > 1 && line.vertices.back().at == line.vertices.front().at)
+                line.vertices.pop_back();
+            sink.line(line);
+        }
+        line.clear();
+        hasSegment = false;
+    };
+    const auto goTo = [&](Point to, bool isSmooth) {
+        if (!isFinite(to) || line.vertices.empty())
+            return;
+        line.add(to, isSmooth);
+        hasSegment = true;
+    };
+    const Point* point = userPath.points().data();
+    Point start;
+    for (const Path::Verb verb : userPath.verbs()) {
+        switch (verb) {
+        case Path::Verb::Move:
+            finish(false);
+            start = *point++;
+            if (isFinite(start))
+                line.add(start);
+            break;
+        case Path::Verb::Line:
+            goTo(*point++, false);
+            break;
+        case Path::Verb::Cubic: {
+            if (!line.vertices.empty()) {
+                const Cubic user { line.vertices.back().at, point[0], point[1], point[2] };
+                const Cubic device { userToDevice.apply(user.start), userToDevice.apply(user.control1),
+                    userToDevice.apply(user.control2), userToDevice.apply(user.end) };
+                const int chords = device.chordCount();
+                for (int i = 1; i < chords; ++i)
+                    goTo(user.at(static_cast<double>(i) / chords), true);
+                goTo(user.end, false);
+            }
+            point += 3;
+            break;
+        }
+        case Path::Verb::Close:
+            finish(true);
+            // What follows a close without a move goes on from the subpath's start.
+            if (isFinite(start))
+                line.add(start);
+            break;
+        }
+    }
+    finish(false);
+}
+
+namespace {
+
+/// More dashes of one stroke than anybody could tell apart. Wide ones take longer to draw, and fewer make sense.
+constexpr double kMostDashes = 1000000;
+constexpr double kWideDash = 16; // device pixels
+constexpr double kShortestPeriod = 0.1; // device pixels
+
+double largestStretch(const Matrix& m) { return std::max(std::hypot(m.a, m.b), std::hypot(m.c, m.d)); }
+
+} // namespace
+
+bool Dasher::canDash(const StrokeStyle& style, const Matrix& userToDevice)
+{
+    double period = 0;
+    for (const double length : style.dashes) {
+        if (!(length >= 0) || !std::isfinite(length))
+            return false;
+        period += length;
+    }
+    return period > 0 && std::isfinite(style.dashOffset) && period * largestStretch(userToDevice) >= kShortestPeriod;
+}
+
+Dasher::Dasher(
+    const StrokeStyle& style, const Matrix& userToDevice, const PixelRect& area, double penWidth, StrokeLineSink& sink)
+    : m_lengths(style.dashes)
+    , m_offset(style.dashOffset)
+    , m_userToDevice(userToDevice)
+    , m_area(area)
+    // Caps and miters reach beyond a dash's ends.
+    , m_margin(penWidth * std::max(1.0, style.miterLimit))
+    , m_sink(sink)
+    , m_budget(static_cast<std::size_t>(kMostDashes / (1 + penWidth / kWideDash)))
+{
+    if (m_lengths.size() % 2 != 0)
+        m_lengths.insert(m_lengths.end(), style.dashes.begin(), style.dashes.end());
+    for (const double length : m_lengths)
+        m_period += length;
+}
+
+Dasher::Phase Dasher::phaseAt(double distance) const
+{
+    double rest = std::fmod(distance, m_period);
+    if (rest < 0)
+        rest += m_period;
+    Phase phase { 0, m_lengths[0] };
+    for (std::size_t i = 0; i < m_lengths.size() && rest >= phase.left && rest > 0; ++i) {
+        rest -= phase.left;
+        advance(phase);
+    }
+    phase.left = std::max(0.0, phase.left - rest);
+    return phase;
+}
+
+void Dasher::advance(Phase& phase) const
+{
+    phase.index = phase.index + 1 == m_lengths.size() ? 0 : phase.index + 1;
+    phase.left = m_lengths[phase.index];
+}
+
+void Dasher::line(StrokeLine& line)
+{
+    if (line.vertices.size() < 2) {
+        m_sink.line(line);
+        return;
+    }
+    m_phase = phaseAt(m_offset);
+    m_travelled = 0;
+    m_dash.clear();
+    m_first.clear();
+    m_isFirstDash = true;
+    m_keepFirst = line.isClosed && m_phase.isOn();
+    if (m_phase.isOn())
+        m_dash.add(line.vertices.front().at);
+    for (std::size_t i = 1; i < line.vertices.size(); ++i)
+        dashSegment(line.vertices[i - 1].at, line.vertices[i].at, line.vertices[i].isSmooth);
+    if (line.isClosed)
+        dashSegment(line.vertices.back().at, line.vertices.front().at, line.vertices.front().isSmooth);
+
+    if (m_keepFirst && !m_isFirstDash) {
+        // A dash that runs through the start of a closed line is one dash.
+        if (m_dash.vertices.empty())
+            m_dash = m_first;
+        else
+            for (const StrokeLine::Vertex& vertex : m_first.vertices)
+                m_dash.add(vertex.at, vertex.isSmooth);
+        m_keepFirst = false;
+    }
+    if (m_isFirstDash && m_keepFirst) {
+        m_sink.line(line); // not one gap: the whole outline is a dash
+        m_dash.clear();
+        return;
+    }
+    finishDash();
+}
+
+void Dasher::finishDash()
+{
+    if (m_dash.vertices.empty())
+        return;
+    if (m_isFirstDash && m_keepFirst) {
+        m_first = m_dash;
+    } else {
+        m_dash.isDash = true;
+        m_sink.line(m_dash);
+    }
+    m_isFirstDash = false;
+    m_dash.clear();
+}
+
+void Dasher::dashSegment(Point from, Point to, bool endIsSmooth)
+{
+    const Point way = to - from;
+    const double length = std::hypot(way.x, way.y);
+    if (!(length > 0) || !std::isfinite(length))
+        return;
+    double done = 0;
+    double until = length;
+    constexpr double longInPeriods = 64;
+    if (length > longInPeriods * m_period) {
+        // Of a long segment only the visible part is dashed.
+        double begin = 0;
+        double end = 1;
+        if (!clipLine(m_userToDevice.apply(from), m_userToDevice.apply(to), m_area, m_margin, begin, end))
+            begin = end = 1;
+        done = begin * length;
+        until = end * length;
+        if (done > 0) {
+            finishDash();
+            m_phase = phaseAt(m_offset + m_travelled + done);
+            if (m_phase.isOn())
+                m_dash.add(from + way * (done / length));
+        }
+    }
+    while (done + m_phase.left < until && m_budget > 0) {
+        done += m_phase.left;
+        const Point at = from + way * (done / length);
+        if (m_phase.isOn()) {
+            m_dash.add(at);
+            m_dash.dotDirection = way;
+            advance(m_phase);
+            // A gap of no length is none.
+            if (m_phase.left > 0)
+                finishDash();
+            --m_budget;
+        } else {
+            advance(m_phase);
+            m_dash.add(at);
+            m_dash.dotDirection = way;
+        }
+    }
+    m_phase.left -= until - done;
+    m_travelled += length;
+    if (until < length) {
+        finishDash();
+        m_phase = phaseAt(m_offset + m_travelled);
+        if (!m_phase.isOn())
+            return;
+    }
+    if (m_phase.isOn())
+        m_dash.add(to, endIsSmooth);
+}
+
+} // namespace quillrip

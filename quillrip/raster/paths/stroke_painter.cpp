@@ -1,0 +1,246 @@
+#include "quillrip/raster/paths/stroke_painter.h"
+
+#include "quillrip/raster/paths/flatten.h"
+#include "quillrip/raster/paths/stroke_outline.h"
+#include "quillrip/raster/scan/convex_fill.h"
+#include "quillrip/raster/scan/coverage_scan.h"
+#include "quillrip/raster/scan/hairline.h"
+#include "quillrip/raster/scan/span_union.h"
+
+namespace quillrip {
+
+namespace {
+
+/// Segments that leave an axis by less than this, in device pixels, run along it.
+constexpr double kAlongAxis = 1.0 / 512;
+
+/// Lines in user space to lines in device space.
+class DeviceLines : public StrokeLineSink {
+public:
+    DeviceLines(const Matrix& userToDevice, const Pen& pen)
+        : m_userToDevice(userToDevice)
+        , m_pen(pen)
+    {
+    }
+
+    void line(StrokeLine& line) final
+    {
+        for (StrokeLine::Vertex& vertex : line.vertices)
+            vertex.at = m_userToDevice.apply(vertex.at);
+        line.dotDirection = m_userToDevice.applyVector(line.dotDirection);
+        deviceLine(line);
+    }
+
+protected:
+    const Pen& pen() const { return m_pen; }
+    virtual void deviceLine(StrokeLine& line) = 0;
+
+private:
+    Matrix m_userToDevice;
+    Pen m_pen;
+};
+
+/// Whether all segments run along the device's axes, at least one of them.
+bool runsAlongAxes(const StrokeLine& line)
+{
+    const std::size_t count = line.vertices.size();
+    for (std::size_t i = 1; i <= count; ++i) {
+        if (i == count && !line.isClosed)
+            break;
+        const Point way = line.vertices[i == count ? 0 : i].at - line.vertices[i - 1].at;
+        if (std::abs(way.x) > kAlongAxis && std::abs(way.y) > kAlongAxis)
+            return false;
+    }
+    return count > 1;
+}
+
+/// Moves upright segments sideways and level ones up or down so that their left and upper sides fall between pixels.
+void snapToPixels(StrokeLine& line, double widthX, double widthY)
+{
+    const auto snapped = [](double centre, double width) { return std::floor(centre - width / 2 + 0.5) + width / 2; };
+    const std::size_t count = line.vertices.size();
+    std::vector<Point> moved(count);
+    for (std::size_t i = 0; i < count; ++i)
+        moved[i] = line.vertices[i].at;
+    for (std::size_t i = 1; i <= count; ++i) {
+        if (i == count && !line.isClosed)
+            break;
+        const std::size_t next = i == count ? 0 : i;
+        const Point a = line.vertices[i - 1].at;
+        const Point b = line.vertices[next].at;
+        const bool isLevel = std::abs(b.x - a.x) >= std::abs(b.y - a.y);
+        if (isLevel)
+            moved[i - 1].y = moved[next].y = snapped(a.y, widthY);
+        else
+            moved[i - 1].x = moved[next].x = snapped(a.x, widthX);
+    }
+    for (std::size_t i = 0; i < count; ++i)
+        line.vertices[i].at = moved[i];
+}
+
+/// Moves `end` towards `next` by half a pixel, but not beyond `farthest` of the way.
+void trimEnd(Point& end, Point next, double farthest)
+{
+    const Point way = next - end;
+    const double length = std::hypot(way.x, way.y);
+    end = end + way * (length > 0 ? std::min(0.5 / length, farthest) : 0);
+}
+
+class HairlineStroke final : public DeviceLines {
+public:
+    HairlineStroke(const Matrix& userToDevice, const Pen& pen, LineCap cap, const PixelRect& area, SpanSink& sink)
+        : DeviceLines(userToDevice, pen)
+        , m_cap(cap)
+        , m_area(area)
+        , m_sink(sink)
+    {
+    }
+
+private:
+    void deviceLine(StrokeLine& line) override
+    {
+        const std::size_t count = line.vertices.size();
+        // A hairline has its ends' pixels. A dash is as long as its gap says, so it ends half a pixel earlier.
+        if (line.isDash && count > 1) {
+            const Point first = line.vertices[0].at;
+            const double farthest = count == 2 ? 0.5 : 1;
+            trimEnd(line.vertices[0].at, line.vertices[1].at, farthest);
+            trimEnd(line.vertices[count - 1].at, count == 2 ? first : line.vertices[count - 2].at, farthest);
+        }
+        if (count == 1 && (m_cap != LineCap::Butt || line.isDash))
+            drawHairline(line.vertices[0].at, line.vertices[0].at, m_area, m_sink);
+        for (std::size_t i = 1; i < count; ++i)
+            drawHairline(line.vertices[i - 1].at, line.vertices[i].at, m_area, m_sink);
+        if (line.isClosed)
+            drawHairline(line.vertices[count - 1].at, line.vertices[0].at, m_area, m_sink);
+    }
+
+    LineCap m_cap;
+    PixelRect m_area;
+    SpanSink& m_sink;
+};
+
+class BilevelStroke final : public DeviceLines, private PieceSink, private SpanSink {
+public:
+    BilevelStroke(
+        const Matrix& userToDevice, const Pen& pen, const StrokeStyle& style, const PixelRect& area, SpanSink& sink)
+        : DeviceLines(userToDevice, pen)
+        , m_sink(sink)
+        , m_fill(area, *this)
+        , m_outline(style, *this)
+    {
+    }
+
+private:
+    void deviceLine(StrokeLine& line) override
+    {
+        m_hasMarked = m_hasPieces = false;
+        if (pen().isUpright() && runsAlongAxes(line)) {
+            const double widthX = std::max(1.0, std::floor(pen().deviceWidth() + 0.5));
+            const double widthY = std::max(1.0, std::floor(pen().deviceHeight() + 0.5));
+            snapToPixels(line, widthX, widthY);
+            m_outline.outline(line, Pen::upright(widthX, widthY));
+        } else {
+            m_outline.outline(line, pen());
+        }
+        // A short dash between two pixels' centres.
+        const Point start = line.vertices[0].at;
+        constexpr double farthest = 1e8;
+        if (m_hasPieces && !m_hasMarked && std::abs(start.x) < farthest && std::abs(start.y) < farthest) {
+            const int x = static_cast<int>(std::floor(start.x));
+            m_sink.span(static_cast<int>(std::floor(start.y)), x, x + 1);
+        }
+    }
+
+    void piece(const Point* points, std::size_t count) override
+    {
+        m_hasPieces = true;
+        m_fill.fill(points, count);
+    }
+
+    void span(int y, int left, int right) override
+    {
+        m_hasMarked = true;
+        m_sink.span(y, left, right);
+    }
+    void coverage(int, int, const std::uint8_t*, int) override { }
+
+    SpanSink& m_sink;
+    ConvexFill m_fill;
+    StrokeOutline m_outline;
+    bool m_hasMarked = false;
+    bool m_hasPieces = false;
+};
+
+class CoverageStroke final : public DeviceLines, private PieceSink {
+public:
+    CoverageStroke(
+        const Matrix& userToDevice, const Pen& pen, const StrokeStyle& style, const PixelRect& area, SpanSink& sink)
+        : DeviceLines(userToDevice, pen)
+        , m_area(area)
+        , m_sink(sink)
+        , m_edges(area)
+        , m_outline(style, *this)
+    {
+    }
+
+    void finish()
+    {
+        m_edges.shrinkArea();
+        scanCoverage(m_edges, FillRule::NonZero, m_sink);
+        m_edges = EdgeList(m_area);
+    }
+
+private:
+    void deviceLine(StrokeLine& line) override
+    {
+        if (pen().isUpright() && runsAlongAxes(line))
+            snapToPixels(line, pen().deviceWidth(), pen().deviceHeight());
+        m_outline.outline(line, pen());
+        // No honest stroke is as long as this; memory stays bounded at the price of a seam.
+        constexpr std::size_t mostEdges = 4000000;
+        if (m_edges.edges().size() > mostEdges)
+            finish();
+    }
+
+    void piece(const Point* points, std::size_t count) override { m_edges.addConvex(points, count); }
+
+    PixelRect m_area;
+    SpanSink& m_sink;
+    EdgeList m_edges;
+    StrokeOutline m_outline;
+};
+
+} // namespace
+
+void paintStroke(const Path& userPath, const Matrix& userToDevice, const StrokeStyle& style, Compositor& compositor)
+{
+    const PixelRect& area = compositor.bounds();
+    const Pen pen(style.width, userToDevice);
+    const auto run = [&](StrokeLineSink& lines) {
+        if (!Dasher::canDash(style, userToDevice))
+            return forEachStrokeLine(userPath, userToDevice, lines);
+        const double penWidth = std::max(pen.deviceWidth(), pen.deviceHeight());
+        Dasher dasher(style, userToDevice, area, penWidth, lines);
+        forEachStrokeLine(userPath, userToDevice, dasher);
+    };
+
+    PaintingSink painting(compositor);
+    if (compositor.format() != PixelFormat::Bilevel) {
+        CoverageStroke lines(userToDevice, pen, style, area, painting);
+        run(lines);
+        return lines.finish();
+    }
+    SpanUnion spanUnion(area, painting);
+    SpanSink& sink = compositor.isIdempotent() ? static_cast<SpanSink&>(painting) : spanUnion;
+    if (pen.isHairline) {
+        HairlineStroke lines(userToDevice, pen, style.cap, area, sink);
+        run(lines);
+    } else {
+        BilevelStroke lines(userToDevice, pen, style, area, sink);
+        run(lines);
+    }
+    spanUnion.finish();
+}
+
+} // namespace quillrip

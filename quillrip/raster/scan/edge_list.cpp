@@ -1,0 +1,193 @@
+#include "quillrip/raster/scan/edge_list.h"
+
+#include "quillrip/raster/paths/flatten.h"
+
+namespace quillrip {
+
+namespace {
+
+std::int32_t toFixed(double pixels) { return static_cast<std::int32_t>(std::floor(pixels * kSubpixels + 0.5)); }
+
+/// Areas end here: beyond is no page, and sums of fixed point numbers would not fit.
+constexpr int kFarthest = 1 << 20;
+/// Edges are cut only so far outside the area, since a cut edge runs a little differently: its new end is rounded.
+constexpr int kReach = 1 << 19;
+
+} // namespace
+
+EdgeList::EdgeList(const PixelRect& area, Axes axes, bool keepLevelEdges)
+    : m_area(area.intersected({ -kFarthest, -kFarthest, kFarthest, kFarthest }))
+    , m_axes(axes)
+    , m_keepLevelEdges(keepLevelEdges)
+    , m_left(m_area.left - kReach)
+    , m_top(m_area.top - kReach)
+    , m_right(m_area.right + kReach)
+    , m_bottom(m_area.bottom + kReach)
+{
+}
+
+void EdgeList::addPath(const Path& devicePath)
+{
+    const Point* point = devicePath.points().data();
+    Point start;
+    Point current;
+    bool isOpen = false;
+    const auto goTo = [&](Point to) {
+        if (!isFinite(to))
+            return;
+        addLine(current, to);
+        current = to;
+    };
+    const auto closeSubpath = [&] {
+        if (isOpen)
+            addLine(current, start);
+        current = start;
+    };
+    for (const Path::Verb verb : devicePath.verbs()) {
+        switch (verb) {
+        case Path::Verb::Move:
+            closeSubpath();
+            isOpen = isFinite(*point);
+            if (isOpen)
+                start = current = *point;
+            ++point;
+            break;
+        case Path::Verb::Line:
+            if (isOpen)
+                goTo(*point);
+            ++point;
+            break;
+        case Path::Verb::Cubic: {
+            const Cubic cubic { current, point[0], point[1], point[2] };
+            point += 3;
+            if (!isOpen)
+                break;
+            const int chords = cubic.chordCount();
+            for (int i = 1; i < chords; ++i)
+                goTo(cubic.at(static_cast<double>(i) / chords));
+            goTo(cubic.end);
+            break;
+        }
+        case Path::Verb::Close:
+            closeSubpath();
+            break;
+        }
+    }
+    closeSubpath();
+}
+
+void EdgeList::addConvex(const Point* points, std::size_t count)
+{
+    double doubleArea = 0;
+    for (std::size_t i = 0; i < count; ++i) {
+        if (!isFinite(points[i]))
+            return;
+        const Point a = points[i] - points[0];
+        const Point b = points[i + 1 == count ? 0 : i + 1] - points[0];
+        doubleArea += a.x * b.y - a.y * b.x;
+    }
+    for (std::size_t i = 0; i < count; ++i) {
+        const Point a = points[i];
+        const Point b = points[i + 1 == count ? 0 : i + 1];
+        if (doubleArea >= 0)
+            addLine(a, b);
+        else
+            addLine(b, a);
+    }
+}
+
+void EdgeList::addLine(Point from, Point to)
+{
+    if (m_axes == Axes::Swapped) {
+        std::swap(from.x, from.y);
+        std::swap(to.x, to.y);
+    }
+    // Above and below nothing is scanned. Cut in floating point: the coordinates may be far beyond the page.
+    if (std::max(from.y, to.y) < m_area.top || std::min(from.y, to.y) > m_area.bottom)
+        return;
+    const auto cutAt = [&](double y) { return from.x + (to.x - from.x) * ((y - from.y) / (to.y - from.y)); };
+    const auto cut = [&](Point& p) {
+        const double y = std::clamp(p.y, m_top, m_bottom);
+        return y == p.y ? p : Point { cutAt(y), y };
+    };
+    const Point cutFrom = cut(from);
+    const Point cutTo = cut(to);
+    addClippedInY(cutFrom, cutTo);
+}
+
+void EdgeList::addClippedInY(Point from, Point to)
+{
+    // Beside the area an edge counts for the winding of the whole row, but where exactly it lies does not matter: it
+    // becomes an upright edge at the side.
+    if (from.x >= m_left && from.x <= m_right && to.x >= m_left && to.x <= m_right)
+        return addFixed(from, to);
+    for (const double side : { m_left, m_right }) {
+        if ((from.x < side && to.x > side) || (from.x > side && to.x < side)) {
+            const Point crossing { side, from.y + (to.y - from.y) * ((side - from.x) / (to.x - from.x)) };
+            addClippedInY(from, crossing);
+            addClippedInY(crossing, to);
+            return;
+        }
+    }
+    from.x = std::clamp(from.x, m_left, m_right);
+    to.x = std::clamp(to.x, m_left, m_right);
+    addFixed(from, to);
+}
+
+void EdgeList::addFixed(Point from, Point to)
+{
+    if (!isFinite(from) || !isFinite(to))
+        return;
+    Edge edge;
+    edge.top = toFixed(from.y);
+    edge.bottom = toFixed(to.y);
+    edge.x = toFixed(from.x);
+    edge.bottomX = toFixed(to.x);
+    if (edge.top > edge.bottom) {
+        std::swap(edge.top, edge.bottom);
+        std::swap(edge.x, edge.bottomX);
+        edge.winding = -1;
+    }
+    if (edge.top < edge.bottom)
+        edge.slope = (std::int64_t { edge.bottomX } - edge.x) * (std::int64_t { 1 } << 32) / (edge.bottom - edge.top);
+    else if (!m_keepLevelEdges)
+        return;
+    m_edges.push_back(edge);
+}
+
+void EdgeList::shrinkArea()
+{
+    std::int32_t left = INT32_MAX, top = INT32_MAX, right = INT32_MIN, bottom = INT32_MIN;
+    for (const Edge& edge : m_edges) {
+        left = std::min({ left, edge.x, edge.bottomX });
+        right = std::max({ right, edge.x, edge.bottomX });
+        top = std::min(top, edge.top);
+        bottom = std::max(bottom, edge.bottom);
+    }
+    if (m_edges.empty()) {
+        m_area.right = m_area.left;
+        m_area.bottom = m_area.top;
+        return;
+    }
+    // Pixels own their left and top edges, hence one more to the right and below.
+    m_area = m_area.intersected(
+        { left >> kSubpixelBits, top >> kSubpixelBits, (right >> kSubpixelBits) + 1, (bottom >> kSubpixelBits) + 1 });
+    m_area.right = std::max(m_area.left, m_area.right);
+    m_area.bottom = std::max(m_area.top, m_area.bottom);
+}
+
+std::vector<std::uint32_t> EdgeList::orderByRow(std::int32_t lead) const
+{
+    const auto bucket = [&](const Edge& edge) { return static_cast<std::size_t>(firstRow(edge, lead) - m_area.top); };
+    std::vector<std::uint32_t> starts(static_cast<std::size_t>(m_area.height()) + 2);
+    for (const Edge& edge : m_edges)
+        ++starts[bucket(edge) + 1];
+    for (std::size_t row = 1; row < starts.size(); ++row)
+        starts[row] += starts[row - 1];
+    std::vector<std::uint32_t> order(m_edges.size());
+    for (std::size_t i = 0; i < m_edges.size(); ++i)
+        order[starts[bucket(m_edges[i])]++] = static_cast<std::uint32_t>(i);
+    return order;
+}
+
+} // namespace quillrip
