@@ -8,18 +8,19 @@ namespace quillrip::pclxl {
 
 namespace {
 
-Status decodeUncompressed(EmbeddedData& data, const BlockLayout& layout, std::uint32_t rows, RowSink& sink)
+Status decodeUncompressed(
+    EmbeddedData& data, const BlockLayout& layout, std::uint32_t rows, SeedRow& row, RowSink& sink)
 {
     const std::size_t rowBytes = layout.paddedRowBytes();
-    std::vector<std::uint8_t> row;
+    row.resize(rowBytes);
     for (std::uint32_t y = 0; y < rows; ++y) {
         const ByteView at = data.chunk();
-        if (at.size >= rowBytes) {
+        // All but the last row, which a row of the next block may build on, need no copy.
+        if (at.size >= rowBytes && y + 1 < rows) {
             sink.row(at.data);
             data.take(rowBytes);
             continue;
         }
-        row.resize(rowBytes);
         const std::size_t got = data.read(row.data(), rowBytes);
         // The padding of the last row may be left out: nothing of the picture lacks then.
         if (got < layout.rowBytes)
@@ -30,10 +31,10 @@ Status decodeUncompressed(EmbeddedData& data, const BlockLayout& layout, std::ui
 }
 
 /// Runs and literals may cross the ends of rows.
-Status decodeRunLength(EmbeddedData& data, const BlockLayout& layout, std::uint32_t rows, RowSink& sink)
+Status decodeRunLength(EmbeddedData& data, const BlockLayout& layout, std::uint32_t rows, SeedRow& row, RowSink& sink)
 {
     const std::size_t rowBytes = layout.paddedRowBytes();
-    std::vector<std::uint8_t> row(rowBytes);
+    row.resize(rowBytes);
     std::size_t literal = 0; // bytes left of the command
     std::size_t run = 0;
     std::uint8_t value = 0;
@@ -75,10 +76,10 @@ Status decodeRunLength(EmbeddedData& data, const BlockLayout& layout, std::uint3
 }
 
 /// Replacement bytes beyond the padded row are dropped.
-Status decodeDeltaRow(EmbeddedData& data, const BlockLayout& layout, std::uint32_t rows, RowSink& sink)
+Status decodeDeltaRow(EmbeddedData& data, const BlockLayout& layout, std::uint32_t rows, SeedRow& row, RowSink& sink)
 {
     const std::size_t rowBytes = layout.paddedRowBytes();
-    std::vector<std::uint8_t> row(rowBytes); // the seed of each row is the row before it, that of the first is zero
+    row.resize(rowBytes);
     for (std::uint32_t y = 0; y < rows; ++y) {
         double count = 0;
         if (!data.readNumber(Element::UInt16, count))
@@ -121,18 +122,18 @@ Status decodeDeltaRow(EmbeddedData& data, const BlockLayout& layout, std::uint32
 
 } // namespace
 
-Status decodeBlock(
-    Compression compression, EmbeddedData& data, const BlockLayout& layout, std::uint32_t rows, RowSink& sink)
+Status decodeBlock(Compression compression, EmbeddedData& data, const BlockLayout& layout, std::uint32_t rows,
+    SeedRow& seed, RowSink& sink)
 {
     switch (compression) {
     case Compression::None:
-        return decodeUncompressed(data, layout, rows, sink);
+        return decodeUncompressed(data, layout, rows, seed, sink);
     case Compression::RunLength:
-        return decodeRunLength(data, layout, rows, sink);
+        return decodeRunLength(data, layout, rows, seed, sink);
     case Compression::Jpeg:
         return decodeJpegBlock(data, layout, rows, sink);
     case Compression::DeltaRow:
-        return decodeDeltaRow(data, layout, rows, sink);
+        return decodeDeltaRow(data, layout, rows, seed, sink);
     }
     return {};
 }

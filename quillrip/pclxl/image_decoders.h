@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <vector>
 
 namespace quillrip::pclxl {
 
@@ -43,11 +44,16 @@ private:
     std::function<void(const std::uint8_t*)> m_call;
 };
 
+/// The row before, on which a row in delta row code builds. It runs on from block to block of an image and is zero,
+/// which is to say empty, only where the image begins: drivers send an image in bands and code each band's first row as
+/// what differs from the last row of the band above. JPEG blocks, which nobody could build on exactly, leave it alone.
+using SeedRow = std::vector<std::uint8_t>;
+
 /// Decodes `rows` rows of a block from its embedded data. Needs memory for one row, whatever the block's height. Rows
 /// decoded before an error have gone to the sink. MissingData when the data end too soon, IllegalDataValue when they
 /// are no JPEG stream.
-Status decodeBlock(
-    Compression compression, EmbeddedData& data, const BlockLayout& layout, std::uint32_t rows, RowSink& sink);
+Status decodeBlock(Compression compression, EmbeddedData& data, const BlockLayout& layout, std::uint32_t rows,
+    SeedRow& seed, RowSink& sink);
 
 /// What a JPEG stream leaves out, and what its components are.
 struct JpegForm {

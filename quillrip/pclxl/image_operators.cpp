@@ -189,7 +189,7 @@ Status Machine::readBlock(
         warn("pclxl.no-data-source", "image data come without an open data source (DataSourceNotOpen)");
     begin(start);
     CallingSink sink(each);
-    return decodeBlock(compression, data(), layout, static_cast<std::uint32_t>(rows), sink);
+    return decodeBlock(compression, data(), layout, static_cast<std::uint32_t>(rows), m_image.seed, sink);
 }
 
 Status Machine::endImage()

@@ -42,6 +42,7 @@ struct PageInProgress {
 /// An image between BeginImage and EndImage, or a pattern between BeginRastPattern and EndRastPattern.
 struct ImageInProgress {
     BlockLayout layout;
+    SeedRow seed;
     PixelConverter converter;
     Matrix imageToDevice; ///< images: source pixels to device pixels
     PaintState paint; ///< images

@@ -52,7 +52,8 @@ Decoded decode(Compression compression, const Bytes& contents, const BlockLayout
     MemoryInputStream input { ByteView(stream.bytes()) };
     EmbeddedData data(input, ByteOrder::LittleEndian, ByteOrder::LittleEndian);
     Rows sink(layout.rowBytes);
-    const Status status = decodeBlock(compression, data, layout, rows, sink);
+    SeedRow seed;
+    const Status status = decodeBlock(compression, data, layout, rows, seed, sink);
     return { status.error, sink.rows };
 }
 

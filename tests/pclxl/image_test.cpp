@@ -65,6 +65,37 @@ TEST(XlImage, BlocksMayUseDifferentCompressions)
     EXPECT_EQ(draw(c, 8, 4), kArrowArt);
 }
 
+TEST(XlImage, DeltaRowsBuildOnTheLastRowOfTheBlockBefore)
+{
+    // Three bands: the second begins with a row that only repeats, the third with one that changes its second byte.
+    XlStream c;
+    c.cursor(0, 0).beginImage(false, 0, 16, 4, 16, 4);
+    c.readImage(0, 2, 3, { 3, 0, 0x20, 0x7F, 0xFE, 3, 0, 0x20, 0x3F, 0xFC }).readImage(2, 1, 3, { 0, 0 });
+    c.readImage(3, 1, 3, { 2, 0, 0x01, 0x00 }).op(O::EndImage);
+    EXPECT_EQ(draw(c, 16, 4), "#..............#\n##............##\n##............##\n##......########\n");
+}
+
+TEST(XlImage, DeltaRowsBuildOnBlocksInOtherCodesToo)
+{
+    for (const int compression : { 0, 1 }) {
+        XlStream c;
+        c.cursor(0, 0).beginImage(false, 0, 8, 2, 8, 2);
+        c.readImage(0, 1, compression, compression == 0 ? Bytes { 0x7E, 0, 0, 0 } : Bytes { 0, 0x7E, 254, 0 });
+        c.readImage(1, 1, 3, { 0, 0 }).op(O::EndImage);
+        EXPECT_EQ(draw(c, 8, 2), "#......#\n#......#\n");
+    }
+}
+
+TEST(XlImage, EachImageBeginsItsDeltaRowsAtZero)
+{
+    XlStream c;
+    for (int i = 0; i < 2; ++i) {
+        c.cursor(8 * i, 0).beginImage(false, 0, 8, 1, 8, 1);
+        c.readImage(0, 1, 3, i == 0 ? Bytes { 2, 0, 0x00, 0xFF } : Bytes { 0, 0 }).op(O::EndImage);
+    }
+    EXPECT_EQ(draw(c, 16, 1), "........########\n");
+}
+
 TEST(XlImage, RowsThatDoNotComeStayUnpainted)
 {
     XlStream c;
