@@ -199,9 +199,9 @@ void encodeRow(BitWriter& writer, const Changes& row, const Changes& above, int 
             from = b2;
             continue;
         }
-        const int right = a1 - b1;
-        if (right >= -3 && right <= 3) {
-            writer.put(s_vertical[static_cast<std::size_t>(right + 3)]);
+        const int fromLeftmost = a1 - b1 + 3; // of the seven codes, which begin three pixels to the left
+        if (fromLeftmost >= 0 && fromLeftmost <= 6) {
+            writer.put(s_vertical[static_cast<std::size_t>(fromLeftmost)]);
             from = a1;
             isBlack = !isBlack;
             next = std::min(next + 1, row.last());

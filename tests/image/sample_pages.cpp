@@ -55,22 +55,25 @@ std::size_t ScratchFolder::entryCount() const
 PageBitmap makePage(PixelFormat format, int width, int height, Content content, unsigned seed, Resolution resolution)
 {
     PageBitmap page { format, width, height, resolution };
+    // A fast generator, since pages are large: linear congruential, its high byte.
+    std::uint64_t state = seed;
+    const auto byte = [&state] {
+        state = state * 6364136223846793005u + 1442695040888963407u;
+        return static_cast<std::uint8_t>(state >> 56);
+    };
     if (content == Content::Noise) {
-        // A fast generator, since pages are large: linear congruential, its high byte.
-        std::uint64_t state = seed;
         for (int y = 0; y < height; ++y) {
-            for (std::size_t i = 0; i < page.rowBytes(); ++i) {
-                state = state * 6364136223846793005u + 1442695040888963407u;
-                page.row(y)[i] = static_cast<std::uint8_t>(state >> 56);
-            }
+            for (std::size_t i = 0; i < page.rowBytes(); ++i)
+                page.row(y)[i] = byte();
             if (format == PixelFormat::Bilevel && width % 8 != 0)
                 page.row(y)[width / 8] = static_cast<std::uint8_t>(page.row(y)[width / 8] & 0xFF00 >> width % 8);
             page.touch(y, 0, width);
         }
         return page;
     }
-    std::mt19937 random { seed };
-    const auto byte = [&random] { return static_cast<std::uint8_t>(random()); };
+    std::vector<std::uint8_t> wave;
+    for (int i = 0; content == Content::Picture && i < width + height; ++i)
+        wave.push_back(static_cast<std::uint8_t>(128 + 100 * std::sin(0.05 * i)));
     for (int y = 0; y < height && content != Content::Blank; ++y) {
         // Lines of text: 5 rows of marks, 4 white ones; margins of an eighth.
         if (content == Content::Text && y % 9 >= 5)
@@ -79,8 +82,8 @@ PageBitmap makePage(PixelFormat format, int width, int height, Content content, 
             if (content == Content::Solid)
                 mark(page, x, y, 255, 255, 255);
             else if (content == Content::Picture)
-                mark(page, x, y, static_cast<std::uint8_t>(128 + 100 * std::sin(0.05 * (x + y))),
-                    static_cast<std::uint8_t>(x), static_cast<std::uint8_t>(y));
+                mark(page, x, y, wave[static_cast<std::size_t>(x + y)], static_cast<std::uint8_t>(x),
+                    static_cast<std::uint8_t>(y));
             else if (x >= width / 8 && x < width - width / 8 && byte() < 90)
                 mark(page, x, y, 255, x % 64 < 32 ? 255 : 30, 255);
         }
