@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstddef>
 #include <cstdint>
 #include <cstdio>
 #include <vector>
@@ -11,6 +12,11 @@ namespace {
 constexpr int kSize = 64;
 constexpr int kCells = kSize * kSize;
 constexpr double kSigma = 1.5; // pixels; the value that Ulichney found best
+
+constexpr std::size_t indexOf(int x, int y)
+{
+    return std::size_t { kSize } * static_cast<std::size_t>(y) + static_cast<std::size_t>(x);
+}
 
 /// Which cells have a dot, and for every cell how crowded its surroundings are.
 class DotPattern {
@@ -38,8 +44,8 @@ public:
         for (int y = 0; y < kSize; ++y) {
             const int dy = (y - cellY + kSize) % kSize;
             for (int x = 0; x < kSize; ++x) {
-                const double weight = m_kernel[static_cast<std::size_t>(dy * kSize + (x - cellX + kSize) % kSize)];
-                m_crowding[static_cast<std::size_t>(y * kSize + x)] += dot ? weight : -weight;
+                const double weight = m_kernel[indexOf((x - cellX + kSize) % kSize, dy)];
+                m_crowding[indexOf(x, y)] += dot ? weight : -weight;
             }
         }
     }
@@ -120,7 +126,7 @@ int main(int argc, char** argv)
     for (int y = 0; y < kSize; ++y) {
         std::fputs("    { {", out);
         for (int x = 0; x < kSize; ++x)
-            std::fprintf(out, " %d,", rank[static_cast<std::size_t>(y * kSize + x)] * 255 / kCells);
+            std::fprintf(out, " %d,", rank[indexOf(x, y)] * 255 / kCells);
         std::fputs(" } },\n", out);
     }
     std::fputs("} };\n\n} // namespace quillrip\n", out);
