@@ -1,6 +1,7 @@
 #pragma once
 
 #include "quillrip/base/bytes.h"
+#include "quillrip/base/color.h"
 #include "quillrip/base/geometry.h"
 #include "quillrip/base/page_pool.h"
 
@@ -19,21 +20,6 @@ enum class PixelFormat : std::uint8_t {
 constexpr int bitsPerPixel(PixelFormat format)
 {
     return format == PixelFormat::Bilevel ? 1 : format == PixelFormat::Gray8 ? 8 : 24;
-}
-
-struct Rgb {
-    std::uint8_t red = 0;
-    std::uint8_t green = 0;
-    std::uint8_t blue = 0;
-};
-
-inline bool operator==(Rgb a, Rgb b) { return a.red == b.red && a.green == b.green && a.blue == b.blue; }
-inline bool operator!=(Rgb a, Rgb b) { return !(a == b); }
-
-/// The light that a colour reflects: 0.299 R + 0.587 G + 0.114 B (ITU-R BT.601), rounded. 255 is white.
-constexpr std::uint8_t luminance(Rgb c)
-{
-    return static_cast<std::uint8_t>((c.red * 19595u + c.green * 38470u + c.blue * 7471u + 32768u) >> 16);
 }
 
 /// Device pixels per inch across and down the bitmap.

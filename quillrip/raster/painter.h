@@ -13,8 +13,6 @@ namespace quillrip {
 class Compositor;
 class DeviceTexture;
 
-enum class FillRule { NonZero, EvenOdd };
-
 /// Which device pixels a filled shape takes when the page is bilevel (grey and RGB pages take exact area coverage).
 enum class PixelRule {
     Centre, ///< those whose centre lies inside, and, for shapes that would vanish, the nearest pixel

@@ -12,7 +12,6 @@ namespace {
 
 constexpr double kDpi = 101.6;
 constexpr int kPixels = 102;
-constexpr Rgb kWhite { 255, 255, 255 };
 
 } // namespace
 

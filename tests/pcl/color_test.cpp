@@ -12,8 +12,6 @@ using quillrip::pcl::Palette;
 
 namespace {
 
-constexpr Rgb kWhite { 255, 255, 255 };
-constexpr Rgb kBlack { 0, 0, 0 };
 constexpr Rgb kRed { 255, 0, 0 };
 
 std::string cid(int space, int encoding, int bits, int primaryBits = 8)

@@ -16,8 +16,6 @@ namespace {
 using hpgl::PlotEnvironment;
 using hpgl::PlotFile;
 
-constexpr Rgb kWhite { 255, 255, 255 };
-constexpr Rgb kBlack { 0, 0, 0 };
 constexpr Rgb kRed { 255, 0, 0 };
 constexpr Rgb kBlue { 0, 0, 255 };
 

@@ -44,30 +44,17 @@ double signedArea(const Path& path)
     double sum = 0;
     Point start;
     Point last;
-    std::size_t at = 0;
     const auto add = [&](Point to) {
         sum += last.x * to.y - to.x * last.y;
         last = to;
     };
-    for (const Path::Verb verb : path.verbs()) {
-        switch (verb) {
-        case Path::Verb::Move:
-            start = last = path.points()[at++];
-            break;
-        case Path::Verb::Line:
-            add(path.points()[at++]);
-            break;
-        case Path::Verb::Cubic:
-            add(path.points()[at]);
-            add(path.points()[at + 1]);
-            add(path.points()[at + 2]);
-            at += 3;
-            break;
-        case Path::Verb::Close:
-            add(start);
-            break;
-        }
-    }
+    path.forEach([&](Point to) { start = last = to; }, add,
+        [&](Point control1, Point control2, Point to) {
+            add(control1);
+            add(control2);
+            add(to);
+        },
+        [&] { add(start); });
     return sum;
 }
 
@@ -79,29 +66,20 @@ public:
         , m_em(em)
         , m_turnsLeft(signedArea(path) > 0)
     {
-        std::size_t at = 0;
-        for (const Path::Verb verb : path.verbs()) {
-            const Point* points = path.points().data() + at;
-            switch (verb) {
-            case Path::Verb::Move:
+        path.forEach(
+            [&](Point to) {
                 endContour();
-                m_contour = { { turned(points[0]), true } };
-                at += 1;
-                break;
-            case Path::Verb::Line:
-                m_contour.push_back({ turned(points[0]), true });
-                at += 1;
-                break;
-            case Path::Verb::Cubic:
-                m_contour.push_back({ turned(points[0]), false });
-                m_contour.push_back({ turned(points[1]), false });
-                m_contour.push_back({ turned(points[2]), true });
-                at += 3;
-                break;
-            case Path::Verb::Close:
-                break;
-            }
-        }
+                m_contour = { { turned(to), true } };
+            },
+            [&](Point to) {
+                m_contour.push_back({ turned(to), true });
+            },
+            [&](Point control1, Point control2, Point to) {
+                m_contour.push_back({ turned(control1), false });
+                m_contour.push_back({ turned(control2), false });
+                m_contour.push_back({ turned(to), true });
+            },
+            [] {});
         endContour();
         std::sort(m_edges.begin(), m_edges.end(), [](const Edge& a, const Edge& b) { return a.at < b.at; });
     }
@@ -366,27 +344,9 @@ Anchors rowAnchors(const Path& outline, const FittingGuide& guide)
 template <typename Move> Path mapped(const Path& outline, Move move)
 {
     Path result;
-    std::size_t at = 0;
-    for (const Path::Verb verb : outline.verbs()) {
-        const Point* points = outline.points().data() + at;
-        switch (verb) {
-        case Path::Verb::Move:
-            result.moveTo(move(points[0]));
-            at += 1;
-            break;
-        case Path::Verb::Line:
-            result.lineTo(move(points[0]));
-            at += 1;
-            break;
-        case Path::Verb::Cubic:
-            result.cubicTo(move(points[0]), move(points[1]), move(points[2]));
-            at += 3;
-            break;
-        case Path::Verb::Close:
-            result.close();
-            break;
-        }
-    }
+    outline.forEach([&](Point to) { result.moveTo(move(to)); }, [&](Point to) { result.lineTo(move(to)); },
+        [&](Point control1, Point control2, Point to) { result.cubicTo(move(control1), move(control2), move(to)); },
+        [&] { result.close(); });
     return result;
 }
 

@@ -37,30 +37,22 @@ public:
     {
         if (path.pointCount() > kMostPoints)
             return false;
-        const auto& points = path.points();
-        std::size_t at = 0;
-        for (const Path::Verb verb : path.verbs()) {
-            switch (verb) {
-            case Path::Verb::Move:
+        bool fits = true;
+        const auto addTo = [&](Point to, int tag) { fits = fits && add(matrix.apply(to), tag); };
+        path.forEach(
+            [&](Point to) {
                 endContour();
-                if (!add(matrix.apply(points[at++]), FT_CURVE_TAG_ON))
-                    return false;
-                break;
-            case Path::Verb::Line:
-                if (!add(matrix.apply(points[at++]), FT_CURVE_TAG_ON))
-                    return false;
-                break;
-            case Path::Verb::Cubic:
-                if (!add(matrix.apply(points[at]), FT_CURVE_TAG_CUBIC)
-                    || !add(matrix.apply(points[at + 1]), FT_CURVE_TAG_CUBIC)
-                    || !add(matrix.apply(points[at + 2]), FT_CURVE_TAG_ON))
-                    return false;
-                at += 3;
-                break;
-            case Path::Verb::Close:
-                break;
-            }
-        }
+                addTo(to, FT_CURVE_TAG_ON);
+            },
+            [&](Point to) { addTo(to, FT_CURVE_TAG_ON); },
+            [&](Point control1, Point control2, Point to) {
+                addTo(control1, FT_CURVE_TAG_CUBIC);
+                addTo(control2, FT_CURVE_TAG_CUBIC);
+                addTo(to, FT_CURVE_TAG_ON);
+            },
+            [] {});
+        if (!fits)
+            return false;
         endContour();
         if (m_points.empty())
             return false;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "quillrip/base/page_bitmap.h"
+#include "quillrip/raster/compose/raster_operation.h"
 
 #include <cstdint>
 #include <memory>
@@ -41,7 +42,7 @@ struct Texture {
 ///   else bit by bit (rop >> (4 T + 2 S + D)) & 1, white = 1.
 /// Coverage mixes that result with D.
 struct PaintState {
-    std::uint8_t rop = 252; ///< texture OR source: with black sources, the texture
+    std::uint8_t rop = rop::kTextureOrSource;
     bool sourceTransparent = true;
     bool patternTransparent = true;
     Texture texture;

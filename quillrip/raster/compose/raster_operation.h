@@ -4,6 +4,28 @@
 
 namespace quillrip {
 
+/// Codes of ternary raster operations as the languages number them: bit 4 T + 2 S + D of the code is the result for
+/// texture T, source S and destination D, where 1 is white. With a black source they read as the comments say.
+namespace rop {
+
+constexpr std::uint8_t kBlackness = 0;
+constexpr std::uint8_t kDestinationInvert = 85; ///< ~D
+constexpr std::uint8_t kTextureXorDestination = 90; ///< T ^ D
+constexpr std::uint8_t kSourceXorDestination = 102; ///< S ^ D
+constexpr std::uint8_t kSourceAndDestination = 136; ///< S & D: ink is added to ink
+constexpr std::uint8_t kTextureAndDestination = 160; ///< T & D
+constexpr std::uint8_t kTextureOrSourceAndDestination = 168; ///< (T | S) & D: the texture's ink is added to the page's
+constexpr std::uint8_t kDestination = 170; ///< nothing happens
+constexpr std::uint8_t kTexturePaint = 184; ///< (T & ~S) | (D & S): the texture where the source is black
+constexpr std::uint8_t kSource = 204; ///< S: an image replaces what is there
+constexpr std::uint8_t kSourceOrDestination = 238; ///< S | D
+constexpr std::uint8_t kTexture = 240; ///< T: the texture replaces what is there, wherever the source is
+constexpr std::uint8_t kTextureOrSource
+    = 252; ///< T | S: the texture where the source is black, the start of all languages
+constexpr std::uint8_t kWhiteness = 255;
+
+} // namespace rop
+
 /// One of the 256 ternary raster operations, on operands as the page stores them: 1 = ink. (The languages number the
 /// operations for 1 = white; the truth table is turned round once, here.)
 ///

@@ -1,5 +1,10 @@
 #include "quillrip/raster/paths/path.h"
 
+#include "quillrip/base/units.h"
+
+#include <algorithm>
+#include <cmath>
+
 namespace quillrip {
 
 void Path::moveTo(Point to)
@@ -33,7 +38,7 @@ void Path::clear() { *this = Path(); }
 
 void Path::arc(Point centre, double radiusX, double radiusY, double start, double sweep, bool startsSubpath)
 {
-    const double fullTurn = 2 * std::acos(-1.0);
+    const double fullTurn = 2 * kPi;
     sweep = std::clamp(sweep, -fullTurn, fullTurn);
     const int pieces = std::max(1, static_cast<int>(std::ceil(std::abs(sweep) / (fullTurn / 4) - 1e-9)));
     const double step = sweep / pieces;
@@ -83,6 +88,14 @@ Path Path::transformed(const Matrix& matrix) const
     result.m_start = matrix.apply(m_start);
     result.m_current = matrix.apply(m_current);
     return result;
+}
+
+Rect Path::bounds() const
+{
+    Rect bounds = Rect::nothing();
+    for (const Point& point : m_points)
+        bounds.include(point);
+    return bounds;
 }
 
 } // namespace quillrip

@@ -7,6 +7,9 @@
 
 namespace quillrip {
 
+/// Which points lie inside a shape whose outline crosses itself or others.
+enum class FillRule : std::uint8_t { NonZero, EvenOdd };
+
 /// Lines and cubic Bezier curves in any coordinate space. Every subpath begins with a move.
 class Path {
 public:
@@ -38,6 +41,36 @@ public:
 
     void append(const Path& other);
     Path transformed(const Matrix& matrix) const;
+
+    /// Of all points, curves by their control points; Rect::nothing() for an empty path. Points that are no numbers do
+    /// not count.
+    Rect bounds() const;
+
+    /// Calls, in the order of the path: `move(to)`, `line(to)`, `cubic(control1, control2, to)`, `close()`.
+    template <typename Move, typename Line, typename Cubic, typename Close>
+    void forEach(Move move, Line line, Cubic cubic, Close close) const
+    {
+        const Point* point = m_points.data();
+        for (const Verb verb : m_verbs) {
+            switch (verb) {
+            case Verb::Move:
+                move(point[0]);
+                point += 1;
+                break;
+            case Verb::Line:
+                line(point[0]);
+                point += 1;
+                break;
+            case Verb::Cubic:
+                cubic(point[0], point[1], point[2]);
+                point += 3;
+                break;
+            case Verb::Close:
+                close();
+                break;
+            }
+        }
+    }
 
 private:
     std::vector<Verb> m_verbs;

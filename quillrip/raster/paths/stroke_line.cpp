@@ -26,40 +26,32 @@ void forEachStrokeLine(const Path& userPath, const Matrix& userToDevice, StrokeL
         line.add(to, isSmooth);
         hasSegment = true;
     };
-    const Point* point = userPath.points().data();
     Point start;
-    for (const Path::Verb verb : userPath.verbs()) {
-        switch (verb) {
-        case Path::Verb::Move:
+    userPath.forEach(
+        [&](Point to) {
             finish(false);
-            start = *point++;
+            start = to;
             if (isFinite(start))
                 line.add(start);
-            break;
-        case Path::Verb::Line:
-            goTo(*point++, false);
-            break;
-        case Path::Verb::Cubic: {
-            if (!line.vertices.empty()) {
-                const Cubic user { line.vertices.back().at, point[0], point[1], point[2] };
-                const Cubic device { userToDevice.apply(user.start), userToDevice.apply(user.control1),
-                    userToDevice.apply(user.control2), userToDevice.apply(user.end) };
-                const int chords = device.chordCount();
-                for (int i = 1; i < chords; ++i)
-                    goTo(user.at(static_cast<double>(i) / chords), true);
-                goTo(user.end, false);
-            }
-            point += 3;
-            break;
-        }
-        case Path::Verb::Close:
+        },
+        [&](Point to) { goTo(to, false); },
+        [&](Point control1, Point control2, Point to) {
+            if (line.vertices.empty())
+                return;
+            const Cubic user { line.vertices.back().at, control1, control2, to };
+            const Cubic device { userToDevice.apply(user.start), userToDevice.apply(user.control1),
+                userToDevice.apply(user.control2), userToDevice.apply(user.end) };
+            const int chords = device.chordCount();
+            for (int i = 1; i < chords; ++i)
+                goTo(user.at(static_cast<double>(i) / chords), true);
+            goTo(user.end, false);
+        },
+        [&] {
             finish(true);
             // What follows a close without a move goes on from the subpath's start.
             if (isFinite(start))
                 line.add(start);
-            break;
-        }
-    }
+        });
     finish(false);
 }
 

@@ -133,7 +133,6 @@ void markTinySubpaths(const Path& path, SpanSink& sink)
 {
     const auto isBetweenCentres
         = [](double low, double high) { return std::ceil(low - 0.5) >= std::ceil(high - 0.5) && high > low; };
-    const Point* point = path.points().data();
     double left = 0, top = 0, right = 0, bottom = 0;
     bool hasPoints = false;
     const auto include = [&](Point p) {
@@ -152,13 +151,18 @@ void markTinySubpaths(const Path& path, SpanSink& sink)
         }
         hasPoints = false;
     };
-    for (const Path::Verb verb : path.verbs()) {
-        if (verb == Path::Verb::Move)
+    path.forEach(
+        [&](Point to) {
             finish();
-        const int points = verb == Path::Verb::Close ? 0 : verb == Path::Verb::Cubic ? 3 : 1;
-        for (int i = 0; i < points; ++i)
-            include(*point++);
-    }
+            include(to);
+        },
+        include,
+        [&](Point control1, Point control2, Point to) {
+            include(control1);
+            include(control2);
+            include(to);
+        },
+        [] {});
     finish();
 }
 

@@ -8,8 +8,6 @@
 
 namespace quillrip {
 
-enum class FillRule;
-
 /// A set of device pixels: a rectangle, or sorted runs for each row. Immutable and shared between states.
 ///
 /// A pixel is in or out, on grey and RGB pages too: so a region and its complement never share or lose a pixel, and

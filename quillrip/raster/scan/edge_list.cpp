@@ -28,7 +28,6 @@ EdgeList::EdgeList(const PixelRect& area, Axes axes, bool keepLevelEdges)
 
 void EdgeList::addPath(const Path& devicePath)
 {
-    const Point* point = devicePath.points().data();
     Point start;
     Point current;
     bool isOpen = false;
@@ -43,36 +42,27 @@ void EdgeList::addPath(const Path& devicePath)
             addLine(current, start);
         current = start;
     };
-    for (const Path::Verb verb : devicePath.verbs()) {
-        switch (verb) {
-        case Path::Verb::Move:
+    devicePath.forEach(
+        [&](Point to) {
             closeSubpath();
-            isOpen = isFinite(*point);
+            isOpen = isFinite(to);
             if (isOpen)
-                start = current = *point;
-            ++point;
-            break;
-        case Path::Verb::Line:
+                start = current = to;
+        },
+        [&](Point to) {
             if (isOpen)
-                goTo(*point);
-            ++point;
-            break;
-        case Path::Verb::Cubic: {
-            const Cubic cubic { current, point[0], point[1], point[2] };
-            point += 3;
+                goTo(to);
+        },
+        [&](Point control1, Point control2, Point to) {
             if (!isOpen)
-                break;
+                return;
+            const Cubic cubic { current, control1, control2, to };
             const int chords = cubic.chordCount();
             for (int i = 1; i < chords; ++i)
                 goTo(cubic.at(static_cast<double>(i) / chords));
             goTo(cubic.end);
-            break;
-        }
-        case Path::Verb::Close:
-            closeSubpath();
-            break;
-        }
-    }
+        },
+        closeSubpath);
     closeSubpath();
 }
 
