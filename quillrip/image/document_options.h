@@ -32,6 +32,9 @@ struct DocumentOptions {
     /// pixels, Group 3 one-dimensional whatever `compression` says. Without effect on other types.
     bool fax = false;
     int jpegQuality = 90; ///< 1 to 100
+    /// What commit() has written is on the disk when it returns. Without it a crash of the machine soon after can lose
+    /// new files, but no former one that they take the place of.
+    bool isDurable = false;
     unsigned threads = 0; ///< that encode; 0 = as many as the machine has cores, four at most
 };
 

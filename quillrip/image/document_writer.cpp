@@ -14,6 +14,7 @@ class DocumentWriter::Implementation {
 public:
     explicit Implementation(const DocumentOptions& options)
         : m_options(options)
+        , m_files({ options.isDurable, OutputFile::Naming::Unnamed, 0 })
         , m_tiff(options, m_files)
         , m_pipeline(options.threads)
     {
@@ -21,20 +22,16 @@ public:
 
     bool open(std::string& reason)
     {
-        // The first file is begun at once, so that a job is not drawn for nothing; files of one page each are begun
-        // anew by the page.
-        if (holdsSeveralPages(m_options.type)) {
-            if (!m_files.begin(m_options.path)) {
-                reason = m_files.reason();
-                return false;
-            }
-            if (!m_tiff.open()) {
-                reason = m_tiff.reason();
-                return false;
-            }
-            return true;
+        // At once, so that a job is not drawn for nothing.
+        if (!m_files.open(m_options.path)) {
+            reason = m_files.reason();
+            return false;
         }
-        return OutputFile::create(m_options.path, reason) != nullptr;
+        if (holdsSeveralPages(m_options.type) && !m_tiff.open()) {
+            reason = m_tiff.reason();
+            return false;
+        }
+        return true;
     }
 
     bool addPage(PageBitmap&& page)

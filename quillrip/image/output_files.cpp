@@ -1,116 +1,127 @@
 #include "quillrip/image/output_files.h"
 
 #include <algorithm>
+#include <cerrno>
+#include <set>
+#include <utility>
+
+#include <sys/resource.h>
 
 namespace quillrip {
 
 namespace {
 
-constexpr std::size_t kCopyBytes = std::size_t { 256 } << 10;
+/// For the input, fonts, pipes and the copies of former files.
+constexpr std::size_t kSpareDescriptors = 64;
+constexpr std::size_t kFewestOpenFiles = 8;
+/// An open file costs the system memory as well.
+constexpr std::size_t kMostOpenFiles = 4096;
+
+std::size_t openFilesAllowed()
+{
+    struct rlimit limit { };
+    if (getrlimit(RLIMIT_NOFILE, &limit) != 0 || limit.rlim_cur < kSpareDescriptors + kFewestOpenFiles)
+        return kFewestOpenFiles;
+    return std::min<std::size_t>(limit.rlim_cur - kSpareDescriptors, kMostOpenFiles);
+}
 
 } // namespace
+
+OutputFiles::OutputFiles(const Options& options)
+    : m_options(options)
+{
+    if (m_options.openFiles == 0)
+        m_options.openFiles = openFilesAllowed();
+}
 
 bool OutputFiles::fail(const std::string& target, const std::string& reason)
 {
     if (m_reason.empty())
-        m_reason = target == m_firstTarget ? reason : target + ": " + reason;
+        m_reason = m_targets.empty() || target == m_targets.front() ? reason : target + ": " + reason;
     return false;
 }
 
-std::unique_ptr<OutputFile> OutputFiles::create(const std::string& target)
+bool OutputFiles::add(const std::string& target)
 {
+    OutputPlace place;
     std::string reason;
-    auto file = OutputFile::create(target, reason, m_naming);
+    if (!findPlace(target, m_folder, m_folderPath, place, reason))
+        return fail(target, reason);
+    const bool canStayOpen = m_files.size() < m_options.openFiles;
+    auto file = OutputFile::create(place, reason, canStayOpen ? m_options.naming : OutputFile::Naming::Hidden);
     if (!file)
-        fail(target, reason);
-    return file;
+        return fail(target, reason);
+    m_targets.push_back(target);
+    m_files.push_back(std::move(file));
+    return true;
+}
+
+bool OutputFiles::open(const std::string& target)
+{
+    m_isOnlyOpen = add(target);
+    return m_isOnlyOpen;
 }
 
 bool OutputFiles::begin(const std::string& target)
 {
     if (!m_reason.empty())
         return false;
-    if (m_files.empty())
-        m_firstTarget = target;
-    if (m_files.size() < m_openFiles) {
-        auto file = create(target);
-        if (!file)
-            return false;
-        // Fewer bytes wait in memory, and a full disk is noticed, before the next file begins.
-        if (!m_files.empty() && !m_files.back()->flush())
-            return fail(m_targets.back(), m_files.back()->reason());
-        m_files.push_back(std::move(file));
-        m_targets.push_back(target);
+    if (std::exchange(m_isOnlyOpen, false) && target == m_targets.front())
         return true;
-    }
-    if (!m_gathering) {
-        m_gathering = create(target);
-        if (!m_gathering)
-            return false;
-    }
-    m_gathered.push_back({ target, m_gathering->size() });
-    return true;
+    // Fewer bytes wait in memory, and a full disk is noticed, before the next file begins.
+    if (!m_files.empty() && !m_files.back()->park())
+        return fail(m_files.size() - 1);
+    return add(target);
 }
 
 bool OutputFiles::append(ByteView bytes)
 {
-    if (!m_reason.empty())
-        return false;
-    if (m_gathered.empty())
-        return m_files.back()->append(bytes) || fail(m_targets.back(), m_files.back()->reason());
-    return m_gathering->append(bytes) || fail(m_gathered.back().target, m_gathering->reason());
+    return m_reason.empty() && (m_files.back()->append(bytes) || fail(m_files.size() - 1));
 }
 
-bool OutputFiles::copyOut(std::size_t index)
+bool OutputFiles::prepareAll()
 {
-    const Gathered& gathered = m_gathered[index];
-    std::uint64_t offset = gathered.offset;
-    const std::uint64_t end = index + 1 < m_gathered.size() ? m_gathered[index + 1].offset : m_gathering->size();
-    auto file = create(gathered.target);
-    if (!file)
-        return false;
-    std::vector<std::uint8_t> bytes(kCopyBytes);
-    while (offset < end) {
-        const auto count = static_cast<std::size_t>(std::min<std::uint64_t>(end - offset, bytes.size()));
-        if (!m_gathering->readAt(offset, bytes.data(), count))
-            return fail(gathered.target, m_gathering->reason());
-        if (!file->append({ bytes.data(), count }))
-            return fail(gathered.target, file->reason());
-        offset += count;
-    }
-    m_files.push_back(std::move(file));
-    m_targets.push_back(gathered.target);
+    // Room is what fails most often, and costs least to find out.
+    for (std::size_t i = 0; i < m_files.size(); ++i)
+        if (!m_files[i]->flush())
+            return fail(i);
+    for (std::size_t i = 0; i < m_files.size(); ++i)
+        if (!m_files[i]->prepare(m_options.areDurable))
+            return fail(i);
     return true;
 }
 
-bool OutputFiles::publish(std::size_t index)
+bool OutputFiles::syncFolders()
 {
-    return m_files[index]->publish() || fail(m_targets[index], m_files[index]->reason());
+    std::set<const OutputFolder*> folders;
+    for (std::size_t i = 0; i < m_files.size(); ++i) {
+        if (!m_options.areDurable && !m_files[i]->replacesFile())
+            continue;
+        const OutputFolder* folder = m_files[i]->place().folder.get();
+        if (folders.insert(folder).second && !folder->sync())
+            return fail(m_targets[i], writeReason(errno));
+    }
+    return true;
 }
 
 bool OutputFiles::commit()
 {
     if (!m_reason.empty())
         return false;
-    std::size_t published = 0;
-    // Everything is on disk before the first file appears, apart from what has to be copied out.
-    bool isGood = true;
-    for (std::size_t i = 0; isGood && i < m_files.size(); ++i)
-        isGood = m_files[i]->flush() || fail(m_targets[i], m_files[i]->reason());
-    while (isGood && published < m_files.size()) {
-        isGood = publish(published);
-        published += isGood;
+    // Former files that are saved by copying are so on the disk, names and all, before one of several loses its name.
+    bool isGood = prepareAll() && (m_files.size() == 1 || syncFolders());
+    // The first file last: who sees it, sees all.
+    for (std::size_t i = m_files.size(); isGood && i-- > 0;)
+        isGood = m_files[i]->appear() || fail(i);
+    isGood = isGood && syncFolders();
+    for (std::size_t i = 0; i < m_files.size(); ++i) {
+        if (isGood)
+            m_files[i]->settle();
+        else if (!m_files[i]->withdraw())
+            m_reason += "; " + m_targets[i] + ": " + m_files[i]->reason();
     }
-    for (std::size_t i = 0; isGood && i < m_gathered.size(); ++i) {
-        isGood = copyOut(i) && publish(published);
-        published += isGood;
-    }
-    while (!isGood && published > 0)
-        m_files[--published]->withdraw();
-    for (const auto& file : m_files)
-        file->settle();
     m_files.clear();
-    m_gathering.reset();
+    m_folder.reset();
     return isGood;
 }
 

@@ -2,6 +2,7 @@
 
 #include "quillrip/image/output_file.h"
 
+#include <cstddef>
 #include <memory>
 #include <string>
 #include <vector>
@@ -10,46 +11,46 @@ namespace quillrip {
 
 /// The files of one document, written one after the other, which appear together at the end or not at all.
 ///
-/// Each file stays open, because it has no name, until then. A process may open some hundred files only, so the ones
-/// beyond `openFiles` are gathered in one further unnamed file and copied out of it at the end.
+/// Each file stays open until then, because it has no name. What is more than the system lets a process open has hidden
+/// names instead.
 class OutputFiles {
 public:
-    explicit OutputFiles(std::size_t openFiles = 200, OutputFile::Naming naming = OutputFile::Naming::Unnamed)
-        : m_openFiles(openFiles)
-        , m_naming(naming)
-    {
-    }
+    struct Options {
+        /// All files are on the disk when commit() returns, not only those that take a former one's place.
+        bool areDurable = false;
+        OutputFile::Naming naming = OutputFile::Naming::Unnamed;
+        std::size_t openFiles = 0; ///< 0: what the system allows, with some left for the rest of the process
+    };
 
+    explicit OutputFiles(const Options& options);
+
+    /// Finds out whether `target`, the document's first file, can be written, and begins it.
+    [[nodiscard]] bool open(const std::string& target);
     /// What is appended from now on goes to the file that will be `target`. All are false, with reason(), once one
     /// of them failed.
     [[nodiscard]] bool begin(const std::string& target);
     [[nodiscard]] bool append(ByteView bytes);
-    /// All files appear, or, after a failure, none: then the former ones are as they were.
+    /// All files appear, the first one last, or, after a failure, none: then the former ones are as they were.
     [[nodiscard]] bool commit();
 
-    /// The file that was begun last, for formats that write out of order; only while no more than one was begun.
+    /// The file that was begun last, for formats that write out of order.
     OutputFile& file() { return *m_files.back(); }
     /// Begins with the name of the file unless that is the first one.
     const std::string& reason() const { return m_reason; }
 
 private:
-    struct Gathered {
-        std::string target;
-        std::uint64_t offset;
-    };
-
+    bool add(const std::string& target);
     bool fail(const std::string& target, const std::string& reason);
-    std::unique_ptr<OutputFile> create(const std::string& target);
-    bool publish(std::size_t index);
-    bool copyOut(std::size_t index);
+    bool fail(std::size_t index) { return fail(m_targets[index], m_files[index]->reason()); }
+    bool prepareAll();
+    bool syncFolders();
 
-    std::size_t m_openFiles;
-    OutputFile::Naming m_naming;
-    std::string m_firstTarget;
+    Options m_options;
+    std::shared_ptr<OutputFolder> m_folder; ///< that of the first file
+    std::string m_folderPath;
+    bool m_isOnlyOpen = false; ///< open() has made the first file, and it was not begun yet
     std::vector<std::string> m_targets; ///< of m_files
     std::vector<std::unique_ptr<OutputFile>> m_files;
-    std::unique_ptr<OutputFile> m_gathering;
-    std::vector<Gathered> m_gathered;
     std::string m_reason;
 };
 

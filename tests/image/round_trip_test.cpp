@@ -61,6 +61,7 @@ TEST_P(RoundTrip, EveryPixelComesBackAtOddWidths)
                 SCOPED_TRACE(testing::Message()
                     << bitsPerPixel(format) << " bits, " << width << " wide, content " << static_cast<int>(content));
                 const PageBitmap page = makePage(format, width, 21, content);
+                std::filesystem::remove(options().path); // to replace it would wait for the disk
                 ASSERT_TRUE(write(options(), { &page }));
                 const auto images = decodeFile(options().path);
                 ASSERT_EQ(images.size(), 1u);
@@ -183,6 +184,7 @@ TEST(JpegRoundTrip, ShowsThePageAndItsResolution)
         for (const int width : { 1, 8, 65, 500 }) {
             for (const Content content : { Content::Blank, Content::Solid, Content::Picture }) {
                 const PageBitmap page = makePage(format, width, 77, content, 1, { 600, 150 });
+                std::filesystem::remove(options.path);
                 ASSERT_TRUE(write(options, { &page }));
                 const auto images = decodeFile(options.path);
                 ASSERT_EQ(images.size(), 1u);
