@@ -258,6 +258,8 @@ void Machine::storePatternRow(const std::uint8_t* row)
         case ImageFormat::Rgb24:
             color = { row[3 * x], row[3 * x + 1], row[3 * x + 2] };
             break;
+        case ImageFormat::Rgba32:
+            break; // the language has no alpha
         }
         to[0] = color.red;
         to[1] = color.green;

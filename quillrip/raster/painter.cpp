@@ -134,7 +134,10 @@ std::unique_ptr<ImagePainter> Painter::beginImage(const ImageGeometry& geometry,
         && std::isfinite(m.e) && std::isfinite(m.f);
     if (geometry.width < 1 || geometry.height == 0 || !isFiniteMatrix)
         return nullptr;
-    std::unique_ptr<Compositor> compositor = compositorFor(state);
+    PaintState ownState = state;
+    if (geometry.format == ImageFormat::Rgba32)
+        ownState.sourceTransparent = false;
+    std::unique_ptr<Compositor> compositor = compositorFor(ownState);
     if (compositor->bounds().empty())
         return nullptr;
     AlignedGeometry aligned;

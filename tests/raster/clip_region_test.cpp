@@ -50,6 +50,32 @@ TEST(ClipRegion, IntersectionIsInBoth)
     EXPECT_EQ(shown(frame()->intersected(*frame()->complement(kPage))), "......\n......\n......\n......\n");
 }
 
+TEST(ClipRegion, UnionDifferenceAndExclusive)
+{
+    const auto corner = ClipRegion::ofRect({ 0, 0, 3, 2 });
+    EXPECT_EQ(shown(corner->united(*ClipRegion::ofRect({ 2, 1, 5, 3 }))), "###...\n#####.\n..###.\n......\n");
+    EXPECT_EQ(shown(corner->exclusive(*ClipRegion::ofRect({ 2, 1, 5, 3 }))), "###...\n##.##.\n..###.\n......\n");
+    EXPECT_EQ(shown(corner->subtracted(*ClipRegion::ofRect({ 2, 1, 5, 3 }))), "###...\n##....\n......\n......\n");
+    EXPECT_EQ(shown(frame()->subtracted(*corner)), "...###\n....##\n##..##\n######\n");
+    EXPECT_EQ(shown(corner->united(*ClipRegion::ofRect({}))), shown(corner));
+    EXPECT_EQ(shown(ClipRegion::ofRect({})->exclusive(*corner)), shown(corner));
+    // Regions that meet join without a seam.
+    const auto joined = corner->united(*ClipRegion::ofRect({ 3, 0, 6, 2 }));
+    EXPECT_EQ(joined->end(0) - joined->begin(0), 1);
+}
+
+TEST(ClipRegion, BitsAndMoves)
+{
+    const std::uint8_t bits[] = { 0xB0, 0x40 };
+    const auto region = ClipRegion::ofBits(bits, 1, { 1, 1, 5, 3 });
+    EXPECT_EQ(shown(region), "......\n.#.##.\n..#...\n......\n");
+    EXPECT_EQ(shown(region->moved(-2, 1)), "......\n......\n.##...\n#.....\n");
+    EXPECT_TRUE(region->contains(1, 1));
+    EXPECT_FALSE(region->contains(2, 1));
+    EXPECT_FALSE(region->contains(1, 9));
+    EXPECT_TRUE(region->moved(INT32_MAX, 0)->bounds().empty());
+}
+
 TEST(ClipRegion, EmptyPathHidesAll)
 {
     EXPECT_EQ(shown(ClipRegion::ofPath({}, FillRule::NonZero, kPage)), "......\n......\n......\n......\n");

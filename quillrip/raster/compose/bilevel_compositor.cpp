@@ -1,12 +1,15 @@
 #include "quillrip/raster/compose/bilevel_compositor.h"
 
+#include "quillrip/raster/compose/mixing.h"
+
 namespace quillrip {
 
 BilevelCompositor::BilevelCompositor(
     PageBitmap& page, const PaintState& state, std::shared_ptr<const DeviceTexture> texture)
     : Compositor(page, state, std::move(texture))
+    , m_isMixed(m_texture.hasAlpha() || m_opacity != 255)
 {
-    if (!m_texture.isUniformBilevel())
+    if (!m_texture.isUniformBilevel() || m_isMixed)
         return;
     const std::uint64_t ink = m_texture.words(0, 0).ink;
     const bool keeps = m_operation.keep(kAllBits, ink) != 0;
@@ -17,7 +20,15 @@ BilevelCompositor::BilevelCompositor(
 void BilevelCompositor::combine(
     std::uint8_t* at, int y, int word, std::uint64_t source, std::uint64_t sourceNotWhite, std::uint64_t wanted) const
 {
-    const DeviceTexture::Words texture = m_texture.words(y, word);
+    if (!m_isMixed)
+        return combineWith(m_texture.words(y, word), at, source, sourceNotWhite, wanted);
+    const DeviceTexture::MixedWords texture = m_texture.mixedWords(y, word, m_opacity);
+    combineWith(texture, at, source, sourceNotWhite, wanted & texture.covered);
+}
+
+void BilevelCompositor::combineWith(const DeviceTexture::Words& texture, std::uint8_t* at, std::uint64_t source,
+    std::uint64_t sourceNotWhite, std::uint64_t wanted) const
+{
     if (m_sourceTransparent)
         wanted &= sourceNotWhite;
     if (m_patternTransparent)
@@ -87,6 +98,17 @@ void BilevelCompositor::coverageRun(int y, int left, int right, const std::uint8
 
 void BilevelCompositor::colorsRun(int y, int left, int right, const std::uint8_t* ink, const std::uint8_t* coverage)
 {
+    tonesRun(y, left, right, ink, coverage, false);
+}
+
+void BilevelCompositor::blendedRun(int y, int left, int right, const std::uint8_t* ink, const std::uint8_t* alpha)
+{
+    tonesRun(y, left, right, ink, alpha, true);
+}
+
+void BilevelCompositor::tonesRun(
+    int y, int left, int right, const std::uint8_t* ink, const std::uint8_t* shares, bool isAlpha)
+{
     const std::uint8_t* thresholds = screenRow(y);
     eachWord(y, left, right, [&](std::uint8_t* at, int word, std::uint64_t wanted) {
         const int wordStart = word * 64;
@@ -95,19 +117,27 @@ void BilevelCompositor::colorsRun(int y, int left, int right, const std::uint8_t
         const int from = std::max(left, wordStart) - wordStart;
         const int to = std::min(right, wordStart + 64) - wordStart;
         const std::uint8_t* tones = ink + (wordStart + from - left);
+        const std::uint8_t* shared = shares ? shares + (wordStart + from - left) : nullptr;
         for (int x = from; x < to; ++x) {
             dots[x] = tones[x - from] > thresholds[x];
             notWhite[x] = tones[x - from] != 0;
         }
-        if (coverage) {
-            const std::uint8_t* covered = coverage + (wordStart + from - left);
+        if (shared && !isAlpha) {
             std::uint8_t isCovered[64] = {};
             for (int x = from; x < to; ++x)
-                isCovered[x] = covered[x - from] >= 128;
+                isCovered[x] = shared[x - from] >= 128;
             wanted &= packFlags(isCovered);
         }
+        if (isAlpha || m_opacity != 255) {
+            std::uint8_t alpha[64] = {};
+            for (int x = from; x < to; ++x) {
+                alpha[x] = isAlpha ? mixed(0, shared[x - from], m_opacity) : m_opacity;
+                dots[x] = tones[x - from];
+            }
+            wanted &= screenMixed(thresholds, dots, alpha);
+        }
         // The test for white comes before the screen: a white dot of a grey tone is not white.
-        combine(at, y, word, packFlags(dots), packFlags(notWhite), wanted);
+        combineWith(m_texture.words(y, word), at, packFlags(dots), packFlags(notWhite), wanted);
     });
 }
 

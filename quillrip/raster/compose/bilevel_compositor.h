@@ -17,6 +17,10 @@ private:
     void coverageRun(int y, int left, int right, const std::uint8_t* coverage, bool whiteElsewhere) override;
     void colorsRun(int y, int left, int right, const std::uint8_t* ink, const std::uint8_t* coverage) override;
 
+    void blendedRun(int y, int left, int right, const std::uint8_t* ink, const std::uint8_t* alpha) override;
+    /// `shares` are coverage or alpha, or null.
+    void tonesRun(int y, int left, int right, const std::uint8_t* ink, const std::uint8_t* shares, bool isAlpha);
+
     /// Calls paint(address, first column of the word, mask of the columns wanted) for every word of the row.
     template <typename Paint> void eachWord(int y, int left, int right, Paint paint)
     {
@@ -35,7 +39,11 @@ private:
     /// The print model for 64 pixels: source bits, and which pixels are to change at all.
     void combine(std::uint8_t* at, int y, int word, std::uint64_t source, std::uint64_t sourceNotWhite,
         std::uint64_t wanted) const;
+    /// The same with a texture that all of the page's pixels there take, or none.
+    void combineWith(const DeviceTexture::Words& texture, std::uint8_t* at, std::uint64_t source,
+        std::uint64_t sourceNotWhite, std::uint64_t wanted) const;
 
+    const bool m_isMixed; ///< some of the page may show through what is painted
     /// With a source all black and a texture all ink or none, what happens to each bit of the page.
     enum class Effect {
         Varies, ///< by the texture

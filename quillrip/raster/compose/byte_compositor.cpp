@@ -1,31 +1,13 @@
 #include "quillrip/raster/compose/byte_compositor.h"
 
+#include "quillrip/raster/compose/mixing.h"
+
 namespace quillrip {
 
 namespace {
 
 /// Pixels that the general way handles at a time.
 constexpr int kChunk = 256;
-
-/// a + (b - a) * share / 255, rounded.
-std::uint8_t mixed(unsigned a, unsigned b, unsigned share)
-{
-    const unsigned sum = a * (255 - share) + b * share + 128;
-    return static_cast<std::uint8_t>((sum + (sum >> 8)) >> 8);
-}
-
-template <int Channels> void fillPixels(std::uint8_t* at, int count, const Ink& ink)
-{
-    const bool isGrey = Channels == 1 || (ink[0] == ink[1] && ink[1] == ink[2]);
-    if (isGrey) {
-        std::memset(at, ink[0], static_cast<std::size_t>(count) * Channels);
-        return;
-    }
-    for (int i = 0; i < count; ++i) {
-        for (std::size_t channel = 0; channel < Channels; ++channel)
-            *at++ = ink[channel];
-    }
-}
 
 template <int Channels> bool isWhite(const std::uint8_t* ink)
 {
@@ -38,6 +20,52 @@ template <int Channels> bool isWhite(const std::uint8_t* ink)
 } // namespace
 
 template <int Channels>
+ByteCompositor<Channels>::Stencil::Stencil(const RasterOperation& operation, std::uint8_t source, const Ink& texture)
+    : isStored(true)
+{
+    for (std::size_t channel = 0; channel < Channels; ++channel) {
+        keep[channel] = operation.keep(source, texture[channel]);
+        flip[channel] = operation.flip(source, texture[channel]);
+        isStored = isStored && keep[channel] == 0;
+        isNothing = isNothing && keep[channel] == 255 && flip[channel] == 0;
+    }
+    for (std::size_t filled = Channels; filled < kBytes; filled *= 2) {
+        std::memcpy(keep.data() + filled, keep.data(), filled);
+        std::memcpy(flip.data() + filled, flip.data(), filled);
+    }
+}
+
+template <int Channels> void ByteCompositor<Channels>::Stencil::apply(std::uint8_t* at, std::size_t pixels) const
+{
+    std::size_t left = pixels * Channels;
+    if (isStored) {
+        if (Channels == 1 || (flip[0] == flip[1] && flip[1] == flip[2])) {
+            std::memset(at, flip[0], left);
+            return;
+        }
+        for (; left >= kBytes; left -= kBytes, at += kBytes)
+            std::memcpy(at, flip.data(), kBytes);
+        std::memcpy(at, flip.data(), left);
+        return;
+    }
+    for (; left >= kBytes; left -= kBytes, at += kBytes) {
+        for (std::size_t i = 0; i < kBytes; ++i)
+            at[i] = static_cast<std::uint8_t>((at[i] & keep[i]) ^ flip[i]);
+    }
+    for (std::size_t i = 0; i < left; ++i)
+        at[i] = static_cast<std::uint8_t>((at[i] & keep[i]) ^ flip[i]);
+}
+
+template <int Channels>
+void ByteCompositor<Channels>::Stencil::mix(std::uint8_t* at, std::size_t pixels, unsigned share) const
+{
+    for (std::size_t i = 0; i < pixels * Channels; ++i) {
+        const std::size_t place = i % kBytes;
+        at[i] = mixed(at[i], static_cast<std::uint8_t>((at[i] & keep[place]) ^ flip[place]), share);
+    }
+}
+
+template <int Channels>
 ByteCompositor<Channels>::ByteCompositor(
     PageBitmap& page, const PaintState& state, std::shared_ptr<const DeviceTexture> texture)
     : Compositor(page, state, std::move(texture))
@@ -45,33 +73,42 @@ ByteCompositor<Channels>::ByteCompositor(
     if (!m_texture.isSolid())
         return;
     constexpr std::uint8_t allInk = 255;
-    bool readsPage = false;
+    m_inkStencil = Stencil(m_operation, allInk, m_texture.ink());
+    if (!m_sourceTransparent)
+        m_whiteStencil = Stencil(m_operation, 0, m_texture.ink());
     bool copies = true;
     for (std::size_t channel = 0; channel < Channels; ++channel) {
         const std::uint8_t ink = m_texture.ink()[channel];
-        readsPage = readsPage || m_operation.keep(allInk, ink) != 0;
-        m_storedInk[channel] = m_operation.flip(allInk, ink);
         // An operation that acts bit by bit copies a source if it copies both of a bit's values.
         for (const std::uint8_t source : { std::uint8_t { 0 }, allInk }) {
             copies = copies && m_operation.keep(source, ink) == 0 && m_operation.flip(source, ink) == source;
         }
     }
-    m_inkIsStored = !readsPage;
-    m_sourceIsCopied = copies;
+    m_sourceIsCopied = copies && m_opacity == 255;
+}
+
+template <int Channels>
+void ByteCompositor<Channels>::plainRun(int y, int left, int right, std::uint8_t source, const Stencil& stencil)
+{
+    if (!m_texture.isSolid())
+        return combine(y, left, right, nullptr, source, nullptr);
+    if (stencil.isNothing)
+        return;
+    const auto pixels = static_cast<std::size_t>(right - left);
+    if (m_opacity == 255)
+        stencil.apply(pixelAt(y, left), pixels);
+    else
+        stencil.mix(pixelAt(y, left), pixels, m_opacity);
 }
 
 template <int Channels> void ByteCompositor<Channels>::inkRun(int y, int left, int right)
 {
-    if (m_inkIsStored)
-        return fillPixels<Channels>(pixelAt(y, left), right - left, m_storedInk);
-    constexpr std::uint8_t black[3] = { 255, 255, 255 };
-    combine(y, left, right, black, true, nullptr);
+    plainRun(y, left, right, 255, m_inkStencil);
 }
 
 template <int Channels> void ByteCompositor<Channels>::whiteRun(int y, int left, int right)
 {
-    constexpr std::uint8_t white[3] = { 0, 0, 0 };
-    combine(y, left, right, white, true, nullptr);
+    plainRun(y, left, right, 0, m_whiteStencil);
 }
 
 template <int Channels>
@@ -110,7 +147,6 @@ template <int Channels>
 void ByteCompositor<Channels>::coverageRun(
     int y, int left, int right, const std::uint8_t* coverage, bool whiteElsewhere)
 {
-    constexpr std::uint8_t black[3] = { 255, 255, 255 };
     if (whiteElsewhere) {
         // Each pixel is a mix of what a black and what a white source would make of it.
         for (int x = left; x < right; ++x) {
@@ -127,19 +163,20 @@ void ByteCompositor<Channels>::coverageRun(
         }
         return;
     }
-    if (!m_inkIsStored)
-        return combine(y, left, right, black, true, coverage);
+    if (!m_texture.isSolid() || !m_inkStencil.isStored)
+        return combine(y, left, right, nullptr, 255, coverage);
+    const std::uint8_t* ink = m_inkStencil.flip.data();
     std::uint8_t* at = pixelAt(y, left);
     for (int i = 0; i < right - left; ++i, at += Channels) {
-        const unsigned share = coverage[i];
+        const unsigned share = m_opacity == 255 ? coverage[i] : mixed(0, coverage[i], m_opacity);
         if (share == 0)
             continue;
         if (share == 255) {
-            std::memcpy(at, m_storedInk.data(), Channels);
+            std::memcpy(at, ink, Channels);
             continue;
         }
         for (std::size_t channel = 0; channel < Channels; ++channel)
-            at[channel] = mixed(at[channel], m_storedInk[channel], share);
+            at[channel] = mixed(at[channel], ink[channel], share);
     }
 }
 
@@ -148,7 +185,7 @@ void ByteCompositor<Channels>::colorsRun(
     int y, int left, int right, const std::uint8_t* ink, const std::uint8_t* coverage)
 {
     if (!m_sourceIsCopied || coverage)
-        return combine(y, left, right, ink, false, coverage);
+        return combine(y, left, right, ink, 0, coverage);
     std::uint8_t* at = pixelAt(y, left);
     const auto count = static_cast<std::size_t>(right - left);
     if (!m_sourceTransparent) {
@@ -163,29 +200,72 @@ void ByteCompositor<Channels>::colorsRun(
 
 template <int Channels>
 void ByteCompositor<Channels>::combine(
-    int y, int left, int right, const std::uint8_t* source, bool isConstant, const std::uint8_t* coverage)
+    int y, int left, int right, const std::uint8_t* source, std::uint8_t plain, const std::uint8_t* coverage)
 {
-    std::uint8_t textureInk[kChunk * Channels];
-    std::uint8_t textureOpaque[kChunk];
+    const bool isPlain = source == nullptr;
+    if (isPlain && plain == 0 && m_sourceTransparent)
+        return;
+    const int chunk = std::min(kChunk, right - left);
+    std::uint8_t plainInk[kChunk * Channels];
+    if (isPlain)
+        std::memset(plainInk, plain, static_cast<std::size_t>(chunk) * Channels);
+    std::uint8_t texture[kChunk * Channels];
+    std::uint8_t changes[kChunk * Channels];
+    std::uint8_t result[kChunk * Channels];
+    std::uint8_t alpha[kChunk];
+    // A solid texture is the same everywhere.
+    if (m_texture.isSolid())
+        m_texture.gather(y, left, chunk, texture, changes, alpha);
     for (int from = left; from < right; from += kChunk) {
         const int count = std::min(kChunk, right - from);
-        m_texture.gather(y, from, count, textureInk, textureOpaque);
+        const auto bytes = static_cast<std::size_t>(count) * Channels;
+        const std::uint8_t* ink = isPlain ? plainInk : source + static_cast<std::ptrdiff_t>(from - left) * Channels;
+        if (!m_texture.isSolid())
+            m_texture.gather(y, from, count, texture, changes, alpha);
         std::uint8_t* at = pixelAt(y, from);
-        const std::uint8_t* texture = textureInk;
-        for (int i = 0; i < count; ++i, at += Channels, texture += Channels) {
-            const std::uint8_t* pixel = source;
-            if (!isConstant)
-                source += Channels;
-            const bool keeps
-                = isWhite<Channels>(pixel) ? m_sourceTransparent : m_patternTransparent && textureOpaque[i] == 0;
-            const unsigned share = coverage ? coverage[from - left + i] : 255;
-            if (keeps || share == 0)
-                continue;
-            for (int channel = 0; channel < Channels; ++channel) {
-                const std::uint8_t result = m_operation.apply(pixel[channel], texture[channel], at[channel]);
-                at[channel] = share == 255 ? result : mixed(at[channel], result, share);
+        m_operation.applyBytes(ink, texture, at, result, bytes);
+
+        // The tile's white says what changes only under a source that is not white itself.
+        const bool tileDecides = m_patternTransparent && !(isPlain && plain == 0);
+        if (!tileDecides || m_texture.isSolid())
+            std::memset(changes, 255, bytes);
+        if (!isPlain && (m_sourceTransparent || tileDecides)) {
+            for (int i = 0; i < count; ++i) {
+                if (isWhite<Channels>(ink + static_cast<std::ptrdiff_t>(i) * Channels))
+                    std::memset(
+                        changes + static_cast<std::ptrdiff_t>(i) * Channels, m_sourceTransparent ? 0 : 255, Channels);
             }
         }
+
+        const std::uint8_t* shares = coverage ? coverage + (from - left) : nullptr;
+        if (m_texture.hasAlpha() || m_opacity != 255) {
+            for (int i = 0; i < count; ++i) {
+                unsigned share = m_texture.hasAlpha() ? alpha[i] : 255u;
+                share = shares ? mixed(0, share, shares[i]) : share;
+                alpha[i] = mixed(0, share, m_opacity);
+            }
+            shares = alpha;
+        }
+        store(at, result, changes, shares, count);
+    }
+}
+
+template <int Channels>
+void ByteCompositor<Channels>::store(
+    std::uint8_t* at, const std::uint8_t* result, const std::uint8_t* changes, const std::uint8_t* shares, int count)
+{
+    const auto bytes = static_cast<std::size_t>(count) * Channels;
+    if (!shares) {
+        for (std::size_t i = 0; i < bytes; ++i)
+            at[i] = static_cast<std::uint8_t>(at[i] ^ ((at[i] ^ result[i]) & changes[i]));
+        return;
+    }
+    for (int pixel = 0; pixel < count; ++pixel, at += Channels, result += Channels, changes += Channels) {
+        const unsigned share = shares[pixel];
+        if (share == 0 || changes[0] == 0)
+            continue;
+        for (int channel = 0; channel < Channels; ++channel)
+            at[channel] = share == 255 ? result[channel] : mixed(at[channel], result[channel], share);
     }
 }
 

@@ -10,6 +10,7 @@ Compositor::Compositor(PageBitmap& page, const PaintState& state, std::shared_pt
     , m_operation(state.rop)
     , m_sourceTransparent(state.sourceTransparent)
     , m_patternTransparent(state.patternTransparent)
+    , m_opacity(state.opacity)
     , m_textureOwner(std::move(texture))
     , m_texture(*m_textureOwner)
     , m_bounds(page.bounds())
@@ -23,6 +24,8 @@ Compositor::Compositor(PageBitmap& page, const PaintState& state, std::shared_pt
     const auto inverts
         = [&](unsigned texture) { return (m_operation.keep(1u, texture) & m_operation.flip(1u, texture) & 1u) != 0; };
     m_isIdempotent = !inverts(0) && !inverts(1);
+    if (m_opacity == 0)
+        m_bounds = {};
 }
 
 std::unique_ptr<Compositor> Compositor::create(

@@ -62,6 +62,16 @@ public:
         });
     }
 
+    /// The same with an alpha of its own for each pixel: on a bilevel page it is screened together with the tone, where
+    /// coverage takes a pixel or leaves it.
+    void blended(int y, int left, const std::uint8_t* ink, const std::uint8_t* alpha, int count)
+    {
+        const int channels = m_page.format() == PixelFormat::Rgb24 ? 3 : 1;
+        eachRun(y, left, left + count, [&](int l, int r) {
+            blendedRun(y, l, r, ink + static_cast<std::ptrdiff_t>(l - left) * channels, alpha + (l - left));
+        });
+    }
+
 protected:
     Compositor(PageBitmap& page, const PaintState& state, std::shared_ptr<const DeviceTexture> texture);
 
@@ -72,11 +82,13 @@ protected:
     virtual void bitsRun(int y, int left, int right, const BitRow& bits, std::ptrdiff_t shift) = 0;
     virtual void coverageRun(int y, int left, int right, const std::uint8_t* coverage, bool whiteElsewhere) = 0;
     virtual void colorsRun(int y, int left, int right, const std::uint8_t* ink, const std::uint8_t* coverage) = 0;
+    virtual void blendedRun(int y, int left, int right, const std::uint8_t* ink, const std::uint8_t* alpha) = 0;
 
     PageBitmap& m_page;
     const RasterOperation m_operation;
     const bool m_sourceTransparent;
     const bool m_patternTransparent;
+    const std::uint8_t m_opacity;
     const std::shared_ptr<const DeviceTexture> m_textureOwner;
     const DeviceTexture& m_texture;
 

@@ -10,6 +10,7 @@
 namespace quillrip {
 
 class ClipRegion;
+class ColorSource;
 
 /// A pattern tile in device pixels. Mono tiles hold one byte a pixel, 1 = ink (the texture's colour) and 0 = white;
 /// colour tiles hold their own colours, three bytes a pixel, 255 = light.
@@ -29,6 +30,9 @@ struct PatternTile {
 struct Texture {
     Rgb color; ///< solid, or the ink of a mono tile
     std::shared_ptr<const PatternTile> tile; ///< null: solid
+    /// A colour and alpha for every device pixel; then neither colour nor tile count, and no pixel of it is white to
+    /// patternTransparent.
+    std::shared_ptr<const ColorSource> colors;
     int originX = 0; ///< device pixel where the tile's first column falls
     int originY = 0; ///< device pixel where the tile's first row falls
 };
@@ -40,12 +44,15 @@ struct Texture {
 ///   S white and sourceTransparent                              -> D
 ///   S not white, T's tile pixel white and patternTransparent   -> D
 ///   else bit by bit (rop >> (4 T + 2 S + D)) & 1, white = 1.
-/// Coverage mixes that result with D.
+/// Coverage, opacity and the texture's own alpha, multiplied, mix that result with D in grey and RGB. On a bilevel page
+/// opacity and alpha are screened together with the tone, so that a mark on white or black paper looks as its mixed
+/// tone would, and all that is opaque stays crisp.
 struct PaintState {
     std::uint8_t rop = rop::kTextureOrSource;
     bool sourceTransparent = true;
     bool patternTransparent = true;
     Texture texture;
+    std::uint8_t opacity = 255; ///< of the whole mark: 0 leaves the page as it is, 255 hides it
     std::shared_ptr<const ClipRegion> clip; ///< null: the whole page
 };
 

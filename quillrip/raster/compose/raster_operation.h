@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 
 namespace quillrip {
@@ -60,6 +61,19 @@ public:
         return static_cast<Word>((destination & keep(source, texture)) ^ flip(source, texture));
     }
 
+    /// The same for many bytes: result[i] from source[i], texture[i] and page[i]. `result` may be `page`.
+    void applyBytes(const std::uint8_t* source, const std::uint8_t* texture, const std::uint8_t* page,
+        std::uint8_t* result, std::size_t count) const
+    {
+        const Bytes flips(m_flip);
+        const Bytes keeps(m_keep);
+        for (std::size_t i = 0; i < count; ++i) {
+            const std::uint8_t s = source[i];
+            const std::uint8_t t = texture[i];
+            result[i] = static_cast<std::uint8_t>((page[i] & keeps.at(s, t)) ^ flips.at(s, t));
+        }
+    }
+
 private:
     struct Sum {
         std::uint64_t one = 0;
@@ -80,6 +94,23 @@ private:
         template <typename Word> Word at(Word s, Word t) const
         {
             return static_cast<Word>(one ^ (source & s) ^ (texture & t) ^ (both & s & t));
+        }
+    };
+
+    /// A sum in bytes, which the compiler handles many at a time.
+    struct Bytes {
+        std::uint8_t one, source, texture, both;
+
+        explicit Bytes(const Sum& sum)
+            : one(static_cast<std::uint8_t>(sum.one))
+            , source(static_cast<std::uint8_t>(sum.source))
+            , texture(static_cast<std::uint8_t>(sum.texture))
+            , both(static_cast<std::uint8_t>(sum.both))
+        {
+        }
+        std::uint8_t at(std::uint8_t s, std::uint8_t t) const
+        {
+            return static_cast<std::uint8_t>(one ^ (source & s) ^ (texture & t) ^ (both & s & t));
         }
     };
 

@@ -20,7 +20,9 @@ public:
         , m_compositor(std::move(compositor))
         , m_isMono(image.format == ImageFormat::Mono)
         , m_isBilevelPage(m_compositor->format() == PixelFormat::Bilevel)
-        , m_channels(!m_isMono && m_compositor->format() == PixelFormat::Rgb24 ? 3 : 1)
+        , m_hasAlpha(image.format == ImageFormat::Rgba32)
+        , m_inkChannels(!m_isMono && m_compositor->format() == PixelFormat::Rgb24 ? 3 : 1)
+        , m_channels(m_inkChannels + (m_hasAlpha ? 1 : 0))
         , m_rowBytes(static_cast<std::size_t>(image.width) * m_channels)
         , m_mostRows(std::min(kMostBytes / m_rowBytes, static_cast<std::size_t>(INT32_MAX)))
     {
@@ -33,8 +35,11 @@ public:
         if (m_rows >= m_mostRows)
             return;
         m_ink.resize((m_rows + 1) * m_rowBytes);
-        convertRow(
-            pixels, m_image.format, m_image.width, static_cast<int>(m_channels), m_ink.data() + m_rows * m_rowBytes);
+        std::uint8_t* ink = m_ink.data() + m_rows * m_rowBytes;
+        const int inkChannels = static_cast<int>(m_inkChannels);
+        convertRow(pixels, m_image.format, m_image.width, inkChannels, ink);
+        if (m_hasAlpha)
+            interleaveAlpha(ink, m_image.width, inkChannels, pixels + 3, 4);
         ++m_rows;
     }
 
@@ -51,9 +56,10 @@ public:
         if (m_rows == 0 || box.empty())
             return;
         const double reach = std::max(std::hypot(toSource.a, toSource.b), std::hypot(toSource.c, toSource.d));
-        const int fewest = m_isBilevelPage ? 1 : 2;
-        m_samples = std::clamp(static_cast<int>(std::ceil(std::min(reach, 1.0 * kMostSamples))), fewest, kMostSamples);
-        m_line.resize(static_cast<std::size_t>(box.width()) * m_channels);
+        const int fewest = m_isBilevelPage || m_image.dropsPixels ? 1 : 2;
+        const int most = m_image.dropsPixels ? 1 : kMostSamples;
+        m_samples = std::clamp(static_cast<int>(std::ceil(std::min(reach, 1.0 * most))), fewest, most);
+        m_line.resize(static_cast<std::size_t>(box.width()) * m_inkChannels);
         m_coverage.resize(static_cast<std::size_t>(box.width()));
         for (int y = box.top; y < box.bottom; ++y)
             paintRow(y, box, toSource);
@@ -91,7 +97,7 @@ private:
         int last = box.left - 1;
         for (int x = box.left; x < box.right; ++x) {
             const auto at = static_cast<std::size_t>(x - box.left);
-            samplePixel(x, y, toSource, m_line.data() + at * m_channels, m_coverage[at]);
+            samplePixel(x, y, toSource, m_line.data() + at * m_inkChannels, m_coverage[at]);
             if (m_coverage[at] != 0) {
                 first = std::min(first, x);
                 last = x;
@@ -101,9 +107,11 @@ private:
             return;
         const auto offset = static_cast<std::size_t>(first - box.left);
         const int count = last - first + 1;
+        const std::uint8_t* ink = m_line.data() + offset * m_inkChannels;
+        if (m_hasAlpha)
+            return m_compositor->blended(y, first, ink, m_coverage.data() + offset, count);
         if (!m_isMono)
-            return m_compositor->colors(
-                y, first, m_line.data() + offset * m_channels, m_coverage.data() + offset, count);
+            return m_compositor->colors(y, first, ink, m_coverage.data() + offset, count);
         // Bilevel ink is a mask; an opaque one whitens the rest of its box, which only whole pixels can say.
         if (!m_compositor->isSourceTransparent()) {
             for (int x = first; x <= last; ++x) {
@@ -118,7 +126,7 @@ private:
     /// The ink in a device pixel and how much of the pixel the image takes.
     void samplePixel(int x, int y, const Matrix& toSource, std::uint8_t* ink, std::uint8_t& coverage) const
     {
-        float sums[3] = {};
+        float sums[4] = {};
         int inside = 0;
         int counted = 0;
         for (int j = 0; j < m_samples; ++j) {
@@ -136,6 +144,14 @@ private:
             const float share = sums[0] / static_cast<float>(samples);
             ink[0] = m_isBilevelPage ? (sums[0] > 0 ? 255 : 0) : static_cast<std::uint8_t>(share + 0.5F);
             coverage = inside * 2 >= samples || sums[0] > 0 ? 255 : 0;
+            return;
+        }
+        if (m_hasAlpha) {
+            const float alpha = sums[m_inkChannels];
+            const float whole = alpha > 0 ? 255 / alpha : 0;
+            coverage = static_cast<std::uint8_t>(alpha / static_cast<float>(samples) + 0.5F);
+            for (std::size_t channel = 0; channel < m_inkChannels; ++channel)
+                ink[channel] = static_cast<std::uint8_t>(std::min(sums[channel] * whole + 0.5F, 255.0F));
             return;
         }
         const int share = m_compositor->isSourceTransparent() ? counted : inside;
@@ -184,6 +200,8 @@ private:
     std::unique_ptr<Compositor> m_compositor;
     bool m_isMono;
     bool m_isBilevelPage;
+    bool m_hasAlpha; ///< behind the ink of every pixel, which is multiplied by it
+    std::size_t m_inkChannels;
     std::size_t m_channels;
     std::size_t m_rowBytes;
     std::size_t m_mostRows;

@@ -35,7 +35,17 @@ void setVisible(ImageAxis& axis, std::int64_t count, bool isCountKnown, int clip
 std::size_t rowBytes(ImageFormat format, int width)
 {
     const auto pixels = static_cast<std::size_t>(width);
-    return format == ImageFormat::Mono ? (pixels + 7) / 8 : format == ImageFormat::Gray8 ? pixels : 3 * pixels;
+    switch (format) {
+    case ImageFormat::Mono:
+        return (pixels + 7) / 8;
+    case ImageFormat::Gray8:
+        return pixels;
+    case ImageFormat::Rgb24:
+        return 3 * pixels;
+    case ImageFormat::Rgba32:
+        break;
+    }
+    return 4 * pixels;
 }
 
 } // namespace
@@ -55,6 +65,7 @@ bool AlignedGeometry::find(
     aligned.width = image.width;
     aligned.height = image.height;
     aligned.smooth = image.smooth;
+    aligned.dropsPixels = image.dropsPixels;
     aligned.isTurned = !isUpright;
     ImageAxis& columns = aligned.columns;
     ImageAxis& lines = aligned.lines;
@@ -103,11 +114,12 @@ void AlignedImage::row(const std::uint8_t* pixels)
 
 void AlignedImage::blankRows(int count)
 {
+    const bool isMono = m_geometry.format == ImageFormat::Mono;
+    const bool hasAlpha = m_geometry.format == ImageFormat::Rgba32;
     if (m_blank.empty()) {
-        const bool isMono = m_geometry.format == ImageFormat::Mono;
-        m_blank.assign(rowBytes(m_geometry.format, m_geometry.width), isMono ? 0 : 255);
+        m_blank.assign(rowBytes(m_geometry.format, m_geometry.width), isMono || hasAlpha ? 0 : 255);
     }
-    feed(m_blank.data(), count, true);
+    feed(m_blank.data(), count, !hasAlpha);
 }
 
 void AlignedImage::finish()

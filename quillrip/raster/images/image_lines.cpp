@@ -25,6 +25,10 @@ public:
     {
         m_compositor.colors(line, left, ink, coverage, count);
     }
+    void blended(int line, int left, const std::uint8_t* ink, const std::uint8_t* alpha, int count) override
+    {
+        m_compositor.blended(line, left, ink, alpha, count);
+    }
     void white(int first, int end, int left, int right) override
     {
         for (int line = first; line < end; ++line)
@@ -65,6 +69,12 @@ public:
         if (coverage)
             std::memcpy(m_coverage.data() + slot(line) * columns(), coverage, static_cast<std::size_t>(count));
     }
+    void blended(int line, int left, const std::uint8_t* ink, const std::uint8_t* alpha, int count) override
+    {
+        std::uint8_t* to = begin(Kind::Blended, line, left, count, m_channels, true);
+        std::memcpy(to, ink, static_cast<std::size_t>(count) * m_channels);
+        std::memcpy(m_coverage.data() + slot(line) * columns(), alpha, static_cast<std::size_t>(count));
+    }
     void white(int first, int end, int left, int right) override
     {
         finish();
@@ -80,7 +90,7 @@ public:
     }
 
 private:
-    enum class Kind { Bits, Coverage, Colors };
+    enum class Kind { Bits, Coverage, Colors, Blended };
     static constexpr int kMostLines = 64;
 
     std::size_t columns() const { return static_cast<std::size_t>(m_count); }
@@ -111,13 +121,14 @@ private:
     void paint()
     {
         const int lines = m_end - m_first;
+        const bool hasColors = m_kind == Kind::Colors || m_kind == Kind::Blended;
         std::uint8_t across[kMostLines * 3] = {};
         std::uint8_t coverage[kMostLines] = {};
         for (std::size_t column = 0; column < columns(); ++column) {
             const int y = m_left + static_cast<int>(column);
             for (int i = 0; i < lines; ++i) {
                 const std::size_t from = slot(m_first + i) * columns() + column;
-                if (m_kind == Kind::Colors && m_channels == 3)
+                if (hasColors && m_channels == 3)
                     std::memcpy(across + 3 * i, m_pixels.data() + 3 * from, 3);
                 else
                     across[i] = m_pixels[from];
@@ -126,6 +137,8 @@ private:
             }
             if (m_kind == Kind::Colors) {
                 m_compositor.colors(y, m_first, across, m_hasCoverage ? coverage : nullptr, lines);
+            } else if (m_kind == Kind::Blended) {
+                m_compositor.blended(y, m_first, across, coverage, lines);
             } else if (m_kind == Kind::Coverage) {
                 m_compositor.coverage(y, m_first, across, lines, true);
             } else {
@@ -146,7 +159,7 @@ private:
     int m_count = 0;
     bool m_hasCoverage = false;
     std::vector<std::uint8_t> m_pixels;
-    std::vector<std::uint8_t> m_coverage;
+    std::vector<std::uint8_t> m_coverage; ///< or alpha
 };
 
 } // namespace

@@ -19,6 +19,8 @@ public:
     virtual void coverage(int line, int left, const std::uint8_t* coverage, int count) = 0;
     /// As Compositor::colors().
     virtual void colors(int line, int left, const std::uint8_t* ink, const std::uint8_t* coverage, int count) = 0;
+    /// As Compositor::blended().
+    virtual void blended(int line, int left, const std::uint8_t* ink, const std::uint8_t* alpha, int count) = 0;
     /// White lines first <= line < end.
     virtual void white(int first, int end, int left, int right) = 0;
     virtual void finish() { }

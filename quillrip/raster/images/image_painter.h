@@ -11,6 +11,9 @@ enum class ImageFormat : std::uint8_t {
     Mono, ///< packed, first pixel in the highest bit, 1 = ink: a black source that takes the texture
     Gray8, ///< one byte a pixel, 255 = light
     Rgb24, ///< three bytes a pixel, 255 = light
+    /// Four bytes a pixel: red, green, blue, not multiplied by the alpha that follows (255 hides the page). Alpha alone
+    /// says what of it is transparent, whatever PaintState::sourceTransparent says.
+    Rgba32,
 };
 
 struct ImageGeometry {
@@ -22,6 +25,8 @@ struct ImageGeometry {
     Matrix imageToDevice;
     /// In grey and RGB, enlarge smoothly instead of by blocks when the scale is no whole number.
     bool smooth = false;
+    /// Shrink by leaving pixels out, as they lie under the device's, instead of averaging. Not for Mono.
+    bool dropsPixels = false;
 };
 
 /// Rows in, marks out; no image is held whole while its rows run along the device's axes.
@@ -30,7 +35,7 @@ public:
     virtual ~ImagePainter() = default;
     /// The next source row, whole (ceil(width * bits / 8) bytes). Rows beyond `height` are ignored.
     virtual void row(const std::uint8_t* pixels) = 0;
-    /// `count` rows all white (no source at all where the source is transparent).
+    /// `count` rows all white (no source at all where the source is transparent, or has alpha).
     virtual void blankRows(int count) = 0;
     /// No more rows: paints what is still held back. Must be called once.
     virtual void finish() = 0;

@@ -14,10 +14,10 @@ enum class Resampling {
     Linear, ///< between the two nearest source pixels
 };
 
-Resampling resamplingFor(const ImageAxis& axis, bool smooth)
+Resampling resamplingFor(const ImageAxis& axis, bool smooth, bool dropsPixels)
 {
     if (axis.shrinks())
-        return Resampling::Average;
+        return dropsPixels ? Resampling::Blocks : Resampling::Average;
     return smooth && !axis.isWhole() ? Resampling::Linear : Resampling::Blocks;
 }
 
@@ -114,13 +114,14 @@ public:
     ToneImage(const AlignedGeometry& aligned, std::unique_ptr<Compositor> owned)
         : AlignedImage(aligned, std::move(owned))
         , m_isMono(aligned.format == ImageFormat::Mono)
+        , m_isBlended(aligned.format == ImageFormat::Rgba32)
         , m_inkChannels(!m_isMono && compositor().format() == PixelFormat::Rgb24 ? 3 : 1)
-        , m_columnWay(resamplingFor(aligned.columns, aligned.smooth))
-        , m_lineWay(resamplingFor(aligned.lines, aligned.smooth))
+        , m_columnWay(resamplingFor(aligned.columns, aligned.smooth, aligned.dropsPixels))
+        , m_lineWay(resamplingFor(aligned.lines, aligned.smooth, aligned.dropsPixels))
         , m_isAllBlocks(m_columnWay == Resampling::Blocks && m_lineWay == Resampling::Blocks)
         // Where pixels are mixed, those of a transparent source's white leave a part of the page as it is.
-        , m_hasAlpha(!m_isMono && !m_isAllBlocks && compositor().isSourceTransparent()
-              && compositor().format() != PixelFormat::Bilevel)
+        , m_hasAlpha(!m_isMono && !m_isAllBlocks
+              && (m_isBlended || (compositor().isSourceTransparent() && compositor().format() != PixelFormat::Bilevel)))
         , m_channels(m_inkChannels + (m_hasAlpha ? 1 : 0))
         , m_scaler(aligned.columns, aligned.width, m_columnWay, m_channels)
         , m_ink(static_cast<std::size_t>(aligned.width) * static_cast<std::size_t>(m_channels))
@@ -145,7 +146,9 @@ private:
             return addBlocks(pixels, index, count, isBlank);
         m_current.swap(m_previous);
         convertRow(pixels, geometry().format, geometry().width, m_inkChannels, m_ink.data());
-        if (m_hasAlpha)
+        if (m_hasAlpha && m_isBlended)
+            interleaveAlpha(m_ink.data(), geometry().width, m_inkChannels, pixels + 3, 4);
+        else if (m_hasAlpha)
             addAlpha();
         m_scaler.scale(m_ink.data(), m_current.data());
         switch (m_lineWay) {
@@ -185,21 +188,33 @@ private:
         convertRow(pixels, geometry().format, geometry().width, m_inkChannels, m_ink.data());
         const auto channels = static_cast<std::size_t>(m_inkChannels);
         const std::uint8_t* line = m_line.data();
+        if (m_isBlended) {
+            std::uint8_t* to = m_alpha.data();
+            for (const std::size_t from : blockColumns())
+                *to++ = pixels[4 * from + 3];
+        }
         if (columns.isIdentity()) {
             line = m_ink.data() + static_cast<std::size_t>(columns.visibleBegin - columns.start(0)) * channels;
         } else {
-            if (m_blocks.empty()) {
-                for (int column = columns.visibleBegin; column < columns.visibleEnd; ++column)
-                    m_blocks.push_back(static_cast<std::size_t>(columns.blockAt(column)) * channels);
-            }
             std::uint8_t* to = m_line.data();
-            for (const std::size_t from : m_blocks) {
+            for (const std::size_t from : blockColumns()) {
                 for (std::size_t channel = 0; channel < channels; ++channel)
-                    *to++ = m_ink[from + channel];
+                    *to++ = m_ink[from * channels + channel];
             }
         }
         for (std::int64_t at = begin; at < end; ++at)
-            emitBytes(at, line, nullptr);
+            emitBytes(at, line, m_isBlended ? m_alpha.data() : nullptr);
+    }
+
+    /// The source pixel of each visible column.
+    const std::vector<std::size_t>& blockColumns()
+    {
+        const ImageAxis& columns = geometry().columns;
+        if (m_blocks.empty()) {
+            for (int column = columns.visibleBegin; column < columns.visibleEnd; ++column)
+                m_blocks.push_back(static_cast<std::size_t>(columns.blockAt(column)));
+        }
+        return m_blocks;
     }
 
     /// White has no ink, so the ink of mixed pixels is that of the others already; only their number is missing.
@@ -309,13 +324,16 @@ private:
     void emitBytes(std::int64_t line, const std::uint8_t* bytes, const std::uint8_t* coverage)
     {
         const ImageAxis& columns = geometry().columns;
-        if (m_isMono)
+        if (m_isBlended)
+            lines().blended(deviceLine(line), columns.visibleBegin, bytes, coverage, columns.visible());
+        else if (m_isMono)
             lines().coverage(deviceLine(line), columns.visibleBegin, bytes, columns.visible());
         else
             lines().colors(deviceLine(line), columns.visibleBegin, bytes, coverage, columns.visible());
     }
 
     bool m_isMono;
+    bool m_isBlended; ///< with an alpha of its own
     int m_inkChannels;
     Resampling m_columnWay;
     Resampling m_lineWay;
@@ -323,7 +341,7 @@ private:
     bool m_hasAlpha;
     int m_channels; ///< with alpha
     ColumnScaler m_scaler;
-    std::vector<std::size_t> m_blocks; ///< where in m_ink each column's pixel is
+    std::vector<std::size_t> m_blocks;
     std::vector<std::uint8_t> m_ink; ///< the source row
     std::vector<std::uint8_t> m_line;
     std::vector<std::uint8_t> m_alpha;

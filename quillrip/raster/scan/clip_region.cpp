@@ -1,5 +1,6 @@
 #include "quillrip/raster/scan/clip_region.h"
 
+#include "quillrip/raster/compose/bit_words.h"
 #include "quillrip/raster/scan/bilevel_scan.h"
 
 #include <algorithm>
@@ -9,6 +10,14 @@ namespace quillrip {
 namespace {
 
 constexpr PixelRect kNothing { 0, 0, 0, 0 };
+
+PixelRect boundsOfBoth(const PixelRect& a, const PixelRect& b)
+{
+    if (a.empty() || b.empty())
+        return a.empty() ? b : a;
+    return { std::min(a.left, b.left), std::min(a.top, b.top), std::max(a.right, b.right),
+        std::max(a.bottom, b.bottom) };
+}
 
 } // namespace
 
@@ -116,6 +125,121 @@ std::shared_ptr<const ClipRegion> ClipRegion::complement(const PixelRect& bounds
         builder.span(y, left, bounds.right);
     }
     return builder.finish();
+}
+
+std::shared_ptr<const ClipRegion> ClipRegion::ofBits(
+    const std::uint8_t* bits, std::size_t stride, const PixelRect& bounds)
+{
+    if (bounds.empty())
+        return ofRect(kNothing);
+    Builder builder(bounds);
+    for (int y = bounds.top; y < bounds.bottom; ++y, bits += stride) {
+        const BitRow row(bits, bounds.width());
+        int runStart = -1;
+        for (int x = 0; x < bounds.width(); x += 64) {
+            const std::uint64_t word = row.wordAt(x);
+            if (word == (runStart < 0 ? 0 : kAllBits))
+                continue;
+            for (int i = 0; i < std::min(64, bounds.width() - x); ++i) {
+                const bool isIn = (word >> (63 - i) & 1) != 0;
+                if (isIn && runStart < 0) {
+                    runStart = x + i;
+                } else if (!isIn && runStart >= 0) {
+                    builder.span(y, bounds.left + runStart, bounds.left + x + i);
+                    runStart = -1;
+                }
+            }
+        }
+        if (runStart >= 0)
+            builder.span(y, bounds.left + runStart, bounds.right);
+    }
+    return builder.finish();
+}
+
+std::pair<const ClipRegion::Run*, const ClipRegion::Run*> ClipRegion::runsAt(int y, Run& whole) const
+{
+    if (y < m_bounds.top || y >= m_bounds.bottom)
+        return { nullptr, nullptr };
+    if (!isRect())
+        return { begin(y), end(y) };
+    whole = { m_bounds.left, m_bounds.right };
+    return { &whole, &whole + 1 };
+}
+
+template <typename IsIn>
+std::shared_ptr<const ClipRegion> ClipRegion::combined(
+    const ClipRegion& other, const PixelRect& bounds, IsIn isIn) const
+{
+    if (bounds.empty())
+        return ofRect(kNothing);
+    Builder builder(bounds);
+    for (int y = bounds.top; y < bounds.bottom; ++y) {
+        Run wholeA {};
+        Run wholeB {};
+        auto [a, aEnd] = runsAt(y, wholeA);
+        auto [b, bEnd] = other.runsAt(y, wholeB);
+        bool isInA = false;
+        bool isInB = false;
+        int runStart = 0;
+        while (a != aEnd || b != bEnd) {
+            const int nextA = a == aEnd ? INT32_MAX : isInA ? a->right : a->left;
+            const int nextB = b == bEnd ? INT32_MAX : isInB ? b->right : b->left;
+            const int at = std::min(nextA, nextB);
+            const bool wasIn = isIn(isInA, isInB);
+            if (nextA == at) {
+                a += isInA ? 1 : 0;
+                isInA = !isInA;
+            }
+            if (nextB == at) {
+                b += isInB ? 1 : 0;
+                isInB = !isInB;
+            }
+            if (isIn(isInA, isInB) == wasIn)
+                continue;
+            if (wasIn)
+                builder.span(y, runStart, at);
+            runStart = at;
+        }
+    }
+    return builder.finish();
+}
+
+std::shared_ptr<const ClipRegion> ClipRegion::united(const ClipRegion& other) const
+{
+    return combined(other, boundsOfBoth(m_bounds, other.m_bounds), [](bool a, bool b) { return a || b; });
+}
+
+std::shared_ptr<const ClipRegion> ClipRegion::exclusive(const ClipRegion& other) const
+{
+    return combined(other, boundsOfBoth(m_bounds, other.m_bounds), [](bool a, bool b) { return a != b; });
+}
+
+std::shared_ptr<const ClipRegion> ClipRegion::subtracted(const ClipRegion& other) const
+{
+    return combined(other, m_bounds, [](bool a, bool b) { return a && !b; });
+}
+
+std::shared_ptr<const ClipRegion> ClipRegion::moved(int right, int down) const
+{
+    constexpr int farthest = 1 << 24;
+    const auto isNear = [](int at) { return at > -farthest && at < farthest; };
+    if (m_bounds.empty() || !isNear(right) || !isNear(down) || !isNear(m_bounds.left) || !isNear(m_bounds.right)
+        || !isNear(m_bounds.top) || !isNear(m_bounds.bottom))
+        return ofRect(kNothing);
+    auto region = std::make_shared<ClipRegion>(*this);
+    region->m_bounds = { m_bounds.left + right, m_bounds.top + down, m_bounds.right + right, m_bounds.bottom + down };
+    for (Run& run : region->m_runs) {
+        run.left += right;
+        run.right += right;
+    }
+    return region;
+}
+
+bool ClipRegion::contains(int x, int y) const
+{
+    Run whole {};
+    const auto [run, last] = runsAt(y, whole);
+    return std::any_of(run, last, [x](const Run& candidate) { return x >= candidate.left && x < candidate.right; });
 }
 
 const ClipRegion::Run* ClipRegion::begin(int y) const

@@ -3,7 +3,10 @@
 #include "quillrip/base/geometry.h"
 #include "quillrip/raster/paths/path.h"
 
+#include <cstddef>
+#include <cstdint>
 #include <memory>
+#include <utility>
 #include <vector>
 
 namespace quillrip {
@@ -23,9 +26,24 @@ public:
     /// The pixels whose centres lie inside the path, within `bounds`.
     static std::shared_ptr<const ClipRegion> ofPath(const Path& devicePath, FillRule rule, const PixelRect& bounds);
 
+    /// The pixels whose bits are 1: rows of `stride` bytes, the first pixel in the highest bit, for the pixels of
+    /// `bounds` from its upper left corner on.
+    static std::shared_ptr<const ClipRegion> ofBits(
+        const std::uint8_t* bits, std::size_t stride, const PixelRect& bounds);
+
     std::shared_ptr<const ClipRegion> intersected(const ClipRegion& other) const;
     /// The pixels of `bounds` that are not in this region.
     std::shared_ptr<const ClipRegion> complement(const PixelRect& bounds) const;
+
+    /// The pixels of either.
+    std::shared_ptr<const ClipRegion> united(const ClipRegion& other) const;
+    /// The pixels of one of them alone.
+    std::shared_ptr<const ClipRegion> exclusive(const ClipRegion& other) const;
+    /// The pixels of this region that are not in the other.
+    std::shared_ptr<const ClipRegion> subtracted(const ClipRegion& other) const;
+    /// Moved by whole pixels. What comes to lie beyond any page is lost.
+    std::shared_ptr<const ClipRegion> moved(int right, int down) const;
+    bool contains(int x, int y) const;
 
     const PixelRect& bounds() const { return m_bounds; }
     bool isRect() const { return m_rowStarts.empty(); }
@@ -35,6 +53,11 @@ public:
 
 private:
     class Builder;
+    /// Calls isIn(in this, in the other) for what lies between the ends of both regions' runs.
+    template <typename IsIn>
+    std::shared_ptr<const ClipRegion> combined(const ClipRegion& other, const PixelRect& bounds, IsIn isIn) const;
+    /// The runs of any row, also of rectangles and outside the bounds. `whole` is room for a rectangle's.
+    std::pair<const Run*, const Run*> runsAt(int y, Run& whole) const;
 
     PixelRect m_bounds;
     std::vector<std::size_t> m_rowStarts; ///< height + 1 indices into m_runs
