@@ -100,15 +100,8 @@ private:
         else
             m_pcl.emplace(m_device, m_diagnostics, m_limits, m_fonts, environment);
         m_isPclOpen = true;
-        switch (m_pcl->run(m_input)) {
-        case pcl::Interpreter::End::InputEnded:
+        if (m_pcl->run(m_input) != pcl::Interpreter::End::Failed)
             return RunStatus::Done;
-        case pcl::Interpreter::End::UniversalExit:
-            m_reader.universalExitTaken();
-            return RunStatus::Done;
-        case pcl::Interpreter::End::Failed:
-            break;
-        }
         const RunStatus status = m_pcl->status();
         if (status == RunStatus::Damaged) {
             m_isPclOpen = false;

@@ -1,6 +1,7 @@
 #include "quillrip/job/pass_through.h"
 
 #include "quillrip/base/input_stream.h"
+#include "quillrip/stream/content.h"
 
 namespace quillrip {
 
@@ -36,11 +37,12 @@ RunStatus PassThrough::data(ByteView bytes)
         return RunStatus::Done;
     MemoryInputStream input(bytes);
     while (!input.atEnd()) {
-        const std::uint64_t before = input.offset();
-        if (m_interpreter->run(input) == pcl::Interpreter::End::Failed)
+        const pcl::Interpreter::End end = m_interpreter->run(input);
+        if (end == pcl::Interpreter::End::Failed)
             return m_interpreter->status();
-        if (input.offset() == before)
-            break;
+        // There is no job language to go back to.
+        if (end == pcl::Interpreter::End::UniversalExit)
+            input.skip(stream::kUniversalExitLength);
     }
     return RunStatus::Done;
 }

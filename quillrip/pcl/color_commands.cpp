@@ -1,4 +1,7 @@
+#include "quillrip/pcl/command_handlers.h"
+#include "quillrip/pcl/error_state.h"
 #include "quillrip/pcl/machine.h"
+#include "quillrip/pcl/state.h"
 
 #include <algorithm>
 
@@ -11,125 +14,126 @@ bool isInkjetResolution(double resolution) { return resolution == 90 || resoluti
 
 } // namespace
 
-Rgb Machine::shown(Rgb color) const
+void setSimpleColor(Machine& machine, const Command& command)
 {
-    if (!m_state.isMonochrome)
-        return color;
-    const std::uint8_t light = luminance(color);
-    return { light, light, light };
-}
-
-void Machine::setSimpleColor(const Command& command)
-{
+    State& state = machine.state();
     if (auto palette = Palette::simple(command.value.integer())) {
-        m_state.palettes.replaceActive(std::move(*palette));
-        m_state.raster.componentData.clear();
+        state.palettes.replaceActive(std::move(*palette));
+        state.raster.componentData.clear();
     }
 }
 
-void Machine::configureImageData(const Command& command)
+void configureImageData(Machine& machine, const Command& command)
 {
+    State& state = machine.state();
     const auto model = ColorModel::parse(command.data);
     if (!model) {
-        warn("pcl.image-data", "image data configured in a way that is not defined, skipped");
+        machine.errors().warn("pcl.image-data", "image data configured in a way that is not defined, skipped");
         return;
     }
-    m_state.palettes.replaceActive(Palette::forModel(*model));
-    m_state.raster.componentData.clear();
+    state.palettes.replaceActive(Palette::forModel(*model));
+    state.raster.componentData.clear();
 }
 
-void Machine::setColorComponent(const Command& command)
+void setColorComponent(Machine& machine, const Command& command)
 {
-    m_state.colorComponents[static_cast<std::size_t>(command.terminator - 'A')]
+    machine.state().colorComponents[static_cast<std::size_t>(command.terminator - 'A')]
         = std::clamp(command.value.number, -32767.0, 32767.0);
 }
 
-void Machine::assignColor(const Command& command)
+void assignColor(Machine& machine, const Command& command)
 {
+    State& state = machine.state();
     const int index = command.value.integer();
-    if (index >= 0 && static_cast<std::size_t>(index) < m_state.palettes.active().size()
-        && isInkjetResolution(m_state.raster.resolution) && m_state.palettes.active().isFixed()) {
+    if (index >= 0 && static_cast<std::size_t>(index) < state.palettes.active().size()
+        && isInkjetResolution(state.raster.resolution) && state.palettes.active().isFixed()) {
         // The colour ink-jets of 180 dpi let the palette of their three planes be programmed.
-        m_state.palettes.edit().setReflectance(static_cast<std::size_t>(index), m_state.colorComponents);
-        m_state.colorComponents = { 0, 0, 0 };
+        state.palettes.edit().setReflectance(static_cast<std::size_t>(index), state.colorComponents);
+        state.colorComponents = { 0, 0, 0 };
         return;
     }
-    const Palette& active = m_state.palettes.active();
+    const Palette& active = state.palettes.active();
     if (index >= 0 && static_cast<std::size_t>(index) < active.size() && !active.isFixed())
-        m_state.palettes.edit().setComponents(static_cast<std::size_t>(index), m_state.colorComponents);
-    m_state.colorComponents = { 0, 0, 0 };
+        state.palettes.edit().setComponents(static_cast<std::size_t>(index), state.colorComponents);
+    state.colorComponents = { 0, 0, 0 };
 }
 
-void Machine::setForeground(const Command& command)
+void setForeground(Machine& machine, const Command& command)
 {
+    State& state = machine.state();
     if (command.value.number >= 0)
-        m_state.foreground = m_state.palettes.active().color(static_cast<std::size_t>(command.value.integer()));
+        state.foreground = state.palettes.active().color(static_cast<std::size_t>(command.value.integer()));
 }
 
-void Machine::pushOrPopPalette(const Command& command)
+void pushOrPopPalette(Machine& machine, const Command& command)
 {
+    State& state = machine.state();
     const int operation = command.value.integer();
     if (operation == 0)
-        m_state.palettes.push(m_limits.stateDepth);
+        state.palettes.push(machine.limits().stateDepth);
     else if (operation == 1)
-        m_state.palettes.pop();
+        state.palettes.pop();
 }
 
-void Machine::selectPalette(const Command& command) { m_state.palettes.select(command.value.integer()); }
-
-void Machine::setPaletteControlId(const Command& command)
+void selectPalette(Machine& machine, const Command& command)
 {
-    m_state.paletteControlId = std::clamp(command.value.integer(), 0, 32767);
+    machine.state().palettes.select(command.value.integer());
 }
 
-void Machine::controlPalettes(const Command& command)
+void setPaletteControlId(Machine& machine, const Command& command)
 {
+    machine.state().paletteControlId = std::clamp(command.value.integer(), 0, 32767);
+}
+
+void controlPalettes(Machine& machine, const Command& command)
+{
+    State& state = machine.state();
     switch (command.value.integer()) {
     case 0:
-        m_state.palettes.removeAll();
+        state.palettes.removeAll();
         break;
     case 1:
-        m_state.palettes.clearStack();
+        state.palettes.clearStack();
         break;
     case 2:
-        m_state.palettes.remove(m_state.paletteControlId);
+        state.palettes.remove(state.paletteControlId);
         break;
     case 6:
-        m_state.palettes.copyActiveTo(m_state.paletteControlId);
+        state.palettes.copyActiveTo(state.paletteControlId);
         break;
     default:
         break;
     }
 }
 
-void Machine::setRenderAlgorithm(const Command& command)
+void setRenderAlgorithm(Machine& machine, const Command& command)
 {
     const int algorithm = command.value.integer();
     if (algorithm >= 0 && algorithm <= 19)
-        m_state.palettes.edit().setRenderAlgorithm(algorithm);
+        machine.state().palettes.edit().setRenderAlgorithm(algorithm);
 }
 
-void Machine::setGamma(const Command& command)
+void setGamma(Machine& machine, const Command& command)
 {
     if (command.value.number >= 0 && command.value.number <= 4)
-        m_state.palettes.edit().setGamma(command.value.number);
+        machine.state().palettes.edit().setGamma(command.value.number);
 }
 
-void Machine::downloadLookup(const Command& command)
+void downloadLookup(Machine& machine, const Command& command)
 {
     const std::shared_ptr<const ColorLookup> lookup = ColorLookup::parse(command.data);
     if (!lookup && !command.data.empty()) {
-        warn("pcl.lookup-table", "colour lookup tables of a wrong size were skipped");
+        machine.errors().warn("pcl.lookup-table", "colour lookup tables of a wrong size were skipped");
         return;
     }
-    m_state.palettes.edit().setLookup(lookup);
+    machine.state().palettes.edit().setLookup(lookup);
 }
 
-void Machine::setMonochrome(const Command& command)
+void setMonochrome(Machine& machine, const Command& command)
 {
     const int mode = command.value.integer();
     if (mode == 0 || mode == 1)
-        m_state.isMonochrome = mode == 1;
+        machine.state().isMonochrome = mode == 1;
 }
 
 } // namespace quillrip::pcl

@@ -22,7 +22,7 @@ class Interpreter {
 public:
     enum class End {
         InputEnded, ///< nothing more to read
-        UniversalExit, ///< ESC%-12345X was taken; what follows belongs to the job control language
+        UniversalExit, ///< the input stands on the ESC of ESC%-12345X
         Failed, ///< status() says why
     };
 
@@ -31,7 +31,7 @@ public:
         const Environment& environment);
     ~Interpreter();
 
-    /// New user defaults, to be called between a universal exit and the next run.
+    /// New user defaults, to be called between two runs.
     void setEnvironment(const Environment& environment);
 
     /// Prints what comes until the input or this stretch of PCL ends. May be called again for the next stretch.

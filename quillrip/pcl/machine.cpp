@@ -1,57 +1,109 @@
 #include "quillrip/pcl/machine.h"
 
-#include <algorithm>
+#include "quillrip/pcl/character_decoder.h"
+#include "quillrip/pcl/command_handlers.h"
+#include "quillrip/pcl/current_raster.h"
+#include "quillrip/pcl/cursor.h"
+#include "quillrip/pcl/error_state.h"
+#include "quillrip/pcl/font_slots.h"
+#include "quillrip/pcl/macro_runner.h"
+#include "quillrip/pcl/page.h"
+#include "quillrip/pcl/pattern_cache.h"
+#include "quillrip/pcl/plot_host.h"
+#include "quillrip/pcl/plot_visit.h"
+#include "quillrip/pcl/print_model.h"
+#include "quillrip/pcl/text_printer.h"
+#include "quillrip/pcl/tokenizer.h"
+#include "quillrip/pcl/underline_run.h"
+
+#include <cstddef>
 
 namespace quillrip::pcl {
 
 namespace {
 
-constexpr double kUniversalExitValue = -12345;
+constexpr std::uint8_t kEndOfFile = 0x1A; ///< of older systems
 
 } // namespace
 
+/// In the order in which they need each other.
+struct Machine::Rooms {
+    Rooms(Machine& machine, PageDevice& device, DiagnosticSink& sink, FontLibrary& library)
+        : errors(sink)
+        , page(device, machine.m_limits, machine.m_state, errors)
+        , patterns(machine.m_limits)
+        , printModel(machine.m_state, page, patterns)
+        , underline(machine.m_state, page, printModel)
+        , cursor(machine.m_state, machine.m_environment, underline, [&machine] { machine.ejectPage(true); })
+        , fonts(library, machine.m_state, machine.m_environment)
+        , text({ machine.m_state, fonts, cursor, page, printModel, underline })
+        , visit(machine.m_state, page, cursor)
+        , raster({ machine.m_state, page, cursor, printModel, visit, errors })
+        , macros(machine.m_limits, errors, page, [&machine](InputStream& stream) { machine.interpretMacro(stream); })
+        , plot({ machine.m_state, page, cursor, fonts, patterns, printModel, errors, machine.m_limits })
+    {
+    }
+
+    ErrorState errors;
+    Page page;
+    PatternCache patterns;
+    PrintModel printModel;
+    UnderlineRun underline;
+    Cursor cursor;
+    FontSlots fonts;
+    TextPrinter text;
+    DisplayFunctions displayFunctions;
+    PlotVisit visit;
+    CurrentRaster raster;
+    MacroRunner macros;
+    PlotHost plot;
+};
+
 Machine::Machine(
     PageDevice& device, DiagnosticSink& sink, const Limits& limits, FontLibrary& fonts, const Environment& environment)
-    : m_device(device)
-    , m_sink(sink)
-    , m_limits(limits)
-    , m_fonts(fonts)
+    : m_limits(limits)
     , m_environment(environment)
-    , m_patterns(limits.patternBytes)
+    , m_rooms(std::make_unique<Rooms>(*this, device, sink, fonts))
 {
     m_state = userDefaults();
-    home();
+    cursor().home();
 }
 
 Machine::~Machine() = default;
 
-void Machine::warn(const char* kind, std::string message)
-{
-    m_sink.report({ Severity::Warning, m_offset, kind, std::move(message) });
-}
+ErrorState& Machine::errors() { return m_rooms->errors; }
+Page& Machine::page() { return m_rooms->page; }
+Cursor& Machine::cursor() { return m_rooms->cursor; }
+UnderlineRun& Machine::underline() { return m_rooms->underline; }
+FontSlots& Machine::fonts() { return m_rooms->fonts; }
+TextPrinter& Machine::text() { return m_rooms->text; }
+DisplayFunctions& Machine::displayFunctions() { return m_rooms->displayFunctions; }
+PatternCache& Machine::patterns() { return m_rooms->patterns; }
+PrintModel& Machine::printModel() { return m_rooms->printModel; }
+CurrentRaster& Machine::raster() { return m_rooms->raster; }
+MacroRunner& Machine::macros() { return m_rooms->macros; }
+PlotHost& Machine::plot() { return m_rooms->plot; }
+PlotVisit& Machine::visit() { return m_rooms->visit; }
 
-void Machine::damage(const char* kind, std::string message)
-{
-    m_sink.report({ Severity::Damage, m_offset, kind, std::move(message) });
-}
+RunStatus Machine::status() const { return m_rooms->errors.status(); }
 
 void Machine::setEnvironment(const Environment& environment)
 {
     m_environment = environment;
     // The exit that came before has just reset everything, to defaults that are now others.
-    if (!m_pageIsOpen) {
+    if (!page().isOpen()) {
         m_state = userDefaults();
-        geometryChanged();
-        home();
+        page().geometryChanged();
+        cursor().home();
     }
 }
 
-State Machine::userDefaults() const
+State Machine::userDefaults()
 {
     State state = defaultState(m_environment);
     if (m_environment.fontNumber <= 0)
         return state;
-    const std::vector<std::shared_ptr<const Typeface>> faces = m_fonts.builtInFaces();
+    const std::vector<std::shared_ptr<const Typeface>> faces = fonts().library().builtInFaces();
     const auto number = static_cast<std::size_t>(m_environment.fontNumber);
     if (number > faces.size())
         return state;
@@ -69,7 +121,6 @@ State Machine::userDefaults() const
 
 Interpreter::End Machine::run(InputStream& input)
 {
-    m_sawUniversalExit = false;
     if (m_isAtStart) {
         m_isAtStart = false;
         const ByteView start = input.window(3);
@@ -77,110 +128,93 @@ Interpreter::End Machine::run(InputStream& input)
             input.skip(3); // a byte order mark is nothing to print
     }
     Tokenizer tokenizer { input };
-    switch (interpret(tokenizer)) {
-    case Flow::UniversalExit:
-        return failed() ? Interpreter::End::Failed : Interpreter::End::UniversalExit;
-    case Flow::Failed:
-        return Interpreter::End::Failed;
-    default:
-        break;
+    const Interpreter::End end = interpret(tokenizer);
+    if (end != Interpreter::End::Failed) {
+        if (macros().isRecording())
+            macros().stopRecording(tokenizer);
+        if (end == Interpreter::End::UniversalExit)
+            reset();
     }
-    if (m_isRecording)
-        stopRecording(tokenizer);
-    return failed() ? Interpreter::End::Failed : Interpreter::End::InputEnded;
+    return errors().failed() ? Interpreter::End::Failed : end;
 }
 
 RunStatus Machine::finish()
 {
-    if (failed())
-        return m_status;
-    finishRaster();
+    if (errors().failed())
+        return status();
+    raster().finish();
     ejectPage(false);
-    return m_status;
+    return status();
 }
 
-Machine::Flow Machine::interpret(Tokenizer& tokenizer)
+Interpreter::End Machine::interpret(Tokenizer& tokenizer)
 {
-    while (!failed()) {
-        if (m_replay.isRunning() && !m_replay.mayGoOn(openPage())) {
-            damage("pcl.macro-drawing", "the job's macros draw more than the limit allows");
-            fail(RunStatus::LimitExceeded);
+    while (!errors().failed()) {
+        if (!macros().mayGoOn())
             break;
-        }
-        if (m_isPlotting && !m_isRecording) {
+        const bool isRecording = macros().isRecording();
+        if (plot().isOn() && !isRecording) {
             if (tokenizer.stream().atEnd())
-                return Flow::Ended;
+                return Interpreter::End::InputEnded;
             runPlot(tokenizer);
             continue;
         }
-        if (m_displaysFunctions && !m_isRecording) {
+        if (displayFunctions().isOn() && !isRecording) {
             if (tokenizer.stream().atEnd())
-                return Flow::Ended;
-            displayByte(tokenizer);
+                return Interpreter::End::InputEnded;
+            printDisplayed(tokenizer);
             continue;
         }
-        if (m_plotterPage && visitHasEnded(tokenizer))
-            return Flow::Ended;
+        if (visit().hasEnded(tokenizer))
+            return Interpreter::End::InputEnded;
         const Token token = tokenizer.next();
-        if (!m_isInMacro)
-            m_offset = token.offset;
+        if (!macros().isPlaying())
+            errors().setOffset(token.offset);
         if (token.kind == Token::Kind::End)
-            return Flow::Ended;
-        if (m_isRecording && !record(tokenizer, token))
+            return Interpreter::End::InputEnded;
+        if (token.kind == Token::Kind::UniversalExit)
+            return Interpreter::End::UniversalExit;
+        if (isRecording) {
+            macros().record(tokenizer, token);
             continue;
-        if (m_plotterPage && token.kind != Token::Kind::Command)
+        }
+        if (visit().isOn() && token.kind != Token::Kind::Command)
             continue; // plotters print no text here, and what stands between commands moves nothing
         switch (token.kind) {
         case Token::Kind::Text:
-            finishRaster();
-            if (token.byte == 0x1A && tokenizer.stream().atEnd())
-                break; // the end-of-file mark of older systems
-            text(token.byte);
+            raster().finish();
+            // In ink-jet raster languages what looks like text is what is left of a broken command.
+            if (!m_environment.rasterOnly && !(token.byte == kEndOfFile && tokenizer.stream().atEnd()))
+                text().print(token.byte, false);
             break;
         case Token::Kind::Control:
             if (token.byte != 0)
-                finishRaster();
-            control(token.byte);
+                raster().finish();
+            obeyControlCode(*this, token.byte);
             break;
         case Token::Kind::TwoCharacter:
-            finishRaster();
+            raster().finish();
             executeTwoCharacter(token);
             break;
         default:
-            if (!execute(tokenizer, token))
-                return Flow::UniversalExit;
+            execute(tokenizer, token);
         }
     }
-    return Flow::Failed;
+    return Interpreter::End::Failed;
 }
 
-const Machine::Entry* Machine::findCommand(const Token& token)
+void Machine::interpretMacro(InputStream& stream)
 {
-    const auto find = [&token](char terminator) -> const Entry* {
-        const Entry wanted { token.prefix, token.group, terminator, nullptr, "" };
-        const auto& all = commands();
-        const auto found = std::lower_bound(
-            all.begin(), all.end(), wanted, [](const Entry& a, const Entry& b) { return a.key() < b.key(); });
-        return found != all.end() && found->key() == wanted.key() ? &*found : nullptr;
-    };
-    if (const Entry* entry = find(token.terminator))
-        return entry;
-    // A symbol set's letter is part of its name.
-    const bool isSymbolSet = token.group == 0 && (token.prefix == '(' || token.prefix == ')');
-    return isSymbolSet && token.terminator >= 'A' && token.terminator <= 'Z' ? find(0) : nullptr;
-}
-
-std::uint64_t Machine::dataLength(const Token& token, const Entry* entry)
-{
-    // What nobody knows but ends like a transfer is one; symbol sets end in any letter.
-    const bool isSymbolSet = token.group == 0 && (token.prefix == '(' || token.prefix == ')');
-    const bool hasData = entry ? entry->data == DataRule::Bytes : token.terminator == 'W' && !isSymbolSet;
-    return hasData && token.value.number >= 1 ? static_cast<std::uint64_t>(token.value.number) : 0;
+    // The command that came here, such as text that fills a page, may still be using its data.
+    std::vector<std::uint8_t> data;
+    data.swap(m_data);
+    Tokenizer tokenizer { stream };
+    interpret(tokenizer);
+    m_data.swap(data);
 }
 
 void Machine::readData(Tokenizer& tokenizer, const Token& token, std::uint64_t count)
 {
-    m_data.clear();
     const std::uint64_t taken = tokenizer.takeData(count, m_data, m_limits.imageRowBytes);
     if (taken == count)
         return;
@@ -189,92 +223,165 @@ void Machine::readData(Tokenizer& tokenizer, const Token& token, std::uint64_t c
         = std::string("ESC") + token.prefix + (token.group ? std::string(1, token.group) : "") + "#" + token.terminator;
     const std::string message
         = "the data of " + shown + " end after " + std::to_string(taken) + " of " + std::to_string(count) + " bytes";
-    if (m_isInMacro) {
-        warn("pcl.macro-cut", message + " with the macro");
+    if (macros().isPlaying()) {
+        errors().warn("pcl.macro-cut", message + " with the macro");
         return;
     }
     m_inputWasCut = true;
-    damage("pcl.input-cut", message);
+    errors().damage("pcl.input-cut", message);
 }
 
-bool Machine::execute(Tokenizer& tokenizer, const Token& token)
+void Machine::execute(Tokenizer& tokenizer, const Token& token)
 {
-    const Entry* entry = findCommand(token);
-    const std::uint64_t count = dataLength(token, entry);
-    if (count > 0)
+    const CommandEntry* entry = find(token);
+    m_data.clear();
+    if (const std::uint64_t count = dataLength(token, entry))
         readData(tokenizer, token, count);
-    else
-        m_data.clear();
     const bool isObeyed = entry && entry->handler && (!m_environment.isPlotterRaster || isOfPlotters(*entry));
-    if (isObeyed && !(m_raster && entry->raster == RasterRule::Waits)) {
+    if (isObeyed && !(raster().isOpen() && entry->raster == RasterRule::Waits)) {
         if (entry->raster == RasterRule::Ends)
-            finishRaster();
-        Command command;
-        command.value = token.value;
-        command.data = m_data;
-        command.prefix = token.prefix;
-        command.terminator = token.terminator;
-        command.chained = token.chained;
-        (this->*entry->handler)(command);
+            raster().finish();
+        entry->handler(*this, { token.value, m_data, token.prefix, token.terminator });
     }
+    // What there is of the data has been drawn.
     if (m_inputWasCut)
-        fail(RunStatus::Damaged);
-    if (m_sawUniversalExit)
-        return false;
-    if (m_wantsRecording)
-        startRecording(tokenizer);
+        errors().fail(RunStatus::Damaged);
+    if (macros().isRecordingRequested())
+        macros().startRecording(tokenizer);
     // Some ink-jet drivers end a row offset or a plane with a capital letter and go on with the rows all the same.
     const bool isWithinRows
         = token.prefix == '*' && token.group == 'b' && (token.terminator == 'Y' || token.terminator == 'V');
-    if (m_raster && !token.chained && isWithinRows)
+    if (raster().isOpen() && !token.chained && isWithinRows)
         tokenizer.resumeIfContinued('*', 'b', "vwym");
-    return true;
 }
 
 void Machine::executeTwoCharacter(const Token& token)
 {
-    for (const TwoCharacterEntry& entry : twoCharacterCommands()) {
-        if (entry.code == static_cast<char>(token.byte) && entry.handler)
-            (this->*entry.handler)({});
-    }
+    const TwoCharacterEntry* entry = findTwoCharacter(static_cast<char>(token.byte));
+    if (entry && entry->handler)
+        entry->handler(*this, {});
 }
 
-void Machine::printerReset(const Command&)
+void Machine::printDisplayed(Tokenizer& tokenizer)
 {
-    if (m_macroDepth == 0)
-        reset();
-}
-
-void Machine::universalExit(const Command& command)
-{
-    if (command.value.number != kUniversalExitValue)
+    const int byte = tokenizer.stream().get();
+    if (byte < 0)
         return;
-    reset();
-    m_sawUniversalExit = true;
+    text().print(static_cast<std::uint8_t>(byte), true);
+    if (byte == '\r') {
+        cursor().carriageReturn();
+        cursor().lineFeed(m_state.lineSpacing);
+    }
+    displayFunctions().note(static_cast<std::uint8_t>(byte));
+}
+
+void Machine::runPlot(Tokenizer& tokenizer)
+{
+    tokenizer.abandonSequence();
+    if (!macros().isPlaying())
+        errors().setOffset(tokenizer.stream().offset());
+    if (plot().run(tokenizer.stream()) == PlotHost::End::Reset)
+        printerReset(*this, {});
+}
+
+void Machine::closePage()
+{
+    if (!page().ensureOpen())
+        return;
+    macros().pageEnded();
+    page().close();
+}
+
+void Machine::ejectPage(bool evenWhenUnmarked)
+{
+    raster().finish();
+    underline().end();
+    if (macros().isOverlayPlaying() || (!evenWhenUnmarked && !page().isMarked()))
+        return;
+    playOverlay();
+    closePage();
+}
+
+// The overlay starts from the user defaults, on the page as it lies.
+void Machine::playOverlay()
+{
+    const MacroBytes macro = macros().overlay();
+    if (!macro || errors().failed())
+        return;
+    const State saved = m_state;
+    const Position place = cursor().position();
+    State overlay = userDefaults();
+    overlay.page = saved.page;
+    overlay.registrationX = saved.registrationX;
+    overlay.registrationY = saved.registrationY;
+    overlay.duplex = saved.duplex;
+    overlay.text = defaultTextArea(saved.page);
+    m_state = overlay;
+    page().geometryChanged();
+    cursor().home();
+    macros().playOverlay(macro);
+    raster().finish();
+    underline().end();
+    m_state = saved;
+    cursor().restore(place);
+    page().geometryChanged();
+    fonts().resourcesChanged();
+}
+
+void Machine::callMacro(const MacroBytes& bytes)
+{
+    if (!bytes)
+        return;
+    const State saved = m_state;
+    const Position place = m_state.page.toOrientation(cursor().position(), m_state.direction);
+    macros().play(bytes);
+    if (!errors().failed())
+        restore(saved, place);
+}
+
+void Machine::restore(const State& saved, Position place)
+{
+    raster().finish();
+    underline().end();
+    const LogicalPage& now = m_state.page;
+    const bool isOtherPage = now.size().code != saved.page.size().code || now.length() != saved.page.length()
+        || now.orientation() != saved.page.orientation();
+    if (isOtherPage)
+        ejectPage(false);
+    m_state = saved;
+    cursor().restore(saved.page.fromOrientation(place, saved.direction));
+    page().geometryChanged();
+    fonts().resourcesChanged();
+    if (isOtherPage)
+        cursor().home();
+    underline().begin(cursor().position());
+}
+
+void printerReset(Machine& machine, const Command& /*command*/)
+{
+    if (!machine.macros().isPlaying())
+        machine.reset();
 }
 
 void Machine::reset()
 {
-    finishRaster();
+    raster().finish();
     ejectPage(false);
-    m_fonts.softFonts().removeTemporary();
-    m_fonts.removeTemporarySymbolSets();
-    m_macros.removeTemporary();
-    m_patterns.removeTemporary();
-    m_overlayMacro.reset();
-    m_cursorStack.clear();
-    m_isPlotting = false;
-    m_displaysFunctions = false;
-    m_leadByte = -1;
-    m_utf8Missing = 0;
-    m_pagesOnSheet = 0;
+    fonts().library().softFonts().removeTemporary();
+    fonts().library().removeTemporarySymbolSets();
+    macros().store().removeTemporary();
+    macros().clearOverlay();
+    patterns().store().removeTemporary();
+    cursor().clearStack();
+    displayFunctions().end();
+    text().decoder().reset();
+    page().beginSheet();
     m_state = userDefaults();
-    softFontsChanged();
-    m_tileCache = {};
-    geometryChanged();
-    if (m_plotter)
-        m_plotter->reset();
-    home();
+    fonts().resourcesChanged();
+    patterns().clear();
+    page().geometryChanged();
+    plot().reset();
+    cursor().home();
 }
 
 } // namespace quillrip::pcl

@@ -1,9 +1,11 @@
-// Pages as the device sees them, and how places on them become device pixels.
+#include "quillrip/pcl/page.h"
 
-#include "quillrip/pcl/machine.h"
+#include "quillrip/pcl/error_state.h"
+#include "quillrip/pcl/state.h"
 
 #include <algorithm>
 #include <cmath>
+#include <string>
 
 namespace quillrip::pcl {
 
@@ -14,92 +16,67 @@ int rounded(double pixels) { return static_cast<int>(std::floor(std::clamp(pixel
 
 } // namespace
 
-PageCanvas Machine::canvas() const { return m_pageIsOpen ? m_canvas : m_device.preview(m_state.page.sheet()); }
-
-bool Machine::ensurePage()
+Page::Page(PageDevice& device, const Limits& limits, State& state, ErrorState& errors)
+    : m_device(device)
+    , m_limits(limits)
+    , m_state(state)
+    , m_errors(errors)
 {
-    if (m_pageIsOpen)
+}
+
+PageCanvas Page::canvas() const { return m_isOpen ? m_canvas : m_device.preview(m_state.page.sheet()); }
+
+bool Page::ensureOpen()
+{
+    if (m_isOpen)
         return true;
-    if (failed())
+    if (m_errors.failed())
         return false;
-    if (m_pagesBegun >= m_limits.pages) {
-        damage("pcl.too-many-pages", "the job has more pages than the limit of " + std::to_string(m_limits.pages));
-        fail(RunStatus::LimitExceeded);
+    if (m_begun >= m_limits.pages) {
+        m_errors.damage(
+            "pcl.too-many-pages", "the job has more pages than the limit of " + std::to_string(m_limits.pages));
+        m_errors.fail(RunStatus::LimitExceeded);
         return false;
     }
     const RunStatus status = m_device.beginPage(m_state.page.sheet(), m_canvas);
     if (status != RunStatus::Done) {
-        fail(status);
+        m_errors.fail(status);
         return false;
     }
-    ++m_pagesBegun;
-    m_pageIsOpen = true;
+    ++m_begun;
+    m_isOpen = true;
     geometryChanged();
     return true;
 }
 
-Painter* Machine::painterForMark()
+Painter* Page::painterForMark()
 {
-    if (!ensurePage())
+    if (!ensureOpen())
         return nullptr;
     m_isMarked = true;
     return m_canvas.painter;
 }
 
-void Machine::closePage()
+void Page::close()
 {
-    if (!ensurePage())
-        return;
-    m_pageIsOpen = false;
+    m_isOpen = false;
     m_isMarked = false;
-    m_replay.pageEnded();
-    const RunStatus status = m_device.endPage();
-    if (status != RunStatus::Done)
-        fail(status);
+    m_errors.fail(m_device.endPage());
     m_canvas = {};
-    geometryChanged();
-    m_pagesOnSheet = m_state.duplex != 0 ? 1 - m_pagesOnSheet : 0;
+    m_isBack = m_state.duplex != 0 && !m_isBack;
     applyRegistration();
 }
 
-void Machine::ejectPage(bool evenWhenUnmarked)
+void Page::giveBack()
 {
-    finishRaster();
-    endUnderlineRun();
-    if (m_isOverlayRunning || (!evenWhenUnmarked && !m_isMarked))
-        return;
-    runOverlay();
-    closePage();
+    m_isOpen = false;
+    m_isMarked = false;
+    m_begun = 0;
+    m_canvas = {};
+    geometryChanged();
 }
 
-void Machine::runOverlay()
-{
-    const MacroBytes macro = m_overlayMacro ? m_macros.find(*m_overlayMacro) : nullptr;
-    if (!macro || failed())
-        return;
-    const State saved = m_state;
-    const Position cursor = m_cursor;
-    State overlay = userDefaults();
-    overlay.page = saved.page;
-    overlay.registrationX = saved.registrationX;
-    overlay.registrationY = saved.registrationY;
-    overlay.duplex = saved.duplex;
-    overlay.text = defaultTextArea(saved.page);
-    m_state = overlay;
-    geometryChanged();
-    home();
-    m_isOverlayRunning = true;
-    runMacro(macro);
-    finishRaster();
-    endUnderlineRun();
-    m_isOverlayRunning = false;
-    m_state = saved;
-    m_cursor = cursor;
-    geometryChanged();
-    softFontsChanged();
-}
-
-const Matrix& Machine::unitsToDevice()
+const Matrix& Page::unitsToDevice()
 {
     if (m_matrixIsStale) {
         m_unitsToDevice = unitsToDevice(m_state.direction);
@@ -108,12 +85,12 @@ const Matrix& Machine::unitsToDevice()
     return m_unitsToDevice;
 }
 
-Matrix Machine::unitsToDevice(int direction) const
+Matrix Page::unitsToDevice(int direction) const
 {
     return m_state.page.directionToPage(direction) * canvas().pageToDevice;
 }
 
-PixelRect Machine::deviceRect(Position from, Position to, int direction) const
+PixelRect Page::deviceRect(Position from, Position to, int direction) const
 {
     const Matrix matrix = unitsToDevice(direction);
     const Point a = matrix.apply({ static_cast<double>(from.x), static_cast<double>(from.y) });
@@ -122,64 +99,18 @@ PixelRect Machine::deviceRect(Position from, Position to, int direction) const
         rounded(std::max(a.y, b.y)) };
 }
 
-std::shared_ptr<const ClipRegion> Machine::logicalPageClip() const
+std::shared_ptr<const ClipRegion> Page::logicalPageClip() const
 {
     const InternalUnits bottom = m_state.page.length() + m_state.page.spareLength(0);
     return ClipRegion::ofRect(deviceRect({ 0, 0 }, { m_state.page.width(), bottom }, 0));
 }
 
-Position Machine::homePosition() const
-{
-    return { m_state.text.left, m_state.text.top + (m_state.lineSpacing * 3 + 2) / 4 };
-}
-
-void Machine::home()
-{
-    endUnderlineRun();
-    const Position place = homePosition();
-    m_cursor = place;
-    m_isBeyondMargin = false;
-    m_isClippedAtMargin = false;
-    m_backspaced.isPending = false;
-    beginUnderline();
-}
-
-void Machine::moveTo(InternalUnits x, InternalUnits y)
-{
-    const bool leavesRun = y != m_cursor.y || x < m_cursor.x;
-    if (leavesRun)
-        endUnderlineRun();
-    m_cursor = { x, y };
-    m_isBeyondMargin = x >= m_state.text.right;
-    m_isClippedAtMargin = false;
-    m_backspaced.isPending = false;
-    if (leavesRun || !m_underlineRun.isOpen)
-        beginUnderline();
-    else
-        m_underlineRun.to = x;
-}
-
-void Machine::moveToClamped(InternalUnits x, InternalUnits y)
-{
-    if (m_environment.isPlotterRaster) {
-        // A plot may lie anywhere about its origin.
-        constexpr InternalUnits kFarthest = InternalUnits { 1 } << 40;
-        moveTo(std::clamp(x, -kFarthest, kFarthest), std::clamp(y, -kFarthest, kFarthest));
-        return;
-    }
-    // A place that not even the longest sheet has is no sign of that sheet.
-    const InternalUnits longest = pageLength() + m_state.page.spareLength(m_state.direction);
-    const InternalUnits bottom = y <= longest ? longest : pageLength();
-    moveTo(std::clamp<InternalUnits>(x, 0, pageWidth()), std::clamp<InternalUnits>(y, 0, bottom));
-}
-
-void Machine::applyRegistration()
+void Page::applyRegistration()
 {
     // The back of a sheet is seen from the other side: bound at the long edge, left is right; at the short, top is
     // bottom.
-    const bool isBack = m_pagesOnSheet == 1;
-    const InternalUnits x = isBack && m_state.duplex == 1 ? -m_state.registrationX : m_state.registrationX;
-    const InternalUnits y = isBack && m_state.duplex == 2 ? -m_state.registrationY : m_state.registrationY;
+    const InternalUnits x = m_isBack && m_state.duplex == 1 ? -m_state.registrationX : m_state.registrationX;
+    const InternalUnits y = m_isBack && m_state.duplex == 2 ? -m_state.registrationY : m_state.registrationY;
     m_state.page.setRegistration(x, y);
     geometryChanged();
 }

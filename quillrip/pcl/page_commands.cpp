@@ -1,4 +1,12 @@
+#include "quillrip/pcl/command_handlers.h"
+#include "quillrip/pcl/cursor.h"
+#include "quillrip/pcl/font_slots.h"
 #include "quillrip/pcl/machine.h"
+#include "quillrip/pcl/macro_runner.h"
+#include "quillrip/pcl/page.h"
+#include "quillrip/pcl/plot_host.h"
+#include "quillrip/pcl/state.h"
+#include "quillrip/pcl/underline_run.h"
 
 #include <algorithm>
 #include <array>
@@ -10,262 +18,279 @@ namespace quillrip::pcl {
 namespace {
 
 /// The text area's rectangle stays where it is on the sheet when the axes turn.
-TextArea turned(const TextArea& area, const PageLayout& page, int from, int to)
+TextArea turned(const TextArea& area, const LogicalPage& page, int from, int to)
 {
     const Position a = page.fromOrientation(page.toOrientation({ area.left, area.top }, from), to);
     const Position b = page.fromOrientation(page.toOrientation({ area.right, area.bottom }, from), to);
     return { std::min(a.x, b.x), std::min(a.y, b.y), std::max(a.x, b.x), std::max(a.y, b.y) };
 }
 
-} // namespace
-
 // What a new size, length or orientation sets back.
-void Machine::layOutPage(const PageLayout& page)
+void layOutPage(Machine& machine, const LogicalPage& page)
 {
-    m_state.page = page;
-    softFontsChanged(); // bitmap fonts are chosen by orientation, too
-    m_state.text = turned(defaultTextArea(page), page, 0, m_state.direction);
-    if (!m_isOverlayRunning)
-        m_overlayMacro.reset();
-    applyRegistration();
-    home();
-    defaultFrame();
+    State& state = machine.state();
+    state.page = page;
+    machine.fonts().resourcesChanged(); // bitmap fonts are chosen by orientation, too
+    state.text = turned(defaultTextArea(page), page, 0, state.direction);
+    if (!machine.macros().isOverlayPlaying())
+        machine.macros().clearOverlay();
+    machine.page().applyRegistration();
+    machine.cursor().home();
+    machine.plot().setDefaultFrame();
 }
 
-void Machine::setPageSize(const Command& command)
+/// On an unmarked page a new top margin or line spacing takes the cursor along.
+bool waitsAtHome(Machine& machine) { return !machine.page().isMarked() && machine.cursor().isAtHome(); }
+
+} // namespace
+
+void setPageSize(Machine& machine, const Command& command)
 {
+    State& state = machine.state();
     const int code = command.value.integer();
     const PageSize* size = findPageSize(code);
-    const PageSize custom = customPageSize(m_environment.customWidth, m_environment.customLength);
+    const Environment& environment = machine.environment();
+    const PageSize custom = customPageSize(environment.customWidth, environment.customLength);
     if (code == 101 && custom.dotsWide > 150 && custom.dotsLong > 150)
         size = &custom;
     const Environment unsaid;
-    m_state.wantsCustomSheet = code == 101 && m_environment.customWidth == unsaid.customWidth
-        && m_environment.customLength == unsaid.customLength;
+    state.wantsCustomSheet = code == 101 && environment.customWidth == unsaid.customWidth
+        && environment.customLength == unsaid.customLength;
     if (!size)
         return;
-    ejectPage(false);
-    layOutPage(PageLayout(*size, m_state.page.orientation()));
+    machine.ejectPage(false);
+    layOutPage(machine, LogicalPage(*size, state.page.orientation()));
 }
 
-void Machine::setPageLength(const Command& command)
+void setPageLength(Machine& machine, const Command& command)
 {
-    if (m_state.lineSpacing == 0 || command.value.number < 0)
+    State& state = machine.state();
+    if (state.lineSpacing == 0 || command.value.number < 0)
         return;
-    const PageLayout standard = defaultState(m_environment).page;
-    const InternalUnits length = inUnits(command.value.integer(), static_cast<double>(m_state.lineSpacing));
-    PageLayout page(m_state.page.size(), m_state.page.orientation());
+    const LogicalPage standard = defaultState(machine.environment()).page;
+    const InternalUnits length = inUnits(command.value.integer(), static_cast<double>(state.lineSpacing));
+    LogicalPage page(state.page.size(), state.page.orientation());
     if (length == 0) {
-        page = PageLayout(standard.size(), m_state.page.orientation());
+        page = LogicalPage(standard.size(), state.page.orientation());
     } else if (std::llabs(page.length() - length) > kUnitsPerInch / 6) {
-        const PageSize* size = m_state.page.orientation() & 1 ? nullptr : findPageSizeByLength(length);
-        if (!size && m_state.wantsCustomSheet)
+        const PageSize* size = state.page.orientation() & 1 ? nullptr : findPageSizeByLength(length);
+        if (!size && state.wantsCustomSheet)
             size = findLargeSheetByLength(length);
         if (size)
-            page = PageLayout(*size, m_state.page.orientation());
+            page = LogicalPage(*size, state.page.orientation());
         else
             page.setLength(std::clamp<InternalUnits>(length, kUnitsPerInch, page.length()));
     }
-    ejectPage(false);
-    layOutPage(page);
+    machine.ejectPage(false);
+    layOutPage(machine, page);
 }
 
-void Machine::setOrientation(const Command& command)
+void setOrientation(Machine& machine, const Command& command)
 {
+    State& state = machine.state();
     const int orientation = command.value.integer();
-    if (orientation < 0 || orientation > 3 || orientation == m_state.page.orientation())
+    if (orientation < 0 || orientation > 3 || orientation == state.page.orientation())
         return;
-    ejectPage(false);
-    m_state.direction = 0;
-    const PageLayout page(m_state.page.size(), orientation);
-    m_state.lineSpacing = defaultLineSpacing(m_environment, page);
-    m_state.columnWidth = std::llround(currentFont().defaultHmiInches() * kUnitsPerInch);
-    m_state.patternReference = {};
-    m_state.patternFollowsDirection = true;
-    layOutPage(page);
+    machine.ejectPage(false);
+    state.direction = 0;
+    const LogicalPage page(state.page.size(), orientation);
+    state.lineSpacing = defaultLineSpacing(machine.environment(), page);
+    state.columnWidth = std::llround(machine.fonts().current().defaultHmiInches() * kUnitsPerInch);
+    state.patternReference = {};
+    state.patternFollowsDirection = true;
+    layOutPage(machine, page);
 }
 
-void Machine::setPaperSource(const Command& command)
+void setPaperSource(Machine& machine, const Command& command)
 {
     const int source = command.value.integer();
     if (source < -1 || (source > 8 && source < 20) || source > 39)
         return;
-    ejectPage(false);
-    home();
+    machine.ejectPage(false);
+    machine.cursor().home();
 }
 
-void Machine::setDuplex(const Command& command)
+void setDuplex(Machine& machine, const Command& command)
 {
+    State& state = machine.state();
     const int mode = command.value.integer();
-    if (mode < 0 || mode > 2 || mode == m_state.duplex)
+    if (mode < 0 || mode > 2 || mode == state.duplex)
         return;
-    ejectPage(false);
-    m_state.duplex = mode;
-    m_pagesOnSheet = 0;
-    applyRegistration();
-    home();
+    machine.ejectPage(false);
+    state.duplex = mode;
+    machine.page().beginSheet();
+    machine.page().applyRegistration();
+    machine.cursor().home();
 }
 
-void Machine::selectSide(const Command& command)
+void selectSide(Machine& machine, const Command& command)
 {
     const int side = command.value.integer();
     if (side < 0 || side > 2)
         return;
-    ejectPage(false);
-    home();
-    const int wanted = side == 2 ? 1 : 0;
+    machine.ejectPage(false);
+    machine.cursor().home();
     // The side in between stays blank.
-    if (m_state.duplex != 0 && side != 0 && wanted != m_pagesOnSheet)
-        closePage();
+    if (machine.state().duplex != 0 && side != 0 && (side == 2) != machine.page().isBack())
+        machine.closePage();
 }
 
-void Machine::setPrintDirection(const Command& command)
+void setPrintDirection(Machine& machine, const Command& command)
 {
+    State& state = machine.state();
     const int degrees = command.value.integer();
     if (degrees != 0 && degrees != 90 && degrees != 180 && degrees != 270)
         return;
     const int direction = degrees / 90;
-    if (direction == m_state.direction)
+    if (direction == state.direction)
         return;
-    endUnderlineRun();
-    const PageLayout& page = m_state.page;
-    m_state.text = turned(m_state.text, page, m_state.direction, direction);
-    m_cursor = page.fromOrientation(page.toOrientation(m_cursor, m_state.direction), direction);
-    m_state.direction = direction;
-    geometryChanged();
-    beginUnderline();
+    machine.underline().end();
+    const LogicalPage& page = state.page;
+    state.text = turned(state.text, page, state.direction, direction);
+    const Position place = page.toOrientation(machine.cursor().position(), state.direction);
+    machine.cursor().restore(page.fromOrientation(place, direction));
+    state.direction = direction;
+    machine.page().geometryChanged();
+    machine.underline().begin(machine.cursor().position());
 }
 
-void Machine::setLeftRegistration(const Command& command)
+void setLeftRegistration(Machine& machine, const Command& command)
 {
-    m_state.registrationX = inUnits(command.value.number, kUnitsPerDecipoint);
-    applyRegistration();
+    machine.state().registrationX = inUnits(command.value.number, kUnitsPerDecipoint);
+    machine.page().applyRegistration();
 }
 
-void Machine::setTopRegistration(const Command& command)
+void setTopRegistration(Machine& machine, const Command& command)
 {
-    m_state.registrationY = inUnits(command.value.number, kUnitsPerDecipoint);
-    applyRegistration();
+    machine.state().registrationY = inUnits(command.value.number, kUnitsPerDecipoint);
+    machine.page().applyRegistration();
 }
 
-void Machine::setTopMargin(const Command& command)
+void setTopMargin(Machine& machine, const Command& command)
 {
-    const InternalUnits top = inUnits(command.value.number, static_cast<double>(m_state.lineSpacing));
-    if (m_state.lineSpacing == 0 || top < 0 || top > pageLength())
+    State& state = machine.state();
+    const InternalUnits top = inUnits(command.value.number, static_cast<double>(state.lineSpacing));
+    if (state.lineSpacing == 0 || top < 0 || top > state.page.length(state.direction))
         return;
-    const bool isAtHome = !m_isMarked && m_cursor == homePosition();
-    m_state.text.top = top;
-    m_state.text.bottom = defaultTextBottom(top, pageLength());
+    const bool isAtHome = waitsAtHome(machine);
+    state.text.top = top;
+    state.text.bottom = defaultTextBottom(top, state.page.length(state.direction));
     if (isAtHome)
-        home();
+        machine.cursor().home();
 }
 
-void Machine::setTextLength(const Command& command)
+void setTextLength(Machine& machine, const Command& command)
 {
-    const InternalUnits length = inUnits(command.value.number, static_cast<double>(m_state.lineSpacing));
-    if (m_state.lineSpacing == 0 || length < 0 || m_state.text.top + length > pageLength())
+    State& state = machine.state();
+    const InternalUnits length = inUnits(command.value.number, static_cast<double>(state.lineSpacing));
+    if (state.lineSpacing == 0 || length < 0 || state.text.top + length > state.page.length(state.direction))
         return;
-    m_state.text.bottom = m_state.text.top + length;
+    state.text.bottom = state.text.top + length;
 }
 
-void Machine::setPerforationSkip(const Command& command)
+void setPerforationSkip(Machine& machine, const Command& command)
 {
     const int mode = command.value.integer();
     if (mode != 0 && mode != 1)
         return;
     // The margins stay: drivers send this after the top margin and count on it.
-    m_state.skipsPerforation = mode == 1;
+    machine.state().skipsPerforation = mode == 1;
 }
 
-void Machine::setLeftMargin(const Command& command)
+void setLeftMargin(Machine& machine, const Command& command)
 {
-    const InternalUnits margin = inUnits(command.value.integer(), static_cast<double>(columnWidth()));
-    if (margin < 0 || margin >= m_state.text.right)
+    State& state = machine.state();
+    const InternalUnits margin = inUnits(command.value.integer(), static_cast<double>(machine.fonts().columnWidth()));
+    if (margin < 0 || margin >= state.text.right)
         return;
-    m_state.text.left = margin;
-    if (m_cursor.x < margin)
-        moveTo(margin, m_cursor.y);
+    state.text.left = margin;
+    if (machine.cursor().x() < margin)
+        machine.cursor().moveTo(margin, machine.cursor().y());
 }
 
-void Machine::setRightMargin(const Command& command)
+void setRightMargin(Machine& machine, const Command& command)
 {
+    State& state = machine.state();
+    const auto columnWidth = static_cast<double>(machine.fonts().columnWidth());
     const InternalUnits margin
-        = std::min(inUnits(command.value.integer() + 1.0, static_cast<double>(columnWidth())), pageWidth());
-    if (margin <= m_state.text.left)
+        = std::min(inUnits(command.value.integer() + 1.0, columnWidth), state.page.width(state.direction));
+    if (margin <= state.text.left)
         return;
-    m_state.text.right = margin;
-    moveTo(std::min(m_cursor.x, margin), m_cursor.y);
+    state.text.right = margin;
+    machine.cursor().moveTo(std::min(machine.cursor().x(), margin), machine.cursor().y());
 }
 
-void Machine::clearHorizontalMargins(const Command&)
+void clearHorizontalMargins(Machine& machine, const Command& /*command*/)
 {
-    m_state.text.left = 0;
-    m_state.text.right = pageWidth();
-    moveTo(m_cursor.x, m_cursor.y);
+    State& state = machine.state();
+    state.text.left = 0;
+    state.text.right = state.page.width(state.direction);
+    machine.cursor().moveTo(machine.cursor().x(), machine.cursor().y());
 }
 
-void Machine::setColumnWidth(const Command& command)
+void setColumnWidth(Machine& machine, const Command& command)
 {
     if (command.value.number < 0 || command.value.number > 840)
         return;
-    currentFont(); // a selection still to be made must not undo the new width
-    m_state.columnWidth = inUnits(command.value.number, kUnitsPerInch / 120);
+    machine.fonts().current(); // a selection still to be made must not undo the new width
+    machine.state().columnWidth = inUnits(command.value.number, kUnitsPerInch / 120);
 }
 
-void Machine::setLineSpacing(const Command& command)
+void setLineSpacing(Machine& machine, const Command& command)
 {
     if (command.value.number < 0 || command.value.number > 336)
         return;
-    const bool isAtHome = !m_isMarked && m_cursor == homePosition();
-    m_state.lineSpacing = inUnits(command.value.number, kUnitsPerInch / 48);
+    const bool isAtHome = waitsAtHome(machine);
+    machine.state().lineSpacing = inUnits(command.value.number, kUnitsPerInch / 48);
     if (isAtHome)
-        home();
+        machine.cursor().home();
 }
 
-void Machine::setLinesPerInch(const Command& command)
+void setLinesPerInch(Machine& machine, const Command& command)
 {
     constexpr std::array kValues { 1, 2, 3, 4, 6, 8, 12, 16, 24, 48 };
     const int lines = command.value.integer() == 0 ? 12 : command.value.integer();
     if (std::find(kValues.begin(), kValues.end(), lines) == kValues.end())
         return;
-    const bool isAtHome = !m_isMarked && m_cursor == homePosition();
-    m_state.lineSpacing = kUnitsPerInch / lines;
+    const bool isAtHome = waitsAtHome(machine);
+    machine.state().lineSpacing = kUnitsPerInch / lines;
     if (isAtHome)
-        home();
+        machine.cursor().home();
 }
 
-void Machine::setUnitOfMeasure(const Command& command)
+void setUnitOfMeasure(Machine& machine, const Command& command)
 {
     constexpr std::array kValues { 96, 100, 120, 144, 150, 160, 180, 200, 225, 240, 288, 300, 360, 400, 450, 480, 600,
         720, 800, 900, 1200, 1440, 1800, 2400, 3600, 7200 };
     const double wanted = std::clamp(command.value.number, 96.0, 7200.0);
-    m_state.unitsPerInch = *std::min_element(kValues.begin(), kValues.end(),
+    machine.state().unitsPerInch = *std::min_element(kValues.begin(), kValues.end(),
         [wanted](int a, int b) { return std::abs(a - wanted) / a < std::abs(b - wanted) / b; });
 }
 
-void Machine::setLineTermination(const Command& command)
+void setLineTermination(Machine& machine, const Command& command)
 {
     const int mode = command.value.integer();
     if (mode >= 0 && mode <= 3)
-        m_state.lineTermination = mode;
+        machine.state().lineTermination = mode;
 }
 
-void Machine::setWrap(const Command& command)
+void setWrap(Machine& machine, const Command& command)
 {
     const int mode = command.value.integer();
     if (mode == 0 || mode == 1)
-        m_state.wrapsLines = mode == 0;
+        machine.state().wrapsLines = mode == 0;
 }
 
 // Ink-jet drivers announce a sheet of their own measure here, an edge at a time.
-void Machine::extendedSetting(const Command& command)
+void extendedSetting(Machine& machine, const Command& command)
 {
     const ByteView data = command.data;
     if (data.size != 5 || data[0] != 0x0E || data[2] != 0 || (data[1] != 5 && data[1] != 6))
         return;
+    Environment& environment = machine.environment();
     const double decipoints = (data[3] * 256 + data[4]) * 720.0 / 300;
     if (decipoints > 0)
-        (data[1] == 5 ? m_environment.customWidth : m_environment.customLength) = decipoints;
+        (data[1] == 5 ? environment.customWidth : environment.customLength) = decipoints;
 }
 
 } // namespace quillrip::pcl

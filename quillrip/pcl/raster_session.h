@@ -1,7 +1,7 @@
 #pragma once
 
 #include "quillrip/hpgl/surface.h"
-#include "quillrip/pcl/page_layout.h"
+#include "quillrip/pcl/logical_page.h"
 #include "quillrip/pcl/raster_layout.h"
 #include "quillrip/raster/painter.h"
 
@@ -17,7 +17,7 @@ class RasterSession {
 public:
     struct Setup {
         RasterLayout layout;
-        int direction = 0; ///< axes that the rows run along, as PageLayout counts them
+        int direction = 0; ///< axes that the rows run along, as LogicalPage counts them
         Position origin; ///< of the first pixel, in those axes
         double pixelWidth = 24; ///< internal units
         double pixelHeight = 24;

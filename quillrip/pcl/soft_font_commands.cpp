@@ -1,50 +1,59 @@
+#include "quillrip/pcl/command_handlers.h"
+#include "quillrip/pcl/error_state.h"
+#include "quillrip/pcl/font_slots.h"
 #include "quillrip/pcl/machine.h"
+#include "quillrip/pcl/macro_runner.h"
+#include "quillrip/pcl/state.h"
 
 #include <algorithm>
 #include <string>
 
 namespace quillrip::pcl {
 
-void Machine::setFontId(const Command& command)
+void setFontId(Machine& machine, const Command& command)
 {
-    m_state.fontKey = {};
-    m_state.fontKey.number = std::clamp(command.value.integer(), 0, 32767);
+    State& state = machine.state();
+    state.fontKey = {};
+    state.fontKey.number = std::clamp(command.value.integer(), 0, 32767);
 }
 
-void Machine::setCharacterCode(const Command& command)
+void setCharacterCode(Machine& machine, const Command& command)
 {
-    m_state.characterCode = static_cast<std::uint32_t>(std::clamp(command.value.integer(), 0, 65535));
+    machine.state().characterCode = static_cast<std::uint32_t>(std::clamp(command.value.integer(), 0, 65535));
 }
 
-void Machine::downloadFontHeader(const Command& command)
+void downloadFontHeader(Machine& machine, const Command& command)
 {
+    State& state = machine.state();
     if (command.data.empty())
         return;
-    SoftFontStore& store = m_fonts.softFonts();
+    SoftFontStore& store = machine.fonts().library().softFonts();
     // A header replaces the font of that number even when it turns out to be none.
-    store.remove(m_state.fontKey);
-    const std::shared_ptr<SoftFont> font = SoftFont::fromPclHeader(command.data, fontReporter());
-    if (font && !store.put(m_state.fontKey, font, fontReporter()))
-        fail(RunStatus::LimitExceeded);
-    softFontsChanged();
+    store.remove(state.fontKey);
+    const std::shared_ptr<SoftFont> font = SoftFont::fromPclHeader(command.data, machine.errors().fontReporter());
+    if (font && !store.put(state.fontKey, font, machine.errors().fontReporter()))
+        machine.errors().fail(RunStatus::LimitExceeded);
+    machine.fonts().resourcesChanged();
 }
 
-void Machine::downloadCharacter(const Command& command)
+void downloadCharacter(Machine& machine, const Command& command)
 {
-    const std::shared_ptr<SoftFont> font = m_fonts.softFonts().find(m_state.fontKey);
+    State& state = machine.state();
+    const std::shared_ptr<SoftFont> font = machine.fonts().library().softFonts().find(state.fontKey);
     if (!font || command.data.empty())
         return;
-    if (!m_fonts.softFonts().hasRoomFor(command.data.size)) {
-        damage("pcl.font-memory", "the job's fonts need more memory than the limit allows");
-        fail(RunStatus::LimitExceeded);
+    if (!machine.fonts().library().softFonts().hasRoomFor(command.data.size)) {
+        machine.errors().damage("pcl.font-memory", "the job's fonts need more memory than the limit allows");
+        machine.errors().fail(RunStatus::LimitExceeded);
         return;
     }
-    font->addPclCharacter(m_state.characterCode, command.data, fontReporter());
+    font->addPclCharacter(state.characterCode, command.data, machine.errors().fontReporter());
 }
 
-void Machine::controlFonts(const Command& command)
+void controlFonts(Machine& machine, const Command& command)
 {
-    SoftFontStore& store = m_fonts.softFonts();
+    State& state = machine.state();
+    SoftFontStore& store = machine.fonts().library().softFonts();
     switch (command.value.integer()) {
     case 0:
         store.removeAll();
@@ -53,108 +62,110 @@ void Machine::controlFonts(const Command& command)
         store.removeTemporary();
         break;
     case 2:
-        store.remove(m_state.fontKey);
+        store.remove(state.fontKey);
         break;
     case 3:
-        if (const std::shared_ptr<SoftFont> font = store.find(m_state.fontKey))
-            font->removeCharacter(m_state.characterCode);
+        if (const std::shared_ptr<SoftFont> font = store.find(state.fontKey))
+            font->removeCharacter(state.characterCode);
         return;
     case 4:
-        store.setPermanent(m_state.fontKey, false);
+        store.setPermanent(state.fontKey, false);
         return;
     case 5:
-        store.setPermanent(m_state.fontKey, true);
+        store.setPermanent(state.fontKey, true);
         return;
     case 6: {
-        const auto* inUse = dynamic_cast<const SoftFont*>(currentFont().face.get());
+        const auto* inUse = dynamic_cast<const SoftFont*>(machine.fonts().current().face.get());
         if (!inUse) {
-            warn("pcl.copy-of-built-in-font", "a copy of a built-in font under a number is not made");
+            machine.errors().warn("pcl.copy-of-built-in-font", "a copy of a built-in font under a number is not made");
             return;
         }
-        if (!store.put(m_state.fontKey, inUse->copy(), fontReporter()))
-            fail(RunStatus::LimitExceeded);
+        if (!store.put(state.fontKey, inUse->copy(), machine.errors().fontReporter()))
+            machine.errors().fail(RunStatus::LimitExceeded);
         break;
     }
     default:
         return;
     }
-    softFontsChanged();
+    machine.fonts().resourcesChanged();
 }
 
-void Machine::setSymbolSetCode(const Command& command)
+void setSymbolSetCode(Machine& machine, const Command& command)
 {
-    m_state.symbolSetCode = std::clamp(command.value.integer(), 0, 65535);
+    machine.state().symbolSetCode = std::clamp(command.value.integer(), 0, 65535);
 }
 
-void Machine::defineSymbolSet(const Command& command)
+void defineSymbolSet(Machine& machine, const Command& command)
 {
-    const std::shared_ptr<const SymbolSet> set = SymbolSet::parse(command.data, fontReporter());
+    const std::shared_ptr<const SymbolSet> set = SymbolSet::parse(command.data, machine.errors().fontReporter());
     if (!set)
         return;
-    if (set->number() != m_state.symbolSetCode) {
-        warn("pcl.symbol-set-number", "a symbol set's header names another number than its command, skipped");
+    if (set->number() != machine.state().symbolSetCode) {
+        machine.errors().warn(
+            "pcl.symbol-set-number", "a symbol set's header names another number than its command, skipped");
         return;
     }
-    m_fonts.defineSymbolSet(set);
-    softFontsChanged();
+    machine.fonts().library().defineSymbolSet(set);
+    machine.fonts().resourcesChanged();
 }
 
-void Machine::controlSymbolSets(const Command& command)
+void controlSymbolSets(Machine& machine, const Command& command)
 {
-    const auto number = static_cast<std::uint16_t>(m_state.symbolSetCode);
+    const auto number = static_cast<std::uint16_t>(machine.state().symbolSetCode);
     switch (command.value.integer()) {
     case 0:
-        m_fonts.removeAllSymbolSets();
+        machine.fonts().library().removeAllSymbolSets();
         break;
     case 1:
-        m_fonts.removeTemporarySymbolSets();
+        machine.fonts().library().removeTemporarySymbolSets();
         break;
     case 2:
-        m_fonts.removeSymbolSet(number);
+        machine.fonts().library().removeSymbolSet(number);
         break;
     case 4:
-        m_fonts.setSymbolSetPermanent(number, false);
+        machine.fonts().library().setSymbolSetPermanent(number, false);
         return;
     case 5:
-        m_fonts.setSymbolSetPermanent(number, true);
+        machine.fonts().library().setSymbolSetPermanent(number, true);
         return;
     default:
         return;
     }
-    softFontsChanged();
+    machine.fonts().resourcesChanged();
 }
 
 // Names instead of numbers, for fonts and macros.
-void Machine::alphanumericId(const Command& command)
+void alphanumericId(Machine& machine, const Command& command)
 {
+    State& state = machine.state();
     if (command.data.size < 2 || command.data.size > 512)
         return;
     ResourceKey named;
     named.name.assign(command.data.begin() + 1, command.data.end());
     switch (command.data[0]) {
     case 0:
-        m_state.fontKey = named;
+        state.fontKey = named;
         break;
     case 1:
-        m_fonts.softFonts().associate(m_state.fontKey, named);
-        softFontsChanged();
+        machine.fonts().library().softFonts().associate(state.fontKey, named);
+        machine.fonts().resourcesChanged();
         break;
     case 2:
     case 3:
-        selectFontById(m_state.fonts[command.data[0] - 2u], named);
+        machine.fonts().selectById(machine.fonts().slot(command.data[0] - 2u), named);
         break;
     case 4:
-        m_state.macroKey = named;
+        state.macroKey = named;
         break;
     case 5:
-        m_macros.associate(m_state.macroKey, named);
+        machine.macros().store().associate(state.macroKey, named);
         break;
     case 20:
-        m_fonts.softFonts().remove(m_state.fontKey);
-        softFontsChanged();
+        machine.fonts().library().softFonts().remove(state.fontKey);
+        machine.fonts().resourcesChanged();
         break;
     case 21:
-        m_macros.remove(m_state.macroKey);
+        machine.macros().store().remove(state.macroKey);
         break;
     default:
         break; // media by name and what nobody knows

@@ -18,13 +18,13 @@ InternalUnits defaultTextBottom(InternalUnits top, InternalUnits pageLength)
     return std::max(top, pageLength - kDefaultMargin);
 }
 
-TextArea defaultTextArea(const PageLayout& page)
+TextArea defaultTextArea(const LogicalPage& page)
 {
     const InternalUnits top = std::min(kDefaultMargin, page.length());
     return { 0, top, page.width(), defaultTextBottom(top, page.length()) };
 }
 
-InternalUnits defaultLineSpacing(const Environment& environment, const PageLayout& page)
+InternalUnits defaultLineSpacing(const Environment& environment, const LogicalPage& page)
 {
     if (environment.formLines < 5 || environment.formLines > 128)
         return kSixLinesPerInch;
@@ -46,7 +46,7 @@ State defaultState(const Environment& environment)
     const bool isCustom = environment.pageSize == 101 && custom.dotsWide > 150 && custom.dotsLong > 150;
     if (!size)
         size = findPageSize(kLetter);
-    state.page = PageLayout(isCustom ? custom : *size, environment.orientation);
+    state.page = LogicalPage(isCustom ? custom : *size, environment.orientation);
     if (!environment.isPaperNamed && size->code == kLetter && !isCustom)
         state.page.setGuessed();
     state.text = defaultTextArea(state.page);

@@ -2,8 +2,8 @@
 
 #include "quillrip/fonts/font_library.h"
 #include "quillrip/pcl/environment.h"
+#include "quillrip/pcl/logical_page.h"
 #include "quillrip/pcl/macro_store.h"
-#include "quillrip/pcl/page_layout.h"
 #include "quillrip/pcl/palette.h"
 #include "quillrip/pcl/pattern_store.h"
 
@@ -55,7 +55,7 @@ struct FrameSettings {
 /// The modified print environment: everything that a macro call saves and restores, and nothing else. Copying it is
 /// the save. The cursor's stack, soft fonts, macros, patterns and symbol sets are not part of it.
 struct State {
-    PageLayout page;
+    LogicalPage page;
     bool wantsCustomSheet = false; ///< page size 101 was selected and nothing said its size: the page length may yet
     InternalUnits registrationX = 0;
     InternalUnits registrationY = 0;
@@ -107,9 +107,9 @@ struct State {
 /// User defaults: what a reset leaves.
 State defaultState(const Environment& environment);
 /// The default text area of a page in direction 0: half an inch free above and below.
-TextArea defaultTextArea(const PageLayout& page);
+TextArea defaultTextArea(const LogicalPage& page);
 /// What ESC&l#E leaves for text: down to half an inch above the end of the page, where there is that much.
 InternalUnits defaultTextBottom(InternalUnits top, InternalUnits pageLength);
-InternalUnits defaultLineSpacing(const Environment& environment, const PageLayout& page);
+InternalUnits defaultLineSpacing(const Environment& environment, const LogicalPage& page);
 
 } // namespace quillrip::pcl

@@ -9,6 +9,7 @@ namespace quillrip::pcl {
 namespace {
 
 constexpr int kEscape = 0x1B;
+constexpr std::uint8_t kUniversalExit[] = { 0x1B, '%', '-', '1', '2', '3', '4', '5', 'X' };
 /// Larger numbers mean nothing more, but must neither wrap nor lose their digits' place.
 constexpr double kLargestValue = 4294967295.0;
 
@@ -20,6 +21,14 @@ bool isTermination(int c) { return c >= 0x40 && c <= 0x5E; }
 bool isDigit(int c) { return c >= '0' && c <= '9'; }
 /// Codes that act in every symbol set. The others may be printable, which the current font decides.
 bool isControl(int c) { return c == 0 || (c >= 0x07 && c <= 0x0F); }
+
+bool standsOnUniversalExit(InputStream& stream)
+{
+    if (stream.peek() != kEscape)
+        return false;
+    const ByteView ahead = stream.window(sizeof kUniversalExit);
+    return ahead.size >= sizeof kUniversalExit && std::memcmp(ahead.data, kUniversalExit, sizeof kUniversalExit) == 0;
+}
 
 } // namespace
 
@@ -53,6 +62,10 @@ Token Tokenizer::next()
         }
         Token token;
         token.offset = m_stream.offset();
+        if (standsOnUniversalExit(m_stream)) {
+            token.kind = Token::Kind::UniversalExit;
+            return token;
+        }
         const int byte = take();
         if (byte < 0)
             return token;

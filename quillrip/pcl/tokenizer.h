@@ -20,6 +20,7 @@ struct Value {
 struct Token {
     enum class Kind {
         End, ///< no more input
+        UniversalExit, ///< the stream stands on the ESC of ESC%-12345X, of which nothing was taken
         Text, ///< `byte` goes through the current font
         Control, ///< `byte` is a control code that never prints by itself
         TwoCharacter, ///< ESC and `byte`

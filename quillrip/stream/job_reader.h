@@ -35,9 +35,6 @@ public:
     /// Goes on to the next part; nothing at the end of the input.
     std::optional<Part> next();
 
-    /// After a part whose interpreter has taken the Universal Exit that ended it.
-    void universalExitTaken();
-
     /// Passes over the rest of a part, up to a Universal Exit that another job can follow, or to the end.
     void skipRest();
 
@@ -58,6 +55,7 @@ private:
     void passOver(const std::string& name, std::uint64_t offset);
     void warn(const char* kind, std::string message, std::uint64_t offset);
     void resetEnvironment();
+    void universalExitTaken();
     Content look(bool isNamed);
 
     InputStream& m_input;

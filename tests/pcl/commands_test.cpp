@@ -1,4 +1,4 @@
-#include "quillrip/pcl/machine.h"
+#include "quillrip/pcl/command_table.h"
 
 #include <gtest/gtest.h>
 
@@ -22,7 +22,7 @@ constexpr const char* kCommandIndex = "%A %B %X "
                                       "*rC *rF *rQ *rS *rT *rU *sI *sM *sT *sU *sX *tH *tI *tJ *tR *tV *vA *vB *vC *vI "
                                       "*vN *vO *vS *vT *vW";
 
-std::string nameOf(const Machine::Entry& entry)
+std::string nameOf(const CommandEntry& entry)
 {
     std::string name { entry.prefix };
     if (entry.group)
@@ -36,11 +36,11 @@ std::string nameOf(const Machine::Entry& entry)
 
 TEST(PclCommands, TableIsSortedWithoutDoubles)
 {
-    const auto& all = Machine::commands();
+    const auto& all = commandTable();
     EXPECT_TRUE(std::is_sorted(
-        all.begin(), all.end(), [](const Machine::Entry& a, const Machine::Entry& b) { return a.key() < b.key(); }));
+        all.begin(), all.end(), [](const CommandEntry& a, const CommandEntry& b) { return a.key() < b.key(); }));
     std::set<std::uint32_t> keys;
-    for (const Machine::Entry& entry : all)
+    for (const CommandEntry& entry : all)
         EXPECT_TRUE(keys.insert(entry.key()).second) << nameOf(entry);
 }
 
@@ -51,21 +51,21 @@ TEST(PclCommands, TableHoldsExactlyTheCommandsOfTheLanguage)
     for (std::string name; index >> name;)
         expected.insert(name);
     std::set<std::string> found;
-    for (const Machine::Entry& entry : Machine::commands())
+    for (const CommandEntry& entry : commandTable())
         found.insert(nameOf(entry));
     EXPECT_EQ(found, expected);
-    EXPECT_EQ(Machine::twoCharacterCommands().size(), 6u);
+    EXPECT_EQ(twoCharacterTable().size(), 6u);
 }
 
 TEST(PclCommands, EveryEntryHasAName)
 {
-    for (const Machine::Entry& entry : Machine::commands())
+    for (const CommandEntry& entry : commandTable())
         EXPECT_GT(std::string(entry.name).size(), 3u) << nameOf(entry);
 }
 
 TEST(PclCommands, CommandsThatEndInWCarryDataButForTheTextScale)
 {
-    for (const Machine::Entry& entry : Machine::commands()) {
+    for (const CommandEntry& entry : commandTable()) {
         const bool expectsData
             = (entry.terminator == 'W' && nameOf(entry) != "&kW") || nameOf(entry) == "&pX" || nameOf(entry) == "*bV";
         EXPECT_EQ(entry.data == DataRule::Bytes, expectsData) << nameOf(entry);

@@ -205,9 +205,16 @@ TEST(PclPages, InkjetDriversSendASheetOfTheirOwn)
     EXPECT_EQ(printed.sheets[0].height, 5040);
 }
 
+TEST(PclPages, UniversalExitIsSeenBehindAnUnfinishedCommand)
+{
+    EXPECT_EQ(print(kStart + e("*b3") + e("%-12345X")).universalExits, 1);
+    EXPECT_EQ(print(kStart + e("") + e("%-12345X")).universalExits, 1);
+}
+
 TEST(PclPages, UniversalExitEndsTheStretchAndEjects)
 {
-    const Printed printed = print(kStart + kMark + e("%-12345X") + kStart + kMark);
+    const Printed printed = print(kStart + kMark + e("%-12345X") + kMark);
     EXPECT_EQ(printed.pages.size(), 2u);
+    EXPECT_EQ(printed.universalExits, 1);
     EXPECT_EQ(printed.status, RunStatus::Done);
 }

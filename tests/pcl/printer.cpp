@@ -2,11 +2,15 @@
 
 #include "quillrip/fonts/font_library.h"
 
+#include <gtest/gtest.h>
+
 #include <algorithm>
 
 namespace quillrip::test {
 
 namespace {
+
+const std::string kUniversalExit = "\x1b%-12345X";
 
 class Recorder final : public DiagnosticSink {
 public:
@@ -97,8 +101,13 @@ Printed print(const std::string& job, const PrinterSettings& settings)
     const auto* data = reinterpret_cast<const std::uint8_t*>(job.data());
     MemoryInputStream input { ByteView { data, job.size() } };
     auto end = interpreter.run(input);
-    while (end == pcl::Interpreter::End::UniversalExit && !input.atEnd())
+    while (end == pcl::Interpreter::End::UniversalExit) {
+        const ByteView exit = input.window(kUniversalExit.size());
+        EXPECT_EQ(std::string(exit.begin(), exit.begin() + kUniversalExit.size()), kUniversalExit);
+        input.skip(kUniversalExit.size());
+        ++printed.universalExits;
         end = interpreter.run(input);
+    }
     const RunStatus last = interpreter.finish();
     printed.status = interpreter.status() == RunStatus::Done ? last : interpreter.status();
     for (const PageBitmap& page : device.pages())

@@ -28,6 +28,7 @@ struct Printed {
     std::vector<PageBitmap> pages;
     std::vector<SheetRequest> sheets;
     std::vector<Diagnostic> diagnostics;
+    int universalExits = 0; ///< that ended a stretch and were left in the input
 
     bool warnedOf(const std::string& kind) const;
     bool isBlack(int x, int y, std::size_t page = 0) const;
@@ -46,7 +47,7 @@ struct PrinterSettings {
     Limits limits;
 };
 
-/// Prints a whole job; stretches of PCL behind a universal exit go on at the next ESC.
+/// Prints a whole job, one stretch of PCL after the other; universal exits between them are skipped.
 Printed print(const std::string& job, const PrinterSettings& settings = {});
 Printed printColor(const std::string& job);
 

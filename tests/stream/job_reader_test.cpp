@@ -51,8 +51,6 @@ struct Reading {
                 : part->kind == ContentKind::Pdf   ? "pdf:"
                                                    : "ps:";
             text += takePart() + "|";
-            if (part->kind == ContentKind::Pcl && input.skip(kUniversalExitLength) == kUniversalExitLength)
-                reader.universalExitTaken();
         }
         return text;
     }
@@ -130,8 +128,6 @@ TEST(JobReader, SettingsLastUntilTheirJobEnds)
     while (reading.reader.next()) {
         papers.push_back(reading.reader.environment().paperCode.value_or(0));
         reading.takePart();
-        reading.input.skip(kUniversalExitLength);
-        reading.reader.universalExitTaken();
     }
     EXPECT_EQ(papers, (std::vector<int> { 26, 0, 3, 3, 0 }));
 }

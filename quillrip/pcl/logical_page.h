@@ -46,13 +46,13 @@ PageSize customPageSize(double width, double length);
 
 /// Where the logical page lies. Directions are quarter turns counter-clockwise: 0 the orientation's own axes, 1 to 3
 /// those of the print directions 90, 180 and 270.
-class PageLayout {
+class LogicalPage {
 public:
-    PageLayout() = default;
-    PageLayout(const PageSize& size, int orientation);
+    LogicalPage() = default;
+    LogicalPage(const PageSize& size, int orientation);
 
     /// A plotter's page: nothing is kept free at its edges. Decipoints.
-    static PageLayout ofPlot(double width, double length);
+    static LogicalPage ofPlot(double width, double length);
 
     const PageSize& size() const { return m_size; }
     int orientation() const { return m_orientation; }

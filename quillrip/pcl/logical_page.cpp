@@ -1,4 +1,4 @@
-#include "quillrip/pcl/page_layout.h"
+#include "quillrip/pcl/logical_page.h"
 
 #include <algorithm>
 #include <array>
@@ -127,7 +127,7 @@ PageSize customPageSize(double width, double length)
         static_cast<int>(std::lround(length * 300 / 720)), false };
 }
 
-PageLayout::PageLayout(const PageSize& size, int orientation)
+LogicalPage::LogicalPage(const PageSize& size, int orientation)
     : m_size(size)
     , m_orientation(orientation & 3)
 {
@@ -140,9 +140,9 @@ PageLayout::PageLayout(const PageSize& size, int orientation)
     m_leftOffset = inset * kUnitsPerDot;
 }
 
-PageLayout PageLayout::ofPlot(double width, double length)
+LogicalPage LogicalPage::ofPlot(double width, double length)
 {
-    PageLayout layout;
+    LogicalPage layout;
     layout.m_size = { 101, std::max(width, 1.0), std::max(length, 1.0), 0, 0, false };
     layout.m_width = inUnits(layout.m_size.width, kUnitsPerDecipoint);
     layout.m_length = inUnits(layout.m_size.length, kUnitsPerDecipoint);
@@ -150,7 +150,7 @@ PageLayout PageLayout::ofPlot(double width, double length)
     return layout;
 }
 
-void PageLayout::setRegistration(InternalUnits alongWidth, InternalUnits alongLength)
+void LogicalPage::setRegistration(InternalUnits alongWidth, InternalUnits alongLength)
 {
     // Each orientation sees the sheet's edges from another side.
     switch (m_orientation) {
@@ -172,7 +172,7 @@ void PageLayout::setRegistration(InternalUnits alongWidth, InternalUnits alongLe
     }
 }
 
-Position PageLayout::toOrientation(Position place, int direction) const
+Position LogicalPage::toOrientation(Position place, int direction) const
 {
     switch (direction & 3) {
     case 1:
@@ -186,7 +186,7 @@ Position PageLayout::toOrientation(Position place, int direction) const
     }
 }
 
-Position PageLayout::fromOrientation(Position place, int direction) const
+Position LogicalPage::fromOrientation(Position place, int direction) const
 {
     switch (direction & 3) {
     case 1:
@@ -200,7 +200,7 @@ Position PageLayout::fromOrientation(Position place, int direction) const
     }
 }
 
-InternalUnits PageLayout::reachRight(int direction) const
+InternalUnits LogicalPage::reachRight(int direction) const
 {
     const bool landscape = m_orientation & 1;
     const InternalUnits across = inUnits(landscape ? m_size.length : m_size.width, kUnitsPerDecipoint);
@@ -218,9 +218,9 @@ InternalUnits PageLayout::reachRight(int direction) const
     }
 }
 
-InternalUnits PageLayout::reachDown(int direction) const { return reachRight(direction + 3) + spareLength(direction); }
+InternalUnits LogicalPage::reachDown(int direction) const { return reachRight(direction + 3) + spareLength(direction); }
 
-InternalUnits PageLayout::spareLength(int direction) const
+InternalUnits LogicalPage::spareLength(int direction) const
 {
     if (!m_isGuessed || m_orientation != 0 || (direction & 3) != 0)
         return 0;
@@ -230,7 +230,7 @@ InternalUnits PageLayout::spareLength(int direction) const
     return longest - m_length;
 }
 
-SheetRequest PageLayout::sheet() const
+SheetRequest LogicalPage::sheet() const
 {
     SheetRequest request;
     request.width = m_size.width;
@@ -247,7 +247,7 @@ SheetRequest PageLayout::sheet() const
     return request;
 }
 
-Matrix PageLayout::directionToPage(int direction) const
+Matrix LogicalPage::directionToPage(int direction) const
 {
     const Position origin = toOrientation({ 0, 0 }, direction);
     Matrix matrix = Matrix::quarterTurns(4 - (direction & 3));

@@ -1,0 +1,169 @@
+#include "quillrip/pcl/current_raster.h"
+
+#include "quillrip/pcl/cursor.h"
+#include "quillrip/pcl/error_state.h"
+#include "quillrip/pcl/page.h"
+#include "quillrip/pcl/plot_visit.h"
+#include "quillrip/pcl/print_model.h"
+#include "quillrip/pcl/state.h"
+
+#include <algorithm>
+#include <cmath>
+#include <string>
+#include <utility>
+
+namespace quillrip::pcl {
+
+CurrentRaster::CurrentRaster(const Surroundings& surroundings)
+    : m_state(surroundings.state)
+    , m_page(surroundings.page)
+    , m_cursor(surroundings.cursor)
+    , m_printModel(surroundings.printModel)
+    , m_visit(surroundings.visit)
+    , m_errors(surroundings.errors)
+{
+}
+
+// Rows run along the print direction, or, in presentation mode 3, along the sheet's short edge.
+int CurrentRaster::rowDirection() const
+{
+    if (m_state.raster.presentation == 0)
+        return m_state.direction;
+    switch (m_state.page.orientation()) {
+    case 1:
+        return 3;
+    case 3:
+        return 1;
+    default:
+        return 0;
+    }
+}
+
+void CurrentRaster::start(int mode)
+{
+    const int direction = rowDirection();
+    const LogicalPage& page = m_state.page;
+    const Position place = page.fromOrientation(page.toOrientation(m_cursor.position(), m_state.direction), direction);
+    if (mode & 1)
+        m_state.raster.leftMargin = place.x;
+    else
+        m_state.raster.leftMargin = direction == m_state.direction ? m_state.text.left : 0;
+    begin(mode >= 2);
+}
+
+void CurrentRaster::ensureOpen()
+{
+    if (!m_session)
+        begin(false);
+}
+
+void CurrentRaster::begin(bool isScaled)
+{
+    const RasterSettings& settings = m_state.raster;
+    const LogicalPage& page = m_state.page;
+    RasterSession::Setup setup;
+    setup.direction = rowDirection();
+    const Position place
+        = page.fromOrientation(page.toOrientation(m_cursor.position(), m_state.direction), setup.direction);
+    setup.origin = { settings.leftMargin, place.y };
+    setup.pageEnd = page.reachDown(setup.direction);
+
+    Resolution resolution { settings.resolution, settings.resolution };
+    if (!settings.componentData.empty())
+        resolution = RasterLayout::resolutionOf(settings.componentData).value_or(resolution);
+    setup.pixelWidth = static_cast<double>(kUnitsPerInch) / resolution.x;
+    setup.pixelHeight = static_cast<double>(kUnitsPerInch) / resolution.y;
+    const InternalUnits room = std::max<InternalUnits>(page.reachRight(setup.direction) - settings.leftMargin, 1);
+    const int roomPixels = static_cast<int>(std::ceil(static_cast<double>(room) / setup.pixelWidth - 1e-9));
+    int width = settings.width.value_or(std::max(1, roomPixels));
+    setup.height = settings.height;
+    setup.hasDeclaredArea = settings.width && settings.height;
+    if (isScaled && setup.hasDeclaredArea && *settings.width > 0 && *settings.height > 0) {
+        double across = static_cast<double>(settings.destinationWidth) / width;
+        double down = static_cast<double>(settings.destinationHeight) / *settings.height;
+        if (settings.destinationWidth == 0 && settings.destinationHeight == 0) {
+            // Nothing said: as large as the page allows.
+            across = static_cast<double>(room) / width;
+            down = static_cast<double>(std::max<InternalUnits>(setup.pageEnd - place.y, 1)) / *settings.height;
+            across = down = std::min(across, down);
+        }
+        setup.pixelWidth = across > 0 ? across : down;
+        setup.pixelHeight = down > 0 ? down : across;
+    }
+    if (width == 0) {
+        // All is clipped, but rows still count.
+        width = 1;
+        setup.pageEnd = setup.origin.y;
+    }
+    if (!settings.componentData.empty()) {
+        if (auto layout = RasterLayout::forComponents(settings.componentData, width))
+            setup.layout = std::move(*layout);
+        setup.pixelWidth /= setup.layout.columnsPerUnit();
+        setup.pixelHeight /= setup.layout.rowsPerSet();
+        if (setup.height)
+            *setup.height *= setup.layout.rowsPerSet();
+    } else {
+        setup.layout = RasterLayout::forPalette(m_state.palettes.active(), width, m_state.isMonochrome);
+    }
+    // The canvas may be there only from the first row on, but its geometry is known before.
+    setup.unitsToDevice = m_page.unitsToDevice(setup.direction);
+    setup.paint = m_printModel.paintState(m_state.pattern);
+    setup.needsPixels = m_visit.needsPixels();
+    m_session = std::make_unique<RasterSession>(std::move(setup), [this] { return m_page.painterForMark(); });
+}
+
+void CurrentRaster::finish()
+{
+    if (!m_session)
+        return;
+    const LogicalPage& page = m_state.page;
+    const Position place = page.toOrientation(m_session->finish(), m_session->direction());
+    if (m_session->hasRows())
+        m_visit.covered(m_session->area());
+    m_session.reset();
+    const Position cursor = page.fromOrientation(place, m_state.direction);
+    m_cursor.moveTo(cursor.x, cursor.y);
+}
+
+void CurrentRaster::skipRows(int rows)
+{
+    if (rows < 0 || (rows == 0 && !m_session))
+        return;
+    ensureOpen();
+    m_session->skipRows(rows);
+}
+
+void CurrentRaster::transferPlane(ByteView data)
+{
+    ensureOpen();
+    report(m_session->transferPlane(data, m_state.raster.compression));
+}
+
+void CurrentRaster::transferRow(ByteView data)
+{
+    ensureOpen();
+    const Palette& palette = m_state.palettes.active();
+    if (palette.isPens() && m_state.raster.componentData.empty() && !m_session->hasData() && !data.empty()) {
+        // Pens are there without a raster having been thought of: rows of one transfer have one plane.
+        m_session->replaceLayout(
+            RasterLayout::forPalette(palette.firstTwo(), m_session->width(), m_state.isMonochrome));
+    }
+    report(m_session->transferRow(data, m_state.raster.compression));
+}
+
+void CurrentRaster::report(RasterSession::Outcome outcome)
+{
+    switch (outcome) {
+    case RasterSession::Outcome::UnknownMethod:
+        m_errors.warn("pcl.raster-method",
+            "raster compression method " + std::to_string(m_state.raster.compression) + " is not known, rows skipped");
+        break;
+    case RasterSession::Outcome::BadBlock:
+        m_errors.warn("pcl.raster-block", "an adaptive compression block is cut short or holds an unknown record");
+        break;
+    default:
+        break;
+    }
+}
+
+} // namespace quillrip::pcl
