@@ -1,12 +1,15 @@
 // PE: vectors in few bytes.
 
-#include "quillrip/hpgl/machine.h"
+#include "quillrip/hpgl/command.h"
+#include "quillrip/hpgl/commands.h"
+#include "quillrip/hpgl/lexer.h"
+#include "quillrip/hpgl/plotter.h"
 
 #include <algorithm>
 #include <cmath>
 #include <optional>
 
-namespace quillrip::hpgl {
+namespace quillrip::hpgl::commands {
 
 namespace {
 
@@ -80,9 +83,10 @@ private:
 
 } // namespace
 
-void Machine::encodedPolyline()
+void encodedPolyline(Plotter& plotter, Command& command)
 {
-    EncodedNumbers numbers(*m_input);
+    State& state = plotter.state;
+    EncodedNumbers numbers(command.input);
     bool isPenUpNext = false;
     bool isAbsoluteNext = false;
     double unit = 1;
@@ -107,11 +111,10 @@ void Machine::encodedPolyline()
                 numbers.useSevenBits();
                 break;
             case ':':
-                if (const auto pen = numbers.number(); pen && !m_isPolygonMode) {
-                    finishLine();
-                    flushStrokes();
-                    m_linePhase = 0;
-                    selectPen(static_cast<int>(std::clamp(*pen, -1.0, 32767.0)));
+                if (const auto pen = numbers.number(); pen && !plotter.polygon.isOpen()) {
+                    plotter.linePen.end();
+                    plotter.linePen.restartPattern();
+                    plotter.pens.select(static_cast<int>(std::clamp(*pen, -1.0, 32767.0)));
                 }
                 break;
             case '>':
@@ -130,14 +133,12 @@ void Machine::encodedPolyline()
         if (!y)
             continue;
         const Point pair { *x * unit, *y * unit };
-        const Point to = isAbsoluteNext ? m_userToPlotter.apply(pair) : m_state.pen + m_userToPlotter.applyVector(pair);
-        m_state.isPenDown = !isPenUpNext;
-        travelTo(to, m_state.isPenDown);
-        if (m_state.symbol >= 0)
-            symbolAtPen();
+        state.isPenDown = !isPenUpNext;
+        plotter.arm.travelToPoint(isAbsoluteNext ? plotter.coordinates.toPlotter(pair)
+                                                 : state.pen + plotter.coordinates.vectorToPlotter(pair));
         isPenUpNext = isAbsoluteNext = false;
     }
-    m_state.carriageReturn = m_state.pen;
+    state.carriageReturn = state.pen;
 }
 
-} // namespace quillrip::hpgl
+} // namespace quillrip::hpgl::commands

@@ -12,12 +12,12 @@ public:
     std::function<void(const PageRect&)> onMark;
 
     void setClip(const PageRect&, const PageRect& lines) override { m_clip = lines; }
-    void stroke(const Path& path, const StrokeStyle& style, const Ink&) override
+    void stroke(const Path& path, const StrokeStyle& style, const PenInk&) override
     {
         mark(boundsOf(path), style.width / 2);
     }
-    void fill(const Path& path, FillRule, const Ink&) override { mark(boundsOf(path), 0); }
-    void drawGlyph(const Typeface&, GlyphId, const Matrix& glyphToPage, const Ink&) override
+    void fill(const Path& path, FillRule, const PenInk&) override { mark(boundsOf(path), 0); }
+    void drawGlyph(const Typeface&, GlyphId, const Matrix& glyphToPage, const PenInk&) override
     {
         // Hardly a glyph is larger than its em.
         PageRect bounds = PageRect::nothing();

@@ -73,7 +73,7 @@ bool hatch(const Polygon& polygon, const HatchRequest& request, std::vector<Hatc
         double entered = 0;
         for (; i < crossings.size() && crossings[i].line == line; ++i) {
             const int before = winding;
-            winding = request.isNonZero ? winding + crossings[i].direction : 1 - winding;
+            winding = request.rule == FillRule::NonZero ? winding + crossings[i].direction : 1 - winding;
             if (before == 0) {
                 entered = crossings[i].along;
             } else if (winding == 0 && crossings[i].along > entered) {

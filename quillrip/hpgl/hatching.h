@@ -1,7 +1,9 @@
 #pragma once
 
 #include "quillrip/hpgl/polygon.h"
+#include "quillrip/raster/painter.h"
 
+#include <cstddef>
 #include <vector>
 
 namespace quillrip::hpgl {
@@ -16,7 +18,7 @@ struct HatchRequest {
     double spacing = 0; ///< plotter units, above 0
     double angle = 0; ///< degrees, from +x towards +y
     Point anchor; ///< a line goes through here
-    bool isNonZero = false; ///< filling method: non-zero winding, else even-odd
+    FillRule rule = FillRule::EvenOdd;
     Point visibleLow; ///< lines that miss this rectangle are left out
     Point visibleHigh;
     std::size_t atMost = 0; ///< crossings with the outline

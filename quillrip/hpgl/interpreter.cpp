@@ -23,37 +23,34 @@ Interpreter::Interpreter(Host& host, FontLibrary& fonts, DiagnosticSink& sink, c
 
 Interpreter::~Interpreter() = default;
 
-Interpreter::End Interpreter::run(InputStream& input)
+End Interpreter::run(InputStream& input)
 {
     // Pages come and go between two visits.
     m_parts->surface.leavePage();
-    switch (m_parts->machine.run(input)) {
-    case Machine::Stop::EnterPcl:
-        return End::EnterPcl;
-    case Machine::Stop::Reset:
-        return End::Reset;
-    case Machine::Stop::UniversalExit:
-        return End::UniversalExit;
-    case Machine::Stop::Failed:
-        return End::Failed;
-    case Machine::Stop::InputEnded:
-        break;
-    }
-    return End::InputEnded;
+    return m_parts->machine.run(input);
 }
 
 int Interpreter::enterPclValue() const { return m_parts->machine.enterPclValue(); }
 
 RunStatus Interpreter::status() const { return m_parts->machine.status(); }
 
-Point Interpreter::pen() const { return m_parts->machine.penOnPage(); }
+Point Interpreter::pen() const
+{
+    Plotter& plotter = m_parts->machine.plotter();
+    plotter.makeReady();
+    return plotter.coordinates.toPage(plotter.state.pen);
+}
 
-void Interpreter::setPen(Point page) { m_parts->machine.setPenOnPage(page); }
+void Interpreter::setPen(Point page) { m_parts->machine.plotter().setPenOnPage(page); }
 
-void Interpreter::reset() { m_parts->machine.reset(); }
+void Interpreter::reset() { m_parts->machine.plotter().reset(); }
 
-void Interpreter::frameChanged() { m_parts->machine.frameChanged(); }
+void Interpreter::frameChanged() { m_parts->machine.plotter().frameChanged(); }
 
-void Interpreter::plotSizeChanged() { m_parts->machine.frameRescaled(); }
+void Interpreter::plotSizeChanged()
+{
+    if (Plotter& plotter = m_parts->machine.plotter(); plotter.isReady())
+        plotter.updateFrame();
+}
 
 } // namespace quillrip::hpgl

@@ -4,6 +4,7 @@
 #include "quillrip/base/geometry.h"
 #include "quillrip/base/input_stream.h"
 #include "quillrip/base/limits.h"
+#include "quillrip/hpgl/end.h"
 #include "quillrip/hpgl/host.h"
 
 #include <memory>
@@ -21,13 +22,7 @@ namespace hpgl {
 /// odd enterPclValue() its cursor becomes pen().
 class Interpreter {
 public:
-    enum class End {
-        InputEnded, ///< a command in progress was carried out with what it had
-        EnterPcl, ///< ESC%#A was taken; enterPclValue() tells #
-        Reset, ///< ESC E was taken; the caller resets itself and calls reset()
-        UniversalExit, ///< the input stands on the ESC of ESC%-12345X
-        Failed, ///< status() says why; nothing more may be run
-    };
+    using End = hpgl::End;
 
     /// All references must outlive the interpreter.
     Interpreter(Host& host, FontLibrary& fonts, DiagnosticSink& sink, const Limits& limits);

@@ -59,11 +59,6 @@ bool readNumber(InputStream& input, double& number)
 
 bool isLetter(int byte) { return (byte >= 'A' && byte <= 'Z') || (byte >= 'a' && byte <= 'z'); }
 
-std::string toString(Mnemonic mnemonic)
-{
-    return { static_cast<char>(mnemonic >> 8), static_cast<char>(mnemonic & 0xFF) };
-}
-
 Lexer::Token Lexer::next(Mnemonic& mnemonic)
 {
     for (;;) {
@@ -83,7 +78,7 @@ Lexer::Token Lexer::next(Mnemonic& mnemonic)
         if (!isLetter(second))
             continue; // a letter on its own is noise
         m_input.get();
-        mnemonic = static_cast<Mnemonic>((first & ~0x20) << 8 | (second & ~0x20));
+        mnemonic = hpgl::mnemonic(first, second);
         return Token::Mnemonic;
     }
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "quillrip/base/input_stream.h"
+#include "quillrip/hpgl/mnemonics.h"
 
 #include <cstdint>
 #include <string>
@@ -9,14 +10,6 @@
 namespace quillrip::hpgl {
 
 constexpr std::uint8_t kEscape = 0x1B;
-
-/// Two letters, upper case, as one number that sorts like the letters.
-using Mnemonic = std::uint16_t;
-constexpr Mnemonic mnemonic(const char (&letters)[3])
-{
-    return static_cast<Mnemonic>(static_cast<unsigned char>(letters[0]) << 8 | static_cast<unsigned char>(letters[1]));
-}
-std::string toString(Mnemonic mnemonic);
 
 bool isLetter(int byte);
 

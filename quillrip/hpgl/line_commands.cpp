@@ -1,157 +1,160 @@
-// How lines look: types, ends and joins, screening.
+// How lines look: types, ends and joins, screening, symbols.
 
-#include "quillrip/hpgl/machine.h"
+#include "quillrip/hpgl/command.h"
+#include "quillrip/hpgl/commands.h"
+#include "quillrip/hpgl/lexer.h"
+#include "quillrip/hpgl/plotter.h"
 
 #include <algorithm>
-#include <cmath>
+#include <cstddef>
+#include <cstdlib>
 #include <numeric>
+#include <utility>
+#include <vector>
 
-namespace quillrip::hpgl {
+namespace quillrip::hpgl::commands {
 
-void Machine::lineType()
+void lineType(Plotter& plotter, Command& command)
 {
-    LineType& current = m_state.lineType;
-    if (m_operands.empty()) {
-        if (!current.isSolid) {
-            m_rememberedLineType = current;
-            m_rememberedPhase = m_linePhase;
-            m_rememberedPen = m_state.pen;
-            m_hasRememberedLineType = true;
-        }
-        current.isSolid = true;
+    LinePen& linePen = plotter.linePen;
+    if (command.empty()) {
+        linePen.useSolid(plotter.state.pen);
         return;
     }
-    const int type = clampedInteger(0);
-    if (type == 99) {
-        if (!m_hasRememberedLineType || !current.isSolid || m_rememberedPen != m_state.pen)
-            return;
-        current = m_rememberedLineType;
-        m_linePhase = m_rememberedPhase;
+    constexpr int kFormer = 99;
+    LineType type;
+    type.isSolid = false;
+    type.type = command.clampedInteger(0);
+    type.length = linePen.type().length;
+    if (type.type == kFormer) {
+        linePen.takeUpFormerType(plotter.state.pen);
         return;
     }
-    if (type < -8 || type > 8)
+    if (type.type < -8 || type.type > 8)
         return;
-    PatternLength length = current.length;
-    if (operandCount() >= 2) {
-        length.value = clampedReal(1);
-        if (!(length.value > 0))
+    if (command.count() >= 2) {
+        type.length.value = command.clampedReal(1);
+        if (!(type.length.value > 0))
             return;
     }
-    if (operandCount() >= 3) {
-        const int mode = clampedInteger(2);
+    if (command.count() >= 3) {
+        const int mode = command.clampedInteger(2);
         if (mode != 0 && mode != 1)
             return;
-        length.isMillimetres = mode == 1;
+        type.length.isMillimetres = mode == 1;
     }
-    current.isSolid = false;
-    current.type = type;
-    current.length = length;
-    m_linePhase = 0;
+    linePen.setType(type);
 }
 
-void Machine::userLineType()
+void userLineType(Plotter& plotter, Command& command)
 {
-    if (m_operands.empty()) {
-        m_state.linePatterns = {};
+    if (command.empty()) {
+        plotter.linePen.useBuiltInPatterns();
         return;
     }
-    const int index = std::abs(clampedInteger(0));
+    const int index = std::abs(command.clampedInteger(0));
     if (index < 1 || index > 8)
         return;
-    std::vector<double>& pattern = m_state.linePatterns[static_cast<std::size_t>(index)];
-    if (operandCount() == 1) {
-        pattern.clear();
+    if (command.count() == 1) {
+        plotter.linePen.setPattern(index, {});
         return;
     }
     constexpr std::size_t kMostGaps = 20;
-    std::vector<double> gaps(m_operands.begin() + 1,
-        m_operands.begin() + static_cast<std::ptrdiff_t>(std::min(operandCount(), kMostGaps + 1)));
+    std::vector<double> gaps(command.operands.begin() + 1,
+        command.operands.begin() + static_cast<std::ptrdiff_t>(std::min(command.count(), kMostGaps + 1)));
     const double sum = std::accumulate(gaps.begin(), gaps.end(), 0.0);
     if (!(sum > 0) || *std::min_element(gaps.begin(), gaps.end()) < 0)
         return;
     for (double& gap : gaps)
         gap /= sum;
-    pattern = std::move(gaps);
+    plotter.linePen.setPattern(index, std::move(gaps));
 }
 
-void Machine::lineAttributes()
+void lineAttributes(Plotter& plotter, Command& command)
 {
-    if (m_operands.empty())
-        m_state.lineAttributes = LineAttributes {};
-    LineAttributes& attributes = m_state.lineAttributes;
-    for (std::size_t i = 0; i + 1 < operandCount(); i += 2) {
-        const int kind = clampedInteger(i);
-        const int value = clampedInteger(i + 1);
+    static constexpr LineCap kEnds[] = { LineCap::Butt, LineCap::Square, LineCap::Triangle, LineCap::Round };
+    static constexpr LineJoin kJoins[] = { LineJoin::MiterClipped, LineJoin::MiterBevel, LineJoin::Triangle,
+        LineJoin::Round, LineJoin::Bevel, LineJoin::None };
+    LineAttributes& attributes = plotter.linePen.attributes();
+    if (command.empty())
+        attributes = LineAttributes {};
+    for (std::size_t i = 0; i + 1 < command.count(); i += 2) {
+        const int kind = command.clampedInteger(i);
+        const int value = command.clampedInteger(i + 1);
         if (kind == 1 && value >= 1 && value <= 4)
-            attributes.end = value;
+            attributes.cap = kEnds[value - 1];
         else if (kind == 2 && value >= 1 && value <= 6)
-            attributes.join = value;
+            attributes.join = kJoins[value - 1];
         else if (kind == 3)
-            attributes.miterLimit = std::max(1.0, clampedReal(i + 1));
+            attributes.miterLimit = std::max(1.0, command.clampedReal(i + 1));
     }
 }
 
-void Machine::screenVectors()
+void screenVectors(Plotter& plotter, Command& command)
 {
-    ScreenedVectors& screened = m_state.screened;
-    if (m_operands.empty()) {
+    ScreenedVectors& screened = plotter.inks.screenedVectors();
+    if (command.empty()) {
         screened = ScreenedVectors {};
         return;
     }
-    const int type = clampedInteger(0);
-    const bool hasOption = operandCount() >= 2;
-    const double option = operand(1);
-    switch (type) {
+    const bool hasOption = command.count() >= 2;
+    const double option = command.operand(1);
+    switch (command.clampedInteger(0)) {
     case 0:
+        screened.kind = FillKind::Solid;
         break;
     case 1:
         if (hasOption && (option < 0 || option > 100))
             return;
         if (hasOption)
             screened.shading = option;
+        screened.kind = FillKind::Shading;
         break;
     case 2:
         if (hasOption && (option < 1 || option > 8))
             return;
         if (hasOption)
-            screened.rasterFill = clampedInteger(1);
-        if (operandCount() >= 3)
-            screened.usesCurrentPen = clampedInteger(2) == 1;
+            screened.rasterFill = command.clampedInteger(1);
+        if (command.count() >= 3)
+            screened.usesCurrentPen = command.clampedInteger(2) == 1;
+        screened.kind = FillKind::RasterFill;
         break;
     case 21:
         if (hasOption && (option < 1 || option > 6))
             return;
         if (hasOption)
-            screened.hatchPattern = clampedInteger(1);
+            screened.hatchPattern = command.clampedInteger(1);
+        screened.kind = FillKind::HatchPattern;
         break;
     case 22:
         if (hasOption)
-            screened.userPattern = clampedInteger(1);
+            screened.userPattern = command.clampedInteger(1);
+        screened.kind = FillKind::UserPattern;
         break;
     default:
-        return;
+        break;
     }
-    screened.type = type;
 }
 
 /// SM takes one character as it stands, a letter too.
-void Machine::symbolMode()
+void symbolMode(Plotter& plotter, Command& command)
 {
-    int byte = m_input->peek();
+    InputStream& input = command.input;
+    int byte = input.peek();
     while (byte == ' ') {
-        m_input->get();
-        byte = m_input->peek();
+        input.get();
+        byte = input.peek();
     }
     int symbol = -1;
     if (byte >= 0 && byte != kEscape) {
-        m_input->get();
+        input.get();
         if ((byte >= 33 && byte <= 58) || (byte >= 60 && byte <= 126) || (byte >= 161 && byte <= 254))
             symbol = byte;
-        if (byte != ';' && m_input->peek() == ';')
-            m_input->get();
+        if (byte != ';' && input.peek() == ';')
+            input.get();
     }
-    if (!m_isPolygonMode)
-        m_state.symbol = symbol;
+    if (!plotter.polygon.isOpen())
+        plotter.state.symbol = symbol;
 }
 
-} // namespace quillrip::hpgl
+} // namespace quillrip::hpgl::commands

@@ -1,7 +1,8 @@
 #include "quillrip/hpgl/machine.h"
 
-#include <algorithm>
-#include <cmath>
+#include "quillrip/hpgl/command_table.h"
+
+#include <cstddef>
 
 namespace quillrip::hpgl {
 
@@ -18,170 +19,89 @@ constexpr unsigned kSuspiciousErrors = 64;
 
 Machine::Machine(Host& host, Surface& surface, FontLibrary& fonts, DiagnosticSink& sink, const Limits& limits,
     PlotListener* listener, RasterLanguage* rasterLanguage)
-    : m_host(host)
-    , m_surface(surface)
-    , m_fonts(fonts)
-    , m_sink(sink)
-    , m_limits(limits)
-    , m_listener(listener)
-    , m_rasterLanguage(rasterLanguage)
+    : m_plotter(host, surface, fonts, sink, limits, listener, rasterLanguage)
 {
-}
-
-void Machine::warn(const char* kind, std::string message)
-{
-    m_sink.report({ Severity::Warning, m_commandOffset, kind, std::move(message) });
-}
-
-int Machine::clampedInteger(std::size_t index, int otherwise) const
-{
-    if (index >= m_operands.size())
-        return otherwise;
-    return static_cast<int>(std::lround(std::clamp(m_operands[index], -32768.0, 32767.0)));
-}
-
-double Machine::clampedReal(std::size_t index, double otherwise) const
-{
-    return index < m_operands.size() ? std::clamp(m_operands[index], -32768.0, 32767.9999) : otherwise;
-}
-
-void Machine::makeReady()
-{
-    if (m_isReady) {
-        updateFrame();
-        return;
-    }
-    m_isReady = true;
-    m_state = State {};
-    updateFrame();
-    initialise();
 }
 
 void Machine::powerOn()
 {
-    makeReady();
-    initialiseCommand();
+    m_plotter.makeReady();
+    m_plotter.initialiseWithPalette();
 }
 
-void Machine::reset()
+End Machine::run(InputStream& input)
 {
-    // The frame may not have gone back to its default yet, so the rest waits until it is asked for.
-    m_line.clear();
-    m_strokes.clear();
-    m_polygon.clear();
-    m_isPolygonMode = false;
-    m_hasFont = false;
-    m_isReady = false;
-}
-
-Point Machine::penOnPage()
-{
-    makeReady();
-    return m_plotterToPage.apply(m_state.pen);
-}
-
-void Machine::setPenOnPage(Point page)
-{
-    makeReady();
-    m_state.pen = m_plotterToPage.inverted().apply(page);
-    m_state.carriageReturn = m_state.pen;
-    m_linePhase = 0;
-    m_hasDotToDraw = false;
-}
-
-void Machine::frameChanged()
-{
-    if (!m_isReady)
-        return;
-    updateFrame();
-    m_state.window = Window {};
-    defaultScalingPoints();
-    m_isPolygonMode = false;
-    m_polygon.clear();
-    m_state.pen = m_state.carriageReturn = m_state.p1;
-    m_linePhase = 0;
-}
-
-void Machine::frameRescaled()
-{
-    if (m_isReady)
-        updateFrame();
-}
-
-Machine::Stop Machine::run(InputStream& input)
-{
-    makeReady();
-    m_input = &input;
+    m_plotter.makeReady();
     Lexer lexer(input);
-    Stop stop = Stop::InputEnded;
-    bool goesOn = true;
-    while (goesOn && status() == RunStatus::Done) {
+    Command command(input);
+    End end = End::InputEnded;
+    while (status() == RunStatus::Done) {
         Mnemonic mnemonic = 0;
         const Lexer::Token token = lexer.next(mnemonic);
         if (token == Lexer::Token::End)
             break;
         if (token == Lexer::Token::Escape) {
-            goesOn = obeyEscape(input, stop);
+            if (const std::optional<End> reached = obeyEscape(input)) {
+                end = *reached;
+                break;
+            }
             continue;
         }
-        m_commandOffset = input.offset() - 2;
-        if (m_isSwitchedOff) {
+        m_plotter.reporter.setOffset(input.offset() - 2);
+        if (m_isSwitchedOff)
             lexer.skipOperands();
-            continue;
-        }
-        execute(mnemonic, lexer);
+        else
+            execute(mnemonic, lexer, command);
     }
-    finishLine();
-    flushStrokes();
-    m_input = nullptr;
-    return status() == RunStatus::Done ? stop : Stop::Failed;
+    m_plotter.linePen.end();
+    return status() == RunStatus::Done ? end : End::Failed;
 }
 
-/// False when the escape sequence ends the run.
-bool Machine::obeyEscape(InputStream& input, Stop& stop)
+/// Tells the end when the escape sequence ends the run.
+std::optional<End> Machine::obeyEscape(InputStream& input)
 {
-    m_commandOffset = input.offset();
-    if (m_rasterLanguage && !m_isSwitchedOff) {
+    m_plotter.reporter.setOffset(input.offset());
+    const RasterVisit& raster = m_plotter.raster;
+    if (raster.isPossible() && !m_isSwitchedOff) {
         // Drivers set up the raster before they enter HP-GL/2 for the first time.
         const ByteView start = input.window(3);
         if (start.size >= 3 && (start[1] == '*' || (start[1] == '&' && (start[2] == 'a' || start[2] == 'p')))) {
-            visitRasterLanguage(input, RasterLanguage::Entry::Unannounced);
-            return true;
+            m_plotter.visitRasterLanguage(input, RasterLanguage::Entry::Unannounced);
+            return std::nullopt;
         }
     }
     const EscapeSequence sequence = readEscape(input);
     switch (sequence.kind) {
     case EscapeSequence::Kind::UniversalExit:
-        stop = Stop::UniversalExit;
-        return false;
+        return End::UniversalExit;
     case EscapeSequence::Kind::Reset:
-        stop = Stop::Reset;
-        return false;
+        return End::Reset;
     case EscapeSequence::Kind::EnterPcl:
-        if (!m_listener) {
+        if (!m_plotter.listener) {
             m_enterPclValue = sequence.value;
-            stop = Stop::EnterPcl;
-            return false;
+            return End::EnterPcl;
         }
-        if (m_rasterLanguage)
-            visitRasterLanguage(
+        if (raster.isPossible()) {
+            m_plotter.visitRasterLanguage(
                 input, (sequence.value & 1) ? RasterLanguage::Entry::AtPen : RasterLanguage::Entry::KeepsPosition);
-        else
-            skipRasterLanguage(input);
-        return true;
+        } else {
+            m_plotter.reporter.warn("hpgl.raster-language", "raster graphics between HP-GL/2 (HP RTL) are not drawn");
+            RasterVisit::skip(input);
+        }
+        return std::nullopt;
     case EscapeSequence::Kind::DeviceControl:
-        handleControl(sequence.control);
-        return true;
+        obeyDeviceControl(sequence.control);
+        return std::nullopt;
     case EscapeSequence::Kind::EnterHpgl:
-        return true;
+        return std::nullopt;
     case EscapeSequence::Kind::Other:
-        warn("hpgl.escape-sequence", "an escape sequence inside HP-GL/2 was skipped");
-        return true;
+        m_plotter.reporter.warn("hpgl.escape-sequence", "an escape sequence inside HP-GL/2 was skipped");
+        return std::nullopt;
     }
-    return true;
+    return std::nullopt;
 }
 
-void Machine::handleControl(char control)
+void Machine::obeyDeviceControl(char control)
 {
     if (control == 'Z' || control == ')')
         m_isSwitchedOff = true;
@@ -189,48 +109,57 @@ void Machine::handleControl(char control)
         m_isSwitchedOff = false;
 }
 
-void Machine::execute(Mnemonic mnemonic, Lexer& lexer)
+void Machine::reportUnknown(Mnemonic mnemonic)
 {
-    const Entry* const entry = find(mnemonic);
-    if (!entry || (entry->scope == Scope::PlotFile && !m_listener)) {
+    if (m_unknown.insert(mnemonic).second)
+        m_plotter.reporter.warn(
+            "hpgl.unknown-command", "there is no HP-GL/2 command " + toString(mnemonic) + ", skipped");
+    if (++m_errors == kSuspiciousErrors && !m_plotter.state.hasDrawn)
+        m_plotter.reporter.damage(
+            "hpgl.not-a-plot", "many unknown commands and no drawing: the data are hardly HP-GL/2");
+}
+
+void Machine::execute(Mnemonic mnemonic, Lexer& lexer, Command& command)
+{
+    const MnemonicEntry* const entry = findMnemonic(mnemonic);
+    if (!entry)
+        reportUnknown(mnemonic);
+    if (!entry || (entry->isForPlotFiles() && !m_plotter.listener)) {
         lexer.skipOperands();
-        if (!entry) {
-            if (m_unknown.insert(mnemonic).second)
-                warn("hpgl.unknown-command", "there is no HP-GL/2 command " + toString(mnemonic) + ", skipped");
-            if (++m_errors == kSuspiciousErrors && !m_hasDrawn)
-                m_sink.report({ Severity::Damage, m_commandOffset, "hpgl.not-a-plot",
-                    "many unknown commands and no drawing: the data are hardly HP-GL/2" });
-        }
         return;
     }
-    if (entry->line != Line::Goes) {
-        finishLine();
-        flushStrokes();
-    }
-    if (entry->line == Line::Breaks)
-        m_linePhase = 0;
-    m_operands.clear();
-    m_isContinued = false;
-    if (entry->operands == Operands::Raw) {
-        (this->*entry->handler)();
+    if (entry->line != LineEffect::Goes)
+        m_plotter.linePen.end();
+    if (entry->line == LineEffect::Breaks)
+        m_plotter.linePen.restartPattern();
+    const Handler handler = findHandler(mnemonic);
+    if (!handler) {
+        lexer.skipOperands();
         return;
     }
-    const bool isIgnored = m_isPolygonMode && !entry->isLegalInPolygon;
-    if (entry->operands == Operands::Numbers) {
-        if (!lexer.readNumbers(m_operands, kMostOperands))
+    command.operands.clear();
+    command.isContinued = false;
+    const bool isIgnored = m_plotter.polygon.isOpen() && !entry->isLegalInPolygon();
+    switch (entry->reading()) {
+    case Reading::ByHandler:
+        handler(m_plotter, command);
+        return;
+    case Reading::AtOnce:
+        if (!lexer.readNumbers(command.operands, kMostOperands))
             lexer.skipOperands();
         if (!isIgnored)
-            (this->*entry->handler)();
+            handler(m_plotter, command);
         return;
-    }
-    for (;;) {
-        const bool hasEnded = lexer.readNumbers(m_operands, kCoordinateBatch);
-        if (!isIgnored && !(m_isContinued && m_operands.empty()))
-            (this->*entry->handler)();
-        if (hasEnded)
-            return;
-        m_operands.clear();
-        m_isContinued = true;
+    case Reading::InBatches:
+        for (;;) {
+            const bool hasEnded = lexer.readNumbers(command.operands, kCoordinateBatch);
+            if (!isIgnored && !(command.isContinued && command.empty()))
+                handler(m_plotter, command);
+            if (hasEnded)
+                return;
+            command.operands.clear();
+            command.isContinued = true;
+        }
     }
 }
 

@@ -65,7 +65,7 @@ bool PageSurface::isVisible(const PageRect& bounds, const Clip& clip)
         && bounds.bottom >= page.top - kSlack && bounds.top <= page.bottom + kSlack;
 }
 
-const PaintState& PageSurface::paintState(const Ink& ink, Clip& clip)
+const PaintState& PageSurface::paintState(const PenInk& ink, Clip& clip)
 {
     if (!clip.device)
         clip.device = ClipRegion::ofRect(toPixels(clip.page, m_canvas.pageToDevice));
@@ -87,7 +87,7 @@ const PaintState& PageSurface::paintState(const Ink& ink, Clip& clip)
     return m_state;
 }
 
-void PageSurface::stroke(const Path& path, const StrokeStyle& style, const Ink& ink)
+void PageSurface::stroke(const Path& path, const StrokeStyle& style, const PenInk& ink)
 {
     PageRect bounds = boundsOf(path);
     // Caps reach no farther than the pen is wide; miters do, up to their limit.
@@ -97,7 +97,7 @@ void PageSurface::stroke(const Path& path, const StrokeStyle& style, const Ink& 
         m_canvas.painter->strokePath(path, m_canvas.pageToDevice, style, paintState(ink, m_lineClip));
 }
 
-void PageSurface::fill(const Path& path, FillRule rule, const Ink& ink)
+void PageSurface::fill(const Path& path, FillRule rule, const PenInk& ink)
 {
     if (!isVisible(boundsOf(path), m_areaClip) || !begin())
         return;
@@ -105,7 +105,7 @@ void PageSurface::fill(const Path& path, FillRule rule, const Ink& ink)
     m_canvas.painter->fillPath(path.transformed(m_canvas.pageToDevice), rule, paintState(ink, m_areaClip), pixels);
 }
 
-void PageSurface::drawGlyph(const Typeface& face, GlyphId glyph, const Matrix& glyphToPage, const Ink& ink)
+void PageSurface::drawGlyph(const Typeface& face, GlyphId glyph, const Matrix& glyphToPage, const PenInk& ink)
 {
     // Two ems all round hold every glyph.
     PageRect bounds = PageRect::nothing();

@@ -20,9 +20,9 @@ public:
     void fail(RunStatus status) { m_status = status; }
 
     void setClip(const PageRect& areas, const PageRect& lines) override;
-    void stroke(const Path& path, const StrokeStyle& style, const Ink& ink) override;
-    void fill(const Path& path, FillRule rule, const Ink& ink) override;
-    void drawGlyph(const Typeface& face, GlyphId glyph, const Matrix& glyphToPage, const Ink& ink) override;
+    void stroke(const Path& path, const StrokeStyle& style, const PenInk& ink) override;
+    void fill(const Path& path, FillRule rule, const PenInk& ink) override;
+    void drawGlyph(const Typeface& face, GlyphId glyph, const Matrix& glyphToPage, const PenInk& ink) override;
     RunStatus status() const override { return m_status; }
 
 private:
@@ -34,7 +34,7 @@ private:
 
     bool begin();
     static bool isVisible(const PageRect& bounds, const Clip& clip);
-    const PaintState& paintState(const Ink& ink, Clip& clip);
+    const PaintState& paintState(const PenInk& ink, Clip& clip);
 
     Host& m_host;
     PageCanvas m_canvas;

@@ -3,6 +3,8 @@
 #include "quillrip/base/diagnostics.h"
 #include "quillrip/base/input_stream.h"
 #include "quillrip/base/limits.h"
+#include "quillrip/hpgl/end.h"
+#include "quillrip/hpgl/environment.h"
 #include "quillrip/hpgl/raster_language.h"
 #include "quillrip/raster/page_device.h"
 
@@ -14,32 +16,17 @@ class FontLibrary;
 
 namespace hpgl {
 
-/// What stands outside the plot: options of the program, variables of the job control language.
-struct PlotEnvironment {
-    /// Sheet for every page in decipoints as read: width across, height down. 0: from the plot (PS, a full-page IP or
-    /// IW, the extent of the drawing).
-    double paperWidth = 0;
-    double paperHeight = 0;
-    /// Where a plot tells its size only by the extent of the drawing: A4 and its kin, or Letter and its kin.
-    bool prefersMetricPaper = true;
-};
-
 /// A plot that is a file, or a stretch of a job, of its own: HP-GL/2 and plain HP-GL, several pages by PG, AF, AH, BP.
 ///
 /// The page size is known only when a page was read, so a plot is gone through twice: its bytes are kept up to
 /// Limits::macroBytes, and what lies beyond is drawn without having been measured.
 class PlotFile {
 public:
-    enum class End {
-        InputEnded,
-        UniversalExit, ///< the input stands on the ESC of ESC%-12345X
-        Reset, ///< ESC E was taken: what follows may be any language
-        Failed, ///< status() says why; nothing more may be run
-    };
+    using End = hpgl::End; ///< never EnterPcl
 
     /// All references must outlive the plot. Without a raster language, raster between vectors is passed over.
     PlotFile(PageDevice& device, FontLibrary& fonts, DiagnosticSink& sink, const Limits& limits,
-        const PlotEnvironment& environment, RasterLanguageFactory rasterLanguage = {});
+        const Environment& environment, RasterLanguageFactory rasterLanguage = {});
     ~PlotFile();
     PlotFile(const PlotFile&) = delete;
     PlotFile& operator=(const PlotFile&) = delete;

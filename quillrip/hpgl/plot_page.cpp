@@ -110,7 +110,7 @@ Placed fromExtent(const PlotRect& extent, bool isMetric)
     return { size + margin * 2, extent.low - margin };
 }
 
-Placed place(const PlotFacts& facts, const PlotEnvironment& environment)
+Placed place(const PlotFacts& facts, const Environment& environment)
 {
     const bool isTurned = (facts.quarterTurns & 1) && !facts.hasRaster;
     const auto upright = [&](double length, double width) {
@@ -162,14 +162,14 @@ bool PlotRect::contains(const PlotRect& other, double slack) const
         && other.high.y <= high.y + slack;
 }
 
-Point assumedPaper(const PlotEnvironment& environment)
+Point assumedPaper(const Environment& environment)
 {
     if (environment.paperWidth > 0 && environment.paperHeight > 0)
         return { environment.paperWidth / kDecipointsPerUnit, environment.paperHeight / kDecipointsPerUnit };
     return environment.prefersMetricPaper ? kMetricSheets[0] : kInchSheets[0];
 }
 
-PlotPage plotPage(const PlotFacts& facts, const PlotEnvironment& environment)
+PlotPage plotPage(const PlotFacts& facts, const Environment& environment)
 {
     Placed placed = place(facts, environment);
     placed.size.x = std::max(placed.size.x, kSmallestSheet);

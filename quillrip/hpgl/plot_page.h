@@ -1,7 +1,8 @@
 #pragma once
 
+#include "quillrip/base/geometry.h"
+#include "quillrip/hpgl/environment.h"
 #include "quillrip/hpgl/host.h"
-#include "quillrip/hpgl/plot_file.h"
 #include "quillrip/raster/page_device.h"
 
 #include <optional>
@@ -44,11 +45,11 @@ struct PlotPage {
 };
 
 /// Length and width in plotter units of the sheet that a plotter without further knowledge has: Letter or A4.
-Point assumedPaper(const PlotEnvironment& environment);
+Point assumedPaper(const Environment& environment);
 
 /// The sheet for one page. In this order: the environment's paper; PS; a window or P1 and P2 that enclose the
 /// drawing; the smallest standard sheet that holds the drawing with the origin at its lower left corner, or in its
 /// middle for drawings round the origin; the drawing and a margin of a centimetre.
-PlotPage plotPage(const PlotFacts& facts, const PlotEnvironment& environment);
+PlotPage plotPage(const PlotFacts& facts, const Environment& environment);
 
 } // namespace quillrip::hpgl

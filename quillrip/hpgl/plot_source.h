@@ -1,7 +1,9 @@
 #pragma once
 
 #include "quillrip/base/input_stream.h"
+#include "quillrip/hpgl/end.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <vector>
 
@@ -10,13 +12,11 @@ namespace quillrip::hpgl {
 /// The bytes of one plot within a longer input: ends before a Universal Exit and behind a reset.
 class PlotSource final : public InputStream {
 public:
-    enum class End { InputEnded, UniversalExit, Reset };
-
     explicit PlotSource(InputStream& input)
         : m_input(input)
     {
     }
-    /// Why there is no more; once everything was read.
+    /// Why there is no more, once everything was read: InputEnded, UniversalExit or Reset.
     End end() const { return m_end; }
 
 protected:

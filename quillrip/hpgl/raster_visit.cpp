@@ -1,8 +1,12 @@
-// A plotter's other language: ESC%#A and ESC%#B in plots of their own.
+#include "quillrip/hpgl/raster_visit.h"
 
-#include "quillrip/hpgl/machine.h"
+#include "quillrip/hpgl/lexer.h"
 
+#include <algorithm>
 #include <cmath>
+#include <cstddef>
+#include <utility>
+#include <vector>
 
 namespace quillrip::hpgl {
 
@@ -16,38 +20,38 @@ bool isAcross(const Matrix& matrix) { return std::abs(matrix.b) > std::abs(matri
 
 } // namespace
 
-/// The present page of the machine in the raster's axes.
-class Machine::VisitedPage final : public RasterPage {
+/// The present page of the plot in the raster's axes.
+class RasterVisit::VisitedPage final : public RasterPage {
 public:
-    explicit VisitedPage(Machine& machine)
-        : m_machine(machine)
-        , m_toPage(kRasterToPlotter * machine.m_frameToPage)
+    explicit VisitedPage(RasterVisit& visit)
+        : m_visit(visit)
+        , m_toPage(kRasterToPlotter * visit.m_coordinates.frameToPage())
     {
     }
 
     RunStatus beginMark(PageCanvas& canvas) override
     {
-        const RunStatus status = m_machine.m_host.beginMark(canvas);
+        const RunStatus status = m_visit.m_host.beginMark(canvas);
         canvas = turned(canvas);
         return status;
     }
-    PageCanvas previewCanvas() const override { return turned(m_machine.m_host.previewCanvas()); }
-    double width() const override { return m_machine.frameSize().y / kUnitsPerDecipoint; }
+    PageCanvas previewCanvas() const override { return turned(m_visit.m_host.previewCanvas()); }
+    double width() const override { return m_visit.m_coordinates.frameSize().y / kUnitsPerDecipoint; }
     double end() const override
     {
-        const PictureFrame& frame = m_machine.m_frame;
+        const PictureFrame& frame = m_visit.m_coordinates.frame();
         const Matrix fromPage = m_toPage.inverted();
         return std::max(fromPage.apply({ frame.clipLeft, frame.clipTop }).y,
             fromPage.apply({ frame.clipRight, frame.clipBottom }).y);
     }
-    bool needsPixels() const override { return m_machine.m_surface.needsDetail(); }
+    bool needsPixels() const override { return m_visit.m_surface.needsDetail(); }
     void covered(const PageRect& raster) override
     {
         PageRect page = PageRect::nothing();
         page.include(m_toPage.apply({ raster.left, raster.top }));
         page.include(m_toPage.apply({ raster.right, raster.bottom }));
-        m_machine.m_hasDrawn = true;
-        m_machine.m_listener->rasterCovered(page);
+        m_visit.m_state.hasDrawn = true;
+        m_visit.m_listener->rasterCovered(page);
     }
 
     const Matrix& toPage() const { return m_toPage; }
@@ -61,27 +65,35 @@ private:
         return canvas;
     }
 
-    Machine& m_machine;
+    RasterVisit& m_visit;
     Matrix m_toPage;
 };
 
-void Machine::visitRasterLanguage(InputStream& input, RasterLanguage::Entry entry)
+RasterVisit::RasterVisit(RasterLanguage* language, Host& host, const Surface& surface, State& state,
+    const Coordinates& coordinates, PlotListener* listener)
+    : m_language(language)
+    , m_host(host)
+    , m_surface(surface)
+    , m_state(state)
+    , m_coordinates(coordinates)
+    , m_listener(listener)
 {
-    finishLine();
-    flushStrokes();
-    makeReady();
+}
+
+std::optional<Point> RasterVisit::run(InputStream& input, RasterLanguage::Entry entry)
+{
     VisitedPage page(*this);
     RasterExchange exchange;
-    exchange.cursor = page.toPage().inverted().apply(m_plotterToPage.apply(m_state.pen));
+    exchange.cursor = page.toPage().inverted().apply(m_coordinates.toPage(m_state.pen));
     for (std::size_t pen = 0; pen < m_host.paletteSize(); ++pen)
         exchange.palette.push_back(m_host.paletteColor(pen));
     exchange.rasterOperation = m_host.rasterOperation();
     exchange.isGridCentred = m_host.isGridCentred();
     const std::vector<Rgb> pens = exchange.palette;
-    const RasterLanguage::End end = m_rasterLanguage->run(input, entry, page, exchange);
+    const RasterLanguage::End end = m_language->run(input, entry, page, exchange);
     if (end == RasterLanguage::End::Failed) {
-        m_rasterStatus = m_rasterLanguage->status();
-        return;
+        m_status = m_language->status();
+        return std::nullopt;
     }
     m_host.setRasterOperation(exchange.rasterOperation);
     m_host.setGridCentred(exchange.isGridCentred);
@@ -90,14 +102,13 @@ void Machine::visitRasterLanguage(InputStream& input, RasterLanguage::Entry entr
         for (std::size_t pen = 0; pen < exchange.palette.size(); ++pen)
             m_host.setPaletteColor(pen, exchange.palette[pen]);
     }
-    if (end == RasterLanguage::End::EnterHpgl && (m_rasterLanguage->enterValue() & 1))
-        setPenOnPage(page.toPage().apply(exchange.cursor));
+    if (end != RasterLanguage::End::EnterHpgl || !(m_language->enterValue() & 1))
+        return std::nullopt;
+    return page.toPage().apply(exchange.cursor);
 }
 
-/// Without a raster language there is nothing to be done but to find the end of it.
-void Machine::skipRasterLanguage(InputStream& input)
+void RasterVisit::skip(InputStream& input)
 {
-    warn("hpgl.raster-language", "raster graphics between HP-GL/2 (HP RTL) are not drawn");
     for (;;) {
         const int byte = input.peek();
         if (byte < 0)

@@ -1,7 +1,8 @@
 #include "quillrip/hpgl/recognition.h"
 
+#include "quillrip/hpgl/mnemonics.h"
+
 #include <algorithm>
-#include <array>
 #include <cstdint>
 #include <cstring>
 
@@ -19,156 +20,6 @@ constexpr int kShortPlot = 4;
 /// Plotter units; a little more than the long edge of the largest sheet that desktop printers take.
 constexpr double kLargeFormat = 17400;
 constexpr double kUnitsPerInch = 1016;
-
-enum class Form : std::uint8_t {
-    Numbers,
-    Pairs, ///< numbers, an even count of them
-    Sextuples,
-    Label, ///< text up to the label terminator
-    Terminator,
-    Symbol,
-    Encoded,
-    Text, ///< quoted
-};
-
-struct Known {
-    char name[3];
-    Form form;
-    std::uint8_t least;
-    std::uint8_t most; ///< 255: any number
-    bool mayStart; ///< plots begin with it
-};
-
-constexpr std::uint8_t kAny = 255;
-
-// Sorted by name.
-constexpr std::array<Known, 122> kKnown { {
-    { "AA", Form::Numbers, 3, 4, false },
-    { "AC", Form::Pairs, 0, 2, false },
-    { "AD", Form::Pairs, 0, 14, false },
-    { "AF", Form::Numbers, 0, 0, false },
-    { "AH", Form::Numbers, 0, 0, false },
-    { "AP", Form::Numbers, 0, 1, false },
-    { "AR", Form::Numbers, 3, 4, false },
-    { "AS", Form::Numbers, 0, 2, false },
-    { "AT", Form::Numbers, 4, 5, false },
-    { "BL", Form::Label, 0, 0, false },
-    { "BP", Form::Text, 0, 10, true },
-    { "BR", Form::Sextuples, 6, kAny, false },
-    { "BZ", Form::Sextuples, 6, kAny, false },
-    { "CA", Form::Numbers, 0, 2, false },
-    { "CF", Form::Numbers, 0, 2, false },
-    { "CI", Form::Numbers, 1, 2, false },
-    { "CO", Form::Text, 0, 0, true },
-    { "CP", Form::Pairs, 0, 2, false },
-    { "CR", Form::Numbers, 0, 6, false },
-    { "CS", Form::Numbers, 0, 1, false },
-    { "CT", Form::Numbers, 0, 1, true },
-    { "CV", Form::Numbers, 0, 2, false },
-    { "DC", Form::Numbers, 0, 0, false },
-    { "DF", Form::Numbers, 0, 0, true },
-    { "DI", Form::Pairs, 0, 2, false },
-    { "DL", Form::Numbers, 0, kAny, false },
-    { "DP", Form::Numbers, 0, 0, false },
-    { "DR", Form::Pairs, 0, 2, false },
-    { "DT", Form::Terminator, 0, 1, true },
-    { "DV", Form::Numbers, 0, 2, false },
-    { "EA", Form::Pairs, 2, 2, false },
-    { "EC", Form::Numbers, 0, 1, false },
-    { "EP", Form::Numbers, 0, 0, false },
-    { "ER", Form::Pairs, 2, 2, false },
-    { "ES", Form::Numbers, 0, 2, false },
-    { "EW", Form::Numbers, 3, 4, false },
-    { "FI", Form::Numbers, 1, 1, false },
-    { "FN", Form::Numbers, 1, 1, false },
-    { "FP", Form::Numbers, 0, 1, false },
-    { "FR", Form::Numbers, 0, 0, false },
-    { "FS", Form::Numbers, 0, 2, false },
-    { "FT", Form::Numbers, 0, 3, false },
-    { "GM", Form::Numbers, 0, 6, false },
-    { "IM", Form::Numbers, 0, 3, false },
-    { "IN", Form::Numbers, 0, 1, true },
-    { "IP", Form::Pairs, 0, 4, true },
-    { "IR", Form::Pairs, 0, 4, true },
-    { "IV", Form::Numbers, 0, 2, false },
-    { "IW", Form::Pairs, 0, 4, true },
-    { "KY", Form::Numbers, 0, 2, false },
-    { "LA", Form::Pairs, 0, 6, true },
-    { "LB", Form::Label, 0, 0, false },
-    { "LM", Form::Numbers, 0, 2, false },
-    { "LO", Form::Numbers, 0, 1, false },
-    { "LT", Form::Numbers, 0, 3, true },
-    { "MC", Form::Numbers, 0, 2, false },
-    { "MG", Form::Text, 0, 0, false },
-    { "MT", Form::Numbers, 0, 1, true },
-    { "NP", Form::Numbers, 0, 1, true },
-    { "NR", Form::Numbers, 0, 1, false },
-    { "OA", Form::Numbers, 0, 0, false },
-    { "OC", Form::Numbers, 0, 0, false },
-    { "OD", Form::Numbers, 0, 0, false },
-    { "OE", Form::Numbers, 0, 0, false },
-    { "OF", Form::Numbers, 0, 0, false },
-    { "OH", Form::Numbers, 0, 0, false },
-    { "OI", Form::Numbers, 0, 0, false },
-    { "OK", Form::Numbers, 0, 0, false },
-    { "OO", Form::Numbers, 0, 0, false },
-    { "OP", Form::Numbers, 0, 0, false },
-    { "OS", Form::Numbers, 0, 0, false },
-    { "OT", Form::Numbers, 0, 0, false },
-    { "OW", Form::Numbers, 0, 0, false },
-    { "PA", Form::Pairs, 0, kAny, true },
-    { "PB", Form::Numbers, 0, 0, false },
-    { "PC", Form::Numbers, 0, 4, false },
-    { "PD", Form::Pairs, 0, kAny, true },
-    { "PE", Form::Encoded, 0, 0, false },
-    { "PG", Form::Numbers, 0, 1, true },
-    { "PM", Form::Numbers, 0, 1, false },
-    { "PP", Form::Numbers, 0, 1, false },
-    { "PR", Form::Pairs, 0, kAny, true },
-    { "PS", Form::Numbers, 0, 2, true },
-    { "PT", Form::Numbers, 0, 1, true },
-    { "PU", Form::Pairs, 0, kAny, true },
-    { "PW", Form::Numbers, 0, 2, true },
-    { "QL", Form::Numbers, 0, 1, false },
-    { "RA", Form::Pairs, 2, 2, false },
-    { "RF", Form::Numbers, 0, kAny, false },
-    { "RO", Form::Numbers, 0, 1, true },
-    { "RP", Form::Numbers, 0, 1, false },
-    { "RR", Form::Pairs, 2, 2, false },
-    { "RT", Form::Numbers, 4, 5, false },
-    { "SA", Form::Numbers, 0, 0, false },
-    { "SB", Form::Numbers, 0, 1, false },
-    { "SC", Form::Numbers, 0, 7, true },
-    { "SD", Form::Pairs, 0, 14, false },
-    { "SG", Form::Numbers, 0, 1, false },
-    { "SI", Form::Pairs, 0, 2, false },
-    { "SL", Form::Numbers, 0, 1, false },
-    { "SM", Form::Symbol, 0, 0, false },
-    { "SP", Form::Numbers, 0, 1, true },
-    { "SR", Form::Pairs, 0, 2, false },
-    { "SS", Form::Numbers, 0, 0, false },
-    { "ST", Form::Numbers, 0, 1, false },
-    { "SV", Form::Numbers, 0, 3, false },
-    { "TD", Form::Numbers, 0, 1, false },
-    { "TL", Form::Numbers, 0, 2, false },
-    { "TR", Form::Numbers, 0, 1, false },
-    { "UC", Form::Numbers, 0, kAny, false },
-    { "UL", Form::Numbers, 0, 21, true },
-    { "VS", Form::Numbers, 0, 2, true },
-    { "WD", Form::Label, 0, 0, false },
-    { "WG", Form::Numbers, 3, 4, false },
-    { "WU", Form::Numbers, 0, 1, true },
-    { "XT", Form::Numbers, 0, 0, false },
-    { "YT", Form::Numbers, 0, 0, false },
-} };
-
-const Known* findKnown(char first, char second)
-{
-    const char name[3] = { first, second, 0 };
-    const auto known = std::lower_bound(kKnown.begin(), kKnown.end(), name,
-        [](const Known& k, const char* wanted) { return std::strcmp(k.name, wanted) < 0; });
-    return known != kKnown.end() && std::strcmp(known->name, name) == 0 ? &*known : nullptr;
-}
 
 bool isSpace(int byte) { return byte == ' ' || byte == '\t' || byte == '\r' || byte == '\n' || byte == 0; }
 
@@ -363,8 +214,8 @@ private:
             return false;
         }
         m_at += 2;
-        const Known* const known = findKnown(static_cast<char>(first & ~0x20), static_cast<char>(second & ~0x20));
-        if (!known || (isFirst && !known->mayStart)) {
+        const MnemonicEntry* const known = findMnemonic(mnemonic(first, second));
+        if (!known || (isFirst && !known->mayStartPlot())) {
             std::size_t ignored = 0;
             readNumbers(ignored);
             return false;
@@ -387,7 +238,7 @@ private:
         std::size_t count = 0;
         const bool isClean = readNumbers(count);
         m_hasOperands = m_hasOperands || count > 0;
-        if (!isClean || count < known->least || (known->most != kAny && count > known->most))
+        if (!isClean || count < known->least || (known->most != MnemonicEntry::kAny && count > known->most))
             return false;
         return (known->form != Form::Pairs || count % 2 == 0) && (known->form != Form::Sextuples || count % 6 == 0);
     }

@@ -1,11 +1,9 @@
 #pragma once
 
 #include "quillrip/base/geometry.h"
-#include "quillrip/base/page_bitmap.h"
+#include "quillrip/raster/paths/stroke_style.h"
 
-#include <array>
 #include <cstdint>
-#include <memory>
 #include <vector>
 
 namespace quillrip::hpgl {
@@ -18,8 +16,17 @@ constexpr double kPlotterUnitsPerMillimetre = 40;
 constexpr double kDecipointsPerInch = 720;
 /// Texture OR source: the pen's colour where the shape is.
 constexpr std::uint8_t kDefaultRasterOperation = 252;
-constexpr double kDefaultPenMillimetres = 0.35;
-constexpr double kDefaultPenPercent = 0.1;
+
+/// The pen as commands leave it to each other. Places are in plotter units of the rotated system.
+struct State {
+    bool isAbsolute = true; ///< PA, PR
+    bool isPenDown = false;
+    Point pen;
+    Point carriageReturn; ///< where the line of a label begins
+    int symbol = -1; ///< SM; -1: none
+    bool chordIsDeviation = false; ///< CT1
+    bool hasDrawn = false; ///< something was asked for that leaves marks
+};
 
 /// SC. The operands are kept, not the resulting map, since later changes of P1 and P2 act on it.
 struct Scaling {
@@ -31,19 +38,6 @@ struct Scaling {
     double yMax = 1;
     double left = 50; ///< percent of the spare room
     double bottom = 50;
-};
-
-/// x' = scale x + offset for both axes: user units to plotter units.
-struct UserToPlotter {
-    double scaleX = 1;
-    double scaleY = 1;
-    double offsetX = 0;
-    double offsetY = 0;
-
-    Point apply(Point user) const { return { user.x * scaleX + offsetX, user.y * scaleY + offsetY }; }
-    Point applyVector(Point user) const { return { user.x * scaleX, user.y * scaleY }; }
-    Point revert(Point plotter) const { return { (plotter.x - offsetX) / scaleX, (plotter.y - offsetY) / scaleY }; }
-    Point revertVector(Point plotter) const { return { plotter.x / scaleX, plotter.y / scaleY }; }
 };
 
 /// IW.
@@ -60,15 +54,19 @@ struct PatternLength {
     bool isMillimetres = false; ///< else percent of the distance from P1 to P2
 };
 
+/// LT.
 struct LineType {
     bool isSolid = true;
     int type = 0; ///< -8 to 8; 0: dots at the points
     PatternLength length;
+
+    bool isDotsAtPoints() const { return !isSolid && type == 0; }
 };
 
+/// LA.
 struct LineAttributes {
-    int end = 1; ///< 1 butt, 2 square, 3 triangular, 4 round
-    int join = 1; ///< 1 mitred, 2 mitred or bevelled, 3 triangular, 4 round, 5 bevelled, 6 none
+    LineCap cap = LineCap::Butt;
+    LineJoin join = LineJoin::MiterClipped;
     double miterLimit = 5;
 };
 
@@ -80,21 +78,34 @@ struct Hatching {
     double angle = 0; ///< degrees
 };
 
-/// FT. Every type remembers its own options.
+/// What areas and screened lines are made of.
+enum class FillKind : std::uint8_t {
+    Solid,
+    ParallelLines,
+    CrossedLines,
+    Shading,
+    RasterFill, ///< RF
+    HatchPattern, ///< one of the host's six
+    UserPattern, ///< a pattern that the host was sent
+};
+
+/// FT. Every kind remembers its own options.
 struct FillType {
-    int type = 1;
+    FillKind kind = FillKind::Solid;
     Hatching parallel;
     Hatching cross;
-    double shading = 50;
+    double shading = 50; ///< percent
     int rasterFill = 1;
     int hatchPattern = 1;
     int userPattern = 0;
+
+    bool isHatched() const { return kind == FillKind::ParallelLines || kind == FillKind::CrossedLines; }
 };
 
-/// SV, likewise.
+/// SV, likewise; never hatched.
 struct ScreenedVectors {
-    int type = 0;
-    double shading = 50;
+    FillKind kind = FillKind::Solid;
+    double shading = 50; ///< percent
     int rasterFill = 1;
     bool usesCurrentPen = false;
     int hatchPattern = 1;
@@ -134,13 +145,34 @@ struct CharacterSize {
     double height = 0;
 };
 
+/// LM.
+enum class LabelMode : std::uint8_t {
+    OneByte,
+    TwoBytes,
+    OneByteVertical, ///< with the vertical forms of characters that have them
+    TwoBytesVertical,
+};
+
+/// DV.
+enum class TextPath : std::uint8_t { Right, Down, Left, Up };
+
+constexpr bool isVertical(TextPath path) { return path == TextPath::Down || path == TextPath::Up; }
+
+/// CF.
+enum class CharacterFill : std::uint8_t {
+    Pen, ///< solid in the pen's colour
+    Edge,
+    FillType, ///< as FT has it
+    FillTypeAndEdge,
+};
+
 /// Everything of the character group.
 struct TextState {
     FontAttributes standard;
     FontAttributes alternate;
     bool usesAlternate = false;
     bool allowsBitmapFonts = false;
-    int labelMode = 0;
+    LabelMode mode = LabelMode::OneByte;
     std::uint8_t terminator = 3;
     bool printsTerminator = false;
     bool isTransparent = false; ///< TD1
@@ -149,47 +181,18 @@ struct TextState {
     bool directionIsRelative = false;
     double run = 1;
     double rise = 0;
-    int path = 0; ///< 0 right, 1 down, 2 left, 3 up
+    TextPath path = TextPath::Right;
     bool lineFeedsLeft = false; ///< DV's second operand: counter-clockwise from the path
     double extraWidth = 0; ///< ES, in character widths
     double extraHeight = 0; ///< ES, in lines
-    int origin = 1;
-    int fillMode = 0;
+    int origin = 1; ///< LO
+    CharacterFill fill = CharacterFill::Pen;
     int edgePen = 0;
     bool hasEdgePen = false;
-};
 
-/// The state that HP-GL/2 keeps between commands, pages and visits. Places are in plotter units of the rotated system.
-struct State {
-    bool isAbsolute = true;
-    bool isPenDown = false;
-    Point pen;
-    Point carriageReturn;
-    int selectedPen = -1; ///< -1: none since IN, so that nothing is drawn
-
-    Point p1;
-    Point p2;
-    int quarterTurns = 0; ///< RO / 90
-    Scaling scaling;
-    Window window;
-
-    bool widthsAreRelative = false; ///< WU1: percent of the distance from P1 to P2
-    std::vector<double> penWidths; ///< by pen, millimetres or percent; pens beyond the end have the default
-
-    LineType lineType;
-    std::array<std::vector<double>, 9> linePatterns; ///< UL, shares of 1; empty: built in
-    LineAttributes lineAttributes;
-    int symbol = -1; ///< SM
-    FillType fill;
-    ScreenedVectors screened;
-    std::array<RasterFill, 9> rasterFills; ///< by index 1 to 8; empty: solid
-    Point anchor;
-    bool isTransparent = true; ///< TR
-    TextState text;
-
-    bool chordIsDeviation = false; ///< CT1
-    std::array<double, 3> blackReference { 0, 0, 0 }; ///< CR: what PC calls black, red green blue
-    std::array<double, 3> whiteReference { 255, 255, 255 };
+    const FontAttributes& font() const { return usesAlternate ? alternate : standard; }
+    bool isFilledByType() const { return fill == CharacterFill::FillType || fill == CharacterFill::FillTypeAndEdge; }
+    bool isEdged() const { return fill == CharacterFill::Edge || fill == CharacterFill::FillTypeAndEdge; }
 };
 
 } // namespace quillrip::hpgl

@@ -35,7 +35,7 @@ struct PageRect {
 };
 
 /// What a mark looks like.
-struct Ink {
+struct PenInk {
     Rgb color;
     /// Area fills keep their tone on bilevel pages; lines and letters are as black as a monochrome printer makes them.
     bool isArea = false;
@@ -51,10 +51,10 @@ public:
 
     /// One clip for lines, and one for everything else.
     virtual void setClip(const PageRect& areas, const PageRect& lines) = 0;
-    virtual void stroke(const Path& path, const StrokeStyle& style, const Ink& ink) = 0;
-    virtual void fill(const Path& path, FillRule rule, const Ink& ink) = 0;
+    virtual void stroke(const Path& path, const StrokeStyle& style, const PenInk& ink) = 0;
+    virtual void fill(const Path& path, FillRule rule, const PenInk& ink) = 0;
     /// A glyph of a face by its mask; `glyphToPage` takes glyph space (y up) to page space.
-    virtual void drawGlyph(const Typeface& face, GlyphId glyph, const Matrix& glyphToPage, const Ink& ink) = 0;
+    virtual void drawGlyph(const Typeface& face, GlyphId glyph, const Matrix& glyphToPage, const PenInk& ink) = 0;
     /// Anything but Done: nothing more can be drawn.
     virtual RunStatus status() const = 0;
     /// False: outlines do as well as dashes and hatch lines.

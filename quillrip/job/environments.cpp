@@ -53,9 +53,9 @@ pclxl::Environment pclXlEnvironment(const stream::PjlEnvironment& variables)
     return environment;
 }
 
-hpgl::PlotEnvironment plotEnvironment(const stream::PjlEnvironment& variables)
+hpgl::Environment plotEnvironment(const stream::PjlEnvironment& variables)
 {
-    hpgl::PlotEnvironment environment;
+    hpgl::Environment environment;
     if (const auto paper = paperOf(variables)) {
         // A plot's x axis runs along the paper's long edge unless the job says otherwise.
         const bool isPortrait = variables.orientation == 0;

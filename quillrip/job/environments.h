@@ -10,6 +10,6 @@ namespace quillrip {
 /// What the job language's variables mean to each interpreter.
 pcl::Environment pclEnvironment(const stream::PjlEnvironment& variables, bool isInkjetRaster);
 pclxl::Environment pclXlEnvironment(const stream::PjlEnvironment& variables);
-hpgl::PlotEnvironment plotEnvironment(const stream::PjlEnvironment& variables);
+hpgl::Environment plotEnvironment(const stream::PjlEnvironment& variables);
 
 } // namespace quillrip

@@ -1,6 +1,6 @@
 #include "quillrip/fonts/font_library.h"
 #include "quillrip/hpgl/plot_file.h"
-#include "tests/hpgl/plot_bench.h"
+#include "tests/hpgl/plot_sheet.h"
 
 #include <gtest/gtest.h>
 
@@ -44,8 +44,8 @@ TEST(HpglBrokenInput, APlotCutAnywhereIsDrawnSoFar)
 TEST(HpglBrokenInput, AnInsertCutAnywhereIsDrawnSoFar)
 {
     for (std::size_t size = 0; size <= kEverything.size(); ++size) {
-        PlotBench bench(PixelFormat::Gray8);
-        bench.run(kEverything.substr(0, size));
+        PlotSheet sheet(PixelFormat::Gray8);
+        sheet.run(kEverything.substr(0, size));
     }
 }
 
@@ -69,11 +69,11 @@ TEST(HpglBrokenInput, AbsurdNumbersAreSurvived)
     for (const char* const command : commands) {
         for (const std::string& a : numbers) {
             for (const std::string& b : numbers) {
-                PlotBench bench;
+                PlotSheet sheet;
                 std::string list;
                 for (int i = 0; i < 3; ++i)
                     list += a + "," + b + ",";
-                bench.run(std::string("IN;SP1;PU500,500;PD;") + command + list
+                sheet.run(std::string("IN;SP1;PU500,500;PD;") + command + list
                     + ";PD100,100;LT2;CI300;FT3;RA900,900;LBx\x03");
             }
         }
@@ -101,10 +101,10 @@ TEST(HpglBrokenInput, APolygonBeyondTheLimitKeepsItsFirstCorners)
 
 TEST(HpglBrokenInput, EachUnknownCommandIsToldOnce)
 {
-    PlotBench bench;
-    bench.run("IN;SP1;QQ1,2;QQ3;ZZ;PU0,500;PD900,500;PU;");
-    EXPECT_EQ(bench.diagnostics().all.size(), 2u);
-    EXPECT_TRUE(bench.hasLine(500, 505));
+    PlotSheet sheet;
+    sheet.run("IN;SP1;QQ1,2;QQ3;ZZ;PU0,500;PD900,500;PU;");
+    EXPECT_EQ(sheet.diagnostics().all.size(), 2u);
+    EXPECT_TRUE(sheet.hasLine(500, 505));
 }
 
 TEST(HpglBrokenInput, ManyUnknownCommandsWithoutADrawingAreDamage)
@@ -112,9 +112,9 @@ TEST(HpglBrokenInput, ManyUnknownCommandsWithoutADrawingAreDamage)
     std::string text;
     for (char first = 'A'; first <= 'Z'; ++first)
         text += std::string("Q") + first + ";Z" + first + ";X" + first + ";J" + first + ";";
-    PlotBench bench;
-    bench.run(text);
-    EXPECT_TRUE(bench.diagnostics().has("hpgl.not-a-plot"));
+    PlotSheet sheet;
+    sheet.run(text);
+    EXPECT_TRUE(sheet.diagnostics().has("hpgl.not-a-plot"));
 }
 
 } // namespace

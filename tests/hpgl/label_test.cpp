@@ -1,5 +1,5 @@
 #include "quillrip/hpgl/stick_font.h"
-#include "tests/hpgl/plot_bench.h"
+#include "tests/hpgl/plot_sheet.h"
 
 #include <gtest/gtest.h>
 
@@ -11,23 +11,23 @@ const std::string kStart = "IN;SP1;SI.5,.5;";
 
 TEST(HpglLabel, StandsOnThePenAndMovesIt)
 {
-    PlotBench bench;
-    bench.run(kStart + "PU100,500;LBH\x03PD;PR200,0;PU;");
-    EXPECT_TRUE(bench.hasLine(125, 600)); // the left stem
-    EXPECT_TRUE(bench.hasLine(275, 600)); // the right stem
-    EXPECT_FALSE(bench.hasInk(200, 550));
-    EXPECT_FALSE(bench.hasInk(200, 750));
-    EXPECT_TRUE(bench.hasLine(500, 500)); // the line begins a cell farther
-    EXPECT_FALSE(bench.hasInk(350, 500));
+    PlotSheet sheet;
+    sheet.run(kStart + "PU100,500;LBH\x03PD;PR200,0;PU;");
+    EXPECT_TRUE(sheet.hasLine(125, 600)); // the left stem
+    EXPECT_TRUE(sheet.hasLine(275, 600)); // the right stem
+    EXPECT_FALSE(sheet.hasInk(200, 550));
+    EXPECT_FALSE(sheet.hasInk(200, 750));
+    EXPECT_TRUE(sheet.hasLine(500, 500)); // the line begins a cell farther
+    EXPECT_FALSE(sheet.hasInk(350, 500));
 }
 
 TEST(HpglLabel, CentredLabelsReturnToTheirPoint)
 {
-    PlotBench bench;
-    bench.run(kStart + "LO5;PU500,500;LBI\x03LBI\x03LO1;PD;PR0,-300;PU;");
-    EXPECT_TRUE(bench.hasLine(500, 450));
-    EXPECT_TRUE(bench.hasLine(500, 300)); // the line goes down from the middle
-    EXPECT_EQ(bench.inkCount(620, 300, 1000, 700), 0);
+    PlotSheet sheet;
+    sheet.run(kStart + "LO5;PU500,500;LBI\x03LBI\x03LO1;PD;PR0,-300;PU;");
+    EXPECT_TRUE(sheet.hasLine(500, 450));
+    EXPECT_TRUE(sheet.hasLine(500, 300)); // the line goes down from the middle
+    EXPECT_EQ(sheet.inkCount(620, 300, 1000, 700), 0);
 }
 
 TEST(HpglLabel, OriginsPlaceTheBox)
@@ -38,114 +38,114 @@ TEST(HpglLabel, OriginsPlaceTheBox)
     };
     for (const Row& row : { Row { 1, 500, 500, 700, 700 }, Row { 3, 500, 300, 700, 500 }, Row { 7, 300, 500, 500, 700 },
              Row { 9, 300, 300, 500, 500 }, Row { 4, 400, 500, 600, 700 } }) {
-        PlotBench bench;
-        bench.run(kStart + "LO" + std::to_string(row.origin) + ";PU500,500;LBH\x03");
-        const int inside = bench.inkCount(row.left - 20, row.bottom - 20, row.right + 20, row.top + 20);
+        PlotSheet sheet;
+        sheet.run(kStart + "LO" + std::to_string(row.origin) + ";PU500,500;LBH\x03");
+        const int inside = sheet.inkCount(row.left - 20, row.bottom - 20, row.right + 20, row.top + 20);
         EXPECT_GT(inside, 40) << row.origin;
-        EXPECT_EQ(bench.inkCount(), inside) << row.origin;
+        EXPECT_EQ(sheet.inkCount(), inside) << row.origin;
     }
 }
 
 TEST(HpglLabel, CarriageReturnAndLineFeedStartTheNextLine)
 {
-    PlotBench bench;
-    bench.run(kStart + "PU100,700;LBHH\r\nH\x03");
-    EXPECT_TRUE(bench.hasLine(125, 400)); // two capital heights lower
-    EXPECT_EQ(bench.inkCount(330, 280, 1000, 520), 0);
+    PlotSheet sheet;
+    sheet.run(kStart + "PU100,700;LBHH\r\nH\x03");
+    EXPECT_TRUE(sheet.hasLine(125, 400)); // two capital heights lower
+    EXPECT_EQ(sheet.inkCount(330, 280, 1000, 520), 0);
 }
 
 TEST(HpglLabel, CharacterPlotMovesByCells)
 {
-    PlotBench bench;
-    bench.run(kStart + "PU100,100;CP1,1;PD;PU;CP;PD;PR100,0;PU;");
-    EXPECT_TRUE(bench.hasLine(400, 500)); // one cell right, one line up
-    EXPECT_TRUE(bench.hasLine(150, 100));
+    PlotSheet sheet;
+    sheet.run(kStart + "PU100,100;CP1,1;PD;PU;CP;PD;PR100,0;PU;");
+    EXPECT_TRUE(sheet.hasLine(400, 500)); // one cell right, one line up
+    EXPECT_TRUE(sheet.hasLine(150, 100));
 }
 
 TEST(HpglLabel, DirectionTurnsTheBaseline)
 {
-    PlotBench bench;
-    bench.run(kStart + "PU500,200;DI0,1;LBH\x03");
-    EXPECT_TRUE(bench.hasLine(400, 225));
-    EXPECT_TRUE(bench.hasLine(400, 375));
-    EXPECT_FALSE(bench.hasInk(600, 300));
+    PlotSheet sheet;
+    sheet.run(kStart + "PU500,200;DI0,1;LBH\x03");
+    EXPECT_TRUE(sheet.hasLine(400, 225));
+    EXPECT_TRUE(sheet.hasLine(400, 375));
+    EXPECT_FALSE(sheet.hasInk(600, 300));
 }
 
 TEST(HpglLabel, RelativeSizeAndDirectionFollowTheScalingPoints)
 {
-    PlotBench bench;
-    bench.run("IN;SP1;IP0,0,1000,500;SR20,40;DR0,1;PU500,100;LBH\x03");
-    EXPECT_TRUE(bench.hasLine(400, 125));
-    EXPECT_TRUE(bench.hasLine(400, 275));
+    PlotSheet sheet;
+    sheet.run("IN;SP1;IP0,0,1000,500;SR20,40;DR0,1;PU500,100;LBH\x03");
+    EXPECT_TRUE(sheet.hasLine(400, 125));
+    EXPECT_TRUE(sheet.hasLine(400, 275));
 }
 
 TEST(HpglLabel, NegativeWidthMirrors)
 {
-    PlotBench bench;
-    bench.run("IN;SP1;SI-.5,.5;PU800,500;LBLL\x03");
-    EXPECT_TRUE(bench.hasLine(775, 600)); // the L's stem is on the right
-    EXPECT_TRUE(bench.hasLine(475, 600));
-    EXPECT_EQ(bench.inkCount(820, 400, 1000, 800), 0);
+    PlotSheet sheet;
+    sheet.run("IN;SP1;SI-.5,.5;PU800,500;LBLL\x03");
+    EXPECT_TRUE(sheet.hasLine(775, 600)); // the L's stem is on the right
+    EXPECT_TRUE(sheet.hasLine(475, 600));
+    EXPECT_EQ(sheet.inkCount(820, 400, 1000, 800), 0);
 }
 
 TEST(HpglLabel, TheTerminatorCanBeChanged)
 {
-    PlotBench bench;
-    bench.run(kStart + "DT*,1;PU100,500;LBH*PD;PR200,0;PU;DT;");
-    EXPECT_TRUE(bench.hasLine(500, 500));
-    bench.run("PA;PU100,100;LBH\x03PD;PR200,0;PU;");
-    EXPECT_TRUE(bench.hasLine(500, 100));
+    PlotSheet sheet;
+    sheet.run(kStart + "DT*,1;PU100,500;LBH*PD;PR200,0;PU;DT;");
+    EXPECT_TRUE(sheet.hasLine(500, 500));
+    sheet.run("PA;PU100,100;LBH\x03PD;PR200,0;PU;");
+    EXPECT_TRUE(sheet.hasLine(500, 100));
 }
 
 TEST(HpglLabel, APrintedTerminatorEndsTheLabelAsWell)
 {
-    PlotBench bench;
-    bench.run(kStart + "DT!,0;PU100,500;LB!PU100,100;PD900,100;PU;");
-    EXPECT_TRUE(bench.hasLine(200, 600)); // the exclamation mark
-    EXPECT_TRUE(bench.hasLine(500, 100));
+    PlotSheet sheet;
+    sheet.run(kStart + "DT!,0;PU100,500;LB!PU100,100;PD900,100;PU;");
+    EXPECT_TRUE(sheet.hasLine(200, 600)); // the exclamation mark
+    EXPECT_TRUE(sheet.hasLine(500, 100));
 }
 
 TEST(HpglLabel, WithoutTerminatorItEndsWithTheLanguage)
 {
-    PlotBench bench;
-    EXPECT_EQ(bench.run(kStart + "PU100,500;LBHello\x1b%0A"), hpgl::Interpreter::End::EnterPcl);
-    EXPECT_EQ(bench.run("LBHello\x1b%-12345X"), hpgl::Interpreter::End::UniversalExit);
-    EXPECT_EQ(bench.run("LBHello\x1b"
+    PlotSheet sheet;
+    EXPECT_EQ(sheet.run(kStart + "PU100,500;LBHello\x1b%0A"), hpgl::Interpreter::End::EnterPcl);
+    EXPECT_EQ(sheet.run("LBHello\x1b%-12345X"), hpgl::Interpreter::End::UniversalExit);
+    EXPECT_EQ(sheet.run("LBHello\x1b"
                         "E"),
         hpgl::Interpreter::End::Reset);
 }
 
 TEST(HpglLabel, TextPathsStackCharacters)
 {
-    PlotBench bench;
-    bench.run(kStart + "LO3;DV1;PU100,900;LBHH\x03");
-    EXPECT_GT(bench.inkCount(80, 680, 320, 920), 40);
-    EXPECT_GT(bench.inkCount(80, 280, 320, 520), 40); // a line feed of 400 lower
-    EXPECT_EQ(bench.inkCount(330, 0, 1000, 1000), 0);
+    PlotSheet sheet;
+    sheet.run(kStart + "LO3;DV1;PU100,900;LBHH\x03");
+    EXPECT_GT(sheet.inkCount(80, 680, 320, 920), 40);
+    EXPECT_GT(sheet.inkCount(80, 280, 320, 520), 40); // a line feed of 400 lower
+    EXPECT_EQ(sheet.inkCount(330, 0, 1000, 1000), 0);
 }
 
 TEST(HpglLabel, ShiftOutTakesTheAlternateFont)
 {
-    PlotBench bench;
-    bench.run("IN;SP1;SD3,3;AD3,6;PU0,500;LB\x0eHH\x0fH\x03PD;PR50,0;PU;");
+    PlotSheet sheet;
+    sheet.run("IN;SP1;SD3,3;AD3,6;PU0,500;LB\x0eHH\x0fH\x03PD;PR50,0;PU;");
     // Twice a sixth of an inch and once a third.
-    EXPECT_TRUE(bench.hasLine(2 * 1016 / 6.0 + 1016 / 3.0 + 25, 500));
+    EXPECT_TRUE(sheet.hasLine(2 * 1016 / 6.0 + 1016 / 3.0 + 25, 500));
 }
 
 TEST(HpglLabel, SymbolsMarkEveryPoint)
 {
-    PlotBench bench;
-    bench.run("IN;SP1;SI.2,.2;SM+;PU200,500,500,500;SM;PU800,500;");
-    EXPECT_TRUE(bench.hasLine(200, 500));
-    EXPECT_TRUE(bench.hasLine(500, 500));
-    EXPECT_EQ(bench.inkCount(700, 400, 900, 600), 0);
+    PlotSheet sheet;
+    sheet.run("IN;SP1;SI.2,.2;SM+;PU200,500,500,500;SM;PU800,500;");
+    EXPECT_TRUE(sheet.hasLine(200, 500));
+    EXPECT_TRUE(sheet.hasLine(500, 500));
+    EXPECT_EQ(sheet.inkCount(700, 400, 900, 600), 0);
 }
 
 TEST(HpglLabel, ScalableFontsAreSelectedByTheirAttributes)
 {
-    PlotBench bench;
-    bench.run("IN;SP1;SD1,277,2,1,4,30,5,0,6,0,7,4148;PU100,500;LBI\x03PD;PR0,-300;PU;");
-    EXPECT_GT(bench.inkCount(90, 480, 400, 850), 20);
+    PlotSheet sheet;
+    sheet.run("IN;SP1;SD1,277,2,1,4,30,5,0,6,0,7,4148;PU100,500;LBI\x03PD;PR0,-300;PU;");
+    EXPECT_GT(sheet.inkCount(90, 480, 400, 850), 20);
 }
 
 TEST(HpglStickFont, HasAsciiAndLatinOne)

@@ -1,5 +1,5 @@
+#include "quillrip/hpgl/command_table.h"
 #include "quillrip/hpgl/lexer.h"
-#include "quillrip/hpgl/machine.h"
 
 #include <gtest/gtest.h>
 
@@ -79,7 +79,9 @@ TEST(HpglLexer, QuotedTextMayHoldSemicolons)
 
 TEST(HpglCommands, StandInOrderAndAreAllThere)
 {
-    const std::vector<Mnemonic> known = Machine::knownCommands();
+    std::vector<Mnemonic> known;
+    for (const MnemonicEntry* entry = mnemonicsBegin(); entry != mnemonicsEnd(); ++entry)
+        known.push_back(entry->mnemonic);
     EXPECT_TRUE(std::is_sorted(known.begin(), known.end()));
     EXPECT_EQ(std::adjacent_find(known.begin(), known.end()), known.end());
     const std::string index
@@ -87,8 +89,30 @@ TEST(HpglCommands, StandInOrderAndAreAllThere)
           "LALBLMLOLTMCMGMTNPNROAOCODOEOFOHOIOKOOOPOSOTOWPAPBPCPDPEPGPMPPPRPSPTPUPWQLRARFRORPRRRTSASBSCSD"
           "SISLSMSPSRSSSTSVTDTLTRUCULVSWDWGWUXTYT";
     for (std::size_t i = 0; i + 1 < index.size(); i += 2) {
-        const auto name = static_cast<Mnemonic>(index[i] << 8 | index[i + 1]);
-        EXPECT_TRUE(std::binary_search(known.begin(), known.end(), name)) << toString(name);
+        const Mnemonic name = mnemonic(index[i], index[i + 1]);
+        EXPECT_NE(findMnemonic(name), nullptr) << toString(name);
+    }
+    EXPECT_EQ(findMnemonic(mnemonic("ZZ")), nullptr);
+}
+
+TEST(HpglCommands, HandlersStandInOrderAndHaveTheirMnemonics)
+{
+    const std::vector<CommandEntry>& table = commandTable();
+    const auto comesBefore = [](const CommandEntry& a, const CommandEntry& b) { return a.mnemonic < b.mnemonic; };
+    EXPECT_TRUE(std::is_sorted(table.begin(), table.end(), comesBefore));
+    for (const CommandEntry& entry : table) {
+        EXPECT_NE(findMnemonic(entry.mnemonic), nullptr) << toString(entry.mnemonic);
+        EXPECT_EQ(findHandler(entry.mnemonic), entry.handler) << toString(entry.mnemonic);
+    }
+}
+
+/// A command that reads its operands itself would leave them in the input if it had no handler.
+TEST(HpglCommands, WhatIsReadByAHandlerHasOne)
+{
+    for (const MnemonicEntry* entry = mnemonicsBegin(); entry != mnemonicsEnd(); ++entry) {
+        if (entry->reading() == Reading::ByHandler) {
+            EXPECT_NE(findHandler(entry->mnemonic), nullptr) << toString(entry->mnemonic);
+        }
     }
 }
 

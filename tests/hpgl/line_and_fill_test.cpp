@@ -1,5 +1,5 @@
 #include "quillrip/hpgl/line_pattern.h"
-#include "tests/hpgl/plot_bench.h"
+#include "tests/hpgl/plot_sheet.h"
 
 #include <gtest/gtest.h>
 
@@ -103,134 +103,134 @@ TEST(HpglLinePattern, WhatCannotBeSeenCostsNothingAndKeepsThePhase)
 
 TEST(HpglLineType, FixedTypesLeaveGaps)
 {
-    PlotBench bench;
-    bench.run("IN;SP1;LT2,10,1;PU0,500;PD1000,500;LT;PU0,800;PD1000,800;PU;"); // 400 units: 200 on, 200 off
-    EXPECT_TRUE(bench.hasLine(100, 505));
-    EXPECT_FALSE(bench.hasInk(300, 505));
-    EXPECT_TRUE(bench.hasLine(500, 505));
-    EXPECT_TRUE(bench.hasLine(300, 805));
+    PlotSheet sheet;
+    sheet.run("IN;SP1;LT2,10,1;PU0,500;PD1000,500;LT;PU0,800;PD1000,800;PU;"); // 400 units: 200 on, 200 off
+    EXPECT_TRUE(sheet.hasLine(100, 505));
+    EXPECT_FALSE(sheet.hasInk(300, 505));
+    EXPECT_TRUE(sheet.hasLine(500, 505));
+    EXPECT_TRUE(sheet.hasLine(300, 805));
 }
 
 TEST(HpglLineType, UserDefinedPatternsReplaceBuiltInOnes)
 {
-    PlotBench bench;
-    bench.run("IN;SP1;UL2,1,3;LT2,10,1;PU0,500;PD1000,500;UL2;PU;LT2;PU0,800;PD1000,800;PU;");
-    EXPECT_TRUE(bench.hasLine(50, 505));
-    EXPECT_FALSE(bench.hasInk(150, 505));
-    EXPECT_TRUE(bench.hasLine(150, 805));
+    PlotSheet sheet;
+    sheet.run("IN;SP1;UL2,1,3;LT2,10,1;PU0,500;PD1000,500;UL2;PU;LT2;PU0,800;PD1000,800;PU;");
+    EXPECT_TRUE(sheet.hasLine(50, 505));
+    EXPECT_FALSE(sheet.hasInk(150, 505));
+    EXPECT_TRUE(sheet.hasLine(150, 805));
 }
 
 TEST(HpglLineType, NinetyNineTakesUpThePreviousTypeWhereItWas)
 {
-    PlotBench bench;
-    bench.run("IN;SP1;LT2,10,1;PU0,500;PD300,500;LT;LT99;PD1000,500;PU;");
-    EXPECT_FALSE(bench.hasInk(350, 505)); // the gap of the first pattern
-    EXPECT_TRUE(bench.hasLine(450, 505));
+    PlotSheet sheet;
+    sheet.run("IN;SP1;LT2,10,1;PU0,500;PD300,500;LT;LT99;PD1000,500;PU;");
+    EXPECT_FALSE(sheet.hasInk(350, 505)); // the gap of the first pattern
+    EXPECT_TRUE(sheet.hasLine(450, 505));
 }
 
 TEST(HpglLineType, ZeroDrawsDotsAtThePoints)
 {
-    PlotBench bench;
-    bench.run("IN;SP1;LT0;PU100,500;PD500,500,900,500;PU;");
-    EXPECT_TRUE(bench.hasLine(505, 505));
-    EXPECT_TRUE(bench.hasLine(905, 505));
-    EXPECT_FALSE(bench.hasInk(300, 505));
+    PlotSheet sheet;
+    sheet.run("IN;SP1;LT0;PU100,500;PD500,500,900,500;PU;");
+    EXPECT_TRUE(sheet.hasLine(505, 505));
+    EXPECT_TRUE(sheet.hasLine(905, 505));
+    EXPECT_FALSE(sheet.hasInk(300, 505));
 }
 
 TEST(HpglLineAttributes, SquareEndsReachHalfAWidthFarther)
 {
-    PlotBench butt;
+    PlotSheet butt;
     butt.run("IN;SP1;PW5;PU300,500;PD700,500;PU;");
     EXPECT_FALSE(butt.hasInk(760, 505));
-    PlotBench square;
+    PlotSheet square;
     square.run("IN;SP1;PW5;LA1,2;PU300,500;PD700,500;PU;");
     EXPECT_TRUE(square.hasLine(760, 505));
 }
 
 TEST(HpglLineAttributes, JoinsHoldAcrossCommands)
 {
-    PlotBench bench;
-    bench.run("IN;SP1;PW5;PU300,300;PD700,300;PD;PR0,400;PU;");
-    EXPECT_TRUE(bench.hasLine(770, 230)); // the mitre's corner
-    PlotBench bevel;
+    PlotSheet sheet;
+    sheet.run("IN;SP1;PW5;PU300,300;PD700,300;PD;PR0,400;PU;");
+    EXPECT_TRUE(sheet.hasLine(770, 230)); // the mitre's corner
+    PlotSheet bevel;
     bevel.run("IN;SP1;PW5;LA2,5;PU300,300;PD700,300;PD;PR0,400;PU;");
     EXPECT_FALSE(bevel.hasInk(780, 220));
 }
 
 TEST(HpglFill, HatchLinesKeepTheirDistanceFromTheAnchor)
 {
-    PlotBench bench;
-    bench.run("IN;SP1;PW.1;FT3,100,0;AC0,50;PU100,100;RA900,900;");
-    EXPECT_TRUE(bench.hasLine(500, 455));
-    EXPECT_FALSE(bench.hasInk(500, 505));
-    EXPECT_FALSE(bench.hasInk(50, 455));
-    bench.run("IN;SP1;PW.1;FT4,100,0;PU100,100;RA900,900;");
-    EXPECT_TRUE(bench.hasLine(505, 450));
+    PlotSheet sheet;
+    sheet.run("IN;SP1;PW.1;FT3,100,0;AC0,50;PU100,100;RA900,900;");
+    EXPECT_TRUE(sheet.hasLine(500, 455));
+    EXPECT_FALSE(sheet.hasInk(500, 505));
+    EXPECT_FALSE(sheet.hasInk(50, 455));
+    sheet.run("IN;SP1;PW.1;FT4,100,0;PU100,100;RA900,900;");
+    EXPECT_TRUE(sheet.hasLine(505, 450));
 }
 
 TEST(HpglFill, HatchingFollowsHoles)
 {
-    PlotBench bench;
-    bench.run("IN;SP1;PW.1;FT3,50;PU100,100;PM0;PD900,100,900,900,100,900;PM1;PU300,300;PD700,300,700,700,300,700;"
+    PlotSheet sheet;
+    sheet.run("IN;SP1;PW.1;FT3,50;PU100,100;PM0;PD900,100,900,900,100,900;PM1;PU300,300;PD700,300,700,700,300,700;"
               "PM2;FP;");
-    EXPECT_TRUE(bench.hasLine(200, 505));
-    EXPECT_FALSE(bench.hasInk(500, 505));
-    EXPECT_TRUE(bench.hasLine(800, 505));
+    EXPECT_TRUE(sheet.hasLine(200, 505));
+    EXPECT_FALSE(sheet.hasInk(500, 505));
+    EXPECT_TRUE(sheet.hasLine(800, 505));
 }
 
 TEST(HpglFill, ShadingHasTheToneThatWasAskedFor)
 {
     for (const int percent : { 10, 30, 50, 80 }) {
-        PlotBench bench;
-        bench.run("IN;SP1;PP1;FT10," + std::to_string(percent) + ";PU0,0;RA1000,1000;");
-        EXPECT_NEAR(bench.inkCount() / 10000.0, percent / 100.0, 0.03) << percent;
+        PlotSheet sheet;
+        sheet.run("IN;SP1;PP1;FT10," + std::to_string(percent) + ";PU0,0;RA1000,1000;");
+        EXPECT_NEAR(sheet.inkCount() / 10000.0, percent / 100.0, 0.03) << percent;
     }
 }
 
 TEST(HpglFill, AnOpaqueShadeIsATintWhereThePageHoldsTones)
 {
-    PlotBench bench(PixelFormat::Gray8);
-    bench.run("IN;SP1;TR0;FT10,40;PU0,0;RA1000,1000;");
-    EXPECT_EQ(bench.color(500, 500), (Rgb { 153, 153, 153 }));
+    PlotSheet sheet(PixelFormat::Gray8);
+    sheet.run("IN;SP1;TR0;FT10,40;PU0,0;RA1000,1000;");
+    EXPECT_EQ(sheet.color(500, 500), (Rgb { 153, 153, 153 }));
 }
 
 TEST(HpglFill, RasterFillsTakePensOfThePalette)
 {
-    PlotBench bench(PixelFormat::Rgb24);
-    bench.run("IN;SP1;PP1;RF1,12,1,2,2,2,2,2,2,5,5,5,5,5,5;FT11,1;PU0,0;RA1000,1000;");
+    PlotSheet sheet(PixelFormat::Rgb24);
+    sheet.run("IN;SP1;PP1;RF1,12,1,2,2,2,2,2,2,5,5,5,5,5,5;FT11,1;PU0,0;RA1000,1000;");
     int red = 0;
     for (int x = 5; x < 1000; x += 10)
-        red += bench.color(x, 505) == (Rgb { 255, 0, 0 }) ? 1 : 0;
+        red += sheet.color(x, 505) == (Rgb { 255, 0, 0 }) ? 1 : 0;
     EXPECT_NEAR(red, 50, 10);
 }
 
 TEST(HpglFill, UserPatternsComeFromTheHost)
 {
-    PlotBench bench;
+    PlotSheet sheet;
     PatternTile tile;
     tile.width = 2;
     tile.height = 1;
     tile.pixels = { 1, 0 };
-    bench.userPattern = std::make_shared<const PatternTile>(tile);
-    bench.run("IN;SP1;PP1;FT22,7;PU0,0;RA1000,1000;");
-    EXPECT_NEAR(bench.inkCount(), 5000, 200);
+    sheet.userPattern = std::make_shared<const PatternTile>(tile);
+    sheet.run("IN;SP1;PP1;FT22,7;PU0,0;RA1000,1000;");
+    EXPECT_NEAR(sheet.inkCount(), 5000, 200);
 }
 
 TEST(HpglFill, OptionsOutOfRangeLeaveTheTypeAlone)
 {
-    PlotBench bench;
-    bench.run("IN;SP1;FT1;FT10,101;FT3,-5;FT99;FT21,9;PU100,100;RA900,900;");
-    EXPECT_TRUE(bench.hasLine(500, 500));
-    EXPECT_GE(bench.inkCount(), 6400);
+    PlotSheet sheet;
+    sheet.run("IN;SP1;FT1;FT10,101;FT3,-5;FT99;FT21,9;PU100,100;RA900,900;");
+    EXPECT_TRUE(sheet.hasLine(500, 500));
+    EXPECT_GE(sheet.inkCount(), 6400);
 }
 
 TEST(HpglTransparency, WhiteErasesOnlyWhenOpaque)
 {
     const std::string black = "IN;SP1;PU0,0;RA1000,1000;SP0;PU400,400;";
-    PlotBench transparent;
+    PlotSheet transparent;
     transparent.run(black + "TR1;RR200,200;");
     EXPECT_TRUE(transparent.hasLine(500, 500));
-    PlotBench opaque;
+    PlotSheet opaque;
     opaque.run(black + "TR0;RR200,200;");
     EXPECT_FALSE(opaque.hasInk(500, 500));
     EXPECT_TRUE(opaque.hasLine(300, 500));
@@ -238,30 +238,30 @@ TEST(HpglTransparency, WhiteErasesOnlyWhenOpaque)
 
 TEST(HpglMerge, SetsTheSharedLogicalOperation)
 {
-    PlotBench bench;
-    bench.run("IN;MC1,90;");
-    EXPECT_EQ(bench.operation, 90);
-    bench.run("MC1;");
-    EXPECT_EQ(bench.operation, 168);
-    bench.run("MC1,256;");
-    EXPECT_EQ(bench.operation, 252);
-    bench.run("MC1,90;IN;");
-    EXPECT_EQ(bench.operation, 252);
+    PlotSheet sheet;
+    sheet.run("IN;MC1,90;");
+    EXPECT_EQ(sheet.operation, 90);
+    sheet.run("MC1;");
+    EXPECT_EQ(sheet.operation, 168);
+    sheet.run("MC1,256;");
+    EXPECT_EQ(sheet.operation, 252);
+    sheet.run("MC1,90;IN;");
+    EXPECT_EQ(sheet.operation, 252);
 }
 
 TEST(HpglMerge, ExclusiveOrUndoesItself)
 {
-    PlotBench bench;
-    bench.run("IN;SP1;MC1,102;PU100,100;RA900,900;RA900,900;");
-    EXPECT_TRUE(bench.isPageBegun());
-    EXPECT_EQ(bench.inkCount(), 0);
+    PlotSheet sheet;
+    sheet.run("IN;SP1;MC1,102;PU100,100;RA900,900;RA900,900;");
+    EXPECT_TRUE(sheet.isPageBegun());
+    EXPECT_EQ(sheet.inkCount(), 0);
 }
 
 TEST(HpglPixelPlacement, GridIntersectionTakesADotMore)
 {
-    PlotBench grid;
+    PlotSheet grid;
     grid.run("IN;SP1;PU100,116;RR300,300;");
-    PlotBench centred;
+    PlotSheet centred;
     centred.run("IN;SP1;PP1;PU100,116;RR300,300;");
     EXPECT_EQ(centred.inkCount(), 900);
     EXPECT_GT(grid.inkCount(), 900);
@@ -270,19 +270,19 @@ TEST(HpglPixelPlacement, GridIntersectionTakesADotMore)
 
 TEST(HpglScreenedVectors, ThinOutLinesButNotFills)
 {
-    PlotBench bench;
-    bench.run("IN;SP1;PW10;SV1,25;PU100,300;PD900,300;PU100,600;FT1;RR800,300;");
-    const int line = bench.inkCount(120, 110, 880, 490);
+    PlotSheet sheet;
+    sheet.run("IN;SP1;PW10;SV1,25;PU100,300;PD900,300;PU100,600;FT1;RR800,300;");
+    const int line = sheet.inkCount(120, 110, 880, 490);
     EXPECT_NEAR(line / (76.0 * 38), 0.25, 0.05);
-    EXPECT_TRUE(bench.hasLine(455, 755));
-    EXPECT_TRUE(bench.hasLine(465, 755));
+    EXPECT_TRUE(sheet.hasLine(455, 755));
+    EXPECT_TRUE(sheet.hasLine(465, 755));
 }
 
 TEST(HpglColour, MonochromePagesShowEveryPenBlack)
 {
-    PlotBench bench;
-    bench.run("IN;SP4;PW3;PU100,500;PD900,500;PU;"); // yellow
-    EXPECT_EQ(bench.inkCount(200, 460, 800, 540), 60 * 8);
+    PlotSheet sheet;
+    sheet.run("IN;SP4;PW3;PU100,500;PD900,500;PU;"); // yellow
+    EXPECT_EQ(sheet.inkCount(200, 460, 800, 540), 60 * 8);
 }
 
 } // namespace

@@ -2,20 +2,20 @@
 
 #include "quillrip/fonts/font_library.h"
 #include "quillrip/hpgl/plot_page.h"
-#include "tests/hpgl/plot_bench.h"
+#include "tests/hpgl/plot_sheet.h"
 
 #include <gtest/gtest.h>
 
 namespace quillrip::test {
 namespace {
 
-using hpgl::PlotEnvironment;
+using hpgl::Environment;
 using hpgl::PlotFile;
 
 /// Prints a plot at 101.6 dpi, where a pixel is ten plotter units.
 class Printed {
 public:
-    explicit Printed(const std::string& plot, PlotEnvironment environment = {}, Limits limits = {})
+    explicit Printed(const std::string& plot, Environment environment = {}, Limits limits = {})
         : device(PixelFormat::Bilevel, 101.6)
     {
         MemoryInputStream input({ reinterpret_cast<const std::uint8_t*>(plot.data()), plot.size() });
@@ -84,7 +84,7 @@ TEST(HpglPlotFile, WithoutAWordTheSmallestSheetHoldsTheDrawing)
     const Printed large("IN;SP1;PU0,0;PD15000,11000;");
     ASSERT_EQ(large.device.pages().size(), 1u);
     EXPECT_NEAR(large.width(0), 1680, 1);
-    PlotEnvironment inches;
+    Environment inches;
     inches.prefersMetricPaper = false;
     const Printed letter("IN;" + kBox, inches);
     EXPECT_NEAR(letter.width(0), 1118, 1);
@@ -206,7 +206,7 @@ TEST(HpglPlotFile, RasterBetweenPlotsIsPassedOverWithAWarning)
 
 TEST(HpglPlotFile, TheJobsPaperGoesFirst)
 {
-    PlotEnvironment environment;
+    Environment environment;
     environment.paperWidth = 7920;
     environment.paperHeight = 6120;
     const Printed printed("IN;PS3000,3000;" + kBox, environment);

@@ -1,4 +1,4 @@
-#include "tests/hpgl/plot_bench.h"
+#include "tests/hpgl/plot_sheet.h"
 
 #include <gtest/gtest.h>
 
@@ -7,12 +7,12 @@ namespace {
 
 TEST(HpglPolygon, OpenPolylinesGetNoClosingEdgeButFillClosed)
 {
-    PlotBench edged;
+    PlotSheet edged;
     edged.run("IN;SP1;PU100,100;PM0;PD900,100,900,900;PU;PM2;EP;");
     EXPECT_TRUE(edged.hasLine(500, 105));
     EXPECT_TRUE(edged.hasLine(900, 500));
     EXPECT_FALSE(edged.hasInk(500, 505));
-    PlotBench filled;
+    PlotSheet filled;
     filled.run("IN;SP1;PU100,100;PM0;PD900,100,900,900;PU;PM2;FP;");
     EXPECT_TRUE(filled.hasLine(700, 300));
     EXPECT_FALSE(filled.hasInk(300, 700));
@@ -20,102 +20,102 @@ TEST(HpglPolygon, OpenPolylinesGetNoClosingEdgeButFillClosed)
 
 TEST(HpglPolygon, ClosingWithThePenDownDrawsTheEdge)
 {
-    PlotBench bench;
-    bench.run("IN;SP1;PU100,100;PM0;PD900,100,900,900;PM2;PU;EP;");
-    EXPECT_TRUE(bench.hasLine(500, 505));
+    PlotSheet sheet;
+    sheet.run("IN;SP1;PU100,100;PM0;PD900,100,900,900;PM2;PU;EP;");
+    EXPECT_TRUE(sheet.hasLine(500, 505));
 }
 
 TEST(HpglPolygon, SubpolygonsMakeHoles)
 {
-    PlotBench bench;
-    bench.run("IN;SP1;PU100,100;PM0;PD900,100,900,900,100,900;PM1;PU300,300;PD700,300,700,700,300,700;PM2;FP;");
-    EXPECT_TRUE(bench.hasLine(200, 200));
-    EXPECT_FALSE(bench.hasInk(500, 500));
-    EXPECT_FALSE(bench.hasInk(150, 950));
+    PlotSheet sheet;
+    sheet.run("IN;SP1;PU100,100;PM0;PD900,100,900,900,100,900;PM1;PU300,300;PD700,300,700,700,300,700;PM2;FP;");
+    EXPECT_TRUE(sheet.hasLine(200, 200));
+    EXPECT_FALSE(sheet.hasInk(500, 500));
+    EXPECT_FALSE(sheet.hasInk(150, 950));
 }
 
 TEST(HpglPolygon, WindingFillsWhatEvenOddLeavesOut)
 {
     const std::string star = "IN;SP1;PU100,100;PM0;PD900,100,900,900,100,900,100,100,900,100,900,900,100,900;PM2;";
-    PlotBench evenOdd;
+    PlotSheet evenOdd;
     evenOdd.run(star + "FP;");
     EXPECT_FALSE(evenOdd.hasInk(500, 500));
-    PlotBench winding;
+    PlotSheet winding;
     winding.run(star + "FP1;");
     EXPECT_TRUE(winding.hasLine(500, 500));
 }
 
 TEST(HpglPolygon, ACircleIsItsOwnSubpolygonWithoutASpike)
 {
-    PlotBench bench;
-    bench.run("IN;SP1;PU500,500;PM0;CI300;PM2;FP;EP;");
-    EXPECT_TRUE(bench.hasLine(700, 500));
-    EXPECT_TRUE(bench.hasLine(500, 300));
-    EXPECT_FALSE(bench.hasInk(500 + 250, 500 + 250));
+    PlotSheet sheet;
+    sheet.run("IN;SP1;PU500,500;PM0;CI300;PM2;FP;EP;");
+    EXPECT_TRUE(sheet.hasLine(700, 500));
+    EXPECT_TRUE(sheet.hasLine(500, 300));
+    EXPECT_FALSE(sheet.hasInk(500 + 250, 500 + 250));
 }
 
 TEST(HpglPolygon, OtherCommandsAreIgnoredWhileItIsDefined)
 {
-    PlotBench bench;
-    bench.run("IN;SP1;PU100,100;PM0;PW9;SP0;LBtext\x03"
+    PlotSheet sheet;
+    sheet.run("IN;SP1;PU100,100;PM0;PW9;SP0;LBtext\x03"
               "PD900,100,900,900;SM*;PM2;FP;");
-    EXPECT_TRUE(bench.hasLine(700, 300));
-    PlotBench width;
+    EXPECT_TRUE(sheet.hasLine(700, 300));
+    PlotSheet width;
     width.run("IN;SP1;PM0;PW9;PM2;PU100,500;PD900,500;PU;");
     EXPECT_FALSE(width.hasInk(500, 600));
 }
 
 TEST(HpglPolygon, InitialisingLeavesPolygonMode)
 {
-    PlotBench bench;
-    bench.run("IN;SP1;PM0;PD500,500;IN;SP1;PU100,500;PD400,500;PU;");
-    EXPECT_TRUE(bench.hasLine(250, 505));
+    PlotSheet sheet;
+    sheet.run("IN;SP1;PM0;PD500,500;IN;SP1;PU100,500;PD400,500;PU;");
+    EXPECT_TRUE(sheet.hasLine(250, 505));
 }
 
 TEST(HpglRectangle, FillsAndEdgesBothWays)
 {
-    PlotBench bench;
-    bench.run("IN;SP1;PU100,100;RA400,300;PU500,500;ER200,300;PU600,100;EA900,300;PU100,600;RR200,100;");
-    EXPECT_TRUE(bench.hasLine(250, 200));
-    EXPECT_FALSE(bench.hasInk(600, 650));
-    EXPECT_TRUE(bench.hasLine(600, 500));
-    EXPECT_TRUE(bench.hasLine(700, 650));
-    EXPECT_FALSE(bench.hasInk(750, 200));
-    EXPECT_TRUE(bench.hasLine(750, 300));
-    EXPECT_TRUE(bench.hasLine(200, 650));
+    PlotSheet sheet;
+    sheet.run("IN;SP1;PU100,100;RA400,300;PU500,500;ER200,300;PU600,100;EA900,300;PU100,600;RR200,100;");
+    EXPECT_TRUE(sheet.hasLine(250, 200));
+    EXPECT_FALSE(sheet.hasInk(600, 650));
+    EXPECT_TRUE(sheet.hasLine(600, 500));
+    EXPECT_TRUE(sheet.hasLine(700, 650));
+    EXPECT_FALSE(sheet.hasInk(750, 200));
+    EXPECT_TRUE(sheet.hasLine(750, 300));
+    EXPECT_TRUE(sheet.hasLine(200, 650));
 }
 
 TEST(HpglRectangle, StaysInTheBufferForItsEdge)
 {
-    PlotBench bench;
-    bench.run("IN;SP0;PU100,100;RA400,400;SP1;EP;");
-    EXPECT_TRUE(bench.hasLine(250, 100));
-    EXPECT_FALSE(bench.hasInk(250, 250));
+    PlotSheet sheet;
+    sheet.run("IN;SP0;PU100,100;RA400,400;SP1;EP;");
+    EXPECT_TRUE(sheet.hasLine(250, 100));
+    EXPECT_FALSE(sheet.hasInk(250, 250));
 }
 
 TEST(HpglWedge, TakesStartAndSweep)
 {
-    PlotBench bench;
-    bench.run("IN;SP1;PU500,500;WG300,0,90;");
-    EXPECT_TRUE(bench.hasLine(600, 600));
-    EXPECT_FALSE(bench.hasInk(400, 600));
-    EXPECT_FALSE(bench.hasInk(600, 400));
+    PlotSheet sheet;
+    sheet.run("IN;SP1;PU500,500;WG300,0,90;");
+    EXPECT_TRUE(sheet.hasLine(600, 600));
+    EXPECT_FALSE(sheet.hasInk(400, 600));
+    EXPECT_FALSE(sheet.hasInk(600, 400));
 }
 
 TEST(HpglWedge, NegativeRadiusStartsOnTheOtherSide)
 {
-    PlotBench bench;
-    bench.run("IN;SP1;PU500,500;WG-300,0,90;");
-    EXPECT_TRUE(bench.hasLine(400, 400));
-    EXPECT_FALSE(bench.hasInk(600, 600));
+    PlotSheet sheet;
+    sheet.run("IN;SP1;PU500,500;WG-300,0,90;");
+    EXPECT_TRUE(sheet.hasLine(400, 400));
+    EXPECT_FALSE(sheet.hasInk(600, 600));
 }
 
 TEST(HpglWedge, AFullOneHasNoRadii)
 {
-    PlotBench bench;
-    bench.run("IN;SP1;PU500,500;EW300,0,360;");
-    EXPECT_TRUE(bench.hasLine(800, 505));
-    EXPECT_FALSE(bench.hasInk(650, 505));
+    PlotSheet sheet;
+    sheet.run("IN;SP1;PU500,500;EW300,0,360;");
+    EXPECT_TRUE(sheet.hasLine(800, 505));
+    EXPECT_FALSE(sheet.hasInk(650, 505));
 }
 
 } // namespace

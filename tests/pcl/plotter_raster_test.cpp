@@ -13,7 +13,7 @@
 namespace quillrip::test {
 namespace {
 
-using hpgl::PlotEnvironment;
+using hpgl::Environment;
 using hpgl::PlotFile;
 
 constexpr Rgb kRed { 255, 0, 0 };
@@ -33,7 +33,7 @@ private:
 class Plotted {
 public:
     explicit Plotted(
-        const std::string& plot, PixelFormat format = PixelFormat::Rgb24, const PlotEnvironment& environment = {})
+        const std::string& plot, PixelFormat format = PixelFormat::Rgb24, const Environment& environment = {})
         : device(format, 100)
     {
         MemoryInputStream input({ reinterpret_cast<const std::uint8_t*>(plot.data()), plot.size() });
@@ -298,7 +298,7 @@ TEST(PlotterRaster, WithoutASizeTheSheetHoldsTheRaster)
 
 TEST(PlotterRaster, ThePaperOfTheJobIsFedAsTheRasterNeedsIt)
 {
-    PlotEnvironment paper;
+    Environment paper;
     paper.paperWidth = 8419;
     paper.paperHeight = 5953;
     const std::string wide = e("%-1B") + "IN;PS8400,11880;" + kRaster + kShape + kEnd;

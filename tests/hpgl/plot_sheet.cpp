@@ -1,4 +1,4 @@
-#include "tests/hpgl/plot_bench.h"
+#include "tests/hpgl/plot_sheet.h"
 
 #include "quillrip/base/input_stream.h"
 #include "quillrip/raster/compose/area_patterns.h"
@@ -20,7 +20,7 @@ bool DiagnosticList::has(const std::string& kind) const
     return std::any_of(all.begin(), all.end(), [&](const Diagnostic& d) { return d.kind == kind; });
 }
 
-PlotBench::PlotBench(PixelFormat format)
+PlotSheet::PlotSheet(PixelFormat format)
     : m_format(format)
     , m_page(format, kPixels, kPixels, { kDpi, kDpi })
     , m_interpreter(*this, m_fonts, m_diagnostics, Limits {})
@@ -31,13 +31,13 @@ PlotBench::PlotBench(PixelFormat format)
     frame.clipRight = frame.clipBottom = 720;
 }
 
-hpgl::Interpreter::End PlotBench::run(const std::string& commands)
+hpgl::Interpreter::End PlotSheet::run(const std::string& commands)
 {
     MemoryInputStream input({ reinterpret_cast<const std::uint8_t*>(commands.data()), commands.size() });
     return m_interpreter.run(input);
 }
 
-PageCanvas PlotBench::previewCanvas() const
+PageCanvas PlotSheet::previewCanvas() const
 {
     PageCanvas canvas;
     canvas.pageToDevice = Matrix::scaling(kDpi / 720, kDpi / 720);
@@ -46,7 +46,7 @@ PageCanvas PlotBench::previewCanvas() const
     return canvas;
 }
 
-RunStatus PlotBench::beginMark(PageCanvas& canvas)
+RunStatus PlotSheet::beginMark(PageCanvas& canvas)
 {
     if (!m_painter)
         m_painter = std::make_unique<Painter>(m_page);
@@ -55,14 +55,14 @@ RunStatus PlotBench::beginMark(PageCanvas& canvas)
     return RunStatus::Done;
 }
 
-std::shared_ptr<const PatternTile> PlotBench::areaPattern(hpgl::AreaPattern kind, int id, const PageCanvas&)
+std::shared_ptr<const PatternTile> PlotSheet::areaPattern(hpgl::AreaPattern kind, int id, const PageCanvas&)
 {
     if (kind == hpgl::AreaPattern::User)
         return id == 7 ? userPattern : nullptr;
     return std::make_shared<const PatternTile>(hatchTile(id));
 }
 
-Rgb PlotBench::color(double x, double y)
+Rgb PlotSheet::color(double x, double y)
 {
     const int column = static_cast<int>(std::floor(x / 10));
     const int row = static_cast<int>(std::floor(101.6 - y / 10));
@@ -71,9 +71,9 @@ Rgb PlotBench::color(double x, double y)
     return m_page.pixel(column, row);
 }
 
-bool PlotBench::hasInk(double x, double y) { return color(x, y) != kWhite; }
+bool PlotSheet::hasInk(double x, double y) { return color(x, y) != kWhite; }
 
-bool PlotBench::hasLine(double x, double y)
+bool PlotSheet::hasLine(double x, double y)
 {
     for (const double dy : { -10.0, 0.0, 10.0 }) {
         for (const double dx : { -10.0, 0.0, 10.0 }) {
@@ -84,7 +84,7 @@ bool PlotBench::hasLine(double x, double y)
     return false;
 }
 
-int PlotBench::inkCount(double left, double bottom, double right, double top)
+int PlotSheet::inkCount(double left, double bottom, double right, double top)
 {
     int count = 0;
     for (double y = bottom + 5; y < top; y += 10) {
@@ -94,6 +94,6 @@ int PlotBench::inkCount(double left, double bottom, double right, double top)
     return count;
 }
 
-int PlotBench::inkCount() { return inkCount(0, 0, 1020, 1016); }
+int PlotSheet::inkCount() { return inkCount(0, 0, 1020, 1016); }
 
 } // namespace quillrip::test

@@ -1,11 +1,10 @@
-// LB: from bytes to characters in their places.
+#include "quillrip/hpgl/label_setter.h"
 
-#include "quillrip/hpgl/label.h"
-#include "quillrip/hpgl/machine.h"
 #include "quillrip/hpgl/stick_font.h"
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace quillrip::hpgl {
 
@@ -18,10 +17,6 @@ constexpr std::uint8_t kCarriageReturn = 13;
 constexpr std::uint8_t kShiftOut = 14;
 constexpr std::uint8_t kShiftIn = 15;
 constexpr int kTabCells = 8;
-/// A label is set in parts of so many bytes: one without a terminator goes on to the end of the data.
-constexpr std::size_t kLabelPart = 16384;
-
-enum Path4 { kRight, kDown, kLeft, kUp };
 
 /// LO as a place in the label's box: 0, 1/2, 1 from left to right and from the baseline to the top.
 struct OriginPlace {
@@ -34,47 +29,50 @@ OriginPlace originPlace(int origin)
     const int n = origin > 10 ? origin - 10 : origin;
     if (n == 11)
         return { 0, 0 }; // 21
-    return { ((n - 1) / 3) * 0.5, ((n - 1) % 3) * 0.5 };
+    const int column = (n - 1) / 3;
+    const int row = (n - 1) % 3;
+    return { column * 0.5, row * 0.5 };
 }
 
 /// Whether a label ends where the next one goes on, rather than going back to its start.
-bool isContinuing(int path, int origin)
+bool isContinuing(TextPath path, int origin)
 {
     if (origin == 21)
-        return path == kRight || path == kUp;
+        return path == TextPath::Right || path == TextPath::Up;
     const OriginPlace place = originPlace(origin);
     switch (path) {
-    case kRight:
+    case TextPath::Right:
         return place.across == 0;
-    case kDown:
+    case TextPath::Down:
         return place.high == 1;
-    case kLeft:
+    case TextPath::Left:
         return place.across == 1;
-    default:
-        return place.high == 0;
+    case TextPath::Up:
+        break;
     }
+    return place.high == 0;
 }
 
-Point pathDirection(const LabelMetrics& metrics, int path)
+Point pathDirection(const LabelMetrics& metrics, TextPath path)
 {
     switch (path) {
-    case kDown:
+    case TextPath::Down:
         return metrics.up * -1;
-    case kLeft:
+    case TextPath::Left:
         return metrics.along * -1;
-    case kUp:
+    case TextPath::Up:
         return metrics.up;
-    default:
-        return metrics.along;
+    case TextPath::Right:
+        break;
     }
+    return metrics.along;
 }
 
 /// From one line to the next.
 Point lineFeedVector(const LabelMetrics& metrics, const TextState& text)
 {
-    const bool isVertical = text.path == kDown || text.path == kUp;
     const double distance
-        = isVertical ? metrics.cellWidth * (1 + text.extraWidth) : metrics.lineFeed * (1 + text.extraHeight);
+        = isVertical(text.path) ? metrics.cellWidth * (1 + text.extraWidth) : metrics.lineFeed * (1 + text.extraHeight);
     const Point path = pathDirection(metrics, text.path);
     const Point clockwise { path.y, -path.x };
     return clockwise * (text.lineFeedsLeft ? -distance : distance);
@@ -83,7 +81,7 @@ Point lineFeedVector(const LabelMetrics& metrics, const TextState& text)
 /// From one character to the next along the text path, for a character of that natural advance.
 double pathAdvance(const LabelMetrics& metrics, const TextState& text, double advance)
 {
-    if (text.path == kDown || text.path == kUp)
+    if (isVertical(text.path))
         return metrics.lineFeed * (1 + text.extraHeight);
     return advance + text.extraWidth * (metrics.isProportional ? advance : metrics.cellWidth);
 }
@@ -114,159 +112,82 @@ bool findCharacter(const LabelMetrics& metrics, std::uint32_t code, bool isTrans
 
 } // namespace
 
-/// Bytes of a label up to its terminator, at most `atMost`. `isComplete`: the label has ended.
-std::string Machine::readLabel(std::size_t atMost, bool& isComplete)
+void LabelSetter::endLabel(Point start, Point carriageReturn)
 {
-    const TextState& text = m_state.text;
-    std::string label;
-    isComplete = true;
-    while (label.size() < atMost) {
-        const int byte = m_input->peek();
-        if (byte < 0)
-            return label;
-        if (byte == kEscape && endsLabel(m_input->window(16)))
-            return label;
-        m_input->get();
-        if (byte == text.terminator) {
-            if (text.printsTerminator && byte > ' ')
-                label.push_back(static_cast<char>(byte));
-            return label;
-        }
-        label.push_back(static_cast<char>(byte));
-    }
-    isComplete = false;
-    return label;
+    if (isContinuing(m_text.path, m_text.origin))
+        return;
+    m_state.pen = start;
+    m_state.carriageReturn = carriageReturn;
 }
 
-/// Whether an ESC leaves the language although the label's terminator is missing.
-bool Machine::endsLabel(ByteView window) const
+void LabelSetter::moveByLines(const LabelMetrics& metrics, double lines)
 {
-    if (isUniversalExit(window))
-        return true;
-    if (m_state.text.isTransparent || window.size < 2)
-        return false;
-    if (window[1] == 'E')
-        return true;
-    if (window[1] != '%')
-        return false;
-    std::size_t at = 2;
-    while (at < window.size && ((window[at] >= '0' && window[at] <= '9') || window[at] == '-' || window[at] == '+'))
-        ++at;
-    return at < window.size && window[at] == 'A';
-}
-
-void Machine::label()
-{
-    const Point start = m_state.pen;
-    const Point carriageReturn = m_state.carriageReturn;
-    bool isComplete = false;
-    while (!isComplete) {
-        const std::string text = readLabel(kLabelPart, isComplete);
-        if (!m_isPolygonMode && !text.empty())
-            drawLabel(text);
-        if (status() != RunStatus::Done)
-            return;
-    }
-    if (!isContinuing(m_state.text.path, m_state.text.origin)) {
-        m_state.pen = start;
-        m_state.carriageReturn = carriageReturn;
-    }
-    m_hasDotToDraw = false;
-    m_linePhase = 0;
-}
-
-/// BL keeps a label, PB prints it.
-void Machine::bufferLabel()
-{
-    bool isComplete = false;
-    m_labelBuffer = readLabel(kLabelPart, isComplete);
-    while (!isComplete)
-        readLabel(kLabelPart, isComplete);
-}
-
-void Machine::printBuffer()
-{
-    if (!m_labelBuffer.empty())
-        drawLabel(m_labelBuffer);
-}
-
-void Machine::writeToDisplay()
-{
-    bool isComplete = false;
-    while (!isComplete)
-        readLabel(kLabelPart, isComplete);
-}
-
-void Machine::moveByLines(const LabelMetrics& metrics, double lines)
-{
-    const Point step = lineFeedVector(metrics, m_state.text) * lines;
+    const Point step = lineFeedVector(metrics, m_text) * lines;
     m_state.pen = m_state.pen + step;
     m_state.carriageReturn = m_state.carriageReturn + step;
 }
 
 /// To the carriage return point along the text path; the line stays.
-void Machine::returnCarriage(const LabelMetrics& metrics)
+void LabelSetter::returnCarriage(const LabelMetrics& metrics)
 {
-    const Point path = pathDirection(metrics, m_state.text.path);
+    const Point path = pathDirection(metrics, m_text.path);
     const Point back = m_state.carriageReturn - m_state.pen;
     m_state.pen = m_state.pen + path * (back.x * path.x + back.y * path.y);
 }
 
-void Machine::characterPlot()
+void LabelSetter::startNextLine()
 {
-    const LabelMetrics metrics = labelMetrics();
-    if (m_operands.empty()) {
-        returnCarriage(metrics);
-        moveByLines(metrics, 1);
-    } else {
-        const double advance = pathAdvance(metrics, m_state.text, metrics.cellWidth);
-        m_state.pen = m_state.pen + pathDirection(metrics, m_state.text.path) * (advance * clampedReal(0));
-        moveByLines(metrics, -clampedReal(1, 0));
-    }
-    m_linePhase = 0;
-    m_hasDotToDraw = false;
+    const LabelMetrics metrics = m_fonts.metrics();
+    returnCarriage(metrics);
+    moveByLines(metrics, 1);
 }
 
-/// Sets text from the pen's place on; the pen ends behind it.
-void Machine::drawLabel(const std::string& text)
+void LabelSetter::moveBy(double characters, double lines)
 {
-    TextState& state = m_state.text;
+    const LabelMetrics metrics = m_fonts.metrics();
+    const double advance = pathAdvance(metrics, m_text, metrics.cellWidth);
+    m_state.pen = m_state.pen + pathDirection(metrics, m_text.path) * (advance * characters);
+    moveByLines(metrics, -lines);
+}
+
+void LabelSetter::set(const std::string& text)
+{
     LabelLine line;
-    line.metrics.push_back(labelMetrics());
-    const bool isWide = state.labelMode & 1;
+    line.metrics.push_back(m_fonts.metrics());
+    const bool isWide = m_text.mode == LabelMode::TwoBytes || m_text.mode == LabelMode::TwoBytesVertical;
     for (std::size_t i = 0; i < text.size(); ++i) {
         std::uint32_t code = static_cast<std::uint8_t>(text[i]);
         if (isWide && i + 1 < text.size())
             code = code << 8 | static_cast<std::uint8_t>(text[++i]);
-        if (code < ' ' && !state.isTransparent) {
-            obeyLabelControl(code, line);
+        if (code < ' ' && !m_text.isTransparent) {
+            obeyControl(code, line);
             continue;
         }
         LabelItem item;
         item.metrics = line.metrics.size() - 1;
-        if (!findCharacter(line.metrics.back(), code, state.isTransparent, item))
+        if (!findCharacter(line.metrics.back(), code, m_text.isTransparent, item))
             continue;
         item.offset = line.end;
-        line.end += pathAdvance(line.metrics.back(), state, item.advance);
+        line.end += pathAdvance(line.metrics.back(), m_text, item.advance);
         line.items.push_back(item);
     }
     setLine(line);
 }
 
-void Machine::obeyLabelControl(std::uint32_t code, LabelLine& line)
+void LabelSetter::obeyControl(std::uint32_t code, LabelLine& line)
 {
     const LabelMetrics& metrics = line.metrics.back();
     switch (code) {
     case kBackspace: {
         const double advance = line.empty() ? metrics.cellWidth : line.items.back().advance;
-        line.end -= pathAdvance(metrics, m_state.text, advance);
+        line.end -= pathAdvance(metrics, m_text, advance);
         break;
     }
     case kTab: {
-        const double cell = pathAdvance(metrics, m_state.text, metrics.cellWidth) * kTabCells;
+        const double cell = pathAdvance(metrics, m_text, metrics.cellWidth) * kTabCells;
         if (cell == 0)
             break;
-        const Point path = pathDirection(metrics, m_state.text.path);
+        const Point path = pathDirection(metrics, m_text.path);
         const Point way = m_state.pen - m_state.carriageReturn;
         const double before = way.x * path.x + way.y * path.y;
         const double at = (before + line.end) / cell;
@@ -283,8 +204,8 @@ void Machine::obeyLabelControl(std::uint32_t code, LabelLine& line)
         break;
     case kShiftOut:
     case kShiftIn:
-        m_state.text.usesAlternate = code == kShiftOut;
-        line.metrics.push_back(labelMetrics());
+        m_text.usesAlternate = code == kShiftOut;
+        line.metrics.push_back(m_fonts.metrics());
         break;
     default:
         break;
@@ -292,11 +213,10 @@ void Machine::obeyLabelControl(std::uint32_t code, LabelLine& line)
 }
 
 /// Draws a line of a label where the label origin puts it, moves the pen behind it and leaves the line empty.
-void Machine::setLine(LabelLine& line)
+void LabelSetter::setLine(LabelLine& line)
 {
-    const TextState& state = m_state.text;
     if (line.empty()) {
-        m_state.pen = m_state.pen + pathDirection(line.metrics.back(), state.path) * line.end;
+        m_state.pen = m_state.pen + pathDirection(line.metrics.back(), m_text.path) * line.end;
         line.end = 0;
         return;
     }
@@ -317,30 +237,30 @@ void Machine::setLine(LabelLine& line)
     double right = high;
     double bottom = 0;
     double top = cap;
-    switch (state.path) {
-    case kLeft:
+    switch (m_text.path) {
+    case TextPath::Left:
         left = -high;
         right = -low;
         break;
-    case kDown:
-    case kUp: {
+    case TextPath::Down:
+    case TextPath::Up: {
         left = 0;
         right = widest;
         const double last = line.items.back().offset;
-        bottom = state.path == kDown ? -cap - last : 0;
-        top = state.path == kDown ? 0 : last + cap;
+        bottom = m_text.path == TextPath::Down ? -cap - last : 0;
+        top = m_text.path == TextPath::Down ? 0 : last + cap;
         break;
     }
     default:
         break;
     }
     // Mirrored characters grow the other way.
-    if (first.unitWidth < 0 && state.path != kDown && state.path != kUp)
+    if (first.unitWidth < 0 && !isVertical(m_text.path))
         std::swap(left, right);
 
-    const OriginPlace place = originPlace(state.origin);
+    const OriginPlace place = originPlace(m_text.origin);
     Point shift { -(left + (right - left) * place.across), -(bottom + (top - bottom) * place.high) };
-    if (state.origin > 10 && state.origin < 20) {
+    if (m_text.origin > 10 && m_text.origin < 20) {
         shift.x += (1 - 2 * place.across) * first.originOffset;
         shift.y += (1 - 2 * place.high) * first.originOffset;
     }
@@ -349,43 +269,38 @@ void Machine::setLine(LabelLine& line)
             continue;
         const LabelMetrics& metrics = line.metrics[item.metrics];
         Point at = shift;
-        switch (state.path) {
-        case kLeft:
+        switch (m_text.path) {
+        case TextPath::Left:
             at.x -= item.offset + item.advance - metrics.gap;
             break;
-        case kDown:
+        case TextPath::Down:
             at.y -= item.offset + cap;
             break;
-        case kUp:
+        case TextPath::Up:
             at.y += item.offset;
             break;
         default:
             at.x += item.offset;
             break;
         }
-        drawCharacter(metrics, item.glyph, m_state.pen + metrics.along * at.x + metrics.up * at.y);
-        if (status() != RunStatus::Done)
+        m_characters.draw(metrics, item.glyph, m_state.pen + metrics.along * at.x + metrics.up * at.y);
+        if (m_surface.status() != RunStatus::Done)
             break;
     }
-    if (isContinuing(state.path, state.origin))
-        m_state.pen = m_state.pen + pathDirection(first, state.path) * line.end;
+    if (isContinuing(m_text.path, m_text.origin))
+        m_state.pen = m_state.pen + pathDirection(first, m_text.path) * line.end;
     const LabelMetrics current = line.metrics.back();
     line = LabelLine {};
     line.metrics.push_back(current);
 }
 
-/// SM: the symbol with its middle on the pen.
-void Machine::symbolAtPen()
+void LabelSetter::drawSymbol()
 {
-    if (m_isPolygonMode)
-        return;
-    finishLine();
-    flushStrokes();
-    const LabelMetrics metrics = labelMetrics();
+    const LabelMetrics metrics = m_fonts.metrics();
     LabelItem item;
     if (!findCharacter(metrics, static_cast<std::uint32_t>(m_state.symbol), true, item) || item.glyph == kNoGlyph)
         return;
-    drawCharacter(metrics, item.glyph,
+    m_characters.draw(metrics, item.glyph,
         m_state.pen - metrics.along * ((item.advance - metrics.gap) / 2) - metrics.up * (metrics.capHeight / 2));
 }
 

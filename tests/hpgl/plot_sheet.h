@@ -20,9 +20,9 @@ public:
 };
 
 /// A page of one inch by one inch, all picture frame, at ten plotter units the pixel: 1016 units are 102 pixels.
-class PlotBench : public hpgl::Host {
+class PlotSheet : public hpgl::Host {
 public:
-    explicit PlotBench(PixelFormat format = PixelFormat::Bilevel);
+    explicit PlotSheet(PixelFormat format = PixelFormat::Bilevel);
 
     /// Runs HP-GL/2 and returns how it ended.
     hpgl::Interpreter::End run(const std::string& commands);

@@ -1,0 +1,30 @@
+#pragma once
+
+#include "quillrip/base/diagnostics.h"
+
+#include <cstdint>
+
+namespace quillrip::hpgl {
+
+/// Offsets count from the start of the plot; the job wants those of the whole input.
+class OffsetSink final : public DiagnosticSink {
+public:
+    OffsetSink(DiagnosticSink& sink, std::uint64_t start)
+        : m_sink(sink)
+        , m_start(start)
+    {
+    }
+
+    void report(const Diagnostic& diagnostic) override
+    {
+        Diagnostic moved = diagnostic;
+        moved.offset += m_start;
+        m_sink.report(moved);
+    }
+
+private:
+    DiagnosticSink& m_sink;
+    std::uint64_t m_start;
+};
+
+} // namespace quillrip::hpgl
