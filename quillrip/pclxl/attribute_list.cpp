@@ -1,5 +1,6 @@
 #include "quillrip/pclxl/attribute_list.h"
 
+#include <cmath>
 #include <cstring>
 #include <limits>
 
@@ -33,6 +34,26 @@ double decodeNumber(const std::uint8_t* at, Element element, ByteOrder order)
     }
     }
     return 0;
+}
+
+bool ArrayView::isFinite() const
+{
+    for (std::size_t i = 0; i < size(); ++i)
+        if (!std::isfinite(at(i)))
+            return false;
+    return true;
+}
+
+std::string ArrayView::name() const
+{
+    std::string name;
+    for (std::size_t i = 0; i < size(); ++i) {
+        const std::uint32_t value = code(i);
+        if (value > 0xFF)
+            name += static_cast<char>(value >> 8);
+        name += static_cast<char>(value & 0xFF);
+    }
+    return name;
 }
 
 Operand* AttributeList::beginValue(Shape shape, Element element)

@@ -6,6 +6,7 @@
 
 #include <array>
 #include <cstddef>
+#include <string>
 #include <vector>
 
 namespace quillrip::pclxl {
@@ -37,6 +38,10 @@ public:
         return m_element == Element::UByte ? m_bytes[index] : static_cast<std::uint32_t>(at(index));
     }
     ByteView bytes() const { return m_bytes; }
+    /// No element is an infinity or no number at all.
+    bool isFinite() const;
+    /// Names are compared code by code, so one of bytes and one of words can be the same.
+    std::string name() const;
 
 private:
     ByteView m_bytes;

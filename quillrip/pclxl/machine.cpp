@@ -1,18 +1,95 @@
 #include "quillrip/pclxl/machine.h"
 
+#include "quillrip/base/replay_meter.h"
+#include "quillrip/pclxl/drawing.h"
+#include "quillrip/pclxl/graphics_stack.h"
+#include "quillrip/pclxl/page.h"
+#include "quillrip/pclxl/page_image.h"
+#include "quillrip/pclxl/pattern_in_progress.h"
+#include "quillrip/pclxl/pattern_store.h"
+#include "quillrip/pclxl/reporter.h"
+#include "quillrip/pclxl/session.h"
+#include "quillrip/pclxl/soft_fonts.h"
 #include "quillrip/pclxl/stream_header.h"
+#include "quillrip/pclxl/text_setter.h"
+#include "quillrip/pclxl/user_streams.h"
+#include "quillrip/pclxl/vendor_image.h"
+
+#include <string>
 
 namespace quillrip::pclxl {
 
+struct Machine::Rooms {
+    Rooms(PageDevice& device, DiagnosticSink& diagnostics, const Limits& limits)
+        : reporter(diagnostics)
+        , page(device)
+        , drawing(page, graphics, limits, reporter)
+        , textSetter(page, graphics, drawing, limits, reporter)
+        , patterns(limits.patternBytes)
+        , softFonts(limits.fontBytes)
+        , userStreams(limits.macroBytes)
+        , replay(limits)
+    {
+    }
+
+    Reporter reporter;
+    Session session;
+    DataSource dataSource;
+    Page page;
+    GraphicsStack graphics;
+    Drawing drawing;
+    TextSetter textSetter;
+    PatternStore patterns;
+    SoftFonts softFonts;
+    UserStreams userStreams;
+    ReplayMeter replay;
+    std::unique_ptr<PageImage> image;
+    std::unique_ptr<PatternInProgress> definedPattern;
+    std::unique_ptr<VendorImage> vendorImage;
+};
+
 Machine::Machine(PageDevice& device, DiagnosticSink& diagnostics, const Limits& limits, FontLibrary& fonts,
     const Environment& environment)
-    : m_device(device)
-    , m_diagnostics(diagnostics)
-    , m_limits(limits)
+    : m_limits(limits)
     , m_fonts(fonts)
     , m_environment(environment)
+    , m_rooms(std::make_unique<Rooms>(device, diagnostics, m_limits))
 {
 }
+
+Machine::~Machine() = default;
+
+Reporter& Machine::reporter() { return m_rooms->reporter; }
+
+Session& Machine::session() { return m_rooms->session; }
+
+DataSource& Machine::dataSource() { return m_rooms->dataSource; }
+
+Page& Machine::page() { return m_rooms->page; }
+
+GraphicsStack& Machine::graphics() { return m_rooms->graphics; }
+
+GraphicsState& Machine::state() { return m_rooms->graphics.state(); }
+
+const GraphicsState& Machine::state() const { return m_rooms->graphics.state(); }
+
+Drawing& Machine::drawing() { return m_rooms->drawing; }
+
+TextSetter& Machine::textSetter() { return m_rooms->textSetter; }
+
+PatternStore& Machine::patterns() { return m_rooms->patterns; }
+
+const PatternStore& Machine::patterns() const { return m_rooms->patterns; }
+
+SoftFonts& Machine::softFonts() { return m_rooms->softFonts; }
+
+UserStreams& Machine::userStreams() { return m_rooms->userStreams; }
+
+std::unique_ptr<PageImage>& Machine::image() { return m_rooms->image; }
+
+std::unique_ptr<PatternInProgress>& Machine::definedPattern() { return m_rooms->definedPattern; }
+
+std::unique_ptr<VendorImage>& Machine::vendorImage() { return m_rooms->vendorImage; }
 
 Interpreter::End Machine::run(InputStream& input)
 {
@@ -21,8 +98,8 @@ Interpreter::End Machine::run(InputStream& input)
     while (input.peek() == ' ' || (input.peek() >= '\t' && input.peek() <= '\r') || input.peek() == 0)
         input.get();
     m_position = 0;
-    m_offset = input.offset();
-    m_entry = nullptr;
+    m_rooms->reporter.setOffset(input.offset());
+    m_command = nullptr;
     if (standsOnStreamHeader(input))
         status = readStreamHeader(input, order);
     else
@@ -30,20 +107,19 @@ Interpreter::End Machine::run(InputStream& input)
 
     TagReader reader(input, order);
     m_reader = &reader;
-    m_dataSourceIsOpen = false;
-    m_dataOrder = order;
+    m_rooms->dataSource = { false, order };
     if (status.isOk())
         status = interpret(reader, false);
-    if (status.isOk() && m_page.isOpen) {
-        m_offset = reader.offset();
-        m_entry = nullptr;
+    if (status.isOk() && m_rooms->page.isOpen()) {
+        m_rooms->reporter.setOffset(reader.offset());
+        m_command = nullptr;
         status = Error::PrematureEnd;
     }
     if (!status.isOk())
-        reportError(status, m_offset);
-    else if (m_session.isOpen)
-        warn("pclxl.session-not-ended", "the stream ends without EndSession");
-    abandonPage();
+        reportError(status);
+    else if (m_rooms->session.isOpen)
+        m_rooms->reporter.warn("pclxl.session-not-ended", "the stream ends without EndSession");
+    leavePage();
     resetSession();
     if (status.endsJob()) {
         m_status = status.error == Error::LimitExceeded ? RunStatus::LimitExceeded : RunStatus::OutputFailed;
@@ -65,19 +141,19 @@ Status Machine::interpret(TagReader& reader, bool isUserStream)
     for (;;) {
         const TagReader::Token token = reader.next(m_operands);
         if (!isUserStream)
-            m_offset = reader.offset();
+            m_rooms->reporter.setOffset(reader.offset());
         switch (token) {
         case TagReader::Token::Operator: {
-            const Status status = dispatch(reader);
+            const Status status = execute(reader);
             if (!status.isOk())
                 return status;
-            if (m_replay.isRunning() && !m_replay.mayGoOn(openPage()))
+            if (m_rooms->replay.isRunning() && !m_rooms->replay.mayGoOn(m_rooms->page.bitmap()))
                 return Error::LimitExceeded;
             break;
         }
         case TagReader::Token::EmbeddedData: {
-            warn("pclxl.extra-data", "data that no operator asked for are passed over");
-            EmbeddedData surplus(reader.input(), reader.byteOrder(), m_dataOrder);
+            m_rooms->reporter.warn("pclxl.extra-data", "data that no operator asked for are passed over");
+            EmbeddedData surplus(reader.input(), reader.byteOrder(), m_rooms->dataSource.order);
             surplus.skipRest();
             if (surplus.isTruncated())
                 return Error::PrematureEnd;
@@ -85,8 +161,8 @@ Status Machine::interpret(TagReader& reader, bool isUserStream)
         }
         case TagReader::Token::StreamHeader: {
             // Jobs put together from parts may start a new stream without a Universal Exit in between.
-            if (m_session.isOpen || isUserStream) {
-                m_entry = nullptr;
+            if (m_rooms->session.isOpen || isUserStream) {
+                m_command = nullptr;
                 return Error::IllegalTag;
             }
             ByteOrder order = reader.byteOrder();
@@ -94,68 +170,100 @@ Status Machine::interpret(TagReader& reader, bool isUserStream)
             if (!status.isOk())
                 return status;
             reader.setByteOrder(order);
-            m_dataOrder = order;
+            m_rooms->dataSource.order = order;
             break;
         }
         case TagReader::Token::UniversalExit:
             if (isUserStream) {
-                m_entry = nullptr;
+                m_command = nullptr;
                 return Error::IllegalTag;
             }
             return {};
         case TagReader::Token::End:
             return {};
         case TagReader::Token::Truncated:
-            m_entry = nullptr;
+            m_command = nullptr;
             return Error::PrematureEnd;
         case TagReader::Token::Illegal:
-            m_entry = nullptr;
+            m_command = nullptr;
             return Error::IllegalTag;
         case TagReader::Token::TooManyOperands:
-            m_entry = nullptr;
+            m_command = nullptr;
             return Error::IllegalArraySize;
         }
         if (reader.orphans() > 0)
-            warn("pclxl.orphan", "a value without a name, or a name without a value, is ignored");
+            m_rooms->reporter.warn("pclxl.orphan", "a value without a name, or a name without a value, is ignored");
     }
 }
 
-Status Machine::dispatch(TagReader& reader)
+Status Machine::execute(TagReader& reader)
 {
     ++m_position;
-    const OperatorEntry* entry = findOperator(reader.tag());
-    m_entry = entry;
-    if (!entry) {
-        warn("pclxl.unknown-operator",
+    const Command* command = find(reader.tag());
+    m_command = command;
+    if (!command) {
+        m_rooms->reporter.warn("pclxl.unknown-operator",
             "operator number " + std::to_string(reader.tag()) + " is not known and is ignored");
         return {};
     }
-    const std::uint8_t place = m_page.isOpen ? kInPage : m_session.isOpen ? kInSession : kOutside;
-    if (!(entry->places & place) || (entry->within != Definition::Any && entry->within != m_definition))
+    const std::uint8_t place = m_rooms->page.isOpen() ? kInPage : m_rooms->session.isOpen ? kInSession : kOutside;
+    if (!(command->places & place) || (command->within != Definition::Any && command->within != m_definition))
         return Error::IllegalOperatorSequence;
     Attribute ignored = Attribute::None;
-    Status status = validate(*entry, m_operands, ignored);
+    Status status = validate(*command, m_operands, ignored);
     if (!status.isOk())
         return status;
     if (ignored != Attribute::None)
-        warn("pclxl.attribute",
-            std::string(entry->name) + " has no attribute " + nameOf(ignored) + " ("
+        m_rooms->reporter.warn("pclxl.attribute",
+            std::string(command->name) + " has no attribute " + nameOf(ignored) + " ("
                 + std::to_string(static_cast<unsigned>(ignored)) + "), it is ignored");
 
-    EmbeddedData data(reader.input(), reader.byteOrder(), m_dataOrder);
+    EmbeddedData data(reader.input(), reader.byteOrder(), m_rooms->dataSource.order);
     EmbeddedData* const outer = m_data;
     m_data = &data;
-    status = (this->*entry->run)();
-    if (entry->takesData) {
+    status = command->run(*this);
+    if (command->takesData) {
         data.skipRest();
         if (data.isTruncated() && !status.endsJob())
             status = Error::PrematureEnd;
     }
     m_data = outer;
-    m_fontDiagnostics.passOn(m_diagnostics, !status.isOk());
+    m_rooms->reporter.passOnFontReports(!status.isOk());
     // An error within a user stream has named its own operator.
-    if (!status.isOk() && entry->tag != Operator::ExecStream)
-        m_entry = entry;
+    if (!status.isOk() && command->tag != Operator::ExecStream)
+        m_command = command;
+    return status;
+}
+
+Status Machine::runUserStream(ByteView bytes)
+{
+    ReplayMeter& replay = m_rooms->replay;
+    const Page& page = m_rooms->page;
+    const Status status = replay.enter(bytes.size, page.bitmap()) ? readOperators(bytes) : Status(Error::LimitExceeded);
+    replay.leave(page.bitmap());
+    return status;
+}
+
+Status Machine::readOperators(ByteView bytes)
+{
+    MemoryInputStream input(bytes);
+    ByteOrder order = m_reader->byteOrder();
+    if (standsOnStreamHeader(input)) {
+        const Status status = readStreamHeader(input, order);
+        if (!status.isOk())
+            return status;
+    }
+    TagReader* const outerReader = m_reader;
+    const DataSource outerSource = m_rooms->dataSource;
+    const Definition outerDefinition = m_definition;
+    TagReader reader(input, order);
+    m_reader = &reader;
+    m_rooms->dataSource.order = order;
+    const Status status = interpret(reader, true);
+    m_reader = outerReader;
+    m_rooms->dataSource = outerSource;
+    if (status.isOk() && m_definition != outerDefinition)
+        return Error::IllegalOperatorSequence;
     return status;
 }
 
@@ -184,67 +292,49 @@ void Machine::passOver(TagReader& reader, bool hasLostTrack)
     skipToUniversalExit(reader.input());
 }
 
-void Machine::reportError(const Status& status, std::uint64_t offset)
+void Machine::reportError(const Status& status)
 {
     std::string message;
     if (status.error == Error::PrematureEnd)
-        message = m_page.isOpen ? "the stream ends within a page" : "the stream ends too soon";
+        message = m_rooms->page.isOpen() ? "the stream ends within a page" : "the stream ends too soon";
     else
         message = std::string("PCL XL error ") + nameOf(status.error);
-    if (m_entry)
-        message += std::string(", subsystem ") + nameOf(m_entry->subsystem) + ", operator " + m_entry->name;
+    if (m_command)
+        message += std::string(", subsystem ") + nameOf(m_command->subsystem) + ", operator " + m_command->name;
     if (status.attribute != Attribute::None)
         message += std::string(", attribute ") + nameOf(status.attribute);
     message += ", position " + std::to_string(m_position);
-    m_diagnostics.report({ Severity::Damage, offset, std::string("pclxl.error.") + nameOf(status.error), message });
+    m_rooms->reporter.damage(std::string("pclxl.error.") + nameOf(status.error), message);
 }
 
-void Machine::warn(const char* kind, const std::string& message)
+void Machine::endVendorImage()
 {
-    if (m_warned.insert(kind).second)
-        m_diagnostics.report({ Severity::Warning, m_offset, kind, message });
+    if (m_rooms->vendorImage)
+        m_rooms->vendorImage->image.finish();
+    m_rooms->vendorImage.reset();
 }
 
-void Machine::abandonPage()
+void Machine::leavePage()
 {
-    if (m_page.hasPassedThrough && m_environment.passThrough)
-        m_environment.passThrough->endPage();
-    m_image = {};
-    m_vendorImage.reset();
-    m_page = {};
-    m_replay.pageEnded();
-    m_state = {};
-    m_stack.clear();
-    m_stackCosts.clear();
-    m_stackCost = 0;
+    // Images hold on to the page's painter.
+    m_rooms->image.reset();
+    m_rooms->definedPattern.reset();
+    m_rooms->vendorImage.reset();
+    m_rooms->page.close();
+    m_rooms->replay.pageEnded();
+    m_rooms->graphics.reset();
+    m_rooms->drawing.stateChanged();
     m_definition = Definition::None;
-    paintChanged();
 }
 
 void Machine::resetSession()
 {
-    m_session = {};
-    m_patterns.clear();
-    m_patternBytes = 0;
-    m_softFonts.clear();
-    m_softFontBytes = 0;
-    m_glyphs.clear();
-    m_fontHeader = {};
-    m_streamData = {};
-    m_runningStreams.clear();
-    m_dataSourceIsOpen = false;
-}
-
-Status Machine::deviceStatus(RunStatus status)
-{
-    switch (status) {
-    case RunStatus::Done:
-        return {};
-    case RunStatus::LimitExceeded:
-        return Error::LimitExceeded;
-    default:
-        return Error::OutputFailed;
-    }
+    m_rooms->session = {};
+    m_rooms->patterns.endSession();
+    m_rooms->softFonts.endSession();
+    m_rooms->textSetter.endSession();
+    m_rooms->userStreams.abandonDefinition();
+    m_rooms->dataSource.isOpen = false;
 }
 
 } // namespace quillrip::pclxl

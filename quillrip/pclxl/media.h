@@ -18,6 +18,8 @@ std::optional<Medium> mediumOfNumber(int number);
 std::optional<Medium> mediumOfName(const std::string& name);
 
 constexpr int kDefaultMediaSize = 96;
+/// The Orientation that leaves the page to the device.
+constexpr int kDefaultOrientation = 4;
 
 /// Inches of one Measure: inch, millimetre, tenth of a millimetre.
 double inchesOfMeasure(int measure);

@@ -6,9 +6,6 @@ namespace quillrip::pclxl {
 
 namespace {
 
-constexpr Rgb kWhite { 255, 255, 255 };
-constexpr Rgb kBlack { 0, 0, 0 };
-
 bool isGray(Rgb c) { return c.red == c.green && c.green == c.blue; }
 
 } // namespace
@@ -16,7 +13,7 @@ bool isGray(Rgb c) { return c.red == c.green && c.green == c.blue; }
 PixelConverter::PixelConverter(const PixelMeaning& meaning, std::uint32_t width, PixelFormat page, bool copiesSource)
     : m_width(width)
 {
-    const int components = meaning.isIndexed ? 1 : componentsOf(meaning.space);
+    const int components = meaning.isIndexed ? 1 : componentsOf(meaning.model);
     const int bits = meaning.bitsPerComponent;
     m_sourceBytes = (static_cast<std::size_t>(width) * static_cast<std::size_t>(components * bits) + 7) / 8;
     const bool wantsGray = page != PixelFormat::Rgb24;

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "quillrip/base/page_bitmap.h"
-#include "quillrip/pclxl/graphics_state.h"
+#include "quillrip/pclxl/state.h"
 #include "quillrip/raster/images/image_painter.h"
 
 #include <array>
@@ -12,7 +12,7 @@ namespace quillrip::pclxl {
 
 /// What the pixels of a source row mean.
 struct PixelMeaning {
-    ColorSpace space = ColorSpace::Gray;
+    ColorModel model = ColorModel::Gray;
     int bitsPerComponent = 8; ///< 1, 4 or 8
     bool isIndexed = false;
     const std::vector<Rgb>* palette = nullptr; ///< indexed: at least 2^bits colours

@@ -14,17 +14,17 @@ Bytes convert(PixelConverter& converter, const Bytes& source, std::size_t size)
     return Bytes(row, row + size);
 }
 
-PixelMeaning direct(ColorSpace space, int bits)
+PixelMeaning direct(ColorModel model, int bits)
 {
     PixelMeaning meaning;
-    meaning.space = space;
+    meaning.model = model;
     meaning.bitsPerComponent = bits;
     return meaning;
 }
 
 TEST(XlPixels, GrayBitsAreInkWhereTheyAreZero)
 {
-    PixelConverter c(direct(ColorSpace::Gray, 1), 8, PixelFormat::Rgb24, false);
+    PixelConverter c(direct(ColorModel::Gray, 1), 8, PixelFormat::Rgb24, false);
     EXPECT_EQ(c.format(), ImageFormat::Mono);
     EXPECT_FALSE(c.hasInk());
     EXPECT_EQ(convert(c, { 0xF0 }, 1), (Bytes { 0x0F }));
@@ -33,7 +33,7 @@ TEST(XlPixels, GrayBitsAreInkWhereTheyAreZero)
 TEST(XlPixels, IndexedBitsAreInkWhereThePaletteIsBlack)
 {
     const std::vector<Rgb> palette { { 255, 255, 255 }, { 0, 0, 0 } };
-    PixelMeaning meaning = direct(ColorSpace::Rgb, 1);
+    PixelMeaning meaning = direct(ColorModel::Rgb, 1);
     meaning.isIndexed = true;
     meaning.palette = &palette;
     PixelConverter c(meaning, 8, PixelFormat::Rgb24, false);
@@ -44,7 +44,7 @@ TEST(XlPixels, IndexedBitsAreInkWhereThePaletteIsBlack)
 TEST(XlPixels, AColourBesideWhiteIsInkOnlyWhereTheSourceIsCopied)
 {
     const std::vector<Rgb> palette { { 255, 255, 255 }, { 200, 0, 50 } };
-    PixelMeaning meaning = direct(ColorSpace::Rgb, 1);
+    PixelMeaning meaning = direct(ColorModel::Rgb, 1);
     meaning.isIndexed = true;
     meaning.palette = &palette;
     PixelConverter copied(meaning, 8, PixelFormat::Rgb24, true);
@@ -58,14 +58,14 @@ TEST(XlPixels, AColourBesideWhiteIsInkOnlyWhereTheSourceIsCopied)
 
 TEST(XlPixels, NibblesSpreadOverTheWholeRange)
 {
-    PixelConverter c(direct(ColorSpace::Gray, 4), 3, PixelFormat::Rgb24, false);
+    PixelConverter c(direct(ColorModel::Gray, 4), 3, PixelFormat::Rgb24, false);
     EXPECT_EQ(c.format(), ImageFormat::Gray8);
     EXPECT_EQ(convert(c, { 0x0F, 0x80 }, 3), (Bytes { 0, 255, 136 }));
 }
 
 TEST(XlPixels, GrayBytesPassUnchanged)
 {
-    PixelConverter c(direct(ColorSpace::Gray, 8), 2, PixelFormat::Gray8, false);
+    PixelConverter c(direct(ColorModel::Gray, 8), 2, PixelFormat::Gray8, false);
     const Bytes source { 7, 250 };
     EXPECT_EQ(c.convert(source.data()), source.data());
 }
@@ -74,7 +74,7 @@ TEST(XlPixels, PalettesOfGraysStayGray)
 {
     std::vector<Rgb> palette(256);
     palette[3] = { 9, 9, 9 };
-    PixelMeaning meaning = direct(ColorSpace::Rgb, 8);
+    PixelMeaning meaning = direct(ColorModel::Rgb, 8);
     meaning.isIndexed = true;
     meaning.palette = &palette;
     PixelConverter c(meaning, 2, PixelFormat::Rgb24, false);
@@ -87,17 +87,17 @@ TEST(XlPixels, PalettesOfGraysStayGray)
 
 TEST(XlPixels, RgbOfAllDepthsIsUnpacked)
 {
-    PixelConverter bytes(direct(ColorSpace::Rgb, 8), 1, PixelFormat::Rgb24, false);
+    PixelConverter bytes(direct(ColorModel::Rgb, 8), 1, PixelFormat::Rgb24, false);
     EXPECT_EQ(convert(bytes, { 1, 2, 3 }, 3), (Bytes { 1, 2, 3 }));
-    PixelConverter nibbles(direct(ColorSpace::Srgb, 4), 2, PixelFormat::Rgb24, false);
+    PixelConverter nibbles(direct(ColorModel::Srgb, 4), 2, PixelFormat::Rgb24, false);
     EXPECT_EQ(convert(nibbles, { 0x0F, 0x12, 0x34 }, 6), (Bytes { 0, 255, 17, 34, 51, 68 }));
-    PixelConverter bits(direct(ColorSpace::Rgb, 1), 3, PixelFormat::Rgb24, false);
+    PixelConverter bits(direct(ColorModel::Rgb, 1), 3, PixelFormat::Rgb24, false);
     EXPECT_EQ(convert(bits, { 0xA5, 0x80 }, 9), (Bytes { 255, 0, 255, 0, 0, 255, 0, 255, 255 }));
 }
 
 TEST(XlPixels, GrayPagesGetLuminance)
 {
-    PixelConverter c(direct(ColorSpace::Rgb, 8), 2, PixelFormat::Gray8, false);
+    PixelConverter c(direct(ColorModel::Rgb, 8), 2, PixelFormat::Gray8, false);
     EXPECT_EQ(c.format(), ImageFormat::Gray8);
     EXPECT_EQ(convert(c, { 255, 0, 0, 255, 255, 255 }, 2), (Bytes { 76, 255 }));
 }

@@ -3,11 +3,11 @@
 #include "quillrip/base/geometry.h"
 #include "quillrip/base/page_bitmap.h"
 #include "quillrip/fonts/font.h"
+#include "quillrip/pclxl/clip.h"
+#include "quillrip/pclxl/current_path.h"
 #include "quillrip/pclxl/raster_pattern.h"
-#include "quillrip/raster/painter.h"
 #include "quillrip/raster/paths/path.h"
 #include "quillrip/raster/paths/stroke_style.h"
-#include "quillrip/raster/scan/clip_region.h"
 
 #include <array>
 #include <cstdint>
@@ -26,10 +26,12 @@ struct Ink {
     std::shared_ptr<const RasterPattern> pattern;
     Point patternOrigin; ///< user space
     std::optional<Point> patternSize; ///< user units, in place of the pattern's own
+
+    bool isNone() const { return kind == Kind::None; }
 };
 
-/// 7 and 8 are gray like 1; streams with vendor raster name them.
-enum class ColorSpace : std::uint8_t {
+/// What the numbers of colours mean. 7 and 8 are gray like 1; streams with vendor raster name them.
+enum class ColorModel : std::uint8_t {
     BiLevel = 0,
     Gray = 1,
     Rgb = 2,
@@ -39,9 +41,9 @@ enum class ColorSpace : std::uint8_t {
     VendorGray = 8
 };
 
-constexpr int componentsOf(ColorSpace space)
+constexpr int componentsOf(ColorModel model)
 {
-    return space == ColorSpace::Rgb || space == ColorSpace::Crgb || space == ColorSpace::Srgb ? 3 : 1;
+    return model == ColorModel::Rgb || model == ColorModel::Crgb || model == ColorModel::Srgb ? 3 : 1;
 }
 
 enum class CharTransform : std::uint8_t { Scale, Shear, Angle };
@@ -57,37 +59,8 @@ struct CharacterState {
     bool substitutesVertically = false;
     /// As the operators were used: the one used last is applied last.
     std::array<CharTransform, 3> order { CharTransform::Scale, CharTransform::Shear, CharTransform::Angle };
-};
 
-/// A path that states share until one of them changes it.
-class SharedPath {
-public:
-    const Path& operator*() const { return m_path ? *m_path : empty(); }
-    const Path* operator->() const { return &**this; }
-    Path& edit()
-    {
-        if (!m_path)
-            m_path = std::make_shared<Path>();
-        else if (m_path.use_count() > 1)
-            m_path = std::make_shared<Path>(*m_path);
-        return *m_path;
-    }
-    void clear()
-    {
-        if (m_path && m_path.use_count() == 1)
-            m_path->clear();
-        else
-            m_path.reset();
-    }
-
-private:
-    static const Path& empty()
-    {
-        static const Path s_empty;
-        return s_empty;
-    }
-
-    std::shared_ptr<Path> m_path;
+    void moveToEnd(CharTransform which);
 };
 
 /// Everything that PushGS saves and PopGS restores, and nothing else. Copying it is the push; the defaults are those
@@ -95,16 +68,11 @@ private:
 struct GraphicsState {
     Matrix userToDevice;
     int quarterTurns = 0; ///< counter-clockwise turns of the user axes since the page's start
-    std::optional<Point> cursor; ///< user space
-    SharedPath path; ///< user space
-    bool pathIsOpenAtCursor = false; ///< the next segment continues the last subpath
-
-    std::shared_ptr<const ClipRegion> clip; ///< null: the whole page
-    std::shared_ptr<const Path> clipOutline; ///< device pixels; null: the page's edge, or not kept
-    FillRule clipRule = FillRule::NonZero;
+    CurrentPath path;
+    Clip clip;
     FillRule fillRule = FillRule::NonZero;
 
-    ColorSpace colorSpace = ColorSpace::Gray;
+    ColorModel colorModel = ColorModel::Gray;
     std::shared_ptr<const std::vector<Rgb>> palette;
     Ink brush;
     Ink pen;
@@ -114,6 +82,13 @@ struct GraphicsState {
     bool paintTransparent = false;
 
     CharacterState character;
+
+    /// Another user space; the path and the cursor stay where they are on the page. False, and nothing done, for a
+    /// matrix that no point can be computed with.
+    [[nodiscard]] bool changeMatrix(const Matrix& matrix);
 };
+
+/// Finite, not absurdly large, and to be inverted.
+bool isUsableMatrix(const Matrix& matrix);
 
 } // namespace quillrip::pclxl

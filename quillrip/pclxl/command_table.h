@@ -4,6 +4,7 @@
 #include "quillrip/pclxl/status.h"
 
 #include <cstddef>
+#include <cstdint>
 
 namespace quillrip::pclxl {
 
@@ -65,29 +66,33 @@ enum Place : std::uint8_t {
 /// Definitions that a Begin operator opens and an End operator closes; in between only their own operators may stand.
 enum class Definition : std::uint8_t { None, FontHeader, Character, Stream, Image, Pattern, Scan, Any };
 
-struct OperatorEntry {
+/// Carries an operator out whose operands have been checked.
+using Handler = Status (*)(Machine& machine);
+
+/// An operator of the language: where it may stand, what it takes, and who carries it out.
+struct Command {
     Operator tag;
     const char* name;
     Subsystem subsystem;
     std::uint8_t places;
     Definition within;
     bool takesData; ///< embedded data follow it, or may
-    Status (Machine::*run)();
+    Handler run;
     AttributeRules rules;
 };
 
-/// All operators, by number.
-struct OperatorTable {
-    const OperatorEntry* first;
+/// All commands, by number.
+struct CommandTable {
+    const Command* first;
     std::size_t count;
 
-    const OperatorEntry* begin() const { return first; }
-    const OperatorEntry* end() const { return first + count; }
+    const Command* begin() const { return first; }
+    const Command* end() const { return first + count; }
 };
-OperatorTable operatorTable();
+CommandTable commandTable();
 
 /// Null for a tag that is no operator.
-const OperatorEntry* findOperator(std::uint8_t tag);
+const Command* find(std::uint8_t tag);
 
 /// "?" for an unassigned number.
 const char* nameOf(Attribute attribute);
@@ -95,6 +100,6 @@ const char* nameOf(Subsystem subsystem);
 
 /// Holds the operands against the rules of their operator: what must be there, types, values of enumerations, finite
 /// numbers. `ignored` becomes an attribute that the operator does not know, if there is one; that is no error.
-Status validate(const OperatorEntry& entry, const AttributeList& operands, Attribute& ignored);
+Status validate(const Command& command, const AttributeList& operands, Attribute& ignored);
 
 } // namespace quillrip::pclxl

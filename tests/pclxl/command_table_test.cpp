@@ -1,4 +1,4 @@
-#include "quillrip/pclxl/operator_table.h"
+#include "quillrip/pclxl/command_table.h"
 
 #include <gtest/gtest.h>
 #include <set>
@@ -25,16 +25,16 @@ TEST(XlOperatorTable, HoldsThePublishedOperatorsInOrder)
 {
     int last = 0;
     std::set<std::string> names;
-    for (const OperatorEntry& entry : operatorTable()) {
+    for (const Command& entry : commandTable()) {
         const int tag = static_cast<int>(entry.tag);
         EXPECT_GT(tag, last);
         last = tag;
         EXPECT_TRUE(names.insert(entry.name).second) << entry.name;
         EXPECT_NE(entry.run, nullptr) << entry.name;
-        EXPECT_EQ(findOperator(static_cast<std::uint8_t>(tag)), &entry);
+        EXPECT_EQ(find(static_cast<std::uint8_t>(tag)), &entry);
         EXPECT_LE(entry.rules.count, 32u) << entry.name;
     }
-    EXPECT_EQ(operatorTable().count, 92u);
+    EXPECT_EQ(commandTable().count, 92u);
 }
 
 TEST(XlOperatorTable, FindsOperatorsByNumber)
@@ -44,7 +44,7 @@ TEST(XlOperatorTable, FindsOperatorsByNumber)
               { 0x7B, "SetROP" }, { 0x86, "PaintPath" }, { 0x95, "BezierRelPath" }, { 0xA0, "Rectangle" },
               { 0xA8, "Text" }, { 0xB1, "ReadImage" }, { 0xB9, "ScanLineRel" }, { 0xBF, "PassThrough" } };
     for (const Named& sample : samples) {
-        const OperatorEntry* entry = findOperator(static_cast<std::uint8_t>(sample.tag));
+        const Command* entry = find(static_cast<std::uint8_t>(sample.tag));
         ASSERT_NE(entry, nullptr) << sample.name;
         EXPECT_STREQ(entry->name, sample.name);
     }
@@ -53,12 +53,12 @@ TEST(XlOperatorTable, FindsOperatorsByNumber)
 TEST(XlOperatorTable, KnowsNoOperatorForUnassignedNumbers)
 {
     for (const int tag : { 0x00, 0x40, 0x45, 0x4D, 0x59, 0x82, 0x87, 0x90, 0x9A, 0xA4, 0xAA, 0xB7, 0xBA, 0xC0, 0xFF })
-        EXPECT_EQ(findOperator(static_cast<std::uint8_t>(tag)), nullptr) << tag;
+        EXPECT_EQ(find(static_cast<std::uint8_t>(tag)), nullptr) << tag;
 }
 
 TEST(XlOperatorTable, NamesEveryAttributeThatAnOperatorTakes)
 {
-    for (const OperatorEntry& entry : operatorTable())
+    for (const Command& entry : commandTable())
         for (const AttributeRule& rule : entry.rules)
             EXPECT_STRNE(nameOf(rule.attribute), "?") << entry.name << ' ' << static_cast<int>(rule.attribute);
     EXPECT_STREQ(nameOf(Attribute::CharBoldValue), "CharBoldValue");
@@ -69,7 +69,7 @@ TEST(XlOperatorTable, NamesEveryAttributeThatAnOperatorTakes)
 TEST(XlValidation, MissesARequiredAttribute)
 {
     Attribute ignored = Attribute::None;
-    const Status status = validate(*findOperator(0x7B), AttributeList(), ignored);
+    const Status status = validate(*find(0x7B), AttributeList(), ignored);
     EXPECT_EQ(status.error, Error::MissingAttribute);
     EXPECT_EQ(status.attribute, Attribute::ROP3);
 }
@@ -77,18 +77,18 @@ TEST(XlValidation, MissesARequiredAttribute)
 TEST(XlValidation, WantsExactlyOneOfAChoice)
 {
     Attribute ignored = Attribute::None;
-    EXPECT_EQ(validate(*findOperator(0x63), AttributeList(), ignored).error, Error::MissingAttribute);
+    EXPECT_EQ(validate(*find(0x63), AttributeList(), ignored).error, Error::MissingAttribute);
     AttributeList both = listOf(Attribute::NullBrush, Shape::Scalar, Element::UByte, 0);
     both.beginValue(Shape::Scalar, Element::UByte);
     both.nameValue(Attribute::GrayLevel);
-    EXPECT_EQ(validate(*findOperator(0x63), both, ignored).error, Error::IllegalAttributeCombination);
+    EXPECT_EQ(validate(*find(0x63), both, ignored).error, Error::IllegalAttributeCombination);
 }
 
 TEST(XlValidation, RejectsTheWrongShape)
 {
     Attribute ignored = Attribute::None;
     const Status status
-        = validate(*findOperator(0x6B), listOf(Attribute::Point, Shape::Scalar, Element::SInt16, 1), ignored);
+        = validate(*find(0x6B), listOf(Attribute::Point, Shape::Scalar, Element::SInt16, 1), ignored);
     EXPECT_EQ(status.error, Error::IllegalAttributeDataType);
     EXPECT_EQ(status.attribute, Attribute::Point);
 }
@@ -99,7 +99,7 @@ TEST(XlValidation, TakesAnyNumberWhereOneBelongs)
     for (const Element element :
         { Element::UByte, Element::UInt16, Element::UInt32, Element::SInt16, Element::SInt32, Element::Real32 })
         EXPECT_TRUE(
-            validate(*findOperator(0x7A), listOf(Attribute::PenWidth, Shape::Scalar, element, 3), ignored).isOk());
+            validate(*find(0x7A), listOf(Attribute::PenWidth, Shape::Scalar, element, 3), ignored).isOk());
 }
 
 TEST(XlValidation, RejectsValuesOutsideAnEnumeration)
@@ -107,7 +107,7 @@ TEST(XlValidation, RejectsValuesOutsideAnEnumeration)
     Attribute ignored = Attribute::None;
     for (const double value : { 2.0, -1.0, 0.5, 4e9 })
         EXPECT_EQ(
-            validate(*findOperator(0x6E), listOf(Attribute::FillMode, Shape::Scalar, Element::Real32, value), ignored)
+            validate(*find(0x6E), listOf(Attribute::FillMode, Shape::Scalar, Element::Real32, value), ignored)
                 .error,
             Error::IllegalAttributeValue)
             << value;
@@ -118,7 +118,7 @@ TEST(XlValidation, RejectsNumbersThatAreNone)
     Attribute ignored = Attribute::None;
     for (const double value : { HUGE_VAL, -HUGE_VAL, std::nan(""), 1e30 })
         EXPECT_EQ(
-            validate(*findOperator(0x7A), listOf(Attribute::PenWidth, Shape::Scalar, Element::Real32, value), ignored)
+            validate(*find(0x7A), listOf(Attribute::PenWidth, Shape::Scalar, Element::Real32, value), ignored)
                 .error,
             Error::IllegalAttributeValue);
 }
@@ -127,7 +127,7 @@ TEST(XlValidation, LetsAnUnknownAttributePass)
 {
     Attribute ignored = Attribute::None;
     EXPECT_TRUE(
-        validate(*findOperator(0x85), listOf(Attribute::PenWidth, Shape::Scalar, Element::UByte, 3), ignored).isOk());
+        validate(*find(0x85), listOf(Attribute::PenWidth, Shape::Scalar, Element::UByte, 3), ignored).isOk());
     EXPECT_EQ(ignored, Attribute::PenWidth);
 }
 
