@@ -1,6 +1,7 @@
 #include "quillrip/pclxl/attribute_list.h"
 
 #include <cmath>
+#include <cstdint>
 #include <cstring>
 #include <limits>
 

@@ -236,7 +236,7 @@ constexpr AttributeRule kBeginRastPattern[] = {
 constexpr AttributeRule kScanLineRel[] = { { A::NumberOfScanLines, kScalar, kOptional } };
 
 // The numbers ascend; a test holds names and numbers against the published list.
-constexpr Command kCommands[] = {
+constexpr CommandEntry kCommands[] = {
     { O::BeginSession, "BeginSession", S::Kernel, kOutside, D::None, false, commands::beginSession,
         rules(kBeginSession) },
     { O::EndSession, "EndSession", S::Kernel, kInSession, D::None, false, commands::endSession, kNone },
@@ -385,7 +385,7 @@ constexpr std::array<std::uint8_t, 256> kIndexByTag = indexByTag();
 
 CommandTable commandTable() { return { kCommands, kCommandCount }; }
 
-const Command* find(std::uint8_t tag)
+const CommandEntry* find(std::uint8_t tag)
 {
     const std::uint8_t at = kIndexByTag[tag];
     return at == 0 ? nullptr : &kCommands[at - 1];

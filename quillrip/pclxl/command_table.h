@@ -70,7 +70,7 @@ enum class Definition : std::uint8_t { None, FontHeader, Character, Stream, Imag
 using Handler = Status (*)(Machine& machine);
 
 /// An operator of the language: where it may stand, what it takes, and who carries it out.
-struct Command {
+struct CommandEntry {
     Operator tag;
     const char* name;
     Subsystem subsystem;
@@ -83,16 +83,16 @@ struct Command {
 
 /// All commands, by number.
 struct CommandTable {
-    const Command* first;
+    const CommandEntry* first;
     std::size_t count;
 
-    const Command* begin() const { return first; }
-    const Command* end() const { return first + count; }
+    const CommandEntry* begin() const { return first; }
+    const CommandEntry* end() const { return first + count; }
 };
 CommandTable commandTable();
 
 /// Null for a tag that is no operator.
-const Command* find(std::uint8_t tag);
+const CommandEntry* find(std::uint8_t tag);
 
 /// "?" for an unassigned number.
 const char* nameOf(Attribute attribute);
@@ -100,6 +100,6 @@ const char* nameOf(Subsystem subsystem);
 
 /// Holds the operands against the rules of their operator: what must be there, types, values of enumerations, finite
 /// numbers. `ignored` becomes an attribute that the operator does not know, if there is one; that is no error.
-Status validate(const Command& command, const AttributeList& operands, Attribute& ignored);
+Status validate(const CommandEntry& command, const AttributeList& operands, Attribute& ignored);
 
 } // namespace quillrip::pclxl

@@ -199,7 +199,7 @@ Status Machine::interpret(TagReader& reader, bool isUserStream)
 Status Machine::execute(TagReader& reader)
 {
     ++m_position;
-    const Command* command = find(reader.tag());
+    const CommandEntry* command = find(reader.tag());
     m_command = command;
     if (!command) {
         m_rooms->reporter.warn("pclxl.unknown-operator",

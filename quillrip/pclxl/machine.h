@@ -49,7 +49,7 @@ public:
     RunStatus status() const { return m_status; }
 
     // The operator that runs.
-    const Command& command() const { return *m_command; }
+    const CommandEntry& command() const { return *m_command; }
     const AttributeList& operands() const { return m_operands; }
     EmbeddedData& data() { return *m_data; }
     TagReader& reader() { return *m_reader; }
@@ -110,7 +110,7 @@ private:
     EmbeddedData* m_data = nullptr;
     AttributeList m_operands;
     std::vector<Point> m_points;
-    const Command* m_command = nullptr; ///< null where no operator is to blame
+    const CommandEntry* m_command = nullptr; ///< null where no operator is to blame
     Definition m_definition = Definition::None;
     std::uint64_t m_position = 0; ///< operators since the stream's start, the first is 1
 };

@@ -2,6 +2,8 @@
 
 #include "quillrip/pclxl/image_decoders.h"
 
+#include <cstdint>
+
 namespace quillrip::pclxl {
 
 /// Rows as changes of the row above: commands that skip what stays and then put one pixel, or a run of one, from one of

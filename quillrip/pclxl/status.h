@@ -2,6 +2,8 @@
 
 #include "quillrip/pclxl/tags.h"
 
+#include <cstdint>
+
 namespace quillrip::pclxl {
 
 /// The errors of the language that end a session, by their published names, and the two ends of a job that are not

@@ -3,6 +3,7 @@
 #include "quillrip/pclxl/reporter.h"
 #include "quillrip/pclxl/user_streams.h"
 
+#include <cstdint>
 #include <string>
 
 namespace quillrip::pclxl::commands {

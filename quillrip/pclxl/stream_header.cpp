@@ -1,5 +1,6 @@
 #include "quillrip/pclxl/stream_header.h"
 
+#include <cstdint>
 #include <cstring>
 
 namespace quillrip::pclxl {

@@ -1,6 +1,7 @@
 #include "quillrip/pclxl/tag_reader.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <cstring>
 
 namespace quillrip::pclxl {

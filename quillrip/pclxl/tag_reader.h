@@ -3,6 +3,8 @@
 #include "quillrip/base/input_stream.h"
 #include "quillrip/pclxl/attribute_list.h"
 
+#include <cstdint>
+
 namespace quillrip::pclxl {
 
 /// The Universal Exit Language, which ends any printer language.

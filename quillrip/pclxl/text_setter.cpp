@@ -3,6 +3,7 @@
 #include "quillrip/base/units.h"
 
 #include <cmath>
+#include <cstdint>
 
 namespace quillrip::pclxl {
 

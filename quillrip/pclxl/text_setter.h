@@ -9,6 +9,8 @@
 #include "quillrip/pclxl/reporter.h"
 #include "quillrip/pclxl/status.h"
 
+#include <cstdint>
+
 namespace quillrip::pclxl {
 
 /// Character codes and how the cursor moves behind each, in user units.

@@ -194,7 +194,7 @@ const char* nameOf(Attribute attribute)
     return entry ? entry->name : "?";
 }
 
-Status validate(const Command& command, const AttributeList& operands, Attribute& ignored)
+Status validate(const CommandEntry& command, const AttributeList& operands, Attribute& ignored)
 {
     ignored = Attribute::None;
     std::uint32_t present = 0; // bit n: rule n was met; no operator has more than 18

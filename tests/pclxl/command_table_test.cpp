@@ -25,7 +25,7 @@ TEST(XlOperatorTable, HoldsThePublishedOperatorsInOrder)
 {
     int last = 0;
     std::set<std::string> names;
-    for (const Command& entry : commandTable()) {
+    for (const CommandEntry& entry : commandTable()) {
         const int tag = static_cast<int>(entry.tag);
         EXPECT_GT(tag, last);
         last = tag;
@@ -44,7 +44,7 @@ TEST(XlOperatorTable, FindsOperatorsByNumber)
               { 0x7B, "SetROP" }, { 0x86, "PaintPath" }, { 0x95, "BezierRelPath" }, { 0xA0, "Rectangle" },
               { 0xA8, "Text" }, { 0xB1, "ReadImage" }, { 0xB9, "ScanLineRel" }, { 0xBF, "PassThrough" } };
     for (const Named& sample : samples) {
-        const Command* entry = find(static_cast<std::uint8_t>(sample.tag));
+        const CommandEntry* entry = find(static_cast<std::uint8_t>(sample.tag));
         ASSERT_NE(entry, nullptr) << sample.name;
         EXPECT_STREQ(entry->name, sample.name);
     }
@@ -58,7 +58,7 @@ TEST(XlOperatorTable, KnowsNoOperatorForUnassignedNumbers)
 
 TEST(XlOperatorTable, NamesEveryAttributeThatAnOperatorTakes)
 {
-    for (const Command& entry : commandTable())
+    for (const CommandEntry& entry : commandTable())
         for (const AttributeRule& rule : entry.rules)
             EXPECT_STRNE(nameOf(rule.attribute), "?") << entry.name << ' ' << static_cast<int>(rule.attribute);
     EXPECT_STREQ(nameOf(Attribute::CharBoldValue), "CharBoldValue");
@@ -87,8 +87,7 @@ TEST(XlValidation, WantsExactlyOneOfAChoice)
 TEST(XlValidation, RejectsTheWrongShape)
 {
     Attribute ignored = Attribute::None;
-    const Status status
-        = validate(*find(0x6B), listOf(Attribute::Point, Shape::Scalar, Element::SInt16, 1), ignored);
+    const Status status = validate(*find(0x6B), listOf(Attribute::Point, Shape::Scalar, Element::SInt16, 1), ignored);
     EXPECT_EQ(status.error, Error::IllegalAttributeDataType);
     EXPECT_EQ(status.attribute, Attribute::Point);
 }
@@ -98,8 +97,7 @@ TEST(XlValidation, TakesAnyNumberWhereOneBelongs)
     Attribute ignored = Attribute::None;
     for (const Element element :
         { Element::UByte, Element::UInt16, Element::UInt32, Element::SInt16, Element::SInt32, Element::Real32 })
-        EXPECT_TRUE(
-            validate(*find(0x7A), listOf(Attribute::PenWidth, Shape::Scalar, element, 3), ignored).isOk());
+        EXPECT_TRUE(validate(*find(0x7A), listOf(Attribute::PenWidth, Shape::Scalar, element, 3), ignored).isOk());
 }
 
 TEST(XlValidation, RejectsValuesOutsideAnEnumeration)
@@ -107,8 +105,7 @@ TEST(XlValidation, RejectsValuesOutsideAnEnumeration)
     Attribute ignored = Attribute::None;
     for (const double value : { 2.0, -1.0, 0.5, 4e9 })
         EXPECT_EQ(
-            validate(*find(0x6E), listOf(Attribute::FillMode, Shape::Scalar, Element::Real32, value), ignored)
-                .error,
+            validate(*find(0x6E), listOf(Attribute::FillMode, Shape::Scalar, Element::Real32, value), ignored).error,
             Error::IllegalAttributeValue)
             << value;
 }
@@ -118,16 +115,14 @@ TEST(XlValidation, RejectsNumbersThatAreNone)
     Attribute ignored = Attribute::None;
     for (const double value : { HUGE_VAL, -HUGE_VAL, std::nan(""), 1e30 })
         EXPECT_EQ(
-            validate(*find(0x7A), listOf(Attribute::PenWidth, Shape::Scalar, Element::Real32, value), ignored)
-                .error,
+            validate(*find(0x7A), listOf(Attribute::PenWidth, Shape::Scalar, Element::Real32, value), ignored).error,
             Error::IllegalAttributeValue);
 }
 
 TEST(XlValidation, LetsAnUnknownAttributePass)
 {
     Attribute ignored = Attribute::None;
-    EXPECT_TRUE(
-        validate(*find(0x85), listOf(Attribute::PenWidth, Shape::Scalar, Element::UByte, 3), ignored).isOk());
+    EXPECT_TRUE(validate(*find(0x85), listOf(Attribute::PenWidth, Shape::Scalar, Element::UByte, 3), ignored).isOk());
     EXPECT_EQ(ignored, Attribute::PenWidth);
 }
 
