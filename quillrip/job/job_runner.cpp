@@ -1,5 +1,6 @@
 #include "quillrip/job/job_runner.h"
 
+#include "quillrip/emf/interpreter.h"
 #include "quillrip/fonts/font_library.h"
 #include "quillrip/hpgl/plot_file.h"
 #include "quillrip/hpgl/recognition.h"
@@ -87,6 +88,8 @@ private:
             return runPclXl();
         case stream::ContentKind::Plot:
             return runPlot();
+        case stream::ContentKind::Emf:
+            return runEmf();
         default:
             return runDocument(part);
         }
@@ -146,6 +149,16 @@ private:
         hpgl::PlotFile plot(
             m_device, m_fonts, m_diagnostics, m_limits, plotEnvironment(m_reader.environment()), raster);
         return plot.run(m_input) == hpgl::PlotFile::End::Failed ? plot.status() : RunStatus::Done;
+    }
+
+    RunStatus runEmf()
+    {
+        emf::Interpreter interpreter(m_device, m_diagnostics, m_limits);
+        interpreter.run(m_input);
+        // What stands behind the last record belongs to no job.
+        if (interpreter.status() == RunStatus::Done)
+            m_reader.skipRest();
+        return interpreter.status();
     }
 
     RunStatus runDocument(const stream::Part& part)

@@ -1,5 +1,6 @@
 #include "quillrip/stream/content.h"
 
+#include "quillrip/emf/recognition.h"
 #include "quillrip/stream/signatures.h"
 
 #include <algorithm>
@@ -116,6 +117,9 @@ std::string hexadecimal(ByteView bytes)
 // What the bytes themselves say, without padding in front and without the doubtful cases.
 std::optional<Content> byMark(ByteView bytes, const RecognitionContext& context, std::size_t padding)
 {
+    // Only the first bytes of an input are believed: NUL padding before other jobs looks alike.
+    if (context.isStartOfInput && padding == 0 && (emf::looksLikeSpoolFile(bytes) || emf::looksLikeMetafile(bytes)))
+        return Content { ContentKind::Emf, padding, {} };
     if (startsWithUniversalExit(bytes) || startsWithPjl(bytes))
         return Content { ContentKind::Pjl, padding, {} };
     if (startsWithPclXlHeader(bytes))

@@ -13,6 +13,7 @@ enum class ContentKind : std::uint8_t {
     Pjl, ///< a Universal Exit Language, or a line that begins with @PJL
     Pcl, ///< PCL 5
     PclXl,
+    Emf, ///< a spool file of metafiles, or a metafile alone, of Windows
     Plot, ///< HP-GL or HP-GL/2 without PCL around it
     Text, ///< plain text, which a printer prints by its PCL 5 defaults
     PostScript,

@@ -132,22 +132,6 @@ bool isPcxFile(ByteView bytes)
         && (bytes[3] == 1 || bytes[3] == 2 || bytes[3] == 4 || bytes[3] == 8) && bytes[64] == 0;
 }
 
-// NUL padding before a job can look like the spool header's version, so the header has to make sense: its size, and
-// the kind of the first record behind it.
-bool isEmfSpool(ByteView bytes)
-{
-    if (!hasAt(bytes, 0, "\0\0\1\0") || bytes.size < 16)
-        return false;
-    const std::uint32_t headerSize = u32LittleEndian(bytes, 4);
-    if (headerSize < 16 || headerSize >= 0x10000 || headerSize % 4 != 0 || u32LittleEndian(bytes, 8) >= headerSize
-        || u32LittleEndian(bytes, 12) >= headerSize)
-        return false;
-    if (bytes.size < std::size_t { headerSize } + 4)
-        return bytes.size <= headerSize;
-    const std::uint32_t record = u32LittleEndian(bytes, headerSize);
-    return record >= 1 && record <= 0x15;
-}
-
 // Every second byte NUL: text of two bytes a character without its mark.
 bool isUtf16WithoutMark(ByteView bytes)
 {
@@ -183,10 +167,6 @@ bool isHexListing(ByteView bytes)
 std::optional<std::string> foreignFormatByMark(ByteView bytes, bool isStartOfInput)
 {
     if (isStartOfInput) {
-        if (isEmfSpool(bytes))
-            return std::string("a Windows EMF spool file (a job spooled with data type RAW can be converted)");
-        if (hasAt(bytes, 0, "\1\0\0\0") && hasAt(bytes, 40, " EMF"))
-            return std::string("a Windows metafile (EMF)");
         if (auto name = named(s_marksAtStart.data(), s_marksAtStart.data() + s_marksAtStart.size(), bytes))
             return name;
         if (isPcxFile(bytes))

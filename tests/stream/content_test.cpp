@@ -125,12 +125,11 @@ TEST(Content, ForeignFormatsAreNamed)
 
 TEST(Content, EmfSpoolNeedsAHeaderThatMakesSense)
 {
-    const std::string spool = "\0\0\1\0\x10\0\0\0\0\0\0\0\0\0\0\0"s + "\x0C\0\0\0\x10\0\0\0"s + std::string(64, 'e');
-    EXPECT_EQ(at(spool).kind, ContentKind::Foreign);
-    EXPECT_NE(at(spool).name.find("EMF spool"), std::string::npos);
+    const std::string spool = "\0\0\1\0\x10\0\0\0\0\0\0\0\0\0\0\0"s + "\x03\0\0\0\x10\0\0\0"s + std::string(64, 'e');
+    EXPECT_EQ(at(spool).kind, ContentKind::Emf);
     const std::string noise = "\0\0\1\0\xFF\xFE\x12\x34"s + std::string(64, 'e');
-    EXPECT_EQ(at(noise).name.find("EMF"), std::string::npos);
-    EXPECT_EQ(at(spool, false).name.find("EMF"), std::string::npos);
+    EXPECT_NE(at(noise).kind, ContentKind::Emf);
+    EXPECT_NE(at(spool, false).kind, ContentKind::Emf);
 }
 
 TEST(Content, TextThatLooksLikeALanguageStaysText)

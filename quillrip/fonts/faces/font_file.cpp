@@ -1,5 +1,6 @@
 #include "quillrip/fonts/faces/font_file.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdlib>
 #include <filesystem>
@@ -8,6 +9,7 @@
 #include <ft2build.h>
 #include FT_FREETYPE_H
 #include FT_OUTLINE_H
+#include FT_TRUETYPE_TABLES_H
 
 namespace quillrip {
 
@@ -122,6 +124,8 @@ FontFile::FontFile(FT_FaceRec_* face)
     for (int i = 0; i < face->num_charmaps; ++i) {
         if (face->charmaps[i]->encoding == FT_ENCODING_ADOBE_CUSTOM)
             m_ownMap = face->charmaps[i];
+        if (face->charmaps[i]->encoding == FT_ENCODING_MS_SYMBOL)
+            m_symbolMap = face->charmaps[i];
     }
     // Symbol fonts in OpenType form claim Unicode for codes of their own: they have a glyph at "a", which is alpha.
     m_mapsUnicode = face->charmap && face->charmap->encoding == FT_ENCODING_UNICODE
@@ -146,6 +150,57 @@ unsigned FontFile::glyphOfOwnCode(unsigned code) const
     const unsigned glyph = FT_Get_Char_Index(m_face, code);
     FT_Set_Charmap(m_face, kept);
     return glyph;
+}
+
+unsigned FontFile::glyphOfSymbolCode(unsigned code) const
+{
+    constexpr unsigned kPrivateArea = 0xF000;
+    if (m_symbolMap) {
+        const FT_CharMap kept = m_face->charmap;
+        FT_Set_Charmap(m_face, m_symbolMap);
+        unsigned glyph = FT_Get_Char_Index(m_face, kPrivateArea + code);
+        if (glyph == 0)
+            glyph = FT_Get_Char_Index(m_face, code);
+        if (kept)
+            FT_Set_Charmap(m_face, kept);
+        return glyph;
+    }
+    const unsigned own = glyphOfOwnCode(code);
+    return own != 0 ? own : glyphOfUnicode(kPrivateArea + code);
+}
+
+unsigned FontFile::glyphCount() const { return static_cast<unsigned>(std::max<FT_Long>(0, m_face->num_glyphs)); }
+
+FontFileTraits FontFile::traits() const
+{
+    const double em = m_face->units_per_EM;
+    FontFileTraits traits;
+    traits.family = m_face->family_name ? m_face->family_name : "";
+    traits.isBold = (m_face->style_flags & FT_STYLE_FLAG_BOLD) != 0;
+    traits.isItalic = (m_face->style_flags & FT_STYLE_FLAG_ITALIC) != 0;
+    traits.lineAscent = m_face->ascender / em;
+    traits.lineDescent = -m_face->descender / em;
+    traits.lineGap = std::max(0.0, m_face->height / em - traits.lineAscent - traits.lineDescent);
+    traits.windowsAscent = traits.lineAscent;
+    traits.windowsDescent = traits.lineDescent;
+    traits.underlineTop = (m_face->underline_position + m_face->underline_thickness / 2.0) / em;
+    traits.underlineThickness = m_face->underline_thickness / em;
+    constexpr double kStrikeoutHeight = 0.26;
+    traits.strikeoutTop = kStrikeoutHeight;
+    traits.strikeoutThickness = traits.underlineThickness;
+    const auto* os2 = static_cast<const TT_OS2*>(FT_Get_Sfnt_Table(m_face, FT_SFNT_OS2));
+    if (os2 && os2->version != 0xFFFF) {
+        traits.averageWidth = os2->xAvgCharWidth / em;
+        if (os2->usWinAscent + os2->usWinDescent > 0) {
+            traits.windowsAscent = os2->usWinAscent / em;
+            traits.windowsDescent = os2->usWinDescent / em;
+        }
+        if (os2->yStrikeoutSize > 0) {
+            traits.strikeoutTop = os2->yStrikeoutPosition / em;
+            traits.strikeoutThickness = os2->yStrikeoutSize / em;
+        }
+    }
+    return traits;
 }
 
 double FontFile::advance(unsigned glyph) const
@@ -177,6 +232,7 @@ FontFiles::FontFiles(std::vector<std::string> folders)
 FontFiles::~FontFiles()
 {
     m_opened.clear();
+    m_fromBytes.clear();
     if (m_library)
         FT_Done_FreeType(m_library);
 }
@@ -186,7 +242,7 @@ const FontFile* FontFiles::open(const std::string& stem)
     if (const auto found = m_opened.find(stem); found != m_opened.end())
         return found->second.get();
     std::unique_ptr<FontFile>& file = m_opened[stem];
-    if (!m_library && FT_Init_FreeType(&m_library) != 0)
+    if (!start())
         return nullptr;
     const std::string path = locate(stem);
     FT_Face face = nullptr;
@@ -198,6 +254,22 @@ const FontFile* FontFiles::open(const std::string& stem)
     }
     file.reset(new FontFile(face));
     return file.get();
+}
+
+bool FontFiles::start() { return m_library || FT_Init_FreeType(&m_library) == 0; }
+
+const FontFile* FontFiles::openBytes(std::vector<std::uint8_t> bytes)
+{
+    FT_Face face = nullptr;
+    if (!start() || FT_New_Memory_Face(m_library, bytes.data(), static_cast<FT_Long>(bytes.size()), 0, &face) != 0)
+        return nullptr;
+    if (!FT_IS_SCALABLE(face) || face->units_per_EM == 0) {
+        FT_Done_Face(face);
+        return nullptr;
+    }
+    m_fromBytes.emplace_back(new FontFile(face));
+    m_fromBytes.back()->m_bytes = std::move(bytes);
+    return m_fromBytes.back().get();
 }
 
 std::string FontFiles::locate(const std::string& stem)

@@ -3,6 +3,7 @@
 #include "quillrip/fonts/faces/typeface.h"
 #include "quillrip/raster/paths/path.h"
 
+#include <cstdint>
 #include <map>
 #include <memory>
 #include <string>
@@ -14,7 +15,24 @@ struct FT_CharMapRec_;
 
 namespace quillrip {
 
-/// An outline font on disk, opened. All lengths in em.
+/// What a font file tells of itself besides its glyphs. Lengths in em, heights above the baseline positive.
+struct FontFileTraits {
+    std::string family; ///< as the file spells it
+    bool isBold = false;
+    bool isItalic = false;
+    double windowsAscent = 0; ///< usWinAscent; as the line's where the file has none
+    double windowsDescent = 0; ///< usWinDescent, positive below the baseline
+    double lineAscent = 0;
+    double lineDescent = 0; ///< positive below the baseline
+    double lineGap = 0;
+    double averageWidth = 0; ///< xAvgCharWidth; 0 where the file has none
+    double underlineTop = 0;
+    double underlineThickness = 0;
+    double strikeoutTop = 0;
+    double strikeoutThickness = 0;
+};
+
+/// An outline font, opened. All lengths in em.
 class FontFile {
 public:
     ~FontFile();
@@ -28,6 +46,11 @@ public:
     /// Whether the character map is by Unicode. Symbol fonts in OpenType form map their own codes instead.
     bool mapsUnicode() const { return m_mapsUnicode; }
 
+    /// The glyph of a code 0x20 to 0xFF of a symbol font, whichever way its map is made; 0 when it has none.
+    unsigned glyphOfSymbolCode(unsigned code) const;
+    unsigned glyphCount() const;
+    FontFileTraits traits() const;
+
     double advance(unsigned glyph) const;
     /// Unhinted, y up. False when the glyph is blank or broken.
     bool outline(unsigned glyph, Path& path) const;
@@ -37,6 +60,8 @@ private:
     explicit FontFile(FT_FaceRec_* face);
 
     FT_FaceRec_* m_face;
+    std::vector<std::uint8_t> m_bytes; ///< of a font that came in memory
+    FT_CharMapRec_* m_symbolMap = nullptr; ///< codes from 0xF000 on
     FT_CharMapRec_* m_ownMap = nullptr; ///< the font's own encoding, when it is not a standard one
     bool m_mapsUnicode = false;
 };
@@ -57,8 +82,11 @@ public:
     /// `stem` is the file's name without its extension: .otf, .ttf, .t1 and .pfb are tried. Null when there is no such
     /// file in any folder, or none that can be opened.
     const FontFile* open(const std::string& stem);
+    /// A font that came in memory; it stays as long as this object. Null when it cannot be opened.
+    const FontFile* openBytes(std::vector<std::uint8_t> bytes);
 
 private:
+    bool start();
     std::string locate(const std::string& stem);
     void scanSystemFolders();
 
@@ -67,6 +95,7 @@ private:
     bool m_usesSystemFolders;
     bool m_hasScanned = false;
     std::map<std::string, std::string> m_systemFiles; ///< stem to path
+    std::vector<std::unique_ptr<FontFile>> m_fromBytes;
     std::map<std::string, std::unique_ptr<FontFile>> m_opened; ///< null: looked for and not found
 };
 

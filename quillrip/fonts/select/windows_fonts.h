@@ -21,6 +21,7 @@ struct WindowsFontRequest {
     std::uint8_t charset = 1; ///< as in LOGFONT: 0 Western, 1 default, 2 symbols, 128 Japanese ...
     std::uint8_t pitchAndFamily = 0; ///< as in LOGFONT: low two bits pitch, high four bits family
     std::uint32_t checksum = 0; ///< of the embedded font file that is meant; 0: by name
+    bool usesIndices = false; ///< the text is glyph numbers: an only embedded font is meant whatever its name
 };
 
 /// Measures of a face that Windows lays text out with. All in em, heights above the baseline positive.
@@ -57,6 +58,8 @@ public:
     /// Glyph numbers mean nothing: the face asked for is not here and its numbers are unknown.
     bool lacksIndices() const { return m_indices == Indices::Unknown; }
 
+    /// Whether any font file was found at all; without one there are no glyphs and no face().
+    explicit operator bool() const { return m_face != nullptr; }
     const Typeface& face() const { return *m_face; }
     const WindowsFontMetrics& metrics() const { return m_metrics; }
     /// Whether the face's widths are those of the face asked for: the face itself, or one that is metrically equal.
@@ -80,6 +83,7 @@ private:
     WindowsFontMetrics m_metrics;
     Indices m_indices = Indices::Own;
     bool m_isSymbolic = false;
+    bool m_isWingdings = false;
     bool m_hasTrueWidths = true;
     bool m_isEmbedded = false;
     double m_stretch = 1;
@@ -100,7 +104,7 @@ public:
     /// no font that can be opened, or above the memory limit.
     bool embed(ByteView file, const FontReporter& reporter);
 
-    /// The best face there is. A first choice of a substitute is reported once for each name.
+    /// The best face there is; the font must not outlive this object.
     WindowsFont select(const WindowsFontRequest& request, const FontReporter& reporter);
 
     /// The number that the spooler names a font file by: 257 times the sum so far plus the next word, over all whole

@@ -1,0 +1,287 @@
+// Bitmaps: copied, stretched, masked, turned and blended.
+
+#include "quillrip/emf/blit.h"
+#include "quillrip/emf/handlers.h"
+#include "quillrip/emf/machine.h"
+#include "quillrip/emf/record.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace quillrip::emf {
+
+namespace {
+
+// The same places in all records but PLGBLT and the two of DIBs.
+constexpr std::size_t kDestination = 24;
+constexpr std::size_t kOperation = 40;
+constexpr std::size_t kSource = 44;
+constexpr std::size_t kBackground = 76;
+constexpr std::size_t kUsage = 80;
+constexpr std::size_t kBitmap = 84;
+constexpr std::size_t kSourceSize = 100;
+
+constexpr std::uint8_t kCopySource = 0xCC;
+
+std::uint8_t operationOf(std::uint32_t code) { return static_cast<std::uint8_t>(code >> 16); }
+bool needsSource(std::uint8_t operation) { return ((operation >> 2) & 0x33) != (operation & 0x33); }
+bool needsPattern(std::uint8_t operation) { return (operation >> 4) != (operation & 0x0F); }
+
+Extent extentAt(const Record& record, std::size_t position, std::size_t size)
+{
+    return { double(record.i32(position)), double(record.i32(position + 4)), double(record.i32(size)),
+        double(record.i32(size + 4)) };
+}
+
+/// Operation and pattern; nothing when the pattern is needed and there is none.
+std::optional<PaintState> stateOf(Machine& machine, std::uint8_t operation)
+{
+    Canvas& canvas = machine.canvas();
+    if (needsPattern(operation))
+        return canvas.paints().brush(machine.dc(), canvas.brush(), operation);
+    PaintState state = PaintMaker::solid({});
+    state.rop = operation;
+    return state;
+}
+
+struct BitmapFields {
+    std::size_t usage;
+    std::size_t offsets; ///< offset and size of the header, then of the bits
+};
+
+Pixels readPixels(
+    Machine& machine, const Record& record, BitmapFields fields, std::uint32_t background, int storedRows = -1)
+{
+    const DeviceContext& dc = machine.dc();
+    DibContext context;
+    context.usage = static_cast<ColorUsage>(std::min<std::uint32_t>(record.u32(fields.usage), 2));
+    context.palette = &std::get<Palette>(*dc.palette).entries;
+    context.monoColors = { colorOf(dc.textColor, dc), colorOf(background, dc) };
+    context.storedRows = storedRows;
+    const std::size_t at = fields.offsets;
+    std::string problem;
+    Pixels pixels = decodeDib(record.part(record.u32(at), record.u32(at + 4)),
+        record.part(record.u32(at + 8), record.u32(at + 12)), context, problem);
+    if (!problem.empty())
+        machine.warn("emf.bitmap", "a bitmap: " + problem);
+    return pixels;
+}
+
+/// Enlarging smoothly would make edges where masks and pictures meet.
+void chooseFilter(Blit& blit, const DeviceContext& dc, std::uint8_t operation)
+{
+    blit.isSmooth = operation == kCopySource && dc.stretchMode == StretchMode::Halftone
+        && blit.pixels.format != Pixels::Format::Mono;
+    blit.dropsPixels = dc.stretchMode == StretchMode::Delete;
+}
+
+/// Opacity of pixels means something to blends only.
+void dropAlpha(Pixels& pixels)
+{
+    if (pixels.format == Pixels::Format::Rgba32)
+        pixels = std::move(pixels).toRgb();
+}
+
+void blit(Machine& machine, const Record& record, bool hasSourceSize)
+{
+    const std::uint8_t operation = operationOf(record.u32(kOperation));
+    const auto state = stateOf(machine, operation);
+    if (!state)
+        return;
+    if (!needsSource(operation))
+        return fillTarget(
+            machine.canvas(), targetOf(machine.canvas(), extentAt(record, kDestination, kDestination + 8)), *state);
+    Blit blit = readBlit(machine, record, hasSourceSize);
+    dropAlpha(blit.pixels);
+    chooseFilter(blit, machine.dc(), operation);
+    draw(machine.canvas(), blit, *state);
+}
+
+/// The mask's bits as a picture in the place of the source: (x, y) of the mask falls on its upper left corner.
+struct Mask {
+    Pixels bits;
+    std::int64_t x = 0;
+    std::int64_t y = 0;
+
+    /// Outside the mask it is repeated.
+    bool isSet(std::int64_t column, std::int64_t row) const
+    {
+        const auto wrapped = [](std::int64_t value, std::int64_t size) { return ((value % size) + size) % size; };
+        const std::int64_t atX = wrapped(column + x, bits.width);
+        const std::int64_t atY = wrapped(row + y, bits.height);
+        return (bits.row(static_cast<int>(atY))[atX / 8] >> (7 - atX % 8) & 1) != 0;
+    }
+};
+
+Mask readMask(Machine& machine, const Record& record, std::size_t position, BitmapFields fields)
+{
+    Mask mask;
+    if (record.u32(fields.offsets + 4) == 0)
+        return mask;
+    mask.bits = readPixels(machine, record, fields, 0);
+    if (mask.bits.format != Pixels::Format::Mono)
+        mask.bits = {};
+    mask.x = record.i32(position);
+    mask.y = record.i32(position + 4);
+    return mask;
+}
+
+/// A picture without content: one pixel for each of the mask's, over the target.
+Blit gridOver(const Blit& blit)
+{
+    Blit grid;
+    constexpr double kMost = 16384;
+    grid.pixels.width = static_cast<int>(std::clamp(std::abs(blit.source.width), 1.0, kMost));
+    grid.pixels.height = static_cast<int>(std::clamp(std::abs(blit.source.height), 1.0, kMost));
+    grid.source = { 0, 0, double(grid.pixels.width), double(grid.pixels.height) };
+    grid.target = blit.target;
+    return grid;
+}
+
+void drawThrough(Machine& machine, const Blit& blit, std::uint8_t operation, const Region& region)
+{
+    auto state = stateOf(machine, operation);
+    if (!state)
+        return;
+    Canvas& canvas = machine.canvas();
+    ClipState& clip = machine.dc().clip;
+    const Region kept = clip.clip;
+    clip.clip = intersection(kept, region);
+    if (needsSource(operation))
+        draw(canvas, blit, *state);
+    else
+        fillTarget(canvas, blit.target, *state);
+    clip.clip = kept;
+}
+
+/// Two operations, chosen by the mask's bits.
+void drawMasked(Machine& machine, const Blit& blit, const Mask& mask, std::uint8_t whereSet, std::uint8_t whereClear)
+{
+    constexpr std::uint8_t kKeep = 0xAA;
+    const Blit grid = gridOver(blit);
+    Canvas& canvas = machine.canvas();
+    if (whereSet != kKeep)
+        drawThrough(
+            machine, blit, whereSet, regionOfPixels(canvas, grid, [&](int x, int y) { return mask.isSet(x, y); }));
+    if (whereClear != kKeep)
+        drawThrough(
+            machine, blit, whereClear, regionOfPixels(canvas, grid, [&](int x, int y) { return !mask.isSet(x, y); }));
+}
+
+} // namespace
+
+Blit readBlit(Machine& machine, const Record& record, bool hasSourceSize)
+{
+    Blit blit;
+    blit.target = targetOf(machine.canvas(), extentAt(record, kDestination, kDestination + 8));
+    blit.source
+        = extentAt(record, kSource, hasSourceSize && record.size() >= kSourceSize + 8 ? kSourceSize : kDestination + 8);
+    // The source's own transform: what is ever met of it is a scale and a shift.
+    const Matrix transform = record.matrix(kSource + 8);
+    if (transform.b == 0 && transform.c == 0 && transform.a != 0 && transform.d != 0 && std::isfinite(transform.a)
+        && std::isfinite(transform.d) && std::isfinite(transform.e) && std::isfinite(transform.f)) {
+        const Point corner = transform.apply({ blit.source.x, blit.source.y });
+        blit.source = { corner.x, corner.y, blit.source.width * transform.a, blit.source.height * transform.d };
+    }
+    if (record.u32(kBitmap + 4) == 0) {
+        machine.warn("emf.no-bitmap", "a bitmap is copied that is not there, left out");
+        return blit;
+    }
+    blit.pixels = readPixels(machine, record, { kUsage, kBitmap }, record.u32(kBackground));
+    return blit;
+}
+
+void bitBlt(Machine& machine, const Record& record) { blit(machine, record, false); }
+void stretchBlt(Machine& machine, const Record& record) { blit(machine, record, true); }
+
+void maskBlt(Machine& machine, const Record& record)
+{
+    Blit blit;
+    blit.target = targetOf(machine.canvas(), extentAt(record, kDestination, kDestination + 8));
+    blit.source = extentAt(record, kSource, kDestination + 8);
+    const std::uint32_t code = record.u32(kOperation);
+    const auto whereClear = static_cast<std::uint8_t>(code >> 24);
+    const std::uint8_t whereSet = operationOf(code);
+    if (record.u32(kBitmap + 4) > 0) {
+        blit.pixels = readPixels(machine, record, { kUsage, kBitmap }, record.u32(kBackground));
+        dropAlpha(blit.pixels);
+    } else if (needsSource(whereSet) || needsSource(whereClear)) {
+        return machine.warn("emf.no-bitmap", "a bitmap is copied that is not there, left out");
+    }
+    const Mask mask = readMask(machine, record, kSourceSize, { 108, 112 });
+    if (mask.bits.isNull()) {
+        if (const auto state = stateOf(machine, whereSet))
+            needsSource(whereSet) ? draw(machine.canvas(), blit, *state)
+                                  : fillTarget(machine.canvas(), blit.target, *state);
+        return;
+    }
+    drawMasked(machine, blit, mask, whereSet, whereClear);
+}
+
+void plgBlt(Machine& machine, const Record& record)
+{
+    constexpr std::uint8_t kKeep = 0xAA;
+    const Matrix toDevice = machine.canvas().logicalToDevice();
+    Blit blit;
+    blit.target
+        = { toDevice.apply(record.point(24)), toDevice.apply(record.point(32)), toDevice.apply(record.point(40)) };
+    blit.source = extentAt(record, 48, 56);
+    blit.pixels = readPixels(machine, record, { 92, 96 }, record.u32(88));
+    if (blit.pixels.isNull() || blit.source.width == 0 || blit.source.height == 0)
+        return;
+    dropAlpha(blit.pixels);
+    chooseFilter(blit, machine.dc(), kCopySource);
+    const Mask mask = readMask(machine, record, 112, { 120, 124 });
+    if (!mask.bits.isNull())
+        return drawMasked(machine, blit, mask, kCopySource, kKeep);
+    if (const auto state = stateOf(machine, kCopySource))
+        draw(machine.canvas(), blit, *state);
+}
+
+void stretchDibits(Machine& machine, const Record& record)
+{
+    const std::uint8_t operation = operationOf(record.u32(68));
+    const auto state = stateOf(machine, operation);
+    if (!state)
+        return;
+    Blit blit;
+    blit.target = targetOf(machine.canvas(), extentAt(record, kDestination, 72));
+    if (!needsSource(operation))
+        return fillTarget(machine.canvas(), blit.target, *state);
+    blit.source = extentAt(record, 32, 40);
+    blit.pixels = readPixels(machine, record, { 64, 48 }, machine.dc().backgroundColor);
+    dropAlpha(blit.pixels);
+    // Rows count from where the bitmap starts: from the bottom in most.
+    if (blit.pixels.isBottomUp)
+        blit.source.y = blit.pixels.height - blit.source.y - blit.source.height;
+    chooseFilter(blit, machine.dc(), operation);
+    draw(machine.canvas(), blit, *state);
+}
+
+void setDibitsToDevice(Machine& machine, const Record& record)
+{
+    const std::int64_t firstScan = record.u32(68);
+    const std::int64_t scans = std::min<std::int64_t>(record.u32(72), 65535);
+    const auto state = stateOf(machine, kCopySource);
+    if (!state || scans < 1)
+        return;
+    Blit blit;
+    blit.pixels = readPixels(machine, record, { 64, 48 }, machine.dc().backgroundColor, static_cast<int>(scans));
+    if (blit.pixels.isNull())
+        return;
+    dropAlpha(blit.pixels);
+    const Extent wanted = extentAt(record, 32, 40);
+    const double stored = blit.pixels.height;
+    // Rows of the stored part's picture: scans count from the bitmap's origin.
+    blit.source = wanted;
+    blit.source.y = wanted.y - static_cast<double>(firstScan);
+    if (blit.pixels.isBottomUp)
+        blit.source.y = stored - blit.source.y - wanted.height;
+    // A pixel of the source is one of the reference device, whatever the transforms.
+    const Point at = machine.dc().coordinates.toReference().apply(record.point(kDestination));
+    blit.target = targetOf(machine.canvas().toDevice(), { at.x, at.y, wanted.width, wanted.height });
+    chooseFilter(blit, machine.dc(), kCopySource);
+    draw(machine.canvas(), blit, *state);
+}
+
+} // namespace quillrip::emf

@@ -1,0 +1,295 @@
+#include "quillrip/emf/canvas.h"
+
+#include "quillrip/raster/paths/stroke_area.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <optional>
+
+namespace quillrip::emf {
+
+namespace {
+
+constexpr Matrix kHalfPixel { 1, 0, 0, 1, 0.5, 0.5 };
+/// Dash lengths of cosmetic pens are those of a screen.
+constexpr double kScreenResolution = 96;
+
+int nearestEdge(double value)
+{
+    constexpr double kFarthest = 1e8;
+    return static_cast<int>(std::floor(std::clamp(value, -kFarthest, kFarthest) + 0.5));
+}
+
+/// The rectangle that a path is, if it is one and runs along the axes.
+std::optional<PixelRect> asRectangle(const Path& path)
+{
+    const auto& points = path.points();
+    const auto& verbs = path.verbs();
+    const std::size_t lines = verbs.size();
+    if (points.size() < 4 || points.size() > 5 || lines < points.size() || lines > points.size() + 1)
+        return std::nullopt;
+    for (std::size_t i = 0; i < lines; ++i) {
+        const Path::Verb expected = i == 0 ? Path::Verb::Move
+            : i < points.size()            ? Path::Verb::Line
+                                           : Path::Verb::Close;
+        if (verbs[i] != expected)
+            return std::nullopt;
+    }
+    if (points.size() == 5 && points[4] != points[0])
+        return std::nullopt;
+    const auto level = [&](std::size_t a, std::size_t b) { return std::abs(points[a].y - points[b].y) < 1e-6; };
+    const auto upright = [&](std::size_t a, std::size_t b) { return std::abs(points[a].x - points[b].x) < 1e-6; };
+    const bool isRectangle = (level(0, 1) && upright(1, 2) && level(2, 3) && upright(3, 0))
+        || (upright(0, 1) && level(1, 2) && upright(2, 3) && level(3, 0));
+    if (!isRectangle)
+        return std::nullopt;
+    return nearestPixels(points[0], points[2]);
+}
+
+double lengthOf(Point vector) { return std::hypot(vector.x, vector.y); }
+
+/// Lines of one pixel leave the last pixel out and cover all of the first.
+Path shiftedBack(const Path& path, double half)
+{
+    Path result;
+    const auto& points = path.points();
+    const auto& verbs = path.verbs();
+    std::size_t at = 0;
+    for (std::size_t i = 0; i < verbs.size(); ++i) {
+        switch (verbs[i]) {
+        case Path::Verb::Move: {
+            Point start = points[at++];
+            // Where the figure is open its ends move; closed ones have none.
+            std::size_t end = i + 1;
+            std::size_t behind = at;
+            while (end < verbs.size() && verbs[end] != Path::Verb::Move && verbs[end] != Path::Verb::Close) {
+                behind += verbs[end] == Path::Verb::Cubic ? 3 : 1;
+                ++end;
+            }
+            const bool isOpen = end == verbs.size() || verbs[end] == Path::Verb::Move;
+            if (isOpen && behind > at && points[behind - 1] != points[at - 1]) {
+                const Point along = points[at] - start;
+                if (lengthOf(along) > 0)
+                    start = start - along * (half / lengthOf(along));
+            }
+            result.moveTo(start);
+            break;
+        }
+        case Path::Verb::Line: {
+            Point to = points[at];
+            const bool isLast = i + 1 == verbs.size() || verbs[i + 1] == Path::Verb::Move;
+            const Point along = to - points[at - 1];
+            if (isLast && lengthOf(along) > 2 * half)
+                to = to - along * (half / lengthOf(along));
+            result.lineTo(to);
+            ++at;
+            break;
+        }
+        case Path::Verb::Cubic:
+            result.cubicTo(points[at], points[at + 1], points[at + 2]);
+            at += 3;
+            break;
+        case Path::Verb::Close:
+            result.close();
+            break;
+        }
+    }
+    return result;
+}
+
+std::vector<double> patternOf(Pen::Style style, bool isGeometric)
+{
+    switch (style) {
+    case Pen::Style::Dash:
+        return isGeometric ? std::vector<double> { 3, 1 } : std::vector<double> { 18, 6 };
+    case Pen::Style::Dot:
+        return isGeometric ? std::vector<double> { 1, 1 } : std::vector<double> { 3, 3 };
+    case Pen::Style::DashDot:
+        return isGeometric ? std::vector<double> { 3, 1, 1, 1 } : std::vector<double> { 9, 6, 3, 6 };
+    case Pen::Style::DashDotDot:
+        return isGeometric ? std::vector<double> { 3, 1, 1, 1, 1, 1 } : std::vector<double> { 9, 3, 3, 3, 3, 3 };
+    case Pen::Style::Alternate:
+        return { 1, 1 };
+    default:
+        return {};
+    }
+}
+
+} // namespace
+
+PixelRect nearestPixels(Point corner, Point opposite)
+{
+    const int x = nearestEdge(corner.x);
+    const int y = nearestEdge(corner.y);
+    const int farX = nearestEdge(opposite.x);
+    const int farY = nearestEdge(opposite.y);
+    return { std::min(x, farX), std::min(y, farY), std::max(x, farX), std::max(y, farY) };
+}
+
+Canvas::Canvas(
+    Painter& painter, PixelFormat format, const Matrix& referenceToDevice, Region limit, const DeviceContext& dc)
+    : m_painter(painter)
+    , m_format(format)
+    , m_toDevice(referenceToDevice)
+    , m_limit(std::move(limit))
+    , m_dc(dc)
+    , m_paints(referenceToDevice)
+{
+}
+
+void Canvas::setOuterClip(Region clip)
+{
+    if (clip == m_outer)
+        return;
+    m_outer = std::move(clip);
+    m_isClipKnown = false;
+}
+
+const Region& Canvas::clip()
+{
+    if (!m_isClipKnown || m_clipPart != m_dc.clip.clip || m_metaPart != m_dc.clip.meta) {
+        m_clipPart = m_dc.clip.clip;
+        m_metaPart = m_dc.clip.meta;
+        m_clip = intersection(intersection(m_limit, m_outer), intersection(m_clipPart, m_metaPart));
+        m_isClipKnown = true;
+    }
+    return m_clip;
+}
+
+Region Canvas::regionOf(const Path& devicePath, FillRule rule) const
+{
+    if (const auto rect = asRectangle(devicePath))
+        return ClipRegion::ofRect(rect->intersected(bounds()));
+    return ClipRegion::ofPath(devicePath, rule, bounds());
+}
+
+void Canvas::fill(const Path& path, FillRule rule, PaintState state)
+{
+    state.clip = clip();
+    const Path devicePath = path.transformed(m_toDevice);
+    if (const auto rect = asRectangle(devicePath)) {
+        // What is thinner than a pixel still shows.
+        PixelRect pixels = *rect;
+        pixels.right = std::max(pixels.right, pixels.left + 1);
+        pixels.bottom = std::max(pixels.bottom, pixels.top + 1);
+        m_painter.fillRect(pixels, state);
+        return;
+    }
+    m_painter.fillPath(devicePath, rule, state);
+}
+
+void Canvas::fillWithBrush(const Path& path, FillRule rule)
+{
+    if (auto state = m_paints.brush(m_dc, brush()))
+        fill(path, rule, std::move(*state));
+}
+
+void Canvas::fillRegion(const Region& region, PaintState state)
+{
+    if (!region)
+        return;
+    state.clip = intersection(clip(), region);
+    m_painter.fillRect(state.clip->bounds(), state);
+}
+
+bool Canvas::isHairline(const Pen& pen) const
+{
+    if (pen.isGeometric)
+        return false;
+    if (!pen.isSimple || pen.width == 0)
+        return true;
+    const Matrix& m = m_dc.coordinates.toReference();
+    return pen.width * lengthOf({ m.a, m.b }) <= 1;
+}
+
+double Canvas::insetOfPen() const
+{
+    return pen().style == Pen::Style::InsideFrame && !isHairline(pen()) ? pen().width / 2 : 0;
+}
+
+bool Canvas::makeStroke(Stroke& stroke) const
+{
+    const Pen& pen = this->pen();
+    if (pen.style == Pen::Style::Null || pen.brush.style == Brush::Style::Null)
+        return false;
+    StrokeStyle& style = stroke.style;
+    style.miterLimit = m_dc.miterLimit;
+    if (isHairline(pen)) {
+        style.width = 1;
+        style.cap = LineCap::Butt;
+        style.join = LineJoin::Miter;
+        if (pen.style == Pen::Style::User) {
+            style.dashes = pen.dashes;
+        } else {
+            style.dashes = patternOf(pen.style, false);
+            // A device of many dots per inch would show a grey line.
+            const double unit = std::max(1.0, m_dc.coordinates.dotsPerInch() / kScreenResolution);
+            for (double& length : style.dashes)
+                length *= unit;
+        }
+        stroke.hasGaps = !style.dashes.empty();
+        stroke.fillsGaps = stroke.hasGaps && pen.isSimple && m_dc.isOpaque;
+        return true;
+    }
+    stroke.toReference = m_dc.coordinates.toReference();
+    stroke.toReference.e = stroke.toReference.f = 0;
+    if (!stroke.toReference.isInvertible())
+        return false;
+    style.width = std::max(pen.width, 0.0);
+    style.cap = LineCap::Round;
+    style.join = LineJoin::Round;
+    if (pen.isSimple)
+        return true;
+    style.cap = pen.cap == Pen::Cap::Round ? LineCap::Round
+        : pen.cap == Pen::Cap::Square      ? LineCap::Square
+                                           : LineCap::Butt;
+    style.join = pen.join == Pen::Join::Round ? LineJoin::Round
+        : pen.join == Pen::Join::Bevel        ? LineJoin::Bevel
+                                              : LineJoin::Miter;
+    style.dashes = pen.style == Pen::Style::User ? pen.dashes : patternOf(pen.style, true);
+    if (pen.style != Pen::Style::User) {
+        for (double& length : style.dashes)
+            length *= style.width;
+    }
+    if (style.dashes.size() % 2 != 0)
+        style.dashes.insert(style.dashes.end(), style.dashes.begin(), style.dashes.end());
+    stroke.hasGaps = !style.dashes.empty();
+    return true;
+}
+
+void Canvas::strokeWithPen(const Path& path)
+{
+    Stroke stroke;
+    if (!makeStroke(stroke))
+        return;
+    auto state = m_paints.brush(m_dc, pen().brush);
+    if (!state)
+        return;
+    state->clip = clip();
+    const bool isHair = isHairline(pen());
+    const Path inPenSpace = isHair ? shiftedBack(path, 0.5) : path.transformed(stroke.toReference.inverted());
+    const Matrix toDevice = stroke.toReference * kHalfPixel * m_toDevice;
+    if (stroke.fillsGaps) {
+        PaintState gaps = *state;
+        gaps.texture = {};
+        gaps.texture.color = colorOf(m_dc.backgroundColor, m_dc);
+        StrokeStyle solid = stroke.style;
+        solid.dashes.clear();
+        m_painter.strokePath(inPenSpace, toDevice, solid, gaps);
+    }
+    m_painter.strokePath(inPenSpace, toDevice, stroke.style, *state);
+}
+
+Path Canvas::widened(const Path& path) const
+{
+    Stroke stroke;
+    if (!makeStroke(stroke) || !m_toDevice.isInvertible())
+        return {};
+    // In device pixels, so that curves become as fine as the page shows them.
+    const Matrix toDevice = stroke.toReference * m_toDevice;
+    const Path area = strokeArea(path.transformed(stroke.toReference.inverted()), toDevice, stroke.style, bounds());
+    return area.transformed(m_toDevice.inverted());
+}
+
+} // namespace quillrip::emf

@@ -1,0 +1,168 @@
+#include "quillrip/emf/interpreter.h"
+
+#include "quillrip/emf/command_table.h"
+#include "quillrip/emf/machine.h"
+#include "quillrip/emf/recognition.h"
+#include "quillrip/emf/record.h"
+#include "quillrip/emf/sheet.h"
+#include "quillrip/emf/spool_reader.h"
+#include "quillrip/fonts/pixels/glyph_cache.h"
+
+namespace quillrip::emf {
+
+namespace {
+
+constexpr std::uint32_t kEndOfFile = 0x0E;
+constexpr std::uint32_t kComment = 0x46;
+constexpr std::uint32_t kEmfPlus = 0x2B464D45;
+
+/// A single metafile, record by record up to its last one: what follows is another job's.
+std::vector<std::uint8_t> readMetafile(InputStream& input, const Limits& limits, bool& isTooLarge)
+{
+    std::vector<std::uint8_t> bytes;
+    for (;;) {
+        const Fields head(input.window(Record::kSmallest));
+        const std::uint32_t type = head.u32(0);
+        const std::uint32_t size = head.u32(4);
+        isTooLarge = bytes.size() + std::uint64_t { size } > limits.pageBytes;
+        if (isTooLarge || head.size() < Record::kSmallest || size < Record::kSmallest)
+            return bytes;
+        // A step at a time: a record may claim more than is there.
+        std::uint64_t left = size;
+        while (left > 0) {
+            constexpr std::uint64_t kStep = 1 << 20;
+            const std::size_t had = bytes.size();
+            const auto step = static_cast<std::size_t>(std::min(left, kStep));
+            bytes.resize(had + step);
+            const std::size_t got = input.read(bytes.data() + had, step);
+            bytes.resize(had + got);
+            left -= got;
+            if (got < step)
+                return bytes;
+        }
+        if (type == kEndOfFile)
+            return bytes;
+    }
+}
+
+/// Whether any record marks the page.
+bool draws(ByteView metafile)
+{
+    const Fields fields(metafile);
+    std::size_t at = 0;
+    while (fields.has(at, Record::kSmallest)) {
+        const std::uint32_t type = fields.u32(at);
+        const std::uint32_t size = fields.u32(at + 4);
+        const Command* const command = findCommand(type);
+        if ((command && command->draws) || (type == kComment && fields.u32(at + 12) == kEmfPlus))
+            return true;
+        if (size < Record::kSmallest || type == kEndOfFile || size > metafile.size - at)
+            return false;
+        at += size;
+    }
+    return false;
+}
+
+} // namespace
+
+class Interpreter::Implementation {
+public:
+    Implementation(PageDevice& device, DiagnosticSink& diagnostics, const Limits& limits)
+        : m_device(device)
+        , m_diagnostics(diagnostics)
+        , m_limits(limits)
+        , m_fonts(limits)
+        , m_job { m_fonts, m_glyphs, m_limits, m_diagnostics }
+    {
+    }
+
+    End run(InputStream& input)
+    {
+        const bool isSpool = looksLikeSpoolFile(input.window(InputStream::kLookAhead));
+        return (isSpool ? runSpool(input) : runSingle(input)) ? End::InputEnded : End::Failed;
+    }
+
+    RunStatus status() const { return m_status; }
+
+private:
+    bool runSpool(InputStream& input)
+    {
+        SpoolReader reader(input, m_fonts, m_limits, m_diagnostics);
+        while (const auto page = reader.next()) {
+            if (page->isUnfinished && !draws(page->metafile))
+                continue; // some systems leave an empty page behind the last one
+            if (page->isUnfinished || page->isCut)
+                m_diagnostics.report(
+                    { Severity::Damage, page->offset, "emf.page-cut", "the last page is not complete" });
+            if (!runPage(page->metafile, page->offset, page->settings ? &*page->settings : nullptr))
+                return false;
+        }
+        if (reader.hasMetLimit())
+            m_status = RunStatus::LimitExceeded;
+        return m_status == RunStatus::Done;
+    }
+
+    bool runSingle(InputStream& input)
+    {
+        const std::uint64_t offset = input.offset();
+        bool isTooLarge = false;
+        const std::vector<std::uint8_t> metafile = readMetafile(input, m_limits, isTooLarge);
+        if (isTooLarge) {
+            m_diagnostics.report(
+                { Severity::Damage, offset, "emf.page-size", "the metafile is larger than may be kept" });
+            m_status = RunStatus::LimitExceeded;
+            return false;
+        }
+        return runPage(metafile, offset, nullptr);
+    }
+
+    bool runPage(ByteView metafile, std::uint64_t offset, const Devmode* settings)
+    {
+        const auto header = MetafileHeader::read(metafile);
+        if (!header) {
+            m_diagnostics.report({ Severity::Damage, offset, "emf.header", "a page that is no metafile, left out" });
+            return true;
+        }
+        const std::optional<SheetPlan> plan = settings ? planSheet(*header, *settings) : planFrame(*header);
+        if (!plan) {
+            m_diagnostics.report({ Severity::Warning, offset, "emf.empty", "an empty metafile, left out" });
+            return true;
+        }
+        if (plan->isGuessed)
+            m_diagnostics.report({ Severity::Warning, offset, "emf.sheet",
+                "the picture has no room on the sheet that the job names; the nearest standard sheet is taken" });
+        PageCanvas canvas;
+        m_status = m_device.beginPage(plan->request, canvas);
+        if (m_status != RunStatus::Done)
+            return false;
+        const Place place { *canvas.painter, canvas.format, plan->referenceToPage * canvas.pageToDevice, nullptr };
+        const Machine::End end = Machine(m_job, place, *header).play(metafile, offset);
+        if (end == Machine::End::LimitExceeded) {
+            m_status = RunStatus::LimitExceeded;
+            return false;
+        }
+        m_status = m_device.endPage();
+        return m_status == RunStatus::Done;
+    }
+
+    PageDevice& m_device;
+    DiagnosticSink& m_diagnostics;
+    const Limits& m_limits;
+    WindowsFonts m_fonts;
+    GlyphCache m_glyphs;
+    Job m_job;
+    RunStatus m_status = RunStatus::Done;
+};
+
+Interpreter::Interpreter(PageDevice& device, DiagnosticSink& diagnostics, const Limits& limits)
+    : m_implementation(std::make_unique<Implementation>(device, diagnostics, limits))
+{
+}
+
+Interpreter::~Interpreter() = default;
+
+Interpreter::End Interpreter::run(InputStream& input) { return m_implementation->run(input); }
+
+RunStatus Interpreter::status() const { return m_implementation->status(); }
+
+} // namespace quillrip::emf

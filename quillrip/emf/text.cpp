@@ -1,0 +1,316 @@
+#include "quillrip/emf/text.h"
+
+#include "quillrip/emf/machine.h"
+#include "quillrip/fonts/pixels/glyph_cache.h"
+#include "quillrip/fonts/pixels/outline_raster.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace quillrip::emf {
+
+namespace {
+
+enum : std::uint32_t {
+    kUpdatePosition = 1,
+    kAlignMask = 6,
+    kAlignRight = 2,
+    kAlignCentre = 6,
+    kVerticalMask = 0x18,
+    kBottom = 8,
+    kBaseline = 0x18,
+};
+
+constexpr double kStockInches = 12.0 / 72;
+
+double sign(double value) { return value < 0 ? -1 : 1; }
+double lengthOf(double x, double y) { return std::hypot(x, y); }
+
+double radians(double tenthsOfDegree) { return tenthsOfDegree * std::acos(-1.0) / 1800; }
+
+/// Text space: logical units from the reference point, x to the right, y down, before the line is turned.
+class Line {
+public:
+    Line(Machine& machine, const TextRun& run)
+        : m_machine(machine)
+        , m_dc(machine.dc())
+        , m_run(run)
+        , m_logical(std::get<LogicalFont>(*m_dc.font))
+        , m_font(machine.font((run.options & kTextGlyphIndex) != 0))
+    {
+        chooseMatrix();
+        chooseSize();
+        findGlyphs();
+    }
+
+    void draw()
+    {
+        const bool updates = (m_dc.textAlign & kUpdatePosition) != 0;
+        Canvas& canvas = m_machine.canvas();
+        const Point reference = updates ? m_dc.position : m_run.reference;
+        m_origin = m_dc.coordinates.toReference().apply(reference) + m_toReference.applyVector(start());
+        if (m_dc.path.isRecording) {
+            addOutlines();
+        } else {
+            const PaintState ink = PaintMaker::solid(colorOf(m_dc.textColor, m_dc));
+            if (m_dc.isOpaque && !m_run.units.empty())
+                canvas.fill(bar(0, m_width, -m_ascent, m_descent), FillRule::NonZero,
+                    PaintMaker::solid(colorOf(m_dc.backgroundColor, m_dc)));
+            drawGlyphs(ink);
+            drawBars(ink);
+        }
+        if (updates)
+            movePosition();
+    }
+
+private:
+    struct Placed {
+        WindowsFont::Glyph glyph;
+        double x = 0;
+        double y = 0; ///< down
+    };
+
+    void chooseMatrix()
+    {
+        const Matrix& world = m_dc.coordinates.world();
+        const Matrix& page = m_dc.coordinates.pageToReference();
+        const bool isTurned = world.b != 0 || world.c != 0;
+        // A mapping mode with y upwards does not mirror letters, a world transform does.
+        Matrix whole = Matrix::scaling(sign(page.a), sign(page.d)) * m_dc.coordinates.toReference();
+        whole.e = whole.f = 0;
+        m_glyphStretch = 1;
+        if (m_run.isCompatible && !isTurned) {
+            const double scaleX = std::abs(whole.a);
+            const double scaleY = std::abs(whole.d);
+            whole = Matrix::scaling(scaleX, scaleY);
+            if (m_logical.width == 0 && scaleX > 0)
+                m_glyphStretch = scaleY / scaleX;
+        }
+        m_toReference = whole;
+        const double escapement = radians(m_logical.escapement);
+        m_along = { std::cos(escapement), -std::sin(escapement) };
+        m_down = { std::sin(escapement), std::cos(escapement) };
+    }
+
+    void chooseSize()
+    {
+        const WindowsFontMetrics& metrics = m_font.metrics();
+        const double cell = metrics.ascent + metrics.descent;
+        const double height = m_logical.height;
+        if (height < 0)
+            m_em = -height;
+        else if (height > 0)
+            m_em = cell > 0 ? height / cell : height;
+        else
+            m_em = kStockInches * m_machine.dotsPerInch() / std::max(1e-9, lengthOf(m_toReference.c, m_toReference.d));
+        m_ascent = m_em * metrics.ascent;
+        m_descent = m_em * metrics.descent;
+        m_stretch = m_font.stretch() * m_glyphStretch;
+        if (m_logical.width != 0)
+            m_stretch = std::abs(double(m_logical.width)) / (metrics.averageWidth * m_em);
+    }
+
+    WindowsFont::Glyph glyphOf(char32_t code) const
+    {
+        if ((m_run.options & kTextGlyphIndex) == 0)
+            return m_font.glyphOfCharacter(code);
+        return m_font.glyphOfIndex(code);
+    }
+
+    void findGlyphs()
+    {
+        const double extra = m_dc.justificationCount > 0 && !m_run.hasAdvances
+            ? double(m_dc.justificationExtra) / m_dc.justificationCount
+            : 0;
+        double x = 0;
+        double y = 0;
+        double given = 0;
+        double natural = 0;
+        for (const TextRun::Unit& unit : m_run.units) {
+            const bool isSpace = unit.code == U' ' && (m_run.options & kTextGlyphIndex) == 0;
+            double advance = 0;
+            if (unit.code != 0 || (m_run.options & kTextGlyphIndex) != 0) {
+                const WindowsFont::Glyph glyph = glyphOf(unit.code);
+                m_placed.push_back({ glyph, x, y });
+                advance = glyph.advance * m_stretch * m_em;
+                if (!isSpace) {
+                    natural += advance;
+                    given += unit.dx;
+                }
+            }
+            if (m_run.hasAdvances) {
+                x += unit.dx;
+                y -= unit.dy;
+            } else {
+                x += advance + (isSpace ? extra : 0);
+            }
+        }
+        m_width = x;
+        m_drop = y;
+        // Letters of a face with other widths are fitted into those that the job gives.
+        constexpr double kClose = 0.02;
+        constexpr double kNarrowest = 0.7;
+        constexpr double kWidest = 1.3;
+        if (m_run.hasAdvances && !m_font.hasTrueWidths() && natural > 0 && given > 0
+            && std::abs(given / natural - 1) > kClose)
+            m_stretch *= std::clamp(given / natural, kNarrowest, kWidest);
+    }
+
+    /// Where the line's first reference point lies, from the record's own: text space.
+    Point start() const
+    {
+        const std::uint32_t align = m_dc.textAlign & kAlignMask;
+        const double back = align == kAlignCentre ? m_width / 2 : align == kAlignRight ? m_width : 0;
+        const std::uint32_t vertical = m_dc.textAlign & kVerticalMask;
+        const double down = vertical == kBaseline ? 0 : vertical == kBottom ? -m_descent : m_ascent;
+        return m_along * -back + m_down * down;
+    }
+
+    Point at(double x, double y) const { return m_origin + m_toReference.applyVector(m_along * x + m_down * y); }
+
+    /// A bar along the line, reference pixels.
+    Path bar(double left, double right, double top, double bottom) const
+    {
+        Path path;
+        path.moveTo(at(left, top));
+        path.lineTo(at(right, top));
+        path.lineTo(at(right, bottom));
+        path.lineTo(at(left, bottom));
+        path.close();
+        return path;
+    }
+
+    /// Glyph space to reference pixels.
+    Matrix matrixOf(const Placed& placed) const
+    {
+        const double turn = radians(m_run.isCompatible ? m_logical.escapement : m_logical.orientation);
+        const double cosine = std::cos(turn);
+        const double sine = std::sin(turn);
+        const Matrix shape { m_em * m_stretch, 0, m_em * m_font.slant() * m_stretch, -m_em, 0, 0 };
+        const Matrix turned = shape * Matrix { cosine, -sine, sine, cosine, 0, 0 };
+        Matrix result = turned * m_toReference;
+        const Point origin = at(placed.x, placed.y);
+        result.e = origin.x;
+        result.f = origin.y;
+        return result;
+    }
+
+    void drawGlyphs(const PaintState& ink)
+    {
+        Canvas& canvas = m_machine.canvas();
+        PaintState state = ink;
+        state.clip = canvas.clip();
+        if ((m_run.options & kTextClipped) != 0) {
+            Path box;
+            box.rectangle(m_run.box.left, m_run.box.top, m_run.box.right, m_run.box.bottom);
+            state.clip = intersection(
+                state.clip, canvas.regionOf(box.transformed(canvas.logicalToDevice()), FillRule::NonZero));
+        }
+        const GlyphMask::Depth depth
+            = canvas.format() == PixelFormat::Bilevel ? GlyphMask::Depth::Bits : GlyphMask::Depth::Coverage;
+        const GlyphStyle style { m_font.bold() };
+        for (const Placed& placed : m_placed) {
+            if (!placed.glyph.face || placed.glyph.id == kNoGlyph)
+                continue;
+            const Matrix toDevice = matrixOf(placed) * canvas.toDevice();
+            if (!toDevice.isInvertible())
+                continue;
+            if (GlyphCache::isTooLarge(*placed.glyph.face, toDevice)) {
+                canvas.painter().fillPath(outlineOf(placed).transformed(toDevice), FillRule::NonZero, state);
+                continue;
+            }
+            const PlacedGlyph pixels
+                = m_machine.job().glyphs.place(*placed.glyph.face, placed.glyph.id, toDevice, depth, style);
+            if (pixels.mask)
+                canvas.painter().drawMask(*pixels.mask, pixels.x, pixels.y, state);
+        }
+    }
+
+    Path outlineOf(const Placed& placed) const
+    {
+        Path outline;
+        if (!placed.glyph.face || !placed.glyph.face->outline(placed.glyph.id, outline))
+            return {};
+        return m_font.bold() > 0 ? emboldened(outline, m_font.bold(), m_font.bold()) : outline;
+    }
+
+    void addOutlines()
+    {
+        PathState& path = m_dc.path;
+        for (const Placed& placed : m_placed) {
+            const Path outline = outlineOf(placed);
+            if (path.path.pointCount() + outline.pointCount() > m_machine.job().limits.pathPoints)
+                return m_machine.warn("emf.path", "a path of too many points, cut");
+            path.path.append(outline.transformed(matrixOf(placed)));
+        }
+        path.needsMove = true;
+    }
+
+    void drawBars(const PaintState& ink)
+    {
+        const WindowsFontMetrics& metrics = m_font.metrics();
+        const auto draw = [&](double top, double thickness) {
+            if (m_width != 0)
+                m_machine.canvas().fill(bar(0, m_width, -top * m_em, (thickness - top) * m_em), FillRule::NonZero, ink);
+        };
+        if (m_logical.isUnderlined)
+            draw(metrics.underlineTop, metrics.underlineThickness);
+        if (m_logical.isStruckOut)
+            draw(metrics.strikeoutTop, metrics.strikeoutThickness);
+    }
+
+    void movePosition()
+    {
+        const std::uint32_t align = m_dc.textAlign & kAlignMask;
+        if (align == kAlignCentre || !m_dc.coordinates.toReference().isInvertible())
+            return;
+        const double way = align == kAlignRight ? -m_width : m_width;
+        const Point moved = m_toReference.applyVector(m_along * way + m_down * m_drop);
+        const Point from = m_dc.coordinates.toReference().apply(m_dc.position);
+        m_dc.position = m_dc.coordinates.toReference().inverted().apply(from + moved);
+    }
+
+    Machine& m_machine;
+    DeviceContext& m_dc;
+    const TextRun& m_run;
+    const LogicalFont& m_logical;
+    const WindowsFont& m_font;
+    Matrix m_toReference; ///< text space to reference pixels, without translation
+    Point m_along; ///< text space, a unit along the line
+    Point m_down;
+    double m_glyphStretch = 1;
+    double m_em = 0; ///< logical units
+    double m_ascent = 0;
+    double m_descent = 0;
+    double m_stretch = 1; ///< of glyphs along the line
+    double m_width = 0; ///< of the line
+    double m_drop = 0; ///< of its end
+    Point m_origin; ///< reference pixels
+    std::vector<Placed> m_placed;
+};
+
+} // namespace
+
+void drawText(Machine& machine, const TextRun& run)
+{
+    DeviceContext& dc = machine.dc();
+    if ((run.options & kTextOpaque) != 0 && !dc.path.isRecording) {
+        Path box;
+        box.rectangle(run.box.left, run.box.top, run.box.right, run.box.bottom);
+        if (run.box.left != run.box.right && run.box.top != run.box.bottom)
+            machine.canvas().fill(box.transformed(dc.coordinates.toReference()), FillRule::NonZero,
+                PaintMaker::solid(colorOf(dc.backgroundColor, dc)));
+    }
+    if (run.units.empty())
+        return;
+    const WindowsFont& font = machine.font((run.options & kTextGlyphIndex) != 0);
+    if (!font)
+        return;
+    if ((run.options & kTextGlyphIndex) != 0 && font.lacksIndices())
+        machine.warn("emf.font-missing",
+            "text by glyph numbers of the font \"" + std::get<LogicalFont>(*dc.font).face
+                + "\", which the job does not carry: left out");
+    Line(machine, run).draw();
+}
+
+} // namespace quillrip::emf

@@ -1,0 +1,138 @@
+#include "quillrip/fonts/select/windows_faces.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace quillrip {
+
+namespace {
+
+using Files = std::array<const char*, 4>;
+
+constexpr Files kSans { "LiberationSans-Regular", "LiberationSans-Bold", "LiberationSans-Italic",
+    "LiberationSans-BoldItalic" };
+constexpr Files kSerif { "LiberationSerif-Regular", "LiberationSerif-Bold", "LiberationSerif-Italic",
+    "LiberationSerif-BoldItalic" };
+constexpr Files kMono { "LiberationMono-Regular", "LiberationMono-Bold", "LiberationMono-Italic",
+    "LiberationMono-BoldItalic" };
+constexpr Files kNarrow { "NimbusSansNarrow-Regular", "NimbusSansNarrow-Bold", "NimbusSansNarrow-Oblique",
+    "NimbusSansNarrow-BoldOblique" };
+constexpr Files kBlack { "LiberationSans-Bold", nullptr, "LiberationSans-BoldItalic", nullptr };
+constexpr Files kCarlito { "Carlito-Regular", "Carlito-Bold", "Carlito-Italic", "Carlito-BoldItalic" };
+constexpr Files kCaladea { "Caladea-Regular", "Caladea-Bold", "Caladea-Italic", "Caladea-BoldItalic" };
+constexpr Files kDejaVu { "DejaVuSans", "DejaVuSans-Bold", nullptr, nullptr };
+constexpr Files kPalladio { "P052-Roman", "P052-Bold", "P052-Italic", "P052-BoldItalic" };
+constexpr Files kSchoolbook { "C059-Roman", "C059-Bold", "C059-Italic", "C059-BdIta" };
+constexpr Files kBookman { "URWBookman-Light", "URWBookman-Demi", "URWBookman-LightItalic", "URWBookman-DemiItalic" };
+constexpr Files kGothic { "URWGothic-Book", "URWGothic-Demi", "URWGothic-BookOblique", "URWGothic-DemiOblique" };
+constexpr Files kScript { "Z003-MediumItalic", nullptr, "Z003-MediumItalic", nullptr };
+constexpr Files kSymbols { "StandardSymbolsPS", nullptr, nullptr, nullptr };
+constexpr Files kDingbats { "DejaVuSans", nullptr, nullptr, nullptr };
+constexpr Files kHan { "DroidSansFallbackFull", nullptr, nullptr, nullptr };
+
+constexpr GlyphOrder kSame = GlyphOrder::Same;
+constexpr GlyphOrder kClassic = GlyphOrder::Classic;
+constexpr GlyphOrder kUnknown = GlyphOrder::Unknown;
+constexpr double kEm = 2048;
+
+const WindowsFaceSpec s_faces[] {
+    { "arial", kSans, true, kSame, 1, 0, 0, false },
+    { "helvetica", kSans, true, kSame, 1, 0, 0, false },
+    { "helv", kSans, true, kSame, 1, 0, 0, false },
+    { "ms sans serif", kSans, true, kSame, 1, 0, 0, false },
+    { "microsoft sans serif", kSans, true, kClassic, 1, 0, 0, false },
+    { "arial unicode ms", kSans, true, kClassic, 1, 0, 0, false },
+    { "liberation sans", kSans, true, kSame, 1, 0, 0, false },
+    { "times new roman", kSerif, true, kSame, 1, 0, 0, false },
+    { "times", kSerif, true, kSame, 1, 0, 0, false },
+    { "tms rmn", kSerif, true, kSame, 1, 0, 0, false },
+    { "ms serif", kSerif, true, kSame, 1, 0, 0, false },
+    { "liberation serif", kSerif, true, kSame, 1, 0, 0, false },
+    { "courier new", kMono, true, kSame, 1, 0, 0, false },
+    { "courier", kMono, true, kSame, 1, 0, 0, false },
+    { "liberation mono", kMono, true, kSame, 1, 0, 0, false },
+    { "lucida console", kMono, false, kClassic, 1, 0, 0, false },
+    { "fixedsys", kMono, false, kUnknown, 1, 0, 0, false },
+    { "terminal", kMono, false, kUnknown, 1, 0, 0, false },
+    { "consolas", kMono, false, kUnknown, 0.916, 1884 / kEm, 514 / kEm, false },
+    { "arial narrow", kNarrow, true, kClassic, 1, 0, 0, false },
+    { "arial black", kBlack, false, kClassic, 1.2, 0, 0, false },
+    { "impact", kBlack, false, kClassic, 0.85, 0, 0, false },
+    { "calibri", kCarlito, true, kUnknown, 1, 0, 0, false },
+    { "calibri light", kCarlito, true, kUnknown, 1, 0, 0, false },
+    { "carlito", kCarlito, true, kSame, 1, 0, 0, false },
+    { "cambria", kCaladea, true, kUnknown, 1, 1946 / kEm, 455 / kEm, false },
+    { "caladea", kCaladea, true, kSame, 1, 0, 0, false },
+    { "segoe ui", kSans, false, kUnknown, 1, 2210 / kEm, 514 / kEm, false },
+    { "tahoma", kDejaVu, false, kClassic, 0.88, 2049 / kEm, 423 / kEm, false },
+    { "verdana", kDejaVu, false, kClassic, 1, 2059 / kEm, 430 / kEm, false },
+    { "dejavu sans", kDejaVu, true, kSame, 1, 0, 0, false },
+    { "trebuchet ms", kSans, false, kClassic, 0.97, 1923 / kEm, 455 / kEm, false },
+    { "georgia", kSchoolbook, false, kClassic, 1, 1878 / kEm, 449 / kEm, false },
+    { "comic sans ms", kSans, false, kClassic, 1.05, 2257 / kEm, 597 / kEm, false },
+    { "garamond", kPalladio, false, kUnknown, 0.9, 0, 0, false },
+    { "book antiqua", kPalladio, false, kUnknown, 1, 0, 0, false },
+    { "palatino linotype", kPalladio, false, kUnknown, 1, 0, 0, false },
+    { "palatino", kPalladio, false, kUnknown, 1, 0, 0, false },
+    { "century schoolbook", kSchoolbook, false, kUnknown, 1, 0, 0, false },
+    { "century", kSchoolbook, false, kUnknown, 1, 0, 0, false },
+    { "bookman old style", kBookman, false, kUnknown, 1, 0, 0, false },
+    { "century gothic", kGothic, false, kUnknown, 1, 0, 0, false },
+    { "monotype corsiva", kScript, false, kUnknown, 1, 0, 0, false },
+    { "system", kBlack, false, kUnknown, 1, 0, 0, false },
+    { "symbol", kSymbols, true, kUnknown, 1, 2059 / kEm, 450 / kEm, true },
+    { "wingdings", kDingbats, false, kUnknown, 1, 1841 / kEm, 432 / kEm, true },
+    { "ms gothic", kHan, false, kUnknown, 1, 220 / 256.0, 36 / 256.0, false },
+    { "ms mincho", kHan, false, kUnknown, 1, 220 / 256.0, 36 / 256.0, false },
+    { "simsun", kHan, false, kUnknown, 1, 220 / 256.0, 36 / 256.0, false },
+};
+
+const WindowsFaceSpec s_sans { "sans", kSans, false, kUnknown, 1, 0, 0, false };
+const WindowsFaceSpec s_serif { "serif", kSerif, false, kUnknown, 1, 0, 0, false };
+const WindowsFaceSpec s_mono { "mono", kMono, false, kUnknown, 1, 0, 0, false };
+const WindowsFaceSpec s_script { "script", kScript, false, kUnknown, 1, 0, 0, false };
+const WindowsFaceSpec s_symbols { "symbols", kSymbols, false, kUnknown, 1, 0, 0, true };
+const WindowsFaceSpec s_han { "han", kHan, false, kUnknown, 1, 0, 0, false };
+
+} // namespace
+
+const std::array<const char*, 6> kHelpingFonts { "LiberationSans-Regular", "DejaVuSans", "Symbola_hint", "Waree",
+    "DroidSansFallbackFull", "StandardSymbolsPS" };
+
+std::string lowerCase(std::string text)
+{
+    for (char& c : text)
+        c = c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c;
+    return text;
+}
+
+const WindowsFaceSpec* findWindowsFace(const std::string& family)
+{
+    const std::string wanted = lowerCase(family);
+    const auto found = std::find_if(
+        std::begin(s_faces), std::end(s_faces), [&](const WindowsFaceSpec& face) { return wanted == face.name; });
+    return found == std::end(s_faces) ? nullptr : found;
+}
+
+const WindowsFaceSpec& windowsFaceByTraits(std::uint8_t charset, std::uint8_t pitchAndFamily)
+{
+    constexpr std::uint8_t kSymbolCharset = 2;
+    constexpr std::uint8_t kEastAsian[] { 128, 129, 130, 134, 136 };
+    if (charset == kSymbolCharset)
+        return s_symbols;
+    if (std::find(std::begin(kEastAsian), std::end(kEastAsian), charset) != std::end(kEastAsian))
+        return s_han;
+    constexpr std::uint8_t kFixedPitch = 1;
+    switch (pitchAndFamily >> 4) {
+    case 1:
+        return s_serif;
+    case 3:
+        return s_mono;
+    case 4:
+        return s_script;
+    default:
+        return (pitchAndFamily & 3) == kFixedPitch ? s_mono : s_sans;
+    }
+}
+
+} // namespace quillrip
