@@ -46,6 +46,7 @@ struct Machine::Rooms {
     std::unique_ptr<PageImage> image;
     std::unique_ptr<PatternInProgress> definedPattern;
     std::unique_ptr<VendorImage> vendorImage;
+    std::unique_ptr<FastRasterImage> fastRaster;
 };
 
 Machine::Machine(PageDevice& device, DiagnosticSink& diagnostics, const Limits& limits, FontLibrary& fonts,
@@ -90,6 +91,8 @@ std::unique_ptr<PageImage>& Machine::image() { return m_rooms->image; }
 std::unique_ptr<PatternInProgress>& Machine::definedPattern() { return m_rooms->definedPattern; }
 
 std::unique_ptr<VendorImage>& Machine::vendorImage() { return m_rooms->vendorImage; }
+
+std::unique_ptr<FastRasterImage>& Machine::fastRaster() { return m_rooms->fastRaster; }
 
 Interpreter::End Machine::run(InputStream& input)
 {
@@ -307,11 +310,14 @@ void Machine::reportError(const Status& status)
     m_rooms->reporter.damage(std::string("pclxl.error.") + nameOf(status.error), message);
 }
 
-void Machine::endVendorImage()
+void Machine::endVendorImages()
 {
     if (m_rooms->vendorImage)
         m_rooms->vendorImage->image.finish();
     m_rooms->vendorImage.reset();
+    if (m_rooms->fastRaster)
+        m_rooms->fastRaster->image.finish();
+    m_rooms->fastRaster.reset();
 }
 
 void Machine::leavePage()
@@ -320,6 +326,7 @@ void Machine::leavePage()
     m_rooms->image.reset();
     m_rooms->definedPattern.reset();
     m_rooms->vendorImage.reset();
+    m_rooms->fastRaster.reset();
     m_rooms->page.close();
     m_rooms->replay.pageEnded();
     m_rooms->graphics.reset();

@@ -31,6 +31,7 @@ class SoftFonts;
 class TextSetter;
 class UserStreams;
 struct DataSource;
+struct FastRasterImage;
 struct GraphicsState;
 struct Session;
 struct VendorImage;
@@ -78,12 +79,13 @@ public:
     std::unique_ptr<PageImage>& image();
     std::unique_ptr<PatternInProgress>& definedPattern();
     std::unique_ptr<VendorImage>& vendorImage();
+    std::unique_ptr<FastRasterImage>& fastRaster();
 
     /// From here on only the definition's own operators may stand, till its end.
     void beginDefinition(Definition definition) { m_definition = definition; }
     void endDefinition() { m_definition = Definition::None; }
-    /// Finishes an image of vendor raster, if there is one.
-    void endVendorImage();
+    /// Finishes the image of vendor raster and the page of fast raster, if there are any.
+    void endVendorImages();
     /// The operators of a user stream, as if they stood here. LimitExceeded when such streams do too much.
     Status runUserStream(ByteView bytes);
 

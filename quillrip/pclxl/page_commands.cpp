@@ -103,7 +103,7 @@ Status beginPage(Machine& machine)
 
 Status endPage(Machine& machine)
 {
-    machine.endVendorImage();
+    machine.endVendorImages();
     machine.patterns().endPage();
     Status status;
     if (machine.operands().integer(Attribute::PageCopies, 1) == 0)

@@ -1,15 +1,24 @@
+#include "quillrip/base/color.h"
+#include "quillrip/base/units.h"
 #include "quillrip/pclxl/commands.h"
+#include "quillrip/pclxl/fast_raster.h"
 #include "quillrip/pclxl/machine.h"
 #include "quillrip/pclxl/page_image.h"
 #include "quillrip/pclxl/reporter.h"
+#include "quillrip/pclxl/session.h"
 #include "quillrip/pclxl/vendor_image.h"
 #include "quillrip/pclxl/vendor_raster.h"
+#include "quillrip/raster/compose/raster_operation.h"
 
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
 #include <cstdint>
 #include <cstdio>
 #include <memory>
 #include <string>
 #include <utility>
+#include <vector>
 
 namespace quillrip::pclxl::commands {
 
@@ -36,7 +45,7 @@ void passOver(Machine& machine, const std::string& what)
 /// The image's upper left corner is the cursor, and each of its pixels is a user unit wide and high.
 Status beginVendorImage(Machine& machine)
 {
-    machine.endVendorImage();
+    machine.endVendorImages();
     const AttributeList& operands = machine.operands();
     const int kind = operands.integer(Attribute::VUAttr5, -1);
     if (!machine.page().isOpen() || (kind != kColorStrips && kind != kGrayStrips))
@@ -122,6 +131,67 @@ Status readChunks(Machine& machine, VendorCommand command, std::uint64_t length)
     return {};
 }
 
+/// One image for all strips of the page, as wide and high as the sheet at the strips' resolution.
+std::unique_ptr<FastRasterImage> makeFastRaster(Machine& machine, const FastRasterStrip& strip)
+{
+    static const std::vector<Rgb> s_inks { kWhite, kBlack };
+    const SheetRequest& sheet = machine.page().sheet();
+    const bool isTurned = (sheet.orientation & 1) != 0;
+    const auto dots = [&](double decipoints) {
+        return static_cast<std::uint32_t>(std::max(1.0, std::ceil(decipoints / kDecipointsPerInch * strip.resolution)));
+    };
+    ImageSource source;
+    BlockLayout& layout = source.layout;
+    layout.width = std::min(dots(isTurned ? sheet.height : sheet.width),
+        static_cast<std::uint32_t>(std::max<std::size_t>(strip.rowBytes, 1) * 8));
+    layout.height = dots(isTurned ? sheet.width : sheet.height);
+    layout.bitsPerComponent = 1;
+    layout.rowBytes = strip.rowBytes;
+    PixelMeaning meaning;
+    meaning.isIndexed = true;
+    meaning.bitsPerComponent = 1;
+    meaning.palette = &s_inks;
+    source.converter
+        = PixelConverter(meaning, layout.width, machine.page().format(), machine.state().rop == rop::kSource);
+    const Point units = machine.session().unitsPerInch;
+    const Point unitsPerDot = units * (1.0 / strip.resolution);
+    const Point corner { units.x / FastRasterStrip::kMarginsPerInch + strip.x * unitsPerDot.x,
+        units.y / FastRasterStrip::kMarginsPerInch };
+    const Point size { layout.width * unitsPerDot.x, layout.height * unitsPerDot.y };
+    return std::make_unique<FastRasterImage>(FastRasterImage {
+        PageImage(std::move(source), corner, size, machine.state(), machine.page(), machine.drawing()),
+        strip.resolution, strip.rowBytes, strip.x });
+}
+
+Status readFastRaster(Machine& machine, std::uint64_t length)
+{
+    if (!machine.page().isOpen())
+        return {};
+    EmbeddedData data(machine.reader().input(), length, ByteOrder::BigEndian);
+    FastRasterStrip strip;
+    Status status = readFastRasterHeader(data, strip);
+    if (!status.isOk())
+        return status;
+    if (!strip.isKnown()) {
+        passOver(machine, "a strip of fast raster in an unknown code");
+    } else {
+        std::unique_ptr<FastRasterImage>& page = machine.fastRaster();
+        if (!page || !page->takes(strip)) {
+            machine.endVendorImages();
+            page = makeFastRaster(machine, strip);
+        }
+        const std::uint32_t first = static_cast<std::uint32_t>(strip.y);
+        const std::uint32_t height = page->image.source().layout.height;
+        if (first < height && strip.rowBytes > 0) {
+            page->image.goToRow(first);
+            CallingSink sink([&](const std::uint8_t* pixels) { page->image.paintRow(pixels); });
+            status = decodeFastRaster(data, strip, std::min(strip.rows, height - first), sink);
+        }
+    }
+    data.skipRest();
+    return status;
+}
+
 Status runCommand(Machine& machine, VendorCommand command, std::uint64_t length)
 {
     switch (command) {
@@ -134,12 +204,12 @@ Status runCommand(Machine& machine, VendorCommand command, std::uint64_t length)
     case VendorCommand::ReadStrip:
         break;
     case VendorCommand::EndImage:
-        machine.endVendorImage();
+        machine.endVendorImages();
         return {};
     case VendorCommand::SetUpFastRaster:
-    case VendorCommand::FastRaster:
-        passOver(machine, "fast raster, a vendor's code for bits, is not supported and");
         return {};
+    case VendorCommand::FastRaster:
+        return readFastRaster(machine, length);
     default:
         passOver(machine,
             "vendor command " + hexadecimal(kRasterVendor << 16 | static_cast<std::uint32_t>(command))

@@ -18,7 +18,7 @@ constexpr std::uint32_t kRasterVendor = 0x6870; ///< upper half of VUExtension
 /// Lower half of VUExtension.
 enum class VendorCommand : std::uint16_t {
     SetUpFastRaster = 0x2011,
-    FastRaster = 0x2006, ///< bits in a code of which nothing is known
+    FastRaster = 0x2006, ///< a strip of bits, see fast_raster.h
     BeginImage = 0x4000,
     ReadStrip = 0x4001,
     EndImage = 0x4002,

@@ -515,9 +515,6 @@ TEST(XlVendorRaster, WhatIsNotKnownIsPassedOverWithItsName)
         return d.job.sink.message(kind);
     };
     const auto has = [](const std::string& text, const char* what) { return text.find(what) != std::string::npos; };
-    XlStream fast;
-    vendor(fast, 0x2006, { 0, 1, 2, 0x58 });
-    EXPECT_TRUE(has(warningOf(fast), "fast raster"));
     XlStream unknown;
     vendor(unknown, 0x4003, { 1, 2, 3 });
     EXPECT_TRUE(has(warningOf(unknown), "0x68704003"));
