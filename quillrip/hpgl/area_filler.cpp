@@ -74,12 +74,7 @@ void AreaFiller::hatch(const Polygon& polygon, FillRule rule, const Hatching& ha
     request.rule = rule;
     request.atMost = kMostHatchCrossings;
     m_clip.apply();
-    const Matrix pageToPlotter = m_coordinates.plotterToPage().inverted();
-    PageRect visible = PageRect::nothing();
-    visible.include(pageToPlotter.apply({ m_clip.area().left, m_clip.area().top }));
-    visible.include(pageToPlotter.apply({ m_clip.area().right, m_clip.area().bottom }));
-    request.visibleLow = { visible.left, visible.top };
-    request.visibleHigh = { visible.right, visible.bottom };
+    request.visible = m_coordinates.plotterToPage().inverted().boundsOf(m_clip.area());
 
     std::vector<HatchLine> lines;
     const double spacingOnPage = m_coordinates.toDecipoints(request.spacing);

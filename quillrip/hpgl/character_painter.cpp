@@ -14,40 +14,35 @@ namespace {
 constexpr double kEdgeWidth = 1.0 / 40;
 
 /// Curves as lines, for hatching.
-void flatten(const Path& path, Polygon& polygon)
+Polygon flattened(const Path& path)
 {
     constexpr int kSteps = 8;
-    std::size_t at = 0;
+    Polygon polygon;
     Point current;
     Point ignored;
-    const auto& points = path.points();
-    for (const Path::Verb verb : path.verbs()) {
-        switch (verb) {
-        case Path::Verb::Move:
+    const auto add = [&](Point to) {
+        current = to;
+        polygon.add(to, true, true);
+    };
+    path.forEach(
+        [&](Point to) {
             polygon.closeSubpolygon(true, ignored);
-            current = points[at++];
-            polygon.add(current, true, true);
-            break;
-        case Path::Verb::Line:
-            current = points[at++];
-            polygon.add(current, true, true);
-            break;
-        case Path::Verb::Cubic:
+            add(to);
+        },
+        add,
+        [&](Point control1, Point control2, Point to) {
             for (int i = 1; i <= kSteps; ++i) {
                 const double t = static_cast<double>(i) / kSteps;
                 const double u = 1 - t;
-                polygon.add(current * (u * u * u) + points[at] * (3 * u * u * t) + points[at + 1] * (3 * u * t * t)
-                        + points[at + 2] * (t * t * t),
+                polygon.add(
+                    current * (u * u * u) + control1 * (3 * u * u * t) + control2 * (3 * u * t * t) + to * (t * t * t),
                     true, i == kSteps);
             }
-            current = points[at + 2];
-            at += 3;
-            break;
-        case Path::Verb::Close:
-            break;
-        }
-    }
+            current = to;
+        },
+        [] {});
     polygon.closeSubpolygon(true, ignored);
+    return polygon;
 }
 
 } // namespace
@@ -118,9 +113,7 @@ void CharacterPainter::drawTypeface(const Font& font, GlyphId glyph, const Matri
         if (const std::optional<PenInk> ink = m_inks.ofSelectedPen())
             m_surface.fill(onPage, FillRule::NonZero, *ink);
     } else if (m_text.isFilledByType() && m_inks.fillType().isHatched()) {
-        Polygon polygon;
-        flatten(outline.transformed(glyphToPlotter), polygon);
-        m_areas.fill(polygon, FillRule::NonZero);
+        m_areas.fill(flattened(outline.transformed(glyphToPlotter)), FillRule::NonZero);
     } else if (m_text.isFilledByType()) {
         m_areas.fill(onPage, FillRule::NonZero);
     }

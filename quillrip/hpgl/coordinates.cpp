@@ -40,12 +40,11 @@ void Coordinates::setFrame(const PictureFrame& frame)
     if (!(f.plotHeight > 0))
         f.plotHeight = alongY;
 
-    constexpr double kDecipointsPerUnit = kDecipointsPerInch / kPlotterUnitsPerInch;
     const double scaleX = alongX / f.plotWidth;
     const double scaleY = alongY / f.plotHeight;
     m_plotScale = std::min(scaleX, scaleY);
-    const double x = scaleX * kDecipointsPerUnit;
-    const double y = scaleY * kDecipointsPerUnit;
+    const double x = scaleX * kDecipointsPerPlotterUnit;
+    const double y = scaleY * kDecipointsPerPlotterUnit;
     switch (f.quarterTurns & 3) {
     case 1:
         m_frameToPage = { 0, x, y, 0, f.left, f.top };
@@ -65,8 +64,7 @@ void Coordinates::setFrame(const PictureFrame& frame)
 
 Point Coordinates::frameSize() const
 {
-    constexpr double kUnitsPerDecipoint = kPlotterUnitsPerInch / kDecipointsPerInch;
-    return { m_frame.plotWidth * kUnitsPerDecipoint, m_frame.plotHeight * kUnitsPerDecipoint };
+    return { m_frame.plotWidth * kPlotterUnitsPerDecipoint, m_frame.plotHeight * kPlotterUnitsPerDecipoint };
 }
 
 Point Coordinates::rotatedFrameSize() const
@@ -176,12 +174,12 @@ void Coordinates::freezeWindow()
     m_window.corner2 = toPlotter(m_window.corner2);
 }
 
-PageRect Coordinates::window() const
+Rect Coordinates::window() const
 {
-    const PageRect limits { m_frame.clipLeft, m_frame.clipTop, m_frame.clipRight, m_frame.clipBottom };
+    const Rect limits { m_frame.clipLeft, m_frame.clipTop, m_frame.clipRight, m_frame.clipBottom };
     if (m_window.kind == Window::Kind::Frame)
         return limits;
-    PageRect rect = PageRect::nothing();
+    Rect rect = Rect::nothing();
     for (const Point corner : { m_window.corner1, m_window.corner2 })
         rect.include(toPage(m_window.kind == Window::Kind::UserUnits ? toPlotter(corner) : corner));
     return limits.intersected(rect);

@@ -57,7 +57,7 @@ public:
     }
 
     /// What of the page may be marked, apart from the picture frame's own edges: the host's limits and the window.
-    PageRect window() const;
+    Rect window() const;
     /// Another number after every change that moves the window or the frame.
     std::uint64_t revision() const { return m_revision; }
 

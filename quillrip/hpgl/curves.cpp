@@ -1,5 +1,7 @@
 #include "quillrip/hpgl/curves.h"
 
+#include "quillrip/base/units.h"
+
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
@@ -8,7 +10,6 @@ namespace quillrip::hpgl {
 
 namespace {
 
-constexpr double kRadians = M_PI / 180;
 constexpr double kDefaultChord = 5;
 /// How far a curve may lie from what is drawn for it, in decipoints: an eighth of a pixel at 600 dpi.
 constexpr double kFlatness = 0.15;
@@ -16,8 +17,8 @@ constexpr double kMostSteps = 4000;
 
 Point turned(Point vector, double degrees)
 {
-    const double cosine = std::cos(degrees * kRadians);
-    const double sine = std::sin(degrees * kRadians);
+    const double cosine = std::cos(degrees * kRadiansPerDegree);
+    const double sine = std::sin(degrees * kRadiansPerDegree);
     return { vector.x * cosine - vector.y * sine, vector.x * sine + vector.y * cosine };
 }
 
@@ -33,7 +34,7 @@ double chordAngle(std::optional<double> operand, double radius, bool isDeviation
         if (!(radius > 0))
             return kDefaultChord;
         const double share = std::clamp(std::abs(*operand) / radius, 0.0, 1.0);
-        return std::clamp(2 * std::acos(1 - share) / kRadians, 0.5, 180.0);
+        return std::clamp(2 * std::acos(1 - share) / kRadiansPerDegree, 0.5, 180.0);
     }
     return std::clamp(std::abs(*operand), 0.5, 180.0);
 }
@@ -49,7 +50,7 @@ std::vector<LineVertex> arcPoints(const Coordinates& coordinates, const Arc& arc
         const double onPage = std::max(
             lengthOf(coordinates.vectorToPage({ plotter.x, 0 })), lengthOf(coordinates.vectorToPage({ 0, plotter.y })));
         if (onPage > kFlatness) {
-            const double finest = 2 * std::acos(1 - kFlatness / onPage) / kRadians;
+            const double finest = 2 * std::acos(1 - kFlatness / onPage) / kRadiansPerDegree;
             steps = std::max(steps, std::min(kMostSteps, std::ceil(std::abs(arc.sweep) / finest)));
         }
     }
@@ -85,7 +86,7 @@ std::optional<Arc> arcThrough(const Coordinates& coordinates, Point start, Point
     const Point last = end - toCentre;
     double sweep
         = std::atan2(fromCentre.x * last.y - fromCentre.y * last.x, fromCentre.x * last.x + fromCentre.y * last.y)
-        / kRadians;
+        / kRadiansPerDegree;
     // Counter-clockwise when the end lies to the left of the way from the start to the middle.
     if (cross > 0 && sweep < 0)
         sweep += 360;

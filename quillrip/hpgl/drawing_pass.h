@@ -35,7 +35,7 @@ private:
     void plotWindow(bool, Point, Point) override { }
     void pointsDefaulted() override { }
     void scaled() override { }
-    void rasterCovered(const PageRect&) override { }
+    void rasterCovered(const Rect&) override { }
     void advancePage(bool isForced) override;
 
     void endPage();

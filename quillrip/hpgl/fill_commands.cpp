@@ -134,9 +134,8 @@ void mergeControl(Plotter& plotter, Command& command)
     if (mode != 0 && mode != 1)
         return;
     int operation = kDefaultRasterOperation;
-    constexpr int kMerge = 168; // destination AND (texture OR source)
     if (mode == 1)
-        operation = command.clampedInteger(1, kMerge);
+        operation = command.clampedInteger(1, rop::kTextureOrSourceAndDestination);
     if (operation < 0 || operation > 255)
         operation = kDefaultRasterOperation;
     plotter.host.setRasterOperation(static_cast<std::uint8_t>(operation));

@@ -1,5 +1,7 @@
 #include "quillrip/hpgl/hatching.h"
 
+#include "quillrip/base/units.h"
+
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
@@ -19,7 +21,7 @@ struct Crossing {
 bool hatch(const Polygon& polygon, const HatchRequest& request, std::vector<HatchLine>& lines)
 {
     // In the hatching's own axes the lines are v = k * spacing and run along u.
-    const double radians = request.angle * M_PI / 180;
+    const double radians = request.angle * kRadiansPerDegree;
     const double cosine = std::cos(radians);
     const double sine = std::sin(radians);
     const auto toHatch = [&](Point p) {
@@ -30,11 +32,11 @@ bool hatch(const Polygon& polygon, const HatchRequest& request, std::vector<Hatc
         return request.anchor + Point { u * cosine - v * sine, u * sine + v * cosine };
     };
 
+    const Rect& visible = request.visible;
     double lowest = 1e300;
     double highest = -1e300;
-    for (const Point corner :
-        { request.visibleLow, request.visibleHigh, Point { request.visibleLow.x, request.visibleHigh.y },
-            Point { request.visibleHigh.x, request.visibleLow.y } }) {
+    for (const Point corner : { Point { visible.left, visible.top }, Point { visible.right, visible.top },
+             Point { visible.right, visible.bottom }, Point { visible.left, visible.bottom } }) {
         const double v = toHatch(corner).y / request.spacing;
         lowest = std::min(lowest, v);
         highest = std::max(highest, v);
@@ -55,11 +57,13 @@ bool hatch(const Polygon& polygon, const HatchRequest& request, std::vector<Hatc
             // Half open, so that a corner on a line counts once.
             const double from = std::max(std::ceil(a.y / request.spacing), std::floor(lowest));
             const double to = std::min(std::ceil(b.y / request.spacing), std::ceil(highest) + 1);
-            for (double k = from; k < to; ++k) {
+            if (!(from < to))
+                continue;
+            for (auto k = static_cast<std::int64_t>(from); k < static_cast<std::int64_t>(to); ++k) {
                 if (crossings.size() >= request.atMost)
                     return false;
-                const double share = (k * request.spacing - a.y) / (b.y - a.y);
-                crossings.push_back({ static_cast<std::int64_t>(k), a.x + (b.x - a.x) * share, direction });
+                const double share = (static_cast<double>(k) * request.spacing - a.y) / (b.y - a.y);
+                crossings.push_back({ k, a.x + (b.x - a.x) * share, direction });
             }
         }
     }

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "quillrip/hpgl/polygon.h"
-#include "quillrip/raster/painter.h"
+#include "quillrip/raster/paths/path.h"
 
 #include <cstddef>
 #include <vector>
@@ -19,8 +19,7 @@ struct HatchRequest {
     double angle = 0; ///< degrees, from +x towards +y
     Point anchor; ///< a line goes through here
     FillRule rule = FillRule::EvenOdd;
-    Point visibleLow; ///< lines that miss this rectangle are left out
-    Point visibleHigh;
+    Rect visible; ///< lines that miss this rectangle are left out
     std::size_t atMost = 0; ///< crossings with the outline
 };
 

@@ -1,5 +1,7 @@
 #include "quillrip/hpgl/inks.h"
 
+#include "quillrip/base/color.h"
+
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
@@ -9,7 +11,6 @@ namespace quillrip::hpgl {
 
 namespace {
 
-constexpr Rgb kWhite { 255, 255, 255 };
 /// Patterns are made of dots of this size, or of whole numbers of device pixels near it.
 constexpr double kPatternDpi = 300;
 constexpr int kShadingCell = 16;

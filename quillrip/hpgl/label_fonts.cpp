@@ -10,7 +10,7 @@ namespace quillrip::hpgl {
 
 namespace {
 
-constexpr double kUnitsPerPoint = kPlotterUnitsPerInch / 72;
+constexpr double kUnitsPerPoint = kPlotterUnitsPerInch / kPointsPerInch;
 
 } // namespace
 

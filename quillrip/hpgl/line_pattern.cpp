@@ -105,7 +105,7 @@ private:
 };
 
 /// The part of a vector inside a rectangle as fractions of it; false when there is none.
-bool visiblePart(Point from, Point to, const PageRect& rect, double& first, double& last)
+bool visiblePart(Point from, Point to, const Rect& rect, double& first, double& last)
 {
     first = 0;
     last = 1;
@@ -144,13 +144,13 @@ const std::vector<double>& builtInLinePattern(int type)
     return s_patterns[static_cast<std::size_t>(type)];
 }
 
-DashedLine cutIntoDashes(const std::vector<LineVertex>& line, const LinePattern& pattern, const PageRect& visible,
+DashedLine cutIntoDashes(const std::vector<LineVertex>& line, const LinePattern& pattern, const Rect& visible,
     double penWidth, double& phase)
 {
     DashedLine result;
     const double length = std::max(pattern.length, kShortestPattern);
     // What lies farther away than a whole pattern is passed over by arithmetic, however long it is.
-    const PageRect shown { visible.left - length - 100, visible.top - length - 100, visible.right + length + 100,
+    const Rect shown { visible.left - length - 100, visible.top - length - 100, visible.right + length + 100,
         visible.bottom + length + 100 };
     const double mostDashes = kMostDashes / (1 + std::max(0.0, penWidth) / kWideDash);
     Dasher dasher(pattern, std::max<std::size_t>(1, static_cast<std::size_t>(mostDashes)), result);

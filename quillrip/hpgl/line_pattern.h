@@ -32,7 +32,7 @@ struct DashedLine {
 /// Cuts a line of at least two vertices. `phase` is how far into the pattern it starts and, afterwards, ends
 /// (decipoints; untouched by adaptive patterns). Dashes far outside `visible` are left out. A line that would need
 /// absurdly many dashes, fewer the wider the pen is (decipoints), is solid behind those.
-DashedLine cutIntoDashes(const std::vector<LineVertex>& line, const LinePattern& pattern, const PageRect& visible,
+DashedLine cutIntoDashes(const std::vector<LineVertex>& line, const LinePattern& pattern, const Rect& visible,
     double penWidth, double& phase);
 
 } // namespace quillrip::hpgl

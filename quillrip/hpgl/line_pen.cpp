@@ -1,5 +1,7 @@
 #include "quillrip/hpgl/line_pen.h"
 
+#include "quillrip/base/units.h"
+
 #include <algorithm>
 #include <cmath>
 #include <utility>
@@ -223,7 +225,7 @@ void LinePen::drawDot(Point page)
     Path dot;
     constexpr double kThinnest = 0.5;
     if (m_attributes.cap == LineCap::Round && radius > kThinnest) {
-        dot.arc(page, radius, radius, 0, 2 * M_PI, true);
+        dot.arc(page, radius, radius, 0, 2 * kPi, true);
         dot.close();
     } else {
         dot.rectangle(page.x - radius, page.y - radius, page.x + radius, page.y + radius);

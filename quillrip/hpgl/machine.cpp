@@ -47,7 +47,7 @@ End Machine::run(InputStream& input)
             }
             continue;
         }
-        m_plotter.reporter.setOffset(input.offset() - 2);
+        m_plotter.reporter.at(input.offset() - 2);
         if (m_isSwitchedOff)
             lexer.skipOperands();
         else
@@ -60,7 +60,7 @@ End Machine::run(InputStream& input)
 /// Tells the end when the escape sequence ends the run.
 std::optional<End> Machine::obeyEscape(InputStream& input)
 {
-    m_plotter.reporter.setOffset(input.offset());
+    m_plotter.reporter.at(input.offset());
     const RasterVisit& raster = m_plotter.raster;
     if (raster.isPossible() && !m_isSwitchedOff) {
         // Drivers set up the raster before they enter HP-GL/2 for the first time.

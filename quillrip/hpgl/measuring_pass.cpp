@@ -6,8 +6,6 @@ namespace quillrip::hpgl {
 
 namespace {
 
-constexpr double kDecipointsPerUnit = kDecipointsPerInch / kPlotterUnitsPerInch;
-
 std::optional<Point> sizeOfPlotSize(const std::vector<double>& operands, const Environment& environment)
 {
     if (operands.empty() || !(operands[0] > 0))
@@ -17,7 +15,7 @@ std::optional<Point> sizeOfPlotSize(const std::vector<double>& operands, const E
     PlotFacts facts;
     facts.plotLength = operands[0];
     const PictureFrame frame = plotPage(facts, environment).frame;
-    return Point { frame.plotWidth / kDecipointsPerUnit, frame.plotHeight / kDecipointsPerUnit };
+    return Point { frame.plotWidth / kDecipointsPerPlotterUnit, frame.plotHeight / kDecipointsPerPlotterUnit };
 }
 
 } // namespace
@@ -34,7 +32,7 @@ MeasuringPass::MeasuringPass(FontLibrary& fonts, const Limits& limits, const Env
 std::vector<PlotFacts> MeasuringPass::run(InputStream& input)
 {
     // Marks are noted in the system that they were made in; which one is known from the machine.
-    m_surface.onMark = [this](const PageRect& bounds) { mark(bounds); };
+    m_surface.onMark = [this](const Rect& bounds) { mark(bounds); };
     // However the reading ended, the pages up to there are known.
     static_cast<void>(m_machine.run(input));
     endPage();
@@ -45,8 +43,8 @@ PictureFrame MeasuringPass::pictureFrame() const
 {
     PictureFrame frame;
     frame.left = frame.top = 0;
-    frame.width = m_size.x * kDecipointsPerUnit;
-    frame.height = m_size.y * kDecipointsPerUnit;
+    frame.width = m_size.x * kDecipointsPerPlotterUnit;
+    frame.height = m_size.y * kDecipointsPerPlotterUnit;
     frame.cutsAtFrame = false;
     constexpr double kEndless = 1e12;
     frame.clipLeft = frame.clipTop = -kEndless;
@@ -74,11 +72,11 @@ void MeasuringPass::plotWindow(bool isInputWindow, Point corner1, Point corner2)
         m_hasOwnPoints = true;
     if (m_facts.isDrawn)
         return;
-    PlotRect rect = PlotRect::nothing();
+    Rect rect = Rect::nothing();
     rect.include(corner1);
     rect.include(corner2);
     (isInputWindow ? m_facts.inputWindow : m_facts.inputPoints) = rect;
-    PlotRect unrotated = PlotRect::nothing();
+    Rect unrotated = Rect::nothing();
     unrotated.include(withoutRotation(coordinates().toPage(corner1)));
     unrotated.include(withoutRotation(coordinates().toPage(corner2)));
     (isInputWindow ? m_unrotatedWindow : m_unrotatedPoints) = unrotated;
@@ -114,10 +112,10 @@ void MeasuringPass::endPage()
     next.inputPoints = m_facts.inputPoints;
     next.usesDefaultPoints = m_facts.usesDefaultPoints;
     m_facts = next;
-    m_unrotated = PlotRect::nothing();
+    m_unrotated = Rect::nothing();
 }
 
-void MeasuringPass::mark(const PageRect& bounds)
+void MeasuringPass::mark(const Rect& bounds)
 {
     const int turns = coordinates().quarterTurns();
     if (!m_facts.isDrawn)
@@ -132,7 +130,7 @@ void MeasuringPass::mark(const PageRect& bounds)
     }
 }
 
-void MeasuringPass::rasterCovered(const PageRect& raster)
+void MeasuringPass::rasterCovered(const Rect& raster)
 {
     m_facts.isDrawn = true;
     m_facts.hasRaster = true;
@@ -143,7 +141,7 @@ void MeasuringPass::rasterCovered(const PageRect& raster)
 /// Page space to plotter units at RO0.
 Point MeasuringPass::withoutRotation(Point page) const
 {
-    return { page.x / kDecipointsPerUnit, m_size.y - page.y / kDecipointsPerUnit };
+    return { page.x / kDecipointsPerPlotterUnit, m_size.y - page.y / kDecipointsPerPlotterUnit };
 }
 
 } // namespace quillrip::hpgl

@@ -41,10 +41,10 @@ private:
     void pointsDefaulted() override { m_hasOwnPoints = false; }
     void scaled() override;
     void advancePage(bool isForced) override;
-    void rasterCovered(const PageRect& raster) override;
+    void rasterCovered(const Rect& raster) override;
 
     void endPage();
-    void mark(const PageRect& bounds);
+    void mark(const Rect& bounds);
     const Coordinates& coordinates() { return m_machine.plotter().coordinates; }
     Point withoutRotation(Point page) const;
 
@@ -53,9 +53,9 @@ private:
     SilentSink m_sink;
     ExtentSurface m_surface;
     PlotFacts m_facts;
-    PlotRect m_unrotated = PlotRect::nothing();
-    std::optional<PlotRect> m_unrotatedWindow;
-    std::optional<PlotRect> m_unrotatedPoints;
+    Rect m_unrotated = Rect::nothing();
+    std::optional<Rect> m_unrotatedWindow;
+    std::optional<Rect> m_unrotatedPoints;
     bool m_hasOwnPoints = false;
     std::vector<PlotFacts> m_pages;
     std::unique_ptr<RasterLanguage> m_rasterLanguage;

@@ -1,35 +1,24 @@
 #include "quillrip/hpgl/page_surface.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace quillrip::hpgl {
 
 namespace {
 
-constexpr Rgb kWhite { 255, 255, 255 };
-constexpr Rgb kBlack { 0, 0, 0 };
-
 int toPixel(double value) { return static_cast<int>(std::clamp(value, -1e9, 1e9)); }
 
 /// The pixels that a rectangle of the page covers, those at its edges included when more than a hundredth is inside.
-PixelRect toPixels(const PageRect& rect, const Matrix& pageToDevice)
+PixelRect toPixels(const Rect& rect, const Matrix& pageToDevice)
 {
-    const Point a = pageToDevice.apply({ rect.left, rect.top });
-    const Point b = pageToDevice.apply({ rect.right, rect.bottom });
+    const Rect device = pageToDevice.boundsOf(rect);
     constexpr double kSliver = 0.01;
-    return { toPixel(std::floor(std::min(a.x, b.x) + kSliver)), toPixel(std::floor(std::min(a.y, b.y) + kSliver)),
-        toPixel(std::ceil(std::max(a.x, b.x) - kSliver)), toPixel(std::ceil(std::max(a.y, b.y) - kSliver)) };
+    return { toPixel(std::floor(device.left + kSliver)), toPixel(std::floor(device.top + kSliver)),
+        toPixel(std::ceil(device.right - kSliver)), toPixel(std::ceil(device.bottom - kSliver)) };
 }
 
 } // namespace
-
-PageRect boundsOf(const Path& path)
-{
-    PageRect bounds = PageRect::nothing();
-    for (const Point& point : path.points())
-        bounds.include(point);
-    return bounds;
-}
 
 void PageSurface::leavePage()
 {
@@ -37,7 +26,7 @@ void PageSurface::leavePage()
     m_areaClip.device = m_lineClip.device = nullptr;
 }
 
-void PageSurface::setClip(const PageRect& areas, const PageRect& lines)
+void PageSurface::setClip(const Rect& areas, const Rect& lines)
 {
     m_areaClip = { areas, nullptr };
     m_lineClip = { lines, nullptr };
@@ -56,11 +45,11 @@ bool PageSurface::begin()
     return true;
 }
 
-bool PageSurface::isVisible(const PageRect& bounds, const Clip& clip)
+bool PageSurface::isVisible(const Rect& bounds, const Clip& clip)
 {
     // Thin lines and points are as wide as a pixel, so a little beyond the clip still shows.
     constexpr double kSlack = 10;
-    const PageRect& page = clip.page;
+    const Rect& page = clip.page;
     return !page.empty() && bounds.right >= page.left - kSlack && bounds.left <= page.right + kSlack
         && bounds.bottom >= page.top - kSlack && bounds.top <= page.bottom + kSlack;
 }
@@ -89,17 +78,15 @@ const PaintState& PageSurface::paintState(const PenInk& ink, Clip& clip)
 
 void PageSurface::stroke(const Path& path, const StrokeStyle& style, const PenInk& ink)
 {
-    PageRect bounds = boundsOf(path);
     // Caps reach no farther than the pen is wide; miters do, up to their limit.
     const double reach = style.width * std::max(1.0, style.miterLimit);
-    bounds = { bounds.left - reach, bounds.top - reach, bounds.right + reach, bounds.bottom + reach };
-    if (isVisible(bounds, m_lineClip) && begin())
+    if (isVisible(path.bounds().grown(reach), m_lineClip) && begin())
         m_canvas.painter->strokePath(path, m_canvas.pageToDevice, style, paintState(ink, m_lineClip));
 }
 
 void PageSurface::fill(const Path& path, FillRule rule, const PenInk& ink)
 {
-    if (!isVisible(boundsOf(path), m_areaClip) || !begin())
+    if (!isVisible(path.bounds(), m_areaClip) || !begin())
         return;
     const PixelRule pixels = ink.isArea && !m_host.isGridCentred() ? PixelRule::Touched : PixelRule::Centre;
     m_canvas.painter->fillPath(path.transformed(m_canvas.pageToDevice), rule, paintState(ink, m_areaClip), pixels);
@@ -108,10 +95,7 @@ void PageSurface::fill(const Path& path, FillRule rule, const PenInk& ink)
 void PageSurface::drawGlyph(const Typeface& face, GlyphId glyph, const Matrix& glyphToPage, const PenInk& ink)
 {
     // Two ems all round hold every glyph.
-    PageRect bounds = PageRect::nothing();
-    for (const Point corner : { Point { -2, -2 }, Point { 3, -2 }, Point { -2, 3 }, Point { 3, 3 } })
-        bounds.include(glyphToPage.apply(corner));
-    if (!isVisible(bounds, m_areaClip) || !begin())
+    if (!isVisible(glyphToPage.boundsOf({ -2, -2, 3, 3 }), m_areaClip) || !begin())
         return;
     const Matrix glyphToDevice = glyphToPage * m_canvas.pageToDevice;
     const PaintState& state = paintState(ink, m_areaClip);

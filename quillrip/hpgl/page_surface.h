@@ -19,7 +19,7 @@ public:
     /// Stops the drawing: the page cannot be delivered.
     void fail(RunStatus status) { m_status = status; }
 
-    void setClip(const PageRect& areas, const PageRect& lines) override;
+    void setClip(const Rect& areas, const Rect& lines) override;
     void stroke(const Path& path, const StrokeStyle& style, const PenInk& ink) override;
     void fill(const Path& path, FillRule rule, const PenInk& ink) override;
     void drawGlyph(const Typeface& face, GlyphId glyph, const Matrix& glyphToPage, const PenInk& ink) override;
@@ -28,12 +28,12 @@ public:
 private:
     /// A clip of the page and, once the page has begun, of its pixels.
     struct Clip {
-        PageRect page;
+        Rect page;
         std::shared_ptr<const ClipRegion> device;
     };
 
     bool begin();
-    static bool isVisible(const PageRect& bounds, const Clip& clip);
+    static bool isVisible(const Rect& bounds, const Clip& clip);
     const PaintState& paintState(const PenInk& ink, Clip& clip);
 
     Host& m_host;

@@ -1,5 +1,7 @@
 #include "quillrip/hpgl/palette.h"
 
+#include "quillrip/base/color.h"
+
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
@@ -7,9 +9,6 @@
 namespace quillrip::hpgl {
 
 namespace {
-
-constexpr Rgb kWhite { 255, 255, 255 };
-constexpr Rgb kBlack { 0, 0, 0 };
 
 /// Pens of a palette of 8 and more entries; those of 4 begin in the same way.
 constexpr std::array<Rgb, Palette::kDefaultPens> kPens { kWhite, kBlack, Rgb { 255, 0, 0 }, Rgb { 0, 255, 0 },

@@ -12,11 +12,11 @@ void PlotClip::apply()
     m_revision = m_coordinates.revision();
     m_reach = reach;
     m_area = m_coordinates.window();
-    PageRect lines = m_area;
+    Rect lines = m_area;
     if (const PictureFrame& f = m_coordinates.frame(); f.cutsAtFrame) {
-        const PageRect frame { f.left, f.top, f.left + f.width, f.top + f.height };
+        const Rect frame { f.left, f.top, f.left + f.width, f.top + f.height };
         m_area = m_area.intersected(frame);
-        lines = lines.intersected({ frame.left - reach, frame.top - reach, frame.right + reach, frame.bottom + reach });
+        lines = lines.intersected(frame.grown(reach));
     }
     m_surface.setClip(m_area, lines);
 }

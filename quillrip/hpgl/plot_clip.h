@@ -21,13 +21,13 @@ public:
     /// Must come before every mark.
     void apply();
     /// What areas are cut to, in page space; as of the last apply().
-    const PageRect& area() const { return m_area; }
+    const Rect& area() const { return m_area; }
 
 private:
     Surface& m_surface;
     const Coordinates& m_coordinates;
     const Pens& m_pens;
-    PageRect m_area;
+    Rect m_area;
     std::uint64_t m_revision = UINT64_MAX;
     double m_reach = 0; ///< half the pen's width when the clip was made
 };

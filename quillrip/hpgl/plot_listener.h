@@ -22,7 +22,7 @@ public:
     /// PG, AF, AH, BP: the page is finished. `isForced`: also when nothing was drawn.
     virtual void advancePage(bool isForced) = 0;
     /// A raster of the plotter's other language lies there, in page space.
-    virtual void rasterCovered(const PageRect& raster) = 0;
+    virtual void rasterCovered(const Rect& raster) = 0;
 };
 
 } // namespace quillrip::hpgl

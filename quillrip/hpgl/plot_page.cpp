@@ -10,7 +10,6 @@ namespace quillrip::hpgl {
 
 namespace {
 
-constexpr double kDecipointsPerUnit = kDecipointsPerInch / kPlotterUnitsPerInch;
 /// Sizes that a whole sheet can have: half a centimetre to five metres.
 constexpr double kSmallestSheet = 200;
 constexpr double kLargestSheet = 200000;
@@ -33,6 +32,11 @@ struct Placed {
     Point size;
     Point lowerLeft; ///< in the rotated system
 };
+
+// Plotter units count upwards: the side of the smaller y is the lower one.
+Point lowOf(const Rect& rect) { return { rect.left, rect.top }; }
+Point highOf(const Rect& rect) { return { rect.right, rect.bottom }; }
+Point sizeOf(const Rect& rect) { return { rect.width(), rect.height() }; }
 
 bool isNear(double a, double b)
 {
@@ -67,47 +71,47 @@ std::optional<Point> smallestSheet(Point size, bool isMetric)
 }
 
 /// A sheet that a rectangle of the plot itself stands for.
-std::optional<Placed> fromRectangle(const std::optional<PlotRect>& rect, const PlotRect& extent, bool isMetric)
+std::optional<Placed> fromRectangle(const std::optional<Rect>& rect, const Rect& extent, bool isMetric)
 {
     if (!rect || !rect->contains(extent, kSlack))
         return std::nullopt;
     constexpr double kLeast = 2000;
-    const Point size = rect->size();
+    const Point size = sizeOf(*rect);
     if (size.x < kLeast || size.y < kLeast || size.x > kLargestSheet || size.y > kLargestSheet)
         return std::nullopt;
     constexpr double kAtCorner = 40;
-    const bool isAtCorner = std::abs(rect->low.x) <= kAtCorner && std::abs(rect->low.y) <= kAtCorner;
+    const bool isAtCorner = std::abs(rect->left) <= kAtCorner && std::abs(rect->top) <= kAtCorner;
     if (isAtCorner)
         return Placed { snapped(size), {} };
-    if (rect->low.x < 0 || rect->low.y < 0)
-        return Placed { size, rect->low };
+    if (rect->left < 0 || rect->top < 0)
+        return Placed { size, lowOf(*rect) };
     // Set in from the edges as P1 and P2 of desktop plotters are.
     constexpr double kWidestInset = 1200;
-    if (rect->low.x > kWidestInset || rect->low.y > kWidestInset)
+    if (rect->left > kWidestInset || rect->top > kWidestInset)
         return std::nullopt;
-    if (const auto sheet = smallestSheet(rect->high, isMetric))
+    if (const auto sheet = smallestSheet(highOf(*rect), isMetric))
         return Placed { *sheet, {} };
     return std::nullopt;
 }
 
-Placed fromExtent(const PlotRect& extent, bool isMetric)
+Placed fromExtent(const Rect& extent, bool isMetric)
 {
-    const Point size = extent.size();
-    if (extent.low.x >= -kSlack && extent.low.y >= -kSlack) {
-        if (const auto sheet = smallestSheet(extent.high - Point { kSlack, kSlack }, isMetric))
+    const Point size = sizeOf(extent);
+    if (extent.left >= -kSlack && extent.top >= -kSlack) {
+        if (const auto sheet = smallestSheet(highOf(extent) - Point { kSlack, kSlack }, isMetric))
             return { *sheet, {} };
     }
     const auto isCentred = [](double low, double high) {
         constexpr double kLopsided = 0.2;
         return low < 0 && high > 0 && std::abs(low + high) <= kLopsided * (high - low);
     };
-    if (isCentred(extent.low.x, extent.high.x) && isCentred(extent.low.y, extent.high.y)) {
-        const Point reach { std::max(-extent.low.x, extent.high.x), std::max(-extent.low.y, extent.high.y) };
+    if (isCentred(extent.left, extent.right) && isCentred(extent.top, extent.bottom)) {
+        const Point reach { std::max(-extent.left, extent.right), std::max(-extent.top, extent.bottom) };
         if (const auto sheet = smallestSheet(reach * 2, isMetric))
             return { *sheet, *sheet * -0.5 };
     }
     const Point margin { kMargin, kMargin };
-    return { size + margin * 2, extent.low - margin };
+    return { size + margin * 2, lowOf(extent) - margin };
 }
 
 Placed place(const PlotFacts& facts, const Environment& environment)
@@ -117,11 +121,11 @@ Placed place(const PlotFacts& facts, const Environment& environment)
         return Placed { isTurned ? Point { width, length } : Point { length, width }, {} };
     };
     if (environment.paperWidth > 0 && environment.paperHeight > 0) {
-        Placed paper
-            = upright(environment.paperWidth / kDecipointsPerUnit, environment.paperHeight / kDecipointsPerUnit);
+        Placed paper = upright(
+            environment.paperWidth / kDecipointsPerPlotterUnit, environment.paperHeight / kDecipointsPerPlotterUnit);
         // Raster cannot be turned, so the sheet is fed as the raster needs it.
-        const Point needed { facts.plotLength.value_or(facts.extent.high.x),
-            facts.plotWidth.value_or(facts.extent.high.y) };
+        const Point needed { facts.plotLength.value_or(facts.extent.right),
+            facts.plotWidth.value_or(facts.extent.bottom) };
         if (facts.hasRaster && (needed.x > needed.y) != (paper.size.x > paper.size.y))
             std::swap(paper.size.x, paper.size.y);
         return paper;
@@ -135,11 +139,11 @@ Placed place(const PlotFacts& facts, const Environment& environment)
         }
         return upright(*facts.plotLength, kSheetsByLength.back().x);
     }
-    const PlotRect extent = facts.extent.empty() ? PlotRect { {}, {} } : facts.extent;
+    const Rect extent = facts.extent.isNothing() ? Rect {} : facts.extent;
     const bool isMetric = environment.prefersMetricPaper;
     const Point assumed = assumedPaper(environment);
     const Placed paper = upright(assumed.x, assumed.y);
-    if (facts.usesDefaultPoints && PlotRect { {}, paper.size }.contains(extent, kSlack))
+    if (facts.usesDefaultPoints && Rect { 0, 0, paper.size.x, paper.size.y }.contains(extent, kSlack))
         return paper;
     if (const auto window = fromRectangle(facts.inputWindow, extent, isMetric))
         return *window;
@@ -150,22 +154,11 @@ Placed place(const PlotFacts& facts, const Environment& environment)
 
 } // namespace
 
-void PlotRect::include(Point point)
-{
-    low = { std::min(low.x, point.x), std::min(low.y, point.y) };
-    high = { std::max(high.x, point.x), std::max(high.y, point.y) };
-}
-
-bool PlotRect::contains(const PlotRect& other, double slack) const
-{
-    return other.low.x >= low.x - slack && other.low.y >= low.y - slack && other.high.x <= high.x + slack
-        && other.high.y <= high.y + slack;
-}
-
 Point assumedPaper(const Environment& environment)
 {
     if (environment.paperWidth > 0 && environment.paperHeight > 0)
-        return { environment.paperWidth / kDecipointsPerUnit, environment.paperHeight / kDecipointsPerUnit };
+        return { environment.paperWidth / kDecipointsPerPlotterUnit,
+            environment.paperHeight / kDecipointsPerPlotterUnit };
     return environment.prefersMetricPaper ? kMetricSheets[0] : kInchSheets[0];
 }
 
@@ -182,7 +175,7 @@ PlotPage plotPage(const PlotFacts& facts, const Environment& environment)
         const Point largest = kMetricSheets.back();
         reduction = std::min(largest.x / placed.size.x, largest.y / placed.size.y);
     }
-    Point plot = placed.size * kDecipointsPerUnit;
+    Point plot = placed.size * kDecipointsPerPlotterUnit;
     if (facts.hasRaster) {
         // From the unrotated system to the one whose x axis runs to the reader's right.
         std::swap(plot.x, plot.y);
@@ -200,8 +193,8 @@ PlotPage plotPage(const PlotFacts& facts, const Environment& environment)
     frame.height = onPage.y;
     frame.plotWidth = turns & 1 ? plot.y : plot.x;
     frame.plotHeight = turns & 1 ? plot.x : plot.y;
-    frame.left = -placed.lowerLeft.x * kDecipointsPerUnit * reduction;
-    frame.top = (facts.hasRaster ? -1 : 1) * placed.lowerLeft.y * kDecipointsPerUnit * reduction;
+    frame.left = -placed.lowerLeft.x * kDecipointsPerPlotterUnit * reduction;
+    frame.top = (facts.hasRaster ? -1 : 1) * placed.lowerLeft.y * kDecipointsPerPlotterUnit * reduction;
     frame.cutsAtFrame = false;
     frame.clipLeft = 0;
     frame.clipTop = 0;

@@ -9,22 +9,11 @@
 
 namespace quillrip::hpgl {
 
-/// A rectangle in plotter units, y up.
-struct PlotRect {
-    Point low;
-    Point high;
-
-    bool empty() const { return !(low.x <= high.x && low.y <= high.y); }
-    Point size() const { return high - low; }
-    void include(Point point);
-    bool contains(const PlotRect& other, double slack) const;
-    static PlotRect nothing() { return { { 1e300, 1e300 }, { -1e300, -1e300 } }; }
-};
-
-/// What the first reading of a page tells about its size. Rectangles are in the rotated system of RO.
+/// What the first reading of a page tells about its size. Rectangles are in
+/// plotter units of the rotated system of RO, so that `top` is their lower side.
 struct PlotFacts {
     bool isDrawn = false;
-    PlotRect extent = PlotRect::nothing(); ///< of all marks, pen widths included
+    Rect extent = Rect::nothing(); ///< of all marks, pen widths included
     int quarterTurns = 0; ///< RO / 90 of the marks
     bool hasMixedTurns = false; ///< RO changed between marks: `extent` is then in the unrotated system
     /// There is raster among the marks. Its rows run along the plotter's y axis whatever RO says, so that the page is
@@ -32,8 +21,8 @@ struct PlotFacts {
     bool hasRaster = false;
     std::optional<double> plotLength; ///< PS
     std::optional<double> plotWidth;
-    std::optional<PlotRect> inputWindow; ///< IW before the first mark
-    std::optional<PlotRect> inputPoints; ///< IP before the first mark
+    std::optional<Rect> inputWindow; ///< IW before the first mark
+    std::optional<Rect> inputPoints; ///< IP before the first mark
     bool usesDefaultPoints = false; ///< scaled to P1 and P2 as they are without IP
 };
 

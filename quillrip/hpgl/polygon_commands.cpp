@@ -34,7 +34,7 @@ bool makeWedge(Plotter& plotter, const Command& command)
     if (command.count() < 3)
         return false;
     const double length = command.operand(0);
-    const double start = std::fmod(command.operand(1), 360.0) * M_PI / 180;
+    const double start = std::fmod(command.operand(1), 360.0) * kRadiansPerDegree;
     const double sweep = std::clamp(command.operand(2), -360.0, 360.0);
     const std::optional<double> chord = command.count() > 3 ? std::optional<double>(command.operand(3)) : std::nullopt;
     plotter.polygon.replace(

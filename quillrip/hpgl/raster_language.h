@@ -36,7 +36,7 @@ public:
     /// False: only the place of rasters is asked for, not their pixels.
     virtual bool needsPixels() const = 0;
     /// A raster has ended that lay there.
-    virtual void covered(const PageRect& raster) = 0;
+    virtual void covered(const Rect& raster) = 0;
 };
 
 /// What both languages share; handed over at every switch, and back.

@@ -12,9 +12,8 @@ namespace quillrip::hpgl {
 
 namespace {
 
-constexpr double kUnitsPerDecipoint = kPlotterUnitsPerInch / kDecipointsPerInch;
 /// The raster's axes to plotter units at RO0: the two exchange their axes, which turns one way and mirrors the other.
-const Matrix kRasterToPlotter { 0, kUnitsPerDecipoint, kUnitsPerDecipoint, 0, 0, 0 };
+const Matrix kRasterToPlotter { 0, kPlotterUnitsPerDecipoint, kPlotterUnitsPerDecipoint, 0, 0, 0 };
 
 bool isAcross(const Matrix& matrix) { return std::abs(matrix.b) > std::abs(matrix.a); }
 
@@ -36,7 +35,7 @@ public:
         return status;
     }
     PageCanvas previewCanvas() const override { return turned(m_visit.m_host.previewCanvas()); }
-    double width() const override { return m_visit.m_coordinates.frameSize().y / kUnitsPerDecipoint; }
+    double width() const override { return m_visit.m_coordinates.frameSize().y / kPlotterUnitsPerDecipoint; }
     double end() const override
     {
         const PictureFrame& frame = m_visit.m_coordinates.frame();
@@ -45,9 +44,9 @@ public:
             fromPage.apply({ frame.clipRight, frame.clipBottom }).y);
     }
     bool needsPixels() const override { return m_visit.m_surface.needsDetail(); }
-    void covered(const PageRect& raster) override
+    void covered(const Rect& raster) override
     {
-        PageRect page = PageRect::nothing();
+        Rect page = Rect::nothing();
         page.include(m_toPage.apply({ raster.left, raster.top }));
         page.include(m_toPage.apply({ raster.right, raster.bottom }));
         m_visit.m_state.hasDrawn = true;

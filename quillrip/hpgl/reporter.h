@@ -16,7 +16,7 @@ public:
     {
     }
 
-    void setOffset(std::uint64_t offset) { m_offset = offset; }
+    void at(std::uint64_t offset) { m_offset = offset; }
     void warn(const char* kind, std::string message) { report(Severity::Warning, kind, std::move(message)); }
     void damage(const char* kind, std::string message) { report(Severity::Damage, kind, std::move(message)); }
 

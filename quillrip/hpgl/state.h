@@ -1,6 +1,8 @@
 #pragma once
 
 #include "quillrip/base/geometry.h"
+#include "quillrip/base/units.h"
+#include "quillrip/raster/compose/raster_operation.h"
 #include "quillrip/raster/paths/stroke_style.h"
 
 #include <cstdint>
@@ -12,10 +14,10 @@ namespace quillrip::hpgl {
 constexpr double kPlotterUnitsPerInch = 1016;
 /// Plotter units to the millimetre.
 constexpr double kPlotterUnitsPerMillimetre = 40;
-/// Decipoints to the inch: page space.
-constexpr double kDecipointsPerInch = 720;
-/// Texture OR source: the pen's colour where the shape is.
-constexpr std::uint8_t kDefaultRasterOperation = 252;
+constexpr double kDecipointsPerPlotterUnit = kDecipointsPerInch / kPlotterUnitsPerInch;
+constexpr double kPlotterUnitsPerDecipoint = kPlotterUnitsPerInch / kDecipointsPerInch;
+/// The pen's colour where the shape is.
+constexpr std::uint8_t kDefaultRasterOperation = rop::kTextureOrSource;
 
 /// The pen as commands leave it to each other. Places are in plotter units of the rotated system.
 struct State {

@@ -1,5 +1,7 @@
 #include "quillrip/hpgl/stick_font.h"
 
+#include "quillrip/base/units.h"
+
 #include "quillrip/hpgl/stick_font_shapes.h"
 
 #include <algorithm>
@@ -79,9 +81,8 @@ private:
         const Point centre = point();
         const double radiusX = number();
         const double radiusY = number();
-        constexpr double kRadians = M_PI / 180;
-        const double start = number() * kRadians;
-        const double sweep = number() * kRadians;
+        const double start = number() * kRadiansPerDegree;
+        const double sweep = number() * kRadiansPerDegree;
         const Point first { centre.x + radiusX * std::cos(start), centre.y + radiusY * std::sin(start) };
         constexpr double kSamePlace = 0.75;
         const Point gap = first - m_path.current();

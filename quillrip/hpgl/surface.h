@@ -1,5 +1,6 @@
 #pragma once
 
+#include "quillrip/base/color.h"
 #include "quillrip/base/diagnostics.h"
 #include "quillrip/base/geometry.h"
 #include "quillrip/fonts/faces/typeface.h"
@@ -9,30 +10,6 @@
 #include <memory>
 
 namespace quillrip::hpgl {
-
-/// A rectangle in page space, decipoints, y down.
-struct PageRect {
-    double left = 0;
-    double top = 0;
-    double right = 0;
-    double bottom = 0;
-
-    bool empty() const { return !(left < right && top < bottom); }
-    PageRect intersected(const PageRect& other) const
-    {
-        return { std::max(left, other.left), std::max(top, other.top), std::min(right, other.right),
-            std::min(bottom, other.bottom) };
-    }
-    /// As small as it can be with the point inside; start from nothing().
-    void include(Point point)
-    {
-        left = std::min(left, point.x);
-        top = std::min(top, point.y);
-        right = std::max(right, point.x);
-        bottom = std::max(bottom, point.y);
-    }
-    static PageRect nothing() { return { 1e300, 1e300, -1e300, -1e300 }; }
-};
 
 /// What a mark looks like.
 struct PenInk {
@@ -44,13 +21,13 @@ struct PenInk {
     bool isTransparent = true; ///< white pixels of the tile leave the page as it is
 };
 
-/// What a plot is drawn on, in page space. Everything is cut to the clip.
+/// What a plot is drawn on, in page space (decipoints, y down). Everything is cut to the clip.
 class Surface {
 public:
     virtual ~Surface() = default;
 
     /// One clip for lines, and one for everything else.
-    virtual void setClip(const PageRect& areas, const PageRect& lines) = 0;
+    virtual void setClip(const Rect& areas, const Rect& lines) = 0;
     virtual void stroke(const Path& path, const StrokeStyle& style, const PenInk& ink) = 0;
     virtual void fill(const Path& path, FillRule rule, const PenInk& ink) = 0;
     /// A glyph of a face by its mask; `glyphToPage` takes glyph space (y up) to page space.
@@ -60,8 +37,5 @@ public:
     /// False: outlines do as well as dashes and hatch lines.
     virtual bool needsDetail() const { return true; }
 };
-
-/// The points of a path, curves by their control points.
-PageRect boundsOf(const Path& path);
 
 } // namespace quillrip::hpgl

@@ -83,7 +83,7 @@ bool PlotVisit::hasEnded(Tokenizer& tokenizer) const
     return next > ' ' && next != kEscape;
 }
 
-void PlotVisit::covered(const hpgl::PageRect& raster)
+void PlotVisit::covered(const Rect& raster)
 {
     if (m_lent)
         m_lent->covered(raster);

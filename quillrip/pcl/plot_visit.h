@@ -34,7 +34,7 @@ public:
     /// False while a plot is only measured.
     bool needsPixels() const { return !m_lent || m_lent->needsPixels(); }
     /// A raster has ended that lay there.
-    void covered(const hpgl::PageRect& raster);
+    void covered(const Rect& raster);
 
 private:
     State& m_state;

@@ -48,7 +48,7 @@ void RasterSession::replaceLayout(RasterLayout layout)
     makePlanes();
 }
 
-hpgl::PageRect RasterSession::area() const
+Rect RasterSession::area() const
 {
     const auto decipoints = [](double units) { return units / kUnitsPerDecipoint; };
     const auto rows = static_cast<double>(m_setup.height ? std::min<std::int64_t>(m_row, *m_setup.height) : m_row);

@@ -56,7 +56,7 @@ public:
     /// Transfers were made that were not empty.
     bool hasData() const { return m_hasData; }
     /// Where the rows lie, in the raster's axes and decipoints: up to the cursor and not beyond the declared height.
-    hpgl::PageRect area() const;
+    Rect area() const;
     /// Other planes; only before there are data.
     void replaceLayout(RasterLayout layout);
 

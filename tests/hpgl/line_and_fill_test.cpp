@@ -10,7 +10,7 @@ using hpgl::DashedLine;
 using hpgl::LinePattern;
 using hpgl::LineVertex;
 
-const hpgl::PageRect kEverything { -1e6, -1e6, 1e6, 1e6 };
+const Rect kEverything { -1e6, -1e6, 1e6, 1e6 };
 constexpr double kThin = 1;
 
 /// Start and end of every dash along the x axis.
