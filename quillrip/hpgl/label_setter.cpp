@@ -86,6 +86,16 @@ double pathAdvance(const LabelMetrics& metrics, const TextState& text, double ad
     return advance + text.extraWidth * (metrics.isProportional ? advance : metrics.cellWidth);
 }
 
+/// From a character's reference point to its ink, plotter units; the strokes of stroked fonts start there.
+double leftBearing(const LabelMetrics& metrics, const LabelItem& item)
+{
+    Path outline;
+    const bool isScalable = metrics.font && metrics.font.face->traits().isScalable;
+    if (!isScalable || item.glyph == kNoGlyph || !metrics.font.face->outline(item.glyph, outline) || outline.empty())
+        return 0;
+    return outline.bounds().left * metrics.unitWidth;
+}
+
 /// The character of a code and its natural advance; false for codes that are no characters.
 bool findCharacter(const LabelMetrics& metrics, std::uint32_t code, bool isTransparent, LabelItem& item)
 {
@@ -264,6 +274,9 @@ void LabelSetter::setLine(LabelLine& line)
         shift.x += (1 - 2 * place.across) * first.originOffset;
         shift.y += (1 - 2 * place.high) * first.originOffset;
     }
+    // The ink of the line's first character starts at the point, not its bearing; 21 keeps that.
+    if (m_text.origin <= 3 && m_text.path == TextPath::Right)
+        shift.x -= leftBearing(first, line.items.front());
     for (const LabelItem& item : line.items) {
         if (item.glyph == kNoGlyph)
             continue;

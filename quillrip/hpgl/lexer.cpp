@@ -1,5 +1,7 @@
 #include "quillrip/hpgl/lexer.h"
 
+#include "quillrip/hpgl/number_reader.h"
+
 #include <algorithm>
 #include <cstring>
 
@@ -7,53 +9,17 @@ namespace quillrip::hpgl {
 
 namespace {
 
-/// Integers of the language reach 2^30 - 1; beyond, nothing is defined.
-constexpr double kLargestNumber = 1073741823;
-
-bool isDigit(int byte) { return byte >= '0' && byte <= '9'; }
-
-bool startsNumber(int byte) { return isDigit(byte) || byte == '.' || byte == '-' || byte == '+'; }
-
-/// A number in the sense of the language: no exponent, since E begins a mnemonic. False for signs and points without
-/// any digit, which are taken nevertheless.
+/// False for signs and points without any digit, which are taken nevertheless.
 bool readNumber(InputStream& input, double& number)
 {
-    bool isNegative = false;
-    int byte = input.peek();
-    if (byte == '-' || byte == '+') {
-        isNegative = byte == '-';
+    NumberReader reader;
+    while (reader.add(input.peek()))
         input.get();
-        byte = input.peek();
-    }
-    double value = 0;
-    bool hasDigits = false;
-    while (isDigit(byte)) {
-        hasDigits = true;
-        if (value <= kLargestNumber)
-            value = value * 10 + (byte - '0');
-        input.get();
-        byte = input.peek();
-    }
-    if (byte == '.') {
-        input.get();
-        byte = input.peek();
-        double fraction = 0;
-        double scale = 1;
-        while (isDigit(byte)) {
-            hasDigits = true;
-            if (scale < 1e15) {
-                fraction = fraction * 10 + (byte - '0');
-                scale *= 10;
-            }
-            input.get();
-            byte = input.peek();
-        }
-        value += fraction / scale;
-    }
-    value = std::min(value, kLargestNumber);
-    number = isNegative ? -value : value;
-    return hasDigits;
+    number = reader.value();
+    return reader.hasDigits();
 }
+
+bool isDigit(int byte) { return byte >= '0' && byte <= '9'; }
 
 } // namespace
 
@@ -93,7 +59,7 @@ bool Lexer::readNumbers(std::vector<double>& numbers, std::size_t atMost)
             m_input.get();
             return true;
         }
-        if (!startsNumber(byte)) {
+        if (!NumberReader::isStart(byte)) {
             m_input.get();
             continue;
         }
@@ -156,7 +122,7 @@ void skipParameterised(InputStream& input, int prefix)
     for (int count = 0; count < 512; ++count) {
         bool hasNumber = false;
         double number = 0;
-        if (startsNumber(input.peek()))
+        if (NumberReader::isStart(input.peek()))
             hasNumber = readNumber(input, number);
         const int byte = input.peek();
         if (byte < 0x20 || byte > 0x7E)
@@ -208,7 +174,7 @@ EscapeSequence readEscape(InputStream& input)
     } else if (second == '%') {
         input.get();
         double number = 0;
-        if (startsNumber(input.peek()))
+        if (NumberReader::isStart(input.peek()))
             readNumber(input, number);
         sequence.value = static_cast<int>(std::clamp(number, -32768.0, 32767.0));
         const int third = input.peek();

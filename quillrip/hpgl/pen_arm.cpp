@@ -51,12 +51,13 @@ void PenArm::follow(const Arc& arc)
     m_state.carriageReturn = m_state.pen;
 }
 
-/// A complete subpolygon by itself in the polygon buffer.
+/// A complete subpolygon by itself in the polygon buffer. Its centre is where the pen is, also behind a move with the
+/// pen up: that has drawn nothing which would lead back to its start.
 void PenArm::circle(double radius, double chord)
 {
     const Point toStart { radius, 0 };
     if (m_polygon.isOpen()) {
-        if (const auto start = m_polygon.closeSubpolygon(m_state.isPenDown))
+        if (const auto start = m_polygon.endBeforeCircle(m_state.isPenDown))
             m_state.pen = *start;
         m_polygon.add(m_state.pen + m_coordinates.vectorToPlotter(toStart), false, true);
         for (const LineVertex& vertex : pointsOf({ m_state.pen, toStart, 360, chord }))

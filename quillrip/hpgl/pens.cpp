@@ -15,7 +15,7 @@ constexpr double kWidestPen = 7e6;
 
 void Pens::initialise()
 {
-    m_selected = m_defaultPen;
+    m_selected = m_wasChosen ? -1 : m_firstPen;
     setWidthUnit(false);
 }
 

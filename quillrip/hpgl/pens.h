@@ -17,17 +17,16 @@ public:
     {
     }
 
-    /// As IN does: the default pen, and all widths.
+    /// As IN does: no pen, or the first one, and all widths.
     void initialise();
-    /// The pen that is selected without SP, in force from the next IN; -1 for none.
-    void setDefaultPen(int pen) { m_defaultPen = pen; }
+    /// The pen that draws before any SP, in force from the next IN; -1 for none. Once a pen was chosen, IN puts it
+    /// away.
+    void setFirstPen(int pen) { m_firstPen = pen; }
     /// SP; pens below 0 change nothing.
     void select(int pen);
     int selected() const { return m_selected; }
     /// Without a pen nothing is drawn.
     bool hasPen() const { return m_selected >= 0; }
-    /// SP was seen.
-    bool wasChosen() const { return m_wasChosen; }
 
     /// WU: widths as percent of the distance from P1 to P2, or in millimetres. All go back to their default.
     void setWidthUnit(bool isRelative);
@@ -44,8 +43,8 @@ private:
     const Palette& m_palette;
     const Coordinates& m_coordinates;
     int m_selected = -1;
-    int m_defaultPen = -1;
-    bool m_wasChosen = false;
+    int m_firstPen = -1;
+    bool m_wasChosen = false; ///< SP was seen
     bool m_widthsAreRelative = false;
     std::vector<double> m_widths; ///< by pen, millimetres or percent; pens beyond the end have the default
 };

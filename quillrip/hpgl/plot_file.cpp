@@ -37,20 +37,11 @@ public:
         const std::vector<std::uint8_t> kept = keep(source);
         const bool isOlder = !isSecondGeneration(ByteView(kept));
 
-        bool needsPen = false;
         std::vector<PlotFacts> facts;
         {
             MemoryInputStream bytes { ByteView(kept) };
             MeasuringPass pass(m_fonts, m_limits, m_environment, m_rasterLanguage);
-            prepare(pass.machine(), isOlder, false);
-            facts = pass.run(bytes);
-            needsPen = !pass.machine().plotter().pens.wasChosen();
-        }
-        if (needsPen) {
-            // Plots that never choose a pen are meant to be seen all the same.
-            MemoryInputStream bytes { ByteView(kept) };
-            MeasuringPass pass(m_fonts, m_limits, m_environment, m_rasterLanguage);
-            prepare(pass.machine(), isOlder, true);
+            prepare(pass.machine(), isOlder);
             facts = pass.run(bytes);
         }
 
@@ -65,7 +56,7 @@ public:
                 "the drawing is larger than any sheet and was reduced to fit one" });
         ReplayStream replay(kept, source);
         DrawingPass pass(m_device, m_fonts, sink, m_limits, m_rasterLanguage, std::move(pages));
-        prepare(pass.machine(), isOlder, needsPen);
+        prepare(pass.machine(), isOlder);
         m_status = pass.run(replay);
         if (m_status != RunStatus::Done)
             return End::Failed;
@@ -104,12 +95,12 @@ private:
         return kept;
     }
 
-    void prepare(Machine& machine, bool isOlder, bool needsPen) const
+    void prepare(Machine& machine, bool isOlder) const
     {
         if (const DefaultPoints* points = isOlder ? defaultPointsFor(assumedPaper(m_environment)) : nullptr)
             machine.plotter().coordinates.setDefaultPoints(points->p1, points->p2);
-        if (needsPen)
-            machine.plotter().pens.setDefaultPen(1);
+        // Plots that choose no pen, or none before their first marks, are meant to be seen all the same.
+        machine.plotter().pens.setFirstPen(1);
         machine.powerOn();
     }
 

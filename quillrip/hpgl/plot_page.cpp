@@ -13,8 +13,10 @@ namespace {
 /// Sizes that a whole sheet can have: half a centimetre to five metres.
 constexpr double kSmallestSheet = 200;
 constexpr double kLargestSheet = 200000;
-/// Drawings may lie so far beyond a sheet's edge, half a heavy pen.
-constexpr double kSlack = 80;
+/// Drawings may lie beyond a sheet's edge by so much: half a heavy pen, but of small drawings, whose own measure that
+/// would be, no more than half an ordinary one.
+constexpr double kMostSlack = 80;
+constexpr double kLeastSlack = 10;
 constexpr double kMargin = 400;
 
 /// Long edge first.
@@ -42,6 +44,12 @@ bool isNear(double a, double b)
 {
     constexpr double kTolerance = 0.015;
     return std::abs(a - b) <= kTolerance * b;
+}
+
+double slackOf(const Rect& extent)
+{
+    constexpr double kShare = 0.01;
+    return std::clamp(kShare * std::max(extent.width(), extent.height()), kLeastSlack, kMostSlack);
 }
 
 /// The standard sheet that a size is meant to be, or the size itself.
@@ -73,7 +81,7 @@ std::optional<Point> smallestSheet(Point size, bool isMetric)
 /// A sheet that a rectangle of the plot itself stands for.
 std::optional<Placed> fromRectangle(const std::optional<Rect>& rect, const Rect& extent, bool isMetric)
 {
-    if (!rect || !rect->contains(extent, kSlack))
+    if (!rect || !rect->contains(extent, slackOf(extent)))
         return std::nullopt;
     constexpr double kLeast = 2000;
     const Point size = sizeOf(*rect);
@@ -97,9 +105,13 @@ std::optional<Placed> fromRectangle(const std::optional<Rect>& rect, const Rect&
 Placed fromExtent(const Rect& extent, bool isMetric)
 {
     const Point size = sizeOf(extent);
-    if (extent.left >= -kSlack && extent.top >= -kSlack) {
-        if (const auto sheet = smallestSheet(highOf(extent) - Point { kSlack, kSlack }, isMetric))
-            return { *sheet, {} };
+    const double slack = slackOf(extent);
+    if (extent.left >= -slack && extent.top >= -slack) {
+        // What reaches farther than a pen does is not cut off: the sheet lies lower.
+        const Point lowerLeft { extent.left < -kLeastSlack ? extent.left : 0,
+            extent.top < -kLeastSlack ? extent.top : 0 };
+        if (const auto sheet = smallestSheet(highOf(extent) - lowerLeft - Point { slack, slack }, isMetric))
+            return { *sheet, lowerLeft };
     }
     const auto isCentred = [](double low, double high) {
         constexpr double kLopsided = 0.2;
@@ -143,7 +155,7 @@ Placed place(const PlotFacts& facts, const Environment& environment)
     const bool isMetric = environment.prefersMetricPaper;
     const Point assumed = assumedPaper(environment);
     const Placed paper = upright(assumed.x, assumed.y);
-    if (facts.usesDefaultPoints && Rect { 0, 0, paper.size.x, paper.size.y }.contains(extent, kSlack))
+    if (facts.usesDefaultPoints && Rect { 0, 0, paper.size.x, paper.size.y }.contains(extent, slackOf(extent)))
         return paper;
     if (const auto window = fromRectangle(facts.inputWindow, extent, isMetric))
         return *window;

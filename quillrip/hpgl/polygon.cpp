@@ -1,5 +1,7 @@
 #include "quillrip/hpgl/polygon.h"
 
+#include <algorithm>
+
 namespace quillrip::hpgl {
 
 void Polygon::clear()
@@ -34,6 +36,23 @@ bool Polygon::closeSubpolygon(bool isPenDown, Point& pen)
         m_vertices.push_back({ first, isPenDown, true });
     pen = first;
     return true;
+}
+
+bool Polygon::hasDrawnEdge() const
+{
+    if (!m_isOpen)
+        return false;
+    const auto first = m_vertices.begin() + static_cast<std::ptrdiff_t>(m_starts.back());
+    return std::any_of(first + 1, m_vertices.end(), [](const Vertex& vertex) { return vertex.isPenDown; });
+}
+
+void Polygon::dropSubpolygon()
+{
+    if (!m_isOpen)
+        return;
+    m_vertices.resize(m_starts.back());
+    m_starts.pop_back();
+    m_isOpen = false;
 }
 
 Path Polygon::outline(const Matrix& matrix) const

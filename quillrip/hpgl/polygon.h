@@ -3,6 +3,7 @@
 #include "quillrip/base/geometry.h"
 #include "quillrip/raster/paths/path.h"
 
+#include <cstddef>
 #include <vector>
 
 namespace quillrip::hpgl {
@@ -25,7 +26,10 @@ public:
     /// Ends the subpolygon in progress with an edge to its start, where it does not stand there already. One without
     /// any edge is dropped. Tells where the pen then stands.
     bool closeSubpolygon(bool isPenDown, Point& pen);
-    bool hasOpenSubpolygon() const { return m_isOpen; }
+    /// The subpolygon in progress has an edge that the pen drew.
+    bool hasDrawnEdge() const;
+    /// Forgets the subpolygon in progress.
+    void dropSubpolygon();
 
     std::size_t subpolygonCount() const { return m_starts.size(); }
     const Vertex* begin(std::size_t subpolygon) const { return m_vertices.data() + m_starts[subpolygon]; }

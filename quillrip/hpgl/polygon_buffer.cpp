@@ -34,4 +34,12 @@ std::optional<Point> PolygonBuffer::closeSubpolygon(bool isPenDown)
     return start;
 }
 
+std::optional<Point> PolygonBuffer::endBeforeCircle(bool isPenDown)
+{
+    if (m_polygon.hasDrawnEdge())
+        return closeSubpolygon(isPenDown);
+    m_polygon.dropSubpolygon();
+    return std::nullopt;
+}
+
 } // namespace quillrip::hpgl

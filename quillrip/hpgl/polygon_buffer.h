@@ -29,6 +29,9 @@ public:
     /// Ends the subpolygon in progress with an edge to its start, which is where the pen then stands; nothing when
     /// there was none.
     std::optional<Point> closeSubpolygon(bool isPenDown);
+    /// A circle comes, a subpolygon by itself, so the one in progress ends: by closeSubpolygon() if the pen drew any of
+    /// it; a mere move with the pen up is forgotten.
+    std::optional<Point> endBeforeCircle(bool isPenDown);
     /// Puts another polygon into the buffer: rectangles and wedges do so, whatever the mode.
     void replace(Polygon polygon) { m_polygon = std::move(polygon); }
 

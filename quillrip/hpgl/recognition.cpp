@@ -1,6 +1,8 @@
 #include "quillrip/hpgl/recognition.h"
 
 #include "quillrip/hpgl/mnemonics.h"
+#include "quillrip/hpgl/number_reader.h"
+#include "quillrip/hpgl/plotter_units.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -19,7 +21,6 @@ constexpr int kFailuresAllowed = 1;
 constexpr int kShortPlot = 4;
 /// Plotter units; a little more than the long edge of the largest sheet that desktop printers take.
 constexpr double kLargeFormat = 17400;
-constexpr double kUnitsPerInch = 1016;
 
 bool isSpace(int byte) { return byte == ' ' || byte == '\t' || byte == '\r' || byte == '\n' || byte == 0; }
 
@@ -94,8 +95,8 @@ public:
             }
             // A coarse raster can be too wide by mistake, and printers cut it.
             constexpr double kFineDotsPerInch = 150;
-            const bool isWide
-                = m_dotsPerInch >= kFineDotsPerInch && m_rasterWidth / m_dotsPerInch * kUnitsPerInch > kLargeFormat;
+            const bool isWide = m_dotsPerInch >= kFineDotsPerInch
+                && m_rasterWidth / m_dotsPerInch * kPlotterUnitsPerInch > kLargeFormat;
             const bool asksForPage = m_page.hasBegun || m_page.hasSize || isWide;
             if ((asksForPage && m_hasRaster) || (m_page.hasBothEdges && (m_page.hasBegun || m_page.isLarge)))
                 return true;
@@ -119,10 +120,15 @@ private:
             ++m_at;
     }
 
+    /// Measuring instruments begin with control bytes of their interface.
     Verdict skipPrelude()
     {
         for (;;) {
             skipSeparators();
+            if (peek() >= 0 && peek() < ' ' && peek() != kEscape) {
+                ++m_at;
+                continue;
+            }
             if (peek() != kEscape)
                 return Verdict::Open;
             if (startsWith("\x1b%-1B"))
@@ -148,16 +154,15 @@ private:
         if (first != 'P' || second != 'S')
             return;
         int edges = 0;
-        double edge = 0;
-        for (std::size_t at = 2; at < command.size; ++at) {
-            const bool isInNumber = isDigit(command[at]);
-            if (isInNumber && !isDigit(command[at - 1])) {
-                ++edges;
-                edge = 0;
-            }
-            if (isInNumber)
-                edge = edge * 10 + (command[at] - '0');
-            m_page.isLarge = m_page.isLarge || edge > kLargeFormat;
+        std::size_t at = 2;
+        while (at < command.size) {
+            NumberReader reader;
+            const std::size_t start = at;
+            while (at < command.size && reader.add(command[at]))
+                ++at;
+            edges += reader.hasDigits() ? 1 : 0;
+            m_page.isLarge = m_page.isLarge || reader.value() > kLargeFormat;
+            at += at == start ? 1 : 0;
         }
         m_page.hasSize = m_page.hasSize || edges > 0;
         m_page.hasBothEdges = m_page.hasBothEdges || edges == 2;
@@ -259,14 +264,11 @@ private:
             }
             if (isUpper(byte) || isLower(byte) || byte == kEscape)
                 return isClean;
-            if (isDigit(byte) || byte == '.' || byte == '-' || byte == '+') {
-                ++m_at;
-                bool hasDigit = isDigit(byte);
-                while (isDigit(peek()) || peek() == '.') {
-                    hasDigit = hasDigit || isDigit(peek());
+            if (NumberReader::isStart(byte)) {
+                NumberReader reader;
+                while (reader.add(peek()))
                     ++m_at;
-                }
-                isClean = isClean && hasDigit;
+                isClean = isClean && reader.hasDigits();
                 ++count;
                 continue;
             }

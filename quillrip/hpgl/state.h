@@ -1,7 +1,7 @@
 #pragma once
 
 #include "quillrip/base/geometry.h"
-#include "quillrip/base/units.h"
+#include "quillrip/hpgl/plotter_units.h"
 #include "quillrip/raster/compose/raster_operation.h"
 #include "quillrip/raster/paths/stroke_style.h"
 
@@ -10,12 +10,6 @@
 
 namespace quillrip::hpgl {
 
-/// Plotter units to the inch.
-constexpr double kPlotterUnitsPerInch = 1016;
-/// Plotter units to the millimetre.
-constexpr double kPlotterUnitsPerMillimetre = 40;
-constexpr double kDecipointsPerPlotterUnit = kDecipointsPerInch / kPlotterUnitsPerInch;
-constexpr double kPlotterUnitsPerDecipoint = kPlotterUnitsPerInch / kDecipointsPerInch;
 /// The pen's colour where the shape is.
 constexpr std::uint8_t kDefaultRasterOperation = rop::kTextureOrSource;
 

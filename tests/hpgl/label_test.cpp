@@ -46,6 +46,35 @@ TEST(HpglLabel, OriginsPlaceTheBox)
     }
 }
 
+/// The leftmost column with ink, in plotter units.
+int leftOfInk(PlotSheet& sheet)
+{
+    for (int x = 0; x < 1020; x += 10) {
+        if (sheet.inkCount(x, 0, x + 10, 1016) > 0)
+            return x;
+    }
+    return -1;
+}
+
+// A scalable face in 48 points, an I of which has a bearing of several pixels.
+const std::string kScalable = "IN;SP1;SD1,21,2,1,4,48,7,4148;SS;PU300,300;";
+
+TEST(HpglLabel, InkOfScalableFacesStartsAtThePoint)
+{
+    for (const char* origin : { "LO1;", "LO2;", "LO3;" }) {
+        PlotSheet sheet;
+        sheet.run(kScalable + origin + "LBI\x03");
+        EXPECT_NEAR(leftOfInk(sheet), 300, 10) << origin;
+    }
+}
+
+TEST(HpglLabel, Origin21KeepsTheBearing)
+{
+    PlotSheet sheet;
+    sheet.run(kScalable + "LO21;LBI\x03");
+    EXPECT_GT(leftOfInk(sheet), 325);
+}
+
 TEST(HpglLabel, CarriageReturnAndLineFeedStartTheNextLine)
 {
     PlotSheet sheet;

@@ -90,6 +90,49 @@ TEST(HpglPlotFile, WithoutAWordTheSmallestSheetHoldsTheDrawing)
     EXPECT_NEAR(letter.width(0), 1118, 1);
 }
 
+TEST(HpglPlotFile, SmallDrawingsBelowZeroAreNotCutOff)
+{
+    // 1.5 mm would be little of a large drawing; of this one it is a sixth.
+    const Printed printed("IN;SP1;PW.1;PU-60,-60;PD300,-60,300,300,-60,300,-60,-60;PU;");
+    ASSERT_EQ(printed.device.pages().size(), 1u);
+    EXPECT_NEAR(printed.width(0), 116, 2); // the drawing and a margin of a centimetre
+    for (const double side : { 405.0, 755.0 }) {
+        EXPECT_TRUE(printed.hasLine(0, side, 600)) << side;
+        EXPECT_TRUE(printed.hasLine(0, 600, side)) << side;
+    }
+}
+
+TEST(HpglPlotFile, LargeDrawingsALittleBelowZeroKeepTheirSheetAndAreNotCutOff)
+{
+    const Printed printed("IN;SP1;PW.1;PU-60,-60;PD9000,-60,9000,7000,-60,7000,-60,-60;PU;");
+    ASSERT_EQ(printed.device.pages().size(), 1u);
+    EXPECT_NEAR(printed.width(0), 1188, 1);
+    EXPECT_NEAR(printed.height(0), 840, 1);
+    EXPECT_TRUE(printed.hasLine(0, 5, 3000)); // the left side
+    EXPECT_TRUE(printed.hasLine(0, 3000, 5)); // the lower one
+    EXPECT_TRUE(printed.hasLine(0, 9060, 3000));
+}
+
+TEST(HpglPlotFile, MarksBeforeAnyPenArePenOnes)
+{
+    const Printed putAway("IN;PU1000,1000;PD3000,1000;PU;SP0;");
+    ASSERT_EQ(putAway.device.pages().size(), 1u);
+    EXPECT_TRUE(putAway.hasLine(0, 2000, 1000));
+    const Printed changed("IN;PU1000,1000;PD3000,1000;PU;SP2;PU1000,2000;PD3000,2000;PU;SP0;");
+    ASSERT_EQ(changed.device.pages().size(), 1u);
+    EXPECT_TRUE(changed.hasLine(0, 2000, 1000));
+    EXPECT_TRUE(changed.hasLine(0, 2000, 2000));
+}
+
+TEST(HpglPlotFile, APenThatWasPutAwayDrawsNothing)
+{
+    const Printed printed("IN;SP1;PU1000,1000;PD3000,1000;PU;SP0;PU1000,2000;PD3000,2000;IN;PU1000,3000;PD3000,3000;");
+    ASSERT_EQ(printed.device.pages().size(), 1u);
+    EXPECT_TRUE(printed.hasLine(0, 2000, 1000));
+    EXPECT_FALSE(printed.hasLine(0, 2000, 2000));
+    EXPECT_FALSE(printed.hasLine(0, 2000, 3000)); // IN puts it away too
+}
+
 TEST(HpglPlotFile, DrawingsRoundTheOriginHaveItInTheMiddle)
 {
     const Printed printed("IN;SP1;PU-5000,-3000;PD5000,3000;");

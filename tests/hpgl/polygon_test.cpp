@@ -34,6 +34,38 @@ TEST(HpglPolygon, SubpolygonsMakeHoles)
     EXPECT_FALSE(sheet.hasInk(150, 950));
 }
 
+TEST(HpglPolygon, CirclesBehindAMoveStandWhereThePenIs)
+{
+    // As board plots draw their pads: the polygon begins elsewhere, and a move with the pen up leads to the centre.
+    PlotSheet sheet;
+    sheet.run("IN;SP1;PU100,900;PM0;PU700,300;CI150;PM2;FP;");
+    EXPECT_TRUE(sheet.hasInk(700, 300));
+    EXPECT_TRUE(sheet.hasInk(815, 305));
+    EXPECT_TRUE(sheet.hasInk(585, 305));
+    EXPECT_EQ(sheet.inkCount(540, 140, 860, 460), sheet.inkCount()); // and the move is no edge
+}
+
+TEST(HpglPolygon, CirclesCloseWhatThePenHasDrawn)
+{
+    PlotSheet sheet;
+    sheet.run("IN;SP1;PU100,100;PM0;PD500,100,500,500;CI60;PM2;PU;EP;");
+    EXPECT_TRUE(sheet.hasLine(300, 300)); // the closing edge
+    EXPECT_TRUE(sheet.hasLine(160, 100));
+    EXPECT_TRUE(sheet.hasLine(40, 100)); // round the first point, where that edge has led
+    EXPECT_EQ(sheet.inkCount(510, 510, 1000, 1000), 0);
+}
+
+TEST(HpglPolygon, CirclesFollowEachOther)
+{
+    PlotSheet sheet;
+    sheet.run("IN;SP1;PM0;PU200,200;CI100;PU800,800;CI100;PM2;FP;");
+    EXPECT_TRUE(sheet.hasInk(205, 205));
+    EXPECT_TRUE(sheet.hasInk(805, 805));
+    EXPECT_FALSE(sheet.hasInk(500, 500));
+    EXPECT_FALSE(sheet.hasInk(320, 200));
+    EXPECT_FALSE(sheet.hasInk(680, 800));
+}
+
 TEST(HpglPolygon, WindingFillsWhatEvenOddLeavesOut)
 {
     const std::string star = "IN;SP1;PU100,100;PM0;PD900,100,900,900,100,900,100,100,900,100,900,900,100,900;PM2;";

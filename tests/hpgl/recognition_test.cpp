@@ -24,6 +24,19 @@ TEST(HpglRecognition, KnowsWhatGeneratorsWrite)
     EXPECT_TRUE(looks("DF;CO \"made by hand; with care\";SP1;PU0,0;LBany text at all\x03PD1,1;"));
 }
 
+TEST(HpglRecognition, InstrumentsBeginAsTheyLike)
+{
+    const std::string plot = "IN;SP1;PU100,100;PD200,200;PU;";
+    EXPECT_TRUE(looks("\x03" + plot));
+    EXPECT_TRUE(looks("\x03\x03\x11" + plot));
+    EXPECT_TRUE(looks(";;;;" + plot));
+    EXPECT_TRUE(looks("OE;" + plot));
+    EXPECT_TRUE(looks("OI;OS;SP1;PU100,100;PD200,200;PU;"));
+    EXPECT_FALSE(looks("\x03"
+                       "Of the beginning, and of lines."));
+    EXPECT_FALSE(looks("OE;OI;")); // nothing is drawn
+}
+
 TEST(HpglRecognition, DeviceControlsAndPlotterModeDecideAtOnce)
 {
     EXPECT_TRUE(looks("\x1b.Y\x1b.I81;;17:"));
