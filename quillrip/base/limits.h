@@ -10,6 +10,7 @@ namespace quillrip {
 struct Limits {
     std::uint64_t pageBytes = std::uint64_t { 1 } << 30; ///< one page's bitmap
     std::uint32_t pages = 100000;
+    std::uint64_t outputBytes = 0; ///< all files of the output together; 0: in proportion to the job's bytes
     std::size_t fontBytes = std::size_t { 256 } << 20; ///< all soft fonts together
     std::size_t patternBytes = std::size_t { 64 } << 20; ///< all user patterns together
     /// All macros or user streams together, and what of them is run for one page.

@@ -18,10 +18,17 @@ struct Arguments {
     std::optional<int> fax;
     std::string output;
     std::string input;
+    bool isDurable = false;
+    std::optional<int> mostPages;
+    std::optional<int> mostOutput;
+    int mostSeconds = 24 * 60 * 60;
 };
 
 constexpr int kHighestResolution = 2400;
 constexpr int kLargestSize = 1000000;
+constexpr int kMostPages = 100000;
+constexpr int kMostMegabytes = 100000000;
+constexpr int kMostSeconds = 10000000;
 
 std::optional<int> wholeNumber(const std::string& text, int lowest, int highest)
 {
@@ -80,6 +87,31 @@ bool takeFax(Arguments& arguments, const std::string& value)
     return arguments.fax.has_value();
 }
 
+bool takeSync(Arguments& arguments, const std::string& value)
+{
+    arguments.isDurable = value == "y";
+    return value == "y" || value == "n";
+}
+
+bool takeLimitPages(Arguments& arguments, const std::string& value)
+{
+    arguments.mostPages = wholeNumber(value, 1, kMostPages);
+    return arguments.mostPages.has_value();
+}
+
+bool takeLimitOutput(Arguments& arguments, const std::string& value)
+{
+    arguments.mostOutput = wholeNumber(value, 1, kMostMegabytes);
+    return arguments.mostOutput.has_value();
+}
+
+bool takeLimitSeconds(Arguments& arguments, const std::string& value)
+{
+    const auto seconds = wholeNumber(value, 1, kMostSeconds);
+    arguments.mostSeconds = seconds.value_or(0);
+    return seconds.has_value();
+}
+
 // The window says whether printers' resources may be written to the local disk; quillrip writes none at all.
 bool takeWriteLocal(Arguments&, const std::string& value) { return value == "y" || value == "n"; }
 
@@ -109,7 +141,8 @@ constexpr std::array s_options {
         "The image file; its extension says the type: .bmp .png .jpg .jpeg .pcx .tif .tiff.\n"
         "A TIFF holds all pages; else page 2 goes to OUT's name with _p0002 before the extension, and so on.",
         takeOutput },
-    Option { "-i", "IN", "the path of the print job", "The print job. Its kind is found from its content.", takeInput },
+    Option { "-i", "IN", "the path of the print job",
+        "The print job, or - for standard input. Its kind is found from its content.", takeInput },
     Option { "-r", "XxY", "two whole numbers from 1 to 2400, such as 300x300",
         "Resolution across and down, dots per inch, 1 to 2400 each. Default 300x300.", takeResolution },
     Option { "-gw", "W", "a whole number of pixels from 1 to 1000000",
@@ -130,6 +163,19 @@ constexpr std::array s_options {
         "A fax (TIFF class F, 1,728 pixels wide): 0 normal, 204x98; 1 fine, 204x196.\n"
         "-b, -c, -r, -gw and -gh then have no effect. No effect on other types.",
         takeFax },
+    Option { "-sync", "y|n", "y or n",
+        "y: the files are on the disk, safe from a loss of power, when quillrip ends with 0 or 4. Default n: only "
+        "those\n"
+        "that replace a file are.",
+        takeSync },
+    Option { "-limit-pages", "N", "a whole number from 1 to 100000",
+        "A job of more pages ends with 5 and leaves no file. Default 100000.", takeLimitPages },
+    Option { "-limit-output", "MB", "a whole number of megabytes from 1 to 100000000",
+        "A job whose images need more megabytes, of 1,048,576 bytes, ends likewise.\n"
+        "Default 4096 and another for each byte of the job.",
+        takeLimitOutput },
+    Option { "-limit-seconds", "S", "a whole number of seconds from 1 to 10000000",
+        "A job that takes longer, in real time, ends likewise. Default 86400, a day.", takeLimitSeconds },
     Option { "-writelocal", "y|n", "y or n", "Accepted for the window's sake: no job ever writes any other file.",
         takeWriteLocal },
 };
@@ -148,7 +194,12 @@ Request conversionOf(const Arguments& arguments)
         return UsageError { "the type of " + arguments.output
             + " is not known by its extension: use .bmp, .png, .jpg, .jpeg, .pcx, .tif or .tiff" };
 
-    ConversionOptions options;
+    Convert conversion;
+    conversion.seconds = static_cast<std::uint32_t>(arguments.mostSeconds);
+    ConversionOptions& options = conversion.options;
+    options.document.isDurable = arguments.isDurable;
+    options.limits.pages = static_cast<std::uint32_t>(arguments.mostPages.value_or(kMostPages));
+    options.limits.outputBytes = static_cast<std::uint64_t>(arguments.mostOutput.value_or(0)) << 20;
     options.inputPath = arguments.input;
     options.document.path = arguments.output;
     options.document.type = *type;
@@ -156,7 +207,7 @@ Request conversionOf(const Arguments& arguments)
         options.document.fax = true;
         options.page.format = PixelFormat::Bilevel;
         options.page.fax = *arguments.fax == 0 ? FaxMode::Normal : FaxMode::Fine;
-        return options;
+        return conversion;
     }
     if (*type == FileType::Tiff)
         options.document.compression = static_cast<TiffCompression>(arguments.compression);
@@ -167,7 +218,7 @@ Request conversionOf(const Arguments& arguments)
     const std::string reason = reasonAgainst(options.document, options.page.format);
     if (!reason.empty())
         return UsageError { reason };
-    return options;
+    return conversion;
 }
 
 void appendIndented(std::string& text, const char* lines, const char* indent)

@@ -2,6 +2,7 @@
 
 #include "quillrip/job/conversion.h"
 
+#include <cstdint>
 #include <string>
 #include <variant>
 #include <vector>
@@ -14,7 +15,11 @@ struct ShowVersion { };
 struct UsageError {
     std::string message; ///< a sentence without full stop
 };
-using Request = std::variant<ConversionOptions, ShowHelp, ShowVersion, UsageError>;
+struct Convert {
+    ConversionOptions options;
+    std::uint32_t seconds = 0; ///< how long it may take in real time; 0: for ever
+};
+using Request = std::variant<Convert, ShowHelp, ShowVersion, UsageError>;
 
 /// `arguments` without the program's name. Numbers are read completely or refused; the last of several equal options
 /// counts; every option has its value in the next argument.

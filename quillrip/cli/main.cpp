@@ -1,12 +1,22 @@
 #include "quillrip/cli/command_line.h"
+#include "quillrip/cli/printable.h"
 #include "quillrip/cli/version.h"
+#include "quillrip/cli/watchdog.h"
 
 #include <csignal>
 #include <cstdio>
+#include <new>
+#include <string>
+#include <variant>
+#include <vector>
 
 namespace {
 
 using namespace quillrip;
+
+void say(const std::string& line) { std::fprintf(stderr, "quillrip: %s\n", cli::printable(line).c_str()); }
+
+std::string nameOf(const std::string& file) { return file == "-" ? "standard input" : file; }
 
 /// One line for each warning on standard error.
 class WarningPrinter final : public DiagnosticSink {
@@ -18,12 +28,11 @@ public:
 
     void report(const Diagnostic& diagnostic) override
     {
-        std::fprintf(stderr, "quillrip: %s: warning: %s (offset %llu)\n", m_file.c_str(), diagnostic.message.c_str(),
-            static_cast<unsigned long long>(diagnostic.offset));
+        say(m_file + ": warning: " + diagnostic.message + " (offset " + std::to_string(diagnostic.offset) + ")");
     }
 
 private:
-    const std::string& m_file;
+    std::string m_file;
 };
 
 int exitCodeOf(ConversionStatus status)
@@ -45,15 +54,11 @@ int exitCodeOf(ConversionStatus status)
     return 5;
 }
 
-} // namespace
-
-int main(int count, char** words)
+int run(const std::vector<std::string>& words)
 {
-    // A file that may not grow is a failed write like any other, and no reason to die without a word.
-    std::signal(SIGXFSZ, SIG_IGN);
-    const cli::Request request = cli::parseCommandLine(std::vector<std::string>(words + (count > 0), words + count));
+    const cli::Request request = cli::parseCommandLine(words);
     if (const auto* error = std::get_if<cli::UsageError>(&request)) {
-        std::fprintf(stderr, "quillrip: %s (quillrip --help tells more)\n", error->message.c_str());
+        say(error->message + " (quillrip --help tells more)");
         return 1;
     }
     if (std::holds_alternative<cli::ShowHelp>(request)) {
@@ -64,10 +69,29 @@ int main(int count, char** words)
         std::printf("quillrip %s\n", cli::kVersion);
         return 0;
     }
-    const auto& options = std::get<ConversionOptions>(request);
-    WarningPrinter warnings(options.inputPath);
-    const ConversionResult result = convert(options, warnings);
+    const auto& [options, seconds] = std::get<cli::Convert>(request);
+    const std::string input = nameOf(options.inputPath);
+    WarningPrinter warnings(input);
+    cli::Watchdog watchdog(seconds, cli::printable(input));
+    const ConversionResult result = convert(options, warnings, [&watchdog] { watchdog.rest(); });
+    watchdog.rest();
     if (result.status != ConversionStatus::Done)
-        std::fprintf(stderr, "quillrip: %s: %s\n", result.file.c_str(), result.reason.c_str());
+        say(nameOf(result.file) + ": " + result.reason);
     return exitCodeOf(result.status);
+}
+
+} // namespace
+
+int main(int count, char** words)
+{
+    // A file that may not grow is a failed write like any other, and no reason to die without a word; nor is a reader
+    // of messages who has gone.
+    std::signal(SIGXFSZ, SIG_IGN);
+    std::signal(SIGPIPE, SIG_IGN);
+    try {
+        return run(std::vector<std::string>(words + (count > 0), words + count));
+    } catch (const std::bad_alloc&) {
+        std::fputs("quillrip: there is not enough memory\n", stderr);
+        return exitCodeOf(ConversionStatus::LimitExceeded);
+    }
 }

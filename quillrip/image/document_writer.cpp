@@ -68,9 +68,13 @@ public:
 
     bool failForMemory()
     {
-        m_reason = "not enough memory";
+        m_isOutOfMemory = true;
+        m_reason = "there is not enough memory";
         return false;
     }
+
+    void setMostBytes(std::uint64_t bytes) { m_files.setMostBytes(bytes); }
+    bool isLimitExceeded() const { return m_isOutOfMemory || m_pipeline.isOutOfMemory() || m_files.isOverspent(); }
 
     const std::string& reason() const { return m_reason; }
     int pageCount() const { return m_pageCount; }
@@ -79,7 +83,8 @@ private:
     std::unique_ptr<PageEncoder> makeEncoder(PageBitmap&& page)
     {
         if (page.isNull()) {
-            m_reason = "not enough memory for a page";
+            m_isOutOfMemory = true;
+            m_reason = "there is not enough memory for a page";
             return nullptr;
         }
         m_reason = reasonAgainst(m_options, page.format());
@@ -116,6 +121,7 @@ private:
     EncodingPipeline m_pipeline; // last: its threads end before what they use
     std::string m_reason;
     int m_pageCount = 0;
+    bool m_isOutOfMemory = false;
 };
 
 std::unique_ptr<DocumentWriter> DocumentWriter::create(const DocumentOptions& options, std::string& reason)
@@ -151,6 +157,8 @@ bool DocumentWriter::commit()
     }
 }
 
+void DocumentWriter::setMostBytes(std::uint64_t bytes) { m_implementation->setMostBytes(bytes); }
+bool DocumentWriter::isLimitExceeded() const { return m_implementation->isLimitExceeded(); }
 const std::string& DocumentWriter::reason() const { return m_implementation->reason(); }
 int DocumentWriter::pageCount() const { return m_implementation->pageCount(); }
 

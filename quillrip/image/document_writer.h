@@ -3,6 +3,7 @@
 #include "quillrip/base/page_bitmap.h"
 #include "quillrip/image/document_options.h"
 
+#include <cstdint>
 #include <memory>
 #include <string>
 
@@ -32,6 +33,11 @@ public:
     /// Waits for all pages and makes their files appear. False, with reason(), when that failed: then none of this
     /// document's files is there and former files are as they were. A document without pages commits no file.
     [[nodiscard]] bool commit();
+
+    /// What all files together may have from now on.
+    void setMostBytes(std::uint64_t bytes);
+    /// The failure is that of a limit, of memory or of setMostBytes(), and not of the files.
+    bool isLimitExceeded() const;
 
     /// What went wrong, as a sentence without full stop; begins with the file's name when that is not the document's
     /// own path. Empty while all is well.

@@ -15,7 +15,7 @@ constexpr std::size_t kBytesInWork = std::size_t { 16 } << 20;
 /// Pieces of a page that are encoded and wait for one before them, per thread.
 constexpr int kPiecesAhead = 4;
 
-constexpr const char* kOutOfMemory = "not enough memory to encode a page";
+constexpr const char* kOutOfMemory = "there is not enough memory to encode a page";
 
 std::size_t bytesOf(const PageBitmap& page) { return page.stride() * static_cast<std::size_t>(page.height()); }
 
@@ -76,7 +76,7 @@ bool EncodingPipeline::add(std::unique_ptr<PageEncoder> encoder)
     while (m_threads.size() < threads && startThread()) { }
     // A system that gives us no thread at all gets its pages encoded here.
     while (m_threads.empty() && !m_hasFailed && !m_jobs.empty())
-        encodeOnePiece(lock, *m_jobs.front());
+        encodeOnePieceOrFail(lock, *m_jobs.front());
     m_workChanged.notify_all();
     return !m_hasFailed;
 }
@@ -91,7 +91,13 @@ bool EncodingPipeline::drain()
 std::string EncodingPipeline::encodingReason() const
 {
     const std::lock_guard<std::mutex> lock { m_mutex };
-    return m_reason;
+    return m_isOutOfMemory ? kOutOfMemory : m_reason;
+}
+
+bool EncodingPipeline::isOutOfMemory() const
+{
+    const std::lock_guard<std::mutex> lock { m_mutex };
+    return m_isOutOfMemory;
 }
 
 EncodingPipeline::Job* EncodingPipeline::nextJob()
@@ -110,7 +116,23 @@ void EncodingPipeline::run()
         m_workChanged.wait(lock, [&] { return m_isEnding || (!m_hasFailed && (job = nextJob()) != nullptr); });
         if (m_isEnding)
             return;
-        encodeOnePiece(lock, *job);
+        encodeOnePieceOrFail(lock, *job);
+    }
+}
+
+void EncodingPipeline::encodeOnePieceOrFail(std::unique_lock<std::mutex>& lock, Job& job)
+{
+    // No exception may leave a thread, and to keep a sentence about missing memory would need some.
+    try {
+        encodeOnePiece(lock, job);
+    } catch (const std::bad_alloc&) {
+        if (!lock.owns_lock())
+            lock.lock();
+        m_isOutOfMemory = true;
+        m_hasFailed = true;
+        m_isWriting = false;
+        m_progressed.notify_all();
+        m_workChanged.notify_all();
     }
 }
 
@@ -120,12 +142,7 @@ void EncodingPipeline::encodeOnePiece(std::unique_lock<std::mutex>& lock, Job& j
     job.slots.emplace_back();
     lock.unlock();
     EncodedPiece piece;
-    std::string reason;
-    try {
-        reason = job.encoder->encode(number, piece);
-    } catch (const std::bad_alloc&) {
-        reason = kOutOfMemory;
-    }
+    const std::string reason = job.encoder->encode(number, piece);
     lock.lock();
     if (!reason.empty()) {
         m_reason = m_reason.empty() ? reason : m_reason;
@@ -151,21 +168,14 @@ void EncodingPipeline::writeWhatIsDone(std::unique_lock<std::mutex>& lock)
         const bool isFirst = job.written == 0;
         const bool isLast = job.written == job.pieceCount - 1;
         lock.unlock();
-        bool isGood = false;
-        bool isOutOfMemory = false;
-        try {
-            isGood = (!isFirst || job.encoder->begin()) && job.encoder->write(piece) && (!isLast || job.encoder->end());
-        } catch (const std::bad_alloc&) {
-            isOutOfMemory = true;
-        }
+        const bool isGood
+            = (!isFirst || job.encoder->begin()) && job.encoder->write(piece) && (!isLast || job.encoder->end());
         if (isLast)
             job.encoder.reset(); // frees the page
         lock.lock();
         ++job.written;
         job.slots.pop_front();
         m_hasFailed = m_hasFailed || !isGood;
-        if (isOutOfMemory)
-            m_reason = kOutOfMemory;
         if (isLast)
             m_jobs.pop_front();
         if (isLast || m_hasFailed)

@@ -33,6 +33,7 @@ public:
 
     /// Why encoding failed; empty when it did not, or when the output did.
     std::string encodingReason() const;
+    bool isOutOfMemory() const;
 
 private:
     struct Job {
@@ -53,6 +54,7 @@ private:
     bool startThread();
     void run();
     void encodeOnePiece(std::unique_lock<std::mutex>& lock, Job& job);
+    void encodeOnePieceOrFail(std::unique_lock<std::mutex>& lock, Job& job);
     void writeWhatIsDone(std::unique_lock<std::mutex>& lock);
 
     const unsigned m_threadLimit;
@@ -63,6 +65,7 @@ private:
     std::vector<std::thread> m_threads;
     std::string m_reason;
     bool m_hasFailed = false;
+    bool m_isOutOfMemory = false;
     bool m_isWriting = false;
     bool m_isEnding = false;
 };

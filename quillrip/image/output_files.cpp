@@ -76,7 +76,17 @@ bool OutputFiles::begin(const std::string& target)
 
 bool OutputFiles::append(ByteView bytes)
 {
-    return m_reason.empty() && (m_files.back()->append(bytes) || fail(m_files.size() - 1));
+    return m_reason.empty() && spend(bytes.size) && (m_files.back()->append(bytes) || fail(m_files.size() - 1));
+}
+
+bool OutputFiles::spend(std::uint64_t bytes)
+{
+    m_bytes += bytes;
+    if (m_bytes <= m_mostBytes)
+        return true;
+    m_isOverspent = true;
+    m_reason = "the images of the job need more than " + std::to_string(m_mostBytes >> 20) + " MB (-limit-output)";
+    return false;
 }
 
 bool OutputFiles::prepareAll()

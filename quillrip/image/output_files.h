@@ -2,7 +2,9 @@
 
 #include "quillrip/image/output_file.h"
 
+#include <atomic>
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <vector>
@@ -38,6 +40,13 @@ public:
     /// Begins with the name of the file unless that is the first one.
     const std::string& reason() const { return m_reason; }
 
+    /// What all files together may have from now on; none of them fails for a little more. Any thread may say so.
+    void setMostBytes(std::uint64_t bytes) { m_mostBytes = bytes; }
+    /// Counts bytes that are going to be written past append(); false when they are too many.
+    [[nodiscard]] bool spend(std::uint64_t bytes);
+    /// The failure was that of spend().
+    bool isOverspent() const { return m_isOverspent; }
+
 private:
     bool add(const std::string& target);
     bool fail(const std::string& target, const std::string& reason);
@@ -51,6 +60,9 @@ private:
     bool m_isOnlyOpen = false; ///< open() has made the first file, and it was not begun yet
     std::vector<std::string> m_targets; ///< of m_files
     std::vector<std::unique_ptr<OutputFile>> m_files;
+    std::atomic<std::uint64_t> m_mostBytes { UINT64_MAX };
+    std::uint64_t m_bytes = 0;
+    std::atomic<bool> m_isOverspent { false };
     std::string m_reason;
 };
 

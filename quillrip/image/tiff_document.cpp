@@ -95,6 +95,8 @@ std::unique_ptr<PageEncoder> TiffDocument::makeEncoder(PageBitmap&& page)
 
 std::string TiffDocument::reason() const
 {
+    if (!m_files.reason().empty())
+        return m_files.reason();
     if (!file().reason().empty())
         return file().reason();
     return "cannot be written: " + (m_message.empty() ? "TIFF: not enough memory" : m_message);
@@ -135,7 +137,8 @@ bool TiffDocument::writeStrip(std::uint32_t strip, ByteView bytes)
         m_message = "the file would grow above 4 GiB, where TIFF ends";
         return false;
     }
-    return TIFFWriteRawStrip(m_tiff.get(), strip, const_cast<std::uint8_t*>(bytes.data), // it is only read
+    return m_files.spend(bytes.size)
+        && TIFFWriteRawStrip(m_tiff.get(), strip, const_cast<std::uint8_t*>(bytes.data), // it is only read
                static_cast<tmsize_t>(bytes.size))
         >= 0;
 }

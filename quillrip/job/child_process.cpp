@@ -148,6 +148,7 @@ bool ChildProcess::start(const std::vector<std::string>& arguments, int input)
     m_process = ::fork();
     if (m_process == 0) {
         ::prctl(PR_SET_PDEATHSIG, SIGKILL);
+        ::signal(SIGPIPE, SIG_DFL);
         limit(RLIMIT_AS, kMostMemory);
         limit(RLIMIT_CPU, kMostSeconds);
         // Its pages leave through a pipe; it has no file to write.

@@ -6,12 +6,26 @@
 #include "quillrip/job/job_runner.h"
 
 #include <cerrno>
+#include <cstdint>
 #include <cstring>
+#include <fcntl.h>
+#include <new>
+#include <stdexcept>
 #include <sys/stat.h>
+#include <unistd.h>
 
 namespace quillrip {
 
 namespace {
+
+/// Pages without a mark that any job may have, and those for its bytes: a page that somebody wants takes more than a
+/// form feed.
+constexpr std::uint64_t kBlankPages = 1000;
+constexpr std::uint64_t kBytesForABlankPage = 32;
+/// What the images may need, where the command line does not say: so much at first, and so much for each byte of the
+/// job. A page of text at 1200 dpi in uncompressed colour, 400 MB, is a job of 400 bytes then.
+constexpr std::uint64_t kOutputBytes = std::uint64_t { 4 } << 30;
+constexpr std::uint64_t kOutputBytesForAByte = std::uint64_t { 1 } << 20;
 
 struct FileIdentity {
     dev_t device = 0;
@@ -26,10 +40,13 @@ bool isSameFile(const std::string& path, const FileIdentity& identity)
 
 class WriterSink final : public PageSink {
 public:
-    WriterSink(DocumentWriter& writer, const DocumentOptions& options, const FileIdentity& input)
+    WriterSink(DocumentWriter& writer, const ConversionOptions& options, const InputStream& input,
+        const FileIdentity& inputIdentity)
         : m_writer(writer)
-        , m_options(options)
+        , m_options(options.document)
+        , m_outputBytes(options.limits.outputBytes)
         , m_input(input)
+        , m_inputIdentity(inputIdentity)
     {
     }
 
@@ -37,25 +54,55 @@ public:
     {
         // Later pages have names of their own, and one of them can be the input's.
         const std::string path = pagePath(m_options, m_writer.pageCount() + 1);
-        if (isSameFile(path, m_input)) {
+        if (isSameFile(path, m_inputIdentity)) {
             m_reason = path + " is the input file";
             return false;
         }
+        if (!page.hasInk({ 0, 0, page.width(), page.height() })
+            && ++m_blankPages > kBlankPages + m_input.offset() / kBytesForABlankPage) {
+            m_isLimitExceeded = true;
+            m_reason = "the job asks for more than " + std::to_string(m_blankPages - 1) + " blank pages";
+            return false;
+        }
+        m_writer.setMostBytes(outputBytes());
         return m_writer.addPage(std::move(page));
     }
+
+    bool isLimitExceeded() const { return m_isLimitExceeded || m_writer.isLimitExceeded(); }
 
     std::string reason() const override { return m_reason.empty() ? m_writer.reason() : m_reason; }
 
 private:
+    std::uint64_t outputBytes() const
+    {
+        return m_outputBytes != 0 ? m_outputBytes : kOutputBytes + m_input.offset() * kOutputBytesForAByte;
+    }
+
     DocumentWriter& m_writer;
     const DocumentOptions& m_options;
-    FileIdentity m_input;
+    std::uint64_t m_outputBytes;
+    const InputStream& m_input;
+    FileIdentity m_inputIdentity;
+    std::uint64_t m_blankPages = 0;
+    bool m_isLimitExceeded = false;
     std::string m_reason;
 };
 
-} // namespace
+/// Standard input as a descriptor of its own, since the stream closes it.
+std::unique_ptr<FileInputStream> openInput(const std::string& path, std::string& reason)
+{
+    if (path != "-")
+        return FileInputStream::open(path, reason);
+    const int descriptor = ::fcntl(STDIN_FILENO, F_DUPFD_CLOEXEC, 3);
+    if (descriptor < 0) {
+        reason = std::strerror(errno);
+        return nullptr;
+    }
+    return std::make_unique<FileInputStream>(descriptor);
+}
 
-ConversionResult convert(const ConversionOptions& options, DiagnosticSink& diagnostics)
+ConversionResult convertWithMemory(
+    const ConversionOptions& options, DiagnosticSink& diagnostics, const std::function<void()>& beforePublishing)
 {
     const std::string& inputPath = options.inputPath;
     const std::string& outputPath = options.document.path;
@@ -66,7 +113,7 @@ ConversionResult convert(const ConversionOptions& options, DiagnosticSink& diagn
     std::string reason = reasonAgainst(options.document, options.page.format);
     if (!reason.empty())
         return failed(ConversionStatus::BadOptions, reason, outputPath);
-    const auto input = FileInputStream::open(inputPath, reason);
+    const auto input = openInput(inputPath, reason);
     if (!input)
         return failed(ConversionStatus::BadInput, "cannot be read: " + reason, inputPath);
     struct stat status { };
@@ -81,7 +128,7 @@ ConversionResult convert(const ConversionOptions& options, DiagnosticSink& diagn
     const auto writer = DocumentWriter::create(options.document, reason);
     if (!writer)
         return failed(ConversionStatus::OutputFailed, reason, outputPath);
-    WriterSink sink(*writer, options.document, identity);
+    WriterSink sink(*writer, options, *input, identity);
     const JobResult job = runJob(*input, sink, options.page, options.limits, diagnostics, findGhostscript());
 
     if (input->failed())
@@ -92,15 +139,38 @@ ConversionResult convert(const ConversionOptions& options, DiagnosticSink& diagn
     case JobOutcome::LimitExceeded:
         return failed(ConversionStatus::LimitExceeded, job.reason, inputPath);
     case JobOutcome::OutputFailed:
+        if (sink.isLimitExceeded())
+            return failed(ConversionStatus::LimitExceeded, job.reason, inputPath);
         return failed(ConversionStatus::OutputFailed, job.reason, outputPath);
     case JobOutcome::Done:
     case JobOutcome::Damaged:
         break;
     }
-    if (job.pages > 0 && !writer->commit())
+    beforePublishing();
+    if (job.pages > 0 && !writer->commit()) {
+        if (writer->isLimitExceeded())
+            return failed(ConversionStatus::LimitExceeded, writer->reason(), inputPath);
         return failed(ConversionStatus::OutputFailed, writer->reason(), outputPath);
+    }
     return { job.outcome == JobOutcome::Done ? ConversionStatus::Done : ConversionStatus::Damaged, job.reason,
         inputPath, job.pages };
+}
+
+} // namespace
+
+ConversionResult convert(
+    const ConversionOptions& options, DiagnosticSink& diagnostics, const std::function<void()>& beforePublishing)
+{
+    const auto outOfMemory = [&] {
+        return ConversionResult { ConversionStatus::LimitExceeded, "there is not enough memory", options.inputPath, 0 };
+    };
+    try {
+        return convertWithMemory(options, diagnostics, beforePublishing);
+    } catch (const std::bad_alloc&) {
+        return outOfMemory();
+    } catch (const std::length_error&) { // more than any memory
+        return outOfMemory();
+    }
 }
 
 } // namespace quillrip

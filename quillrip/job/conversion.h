@@ -5,12 +5,13 @@
 #include "quillrip/image/document_options.h"
 #include "quillrip/job/page_layout.h"
 
+#include <functional>
 #include <string>
 
 namespace quillrip {
 
 struct ConversionOptions {
-    std::string inputPath;
+    std::string inputPath; ///< "-" is standard input
     PageSettings page;
     DocumentOptions document; ///< its path is the output
     Limits limits;
@@ -33,7 +34,10 @@ struct ConversionResult {
 };
 
 /// One conversion from file to file. With BadOptions, BadInput, OutputFailed and LimitExceeded nothing of the output
-/// is there, and a former file of its name is as it was.
-ConversionResult convert(const ConversionOptions& options, DiagnosticSink& diagnostics);
+/// is there, and a former file of its name is as it was. `beforePublishing` is called when all is drawn and the files
+/// are about to appear.
+ConversionResult convert(
+    const ConversionOptions& options, DiagnosticSink& diagnostics,
+    const std::function<void()>& beforePublishing = [] {});
 
 } // namespace quillrip

@@ -131,7 +131,7 @@ RunStatus GhostscriptRenderer::measure(int job, std::vector<PageSize>& sizes)
     arguments.insert(arguments.end(), { "-sDEVICE=nullpage", "-c", sizeReporter(mark), "-f", "/proc/self/fd/0" });
     ChildProcess child;
     if (!child.start(arguments, job))
-        return fail(RunStatus::Damaged, "Ghostscript cannot be started");
+        return fail(RunStatus::LimitExceeded, "the system has no room to start Ghostscript");
     std::string line;
     for (int c = child.output().get(); c >= 0; c = child.output().get()) {
         if (c != '\n') {
@@ -172,7 +172,7 @@ RunStatus GhostscriptRenderer::draw(
     arguments.insert(arguments.end(), { "-sstdout=%stderr", "-sOutputFile=%stdout", "-f", "/proc/self/fd/0" });
     ChildProcess child;
     if (!child.start(arguments, job))
-        return fail(RunStatus::Damaged, "Ghostscript cannot be started");
+        return fail(RunStatus::LimitExceeded, "the system has no room to start Ghostscript");
 
     NetpbmReader reader(child.output());
     NetpbmHeader header;

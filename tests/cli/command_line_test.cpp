@@ -21,8 +21,8 @@ ConversionOptions optionsOf(const std::string& line)
     const Request request = parsed(line);
     const auto* error = std::get_if<UsageError>(&request);
     EXPECT_EQ(error ? error->message : "", "") << line;
-    const auto* options = std::get_if<ConversionOptions>(&request);
-    return options ? *options : ConversionOptions {};
+    const auto* conversion = std::get_if<Convert>(&request);
+    return conversion ? conversion->options : ConversionOptions {};
 }
 
 std::string errorOf(const std::string& line)

@@ -27,14 +27,15 @@ std::vector<char*> pointersTo(const std::vector<std::string>& words)
 
 } // namespace
 
-Outcome runQuillrip(const std::vector<std::string>& arguments, const std::vector<std::string>& environment)
+Outcome runQuillrip(
+    const std::vector<std::string>& arguments, const std::vector<std::string>& environment, const std::string& input)
 {
     const TemporaryFolder folder;
     std::vector<std::string> words { QUILLRIP_PROGRAM };
     words.insert(words.end(), arguments.begin(), arguments.end());
     posix_spawn_file_actions_t files;
     posix_spawn_file_actions_init(&files);
-    posix_spawn_file_actions_addopen(&files, 0, "/dev/null", 0, 0);
+    posix_spawn_file_actions_addopen(&files, 0, input.c_str(), 0, 0);
     posix_spawn_file_actions_addopen(&files, 1, folder.path("out").c_str(), 01 | 0100, 0600);
     posix_spawn_file_actions_addopen(&files, 2, folder.path("err").c_str(), 01 | 0100, 0600);
     pid_t process = -1;

@@ -11,8 +11,10 @@ struct Outcome {
     std::string output; ///< and to standard output
 };
 
-/// Runs the quillrip that was built, as the window does: arguments as separate words, nothing on standard input.
-Outcome runQuillrip(const std::vector<std::string>& arguments, const std::vector<std::string>& environment = {});
+/// Runs the quillrip that was built, as the window does: arguments as separate words, nothing on standard input unless
+/// a file is named for it.
+Outcome runQuillrip(const std::vector<std::string>& arguments, const std::vector<std::string>& environment = {},
+    const std::string& input = "/dev/null");
 
 /// A folder of its own for a test, removed with all it holds.
 class TemporaryFolder {

@@ -3,7 +3,10 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <fcntl.h>
 #include <filesystem>
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace quillrip::test {
 namespace {
@@ -15,6 +18,14 @@ using Names = std::vector<std::string>;
 const std::string kPage = "\x1B*t75R\x1B*r1A\x1B*b1W\xFF\x1B*rB\f";
 const std::string kReset = "\x1B"
                            "E";
+
+std::string repeated(const std::string& text, int count)
+{
+    std::string whole;
+    while (count-- > 0)
+        whole += text;
+    return whole;
+}
 
 bool beginsWith(const std::string& text, const std::string& start) { return text.compare(0, start.size(), start) == 0; }
 
@@ -151,6 +162,76 @@ TEST(Program, PagesBeyondTheLimitEndWithFiveBeforeTheirMemoryIsTaken)
     expectMessage(outcome, job);
     EXPECT_EQ(contentOf(former), "former");
     EXPECT_EQ(folder.names(), (Names { "a.png", "job.pcl" }));
+}
+
+TEST(Program, LimitsOfTheCommandLineEndWithFiveAndLeaveNothing)
+{
+    const TemporaryFolder folder;
+    const std::string job = folder.file("job.pcl", kPage + kPage + kPage);
+    const std::string former = folder.file("a.bmp", "former");
+    for (const Names& limit : { Names { "-limit-pages", "2" }, Names { "-limit-output", "1" } }) {
+        const Outcome outcome = runQuillrip({ "-o", former, "-i", job, limit[0], limit[1] });
+        EXPECT_EQ(outcome.exitCode, 5) << limit[0];
+        expectMessage(outcome, job);
+        EXPECT_EQ(contentOf(former), "former");
+        EXPECT_EQ(folder.names(), (Names { "a.bmp", "job.pcl" }));
+    }
+    EXPECT_EQ(runQuillrip({ "-o", former, "-i", job, "-limit-pages", "3", "-limit-output", "100" }).exitCode, 0);
+    // A TIFF is written in another way.
+    EXPECT_EQ(runQuillrip({ "-o", folder.path("a.tif"), "-i", job, "-limit-output", "1" }).exitCode, 5);
+    EXPECT_EQ(runQuillrip({ "-o", folder.path("a.tif"), "-i", job, "-limit-output", "100" }).exitCode, 0);
+}
+
+TEST(Program, ARunThatTakesTooLongEndsWithFive)
+{
+    const TemporaryFolder folder;
+    ASSERT_EQ(mkfifo(folder.path("job").c_str(), 0600), 0);
+    const int writer = open(folder.path("job").c_str(), O_RDWR | O_CLOEXEC); // a job that never comes
+    const Outcome outcome
+        = runQuillrip({ "-o", folder.path("a.png"), "-i", folder.path("job"), "-limit-seconds", "1" });
+    close(writer);
+    EXPECT_EQ(outcome.exitCode, 5);
+    expectMessage(outcome, folder.path("job"));
+    EXPECT_EQ(folder.names(), Names { "job" });
+}
+
+TEST(Program, ThousandsOfBlankPagesAreNoJob)
+{
+    const TemporaryFolder folder;
+    const std::string whiteBox = "\x1B*c9a9b1P\f";
+    const std::string job = folder.file("job.pcl", repeated(whiteBox, 2500));
+    const Outcome outcome = runQuillrip({ "-r", "10x10", "-o", folder.path("a.png"), "-i", job });
+    EXPECT_EQ(outcome.exitCode, 5);
+    EXPECT_NE(outcome.errors.find("blank"), std::string::npos) << outcome.errors;
+    EXPECT_EQ(folder.names(), Names { "job.pcl" });
+}
+
+TEST(Program, ReadsStandardInput)
+{
+    const TemporaryFolder folder;
+    const std::string job = folder.file("job.pcl", kPage);
+    EXPECT_EQ(runQuillrip({ "-r", "75x75", "-o", folder.path("a.png"), "-i", "-" }, {}, job).exitCode, 0);
+    EXPECT_TRUE(beginsWith(contentOf(folder.path("a.png")), "\x89PNG"));
+    const Outcome outcome = runQuillrip({ "-o", folder.path("b.png"), "-i", "-" });
+    EXPECT_EQ(outcome.exitCode, 2);
+    EXPECT_EQ(outcome.errors, "quillrip: standard input: is empty\n");
+}
+
+TEST(Program, ControlCharactersDoNotReachTheTerminal)
+{
+    const TemporaryFolder folder;
+    const Outcome outcome = runQuillrip({ "-o", folder.path("a.png"), "-i", folder.path("\x1B[31mred") });
+    EXPECT_EQ(outcome.exitCode, 2);
+    EXPECT_EQ(outcome.errors.find('\x1B'), std::string::npos);
+    EXPECT_NE(outcome.errors.find("?[31mred"), std::string::npos);
+}
+
+TEST(Program, FilesOnTheDiskAreTheSameFiles)
+{
+    const TemporaryFolder folder;
+    const std::string job = folder.file("job.pcl", kPage + kPage);
+    EXPECT_EQ(runQuillrip({ "-r", "75x75", "-sync", "y", "-o", folder.path("a.png"), "-i", job }).exitCode, 0);
+    EXPECT_EQ(folder.names(), (Names { "a.png", "a_p0002.png", "job.pcl" }));
 }
 
 TEST(Program, AFormerFileIsReplaced)
