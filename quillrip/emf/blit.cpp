@@ -40,13 +40,18 @@ Matrix Blit::pictureToDevice() const
     return Matrix::translation(-source.x, -source.y) * fromSource;
 }
 
-Parallelogram targetOf(const Matrix& toDevice, const Extent& destination)
+Parallelogram targetOf(const Matrix& toDevice, double pixel, const Extent& destination)
 {
     Parallelogram target { toDevice.apply({ destination.x, destination.y }),
         toDevice.apply({ destination.x + destination.width, destination.y }),
         toDevice.apply({ destination.x, destination.y + destination.height }) };
     if (toDevice.b != 0 || toDevice.c != 0)
         return target;
+    // A picture that runs backwards begins with the pixel that its corner names.
+    const auto backwards = [&](double size, double scale) { return size < 0 ? pixel * (scale < 0 ? -1 : 1) : 0; };
+    const Point shift { backwards(destination.width, toDevice.a), backwards(destination.height, toDevice.d) };
+    for (Point* corner : { &target.origin, &target.right, &target.down })
+        *corner = *corner + shift;
     const auto nearest = [](double value) { return std::floor(value + 0.5); };
     for (Point* corner : { &target.origin, &target.right, &target.down })
         *corner = { nearest(corner->x), nearest(corner->y) };
@@ -60,7 +65,7 @@ Parallelogram targetOf(const Matrix& toDevice, const Extent& destination)
 
 Parallelogram targetOf(const Canvas& canvas, const Extent& destination)
 {
-    return targetOf(canvas.logicalToDevice(), destination);
+    return targetOf(canvas.logicalToDevice(), std::abs(canvas.toDevice().a), destination);
 }
 
 void fillTarget(Canvas& canvas, const Parallelogram& target, PaintState state)

@@ -39,8 +39,8 @@ struct Blit {
 /// A rectangle in logical units on the device: its edges on the nearest pixels where they run along the axes, so that
 /// bands of one picture meet.
 Parallelogram targetOf(const Canvas& canvas, const Extent& destination);
-/// The same for reference pixels.
-Parallelogram targetOf(const Matrix& toDevice, const Extent& destination);
+/// The same for any units; `pixel`: device pixels of a reference pixel.
+Parallelogram targetOf(const Matrix& toDevice, double pixel, const Extent& destination);
 
 /// Draws what lies both in the source rectangle and in the picture. `state` holds operation and pattern.
 void draw(Canvas& canvas, const Blit& blit, PaintState state);

@@ -251,9 +251,8 @@ void stretchDibits(Machine& machine, const Record& record)
     blit.source = extentAt(record, 32, 40);
     blit.pixels = readPixels(machine, record, { 64, 48 }, machine.dc().backgroundColor);
     dropAlpha(blit.pixels);
-    // Rows count from where the bitmap starts: from the bottom in most.
-    if (blit.pixels.isBottomUp)
-        blit.source.y = blit.pixels.height - blit.source.y - blit.source.height;
+    // Rows count from the bottom, also of bitmaps that start at their top.
+    blit.source.y = blit.pixels.height - blit.source.y - blit.source.height;
     chooseFilter(blit, machine.dc(), operation);
     draw(machine.canvas(), blit, *state);
 }
@@ -279,7 +278,8 @@ void setDibitsToDevice(Machine& machine, const Record& record)
         blit.source.y = stored - blit.source.y - wanted.height;
     // A pixel of the source is one of the reference device, whatever the transforms.
     const Point at = machine.dc().coordinates.toReference().apply(record.point(kDestination));
-    blit.target = targetOf(machine.canvas().toDevice(), { at.x, at.y, wanted.width, wanted.height });
+    blit.target = targetOf(machine.canvas().toDevice(), std::abs(machine.canvas().toDevice().a),
+        { at.x, at.y, wanted.width, wanted.height });
     chooseFilter(blit, machine.dc(), kCopySource);
     draw(machine.canvas(), blit, *state);
 }

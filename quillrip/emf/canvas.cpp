@@ -11,9 +11,16 @@ namespace quillrip::emf {
 
 namespace {
 
-constexpr Matrix kHalfPixel { 1, 0, 0, 1, 0.5, 0.5 };
 /// Dash lengths of cosmetic pens are those of a screen.
 constexpr double kScreenResolution = 96;
+
+/// Half a pixel of the reference device, or of the page where its pixels are smaller: coordinates name the pixels that
+/// the picture is drawn with.
+Matrix halfPixel(const Matrix& referenceToDevice)
+{
+    const auto half = [](double scale) { return scale != 0 ? std::min(0.5, 0.5 / std::abs(scale)) : 0; };
+    return Matrix::translation(half(referenceToDevice.a), half(referenceToDevice.d));
+}
 
 int nearestEdge(double value)
 {
@@ -46,6 +53,9 @@ std::optional<PixelRect> asRectangle(const Path& path)
         return std::nullopt;
     return nearestPixels(points[0], points[2]);
 }
+
+/// What is drawn twice to leave no trace must cover whole pixels.
+bool needsDestination(std::uint8_t operation) { return ((operation >> 1) & 0x55) != (operation & 0x55); }
 
 double lengthOf(Point vector) { return std::hypot(vector.x, vector.y); }
 
@@ -132,6 +142,7 @@ Canvas::Canvas(
     : m_painter(painter)
     , m_format(format)
     , m_toDevice(referenceToDevice)
+    , m_half(halfPixel(referenceToDevice))
     , m_limit(std::move(limit))
     , m_dc(dc)
     , m_paints(referenceToDevice)
@@ -166,8 +177,10 @@ Region Canvas::regionOf(const Path& devicePath, FillRule rule) const
 
 void Canvas::fill(const Path& path, FillRule rule, PaintState state)
 {
-    state.clip = clip();
     const Path devicePath = path.transformed(m_toDevice);
+    if (needsDestination(state.rop))
+        return fillRegion(regionOf(devicePath, rule), std::move(state));
+    state.clip = clip();
     if (const auto rect = asRectangle(devicePath)) {
         // What is thinner than a pixel still shows.
         PixelRect pixels = *rect;
@@ -179,10 +192,14 @@ void Canvas::fill(const Path& path, FillRule rule, PaintState state)
     m_painter.fillPath(devicePath, rule, state);
 }
 
-void Canvas::fillWithBrush(const Path& path, FillRule rule)
+void Canvas::fillWithBrush(const Path& path, FillRule rule, bool isOutlined)
 {
-    if (auto state = m_paints.brush(m_dc, brush()))
-        fill(path, rule, std::move(*state));
+    auto state = m_paints.brush(m_dc, brush());
+    if (!state)
+        return;
+    // Under a pen that follows the same path the area reaches to the middle of the line, half a pixel further.
+    const bool hasLine = isOutlined && pen().style != Pen::Style::Null && pen().brush.style != Brush::Style::Null;
+    fill(hasLine ? path.transformed(m_half) : path, rule, std::move(*state));
 }
 
 void Canvas::fillRegion(const Region& region, PaintState state)
@@ -234,6 +251,11 @@ bool Canvas::makeStroke(Stroke& stroke) const
     }
     stroke.toReference = m_dc.coordinates.toReference();
     stroke.toReference.e = stroke.toReference.f = 0;
+    if (pen.isSimple) {
+        // The older kind of pen is round on the device: only the scale across counts.
+        const double scale = lengthOf({ stroke.toReference.a, stroke.toReference.b });
+        stroke.toReference = Matrix::scaling(scale, scale);
+    }
     if (!stroke.toReference.isInvertible())
         return false;
     style.width = std::max(pen.width, 0.0);
@@ -269,16 +291,23 @@ void Canvas::strokeWithPen(const Path& path)
     state->clip = clip();
     const bool isHair = isHairline(pen());
     const Path inPenSpace = isHair ? shiftedBack(path, 0.5) : path.transformed(stroke.toReference.inverted());
-    const Matrix toDevice = stroke.toReference * kHalfPixel * m_toDevice;
+    const Matrix toDevice = stroke.toReference * m_half * m_toDevice;
+    const auto paint = [&](const StrokeStyle& style, const PaintState& ink) {
+        if (needsDestination(ink.rop))
+            return fillRegion(
+                ClipRegion::ofPath(strokeArea(inPenSpace, toDevice, style, bounds()), FillRule::NonZero, bounds()),
+                ink);
+        m_painter.strokePath(inPenSpace, toDevice, style, ink);
+    };
     if (stroke.fillsGaps) {
         PaintState gaps = *state;
         gaps.texture = {};
         gaps.texture.color = colorOf(m_dc.backgroundColor, m_dc);
         StrokeStyle solid = stroke.style;
         solid.dashes.clear();
-        m_painter.strokePath(inPenSpace, toDevice, solid, gaps);
+        paint(solid, gaps);
     }
-    m_painter.strokePath(inPenSpace, toDevice, stroke.style, *state);
+    paint(stroke.style, *state);
 }
 
 Path Canvas::widened(const Path& path) const

@@ -8,8 +8,8 @@
 namespace quillrip::emf {
 
 /// Where a metafile is drawn: the painter, the place of the reference device's pixels on it, and the clip. Paths come
-/// in reference pixels; fills cover them as they are, strokes lie half a reference pixel further right and down, since
-/// a coordinate names the middle of a pixel there.
+/// in reference pixels; fills cover them as they are, strokes lie half a pixel further right and down, since a
+/// coordinate names the middle of a pixel there.
 class Canvas {
 public:
     /// `limit`: beyond it nothing is painted; null: the page. `dc` is the context that holds at the time of drawing.
@@ -32,8 +32,8 @@ public:
 
     /// `state` without its clip, which is the canvas's own.
     void fill(const Path& path, FillRule rule, PaintState state);
-    /// With the selected brush and the binary operation.
-    void fillWithBrush(const Path& path, FillRule rule);
+    /// With the selected brush and the binary operation. `isOutlined`: the selected pen follows the path afterwards.
+    void fillWithBrush(const Path& path, FillRule rule, bool isOutlined);
     /// With the selected pen and the binary operation.
     void strokeWithPen(const Path& path);
     /// The area that a stroke with the selected pen would cover, in reference pixels (WIDENPATH). Not an outline in one
@@ -60,6 +60,7 @@ private:
     Painter& m_painter;
     PixelFormat m_format;
     Matrix m_toDevice;
+    Matrix m_half; ///< reference pixels: from where a coordinate lies to the middle of its pixel
     Region m_limit;
     Region m_outer;
     const DeviceContext& m_dc;

@@ -33,7 +33,7 @@ constexpr std::size_t kFileHeader = 14;
 struct Channel {
     std::uint32_t mask = 0;
     int shift = 0;
-    std::uint32_t most = 0;
+    int width = 0;
 
     Channel() = default;
     explicit Channel(std::uint32_t bits)
@@ -43,14 +43,22 @@ struct Channel {
             return;
         while ((mask >> shift & 1) == 0)
             ++shift;
-        most = mask >> shift;
+        while (shift + width < 32 && (mask >> (shift + width) & 1) != 0)
+            ++width;
     }
+    /// As many bits as there are, said again until there are eight: what Windows does.
     std::uint8_t of(std::uint32_t word) const
     {
-        if (most == 0)
+        if (width == 0)
             return 0;
-        const std::uint64_t value = (word & mask) >> shift;
-        return static_cast<std::uint8_t>(std::min<std::uint64_t>(255, (value * 255 + most / 2) / most));
+        const std::uint64_t value = (word & mask) >> shift & ((std::uint64_t { 1 } << width) - 1);
+        if (width >= 8)
+            return static_cast<std::uint8_t>(value >> (width - 8));
+        std::uint64_t repeated = 0;
+        int bits = 0;
+        for (; bits < 8; bits += width)
+            repeated = repeated << width | value;
+        return static_cast<std::uint8_t>(repeated >> (bits - 8));
     }
 };
 
@@ -332,7 +340,7 @@ Pixels decodeDib(ByteView headerBytes, ByteView bits, const DibContext& context,
         bytesTable.resize(256);
         depth = 8;
     }
-    const bool withFourth = depth == 32 && (header.masksAt == 0 || header.hasAlphaMask);
+    const bool withFourth = depth == 32;
     Pixels pixels;
     setSize(pixels,
         depth == 1       ? Pixels::Format::Mono

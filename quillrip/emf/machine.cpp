@@ -4,6 +4,7 @@
 #include "quillrip/emf/record.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
 
 namespace quillrip::emf {
@@ -163,7 +164,7 @@ void Machine::figure(const Path& fill, const Path& stroke)
         m_dc.path.needsMove = true;
         return;
     }
-    m_canvas.fillWithBrush(fill, m_canvas.fillRule());
+    m_canvas.fillWithBrush(fill, m_canvas.fillRule(), true);
     m_canvas.strokeWithPen(stroke);
 }
 
@@ -216,6 +217,15 @@ PathState Machine::takePath()
         return {};
     }
     return state;
+}
+
+double Machine::pixelAspect() const
+{
+    // Sizes in whole millimetres make square pixels look a little oblong.
+    constexpr double kTolerance = 0.03;
+    const Size resolution = m_header.dotsPerInch();
+    const double aspect = resolution.width / resolution.height;
+    return std::abs(aspect - 1) > kTolerance ? aspect : 1;
 }
 
 const WindowsFont& Machine::font(bool usesIndices)

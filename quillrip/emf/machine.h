@@ -77,6 +77,8 @@ public:
     FontReporter fontReporter() const { return { &m_job.diagnostics, m_offset }; }
     std::uint64_t offset() const { return m_offset; }
     /// The metafile's own drawing resolution: reference pixels per inch.
+    /// How many times narrower than high a reference pixel is.
+    double pixelAspect() const;
     double dotsPerInch() const { return m_dc.coordinates.dotsPerInch(); }
 
 private:

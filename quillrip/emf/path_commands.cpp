@@ -89,7 +89,7 @@ void widenPath(Machine& machine, const Record&)
 void fillPath(Machine& machine, const Record&)
 {
     const PathState state = machine.takePath();
-    machine.canvas().fillWithBrush(state.path, ruleOf(machine, state));
+    machine.canvas().fillWithBrush(state.path, ruleOf(machine, state), false);
 }
 
 void strokePath(Machine& machine, const Record&) { machine.canvas().strokeWithPen(machine.takePath().path); }
@@ -97,7 +97,7 @@ void strokePath(Machine& machine, const Record&) { machine.canvas().strokeWithPe
 void strokeAndFillPath(Machine& machine, const Record&)
 {
     const PathState state = machine.takePath();
-    machine.canvas().fillWithBrush(state.path, ruleOf(machine, state));
+    machine.canvas().fillWithBrush(state.path, ruleOf(machine, state), true);
     machine.canvas().strokeWithPen(closed(state.path));
 }
 

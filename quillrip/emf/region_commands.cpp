@@ -57,6 +57,22 @@ Region regionOf(Machine& machine, const std::vector<Box>& boxes, const Matrix& t
     return ClipRegion::ofPath(path, FillRule::NonZero, canvas.bounds());
 }
 
+/// By whole pixels.
+Region moved(const Canvas& canvas, const ClipRegion& region, Point way)
+{
+    const PixelRect& bounds = region.bounds();
+    Path path;
+    if (region.isRect()) {
+        path.rectangle(bounds.left + way.x, bounds.top + way.y, bounds.right + way.x, bounds.bottom + way.y);
+        return canvas.regionOf(path, FillRule::NonZero);
+    }
+    for (int row = bounds.top; row < bounds.bottom; ++row) {
+        for (const ClipRegion::Run* run = region.begin(row); run != region.end(row); ++run)
+            path.rectangle(run->left + way.x, row + way.y, run->right + way.x, row + way.y + 1);
+    }
+    return ClipRegion::ofPath(path, FillRule::NonZero, canvas.bounds());
+}
+
 void combineRectangle(Machine& machine, const Record& record, RegionMode mode)
 {
     Canvas& canvas = machine.canvas();
@@ -85,17 +101,7 @@ void offsetClip(Machine& machine, const Record& record)
     const Point way = canvas.logicalToDevice().applyVector(record.point(8));
     const double x = std::clamp(std::floor(way.x + 0.5), -1e6, 1e6);
     const double y = std::clamp(std::floor(way.y + 0.5), -1e6, 1e6);
-    const PixelRect& bounds = clip.clip->bounds();
-    Path moved;
-    if (clip.clip->isRect()) {
-        moved.rectangle(bounds.left + x, bounds.top + y, bounds.right + x, bounds.bottom + y);
-    } else {
-        for (int row = bounds.top; row < bounds.bottom; ++row) {
-            for (const ClipRegion::Run* run = clip.clip->begin(row); run != clip.clip->end(row); ++run)
-                moved.rectangle(run->left + x, row + y, run->right + x, row + y + 1);
-        }
-    }
-    clip.clip = canvas.regionOf(moved, FillRule::NonZero);
+    clip.clip = moved(canvas, *clip.clip, { x, y });
 }
 
 void setMetaRegion(Machine& machine, const Record&)
@@ -140,30 +146,15 @@ void frameRegion(Machine& machine, const Record& record)
     if (!brush)
         return machine.warn("emf.no-brush", "an area is framed with a brush that does not exist, left out");
     Canvas& canvas = machine.canvas();
-    const std::vector<Box> boxes = readRegion(record, 40, record.u32(24));
-    const Region whole = regionOf(machine, boxes, canvas.logicalToDevice());
-    // The inside is what stays when the area is moved by the frame's width to all sides.
-    const PixelRect bounds = canvas.bounds();
-    Region inside = whole;
-    const Region outside = whole->complement(bounds);
-    Path grown;
+    const Region whole = regionOf(machine, readRegion(record, 40, record.u32(24)), canvas.logicalToDevice());
+    // The inside is what the area shares with itself moved by the frame's width to each side.
     const Point reach = canvas.logicalToDevice().applyVector(record.point(32));
-    const double reachX = std::max(1.0, std::floor(std::abs(reach.x) + 0.5));
-    const double reachY = std::max(1.0, std::floor(std::abs(reach.y) + 0.5));
-    if (outside->isRect()) {
-        const PixelRect& box = outside->bounds();
-        if (!box.empty())
-            grown.rectangle(box.left - reachX, box.top - reachY, box.right + reachX, box.bottom + reachY);
-    } else {
-        const PixelRect& box = outside->bounds();
-        for (int row = box.top; row < box.bottom; ++row) {
-            for (const ClipRegion::Run* run = outside->begin(row); run != outside->end(row); ++run)
-                grown.rectangle(run->left - reachX, row - reachY, run->right + reachX, row + 1 + reachY);
-        }
-    }
-    if (!grown.empty())
-        inside = whole->intersected(*ClipRegion::ofPath(grown, FillRule::NonZero, bounds)->complement(bounds));
-    paintWith(machine, *brush, whole->intersected(*inside->complement(bounds)));
+    const double x = std::max(1.0, std::floor(std::abs(reach.x) + 0.5));
+    const double y = std::max(1.0, std::floor(std::abs(reach.y) + 0.5));
+    Region inside = whole;
+    for (const Point way : { Point { x, 0 }, Point { -x, 0 }, Point { 0, y }, Point { 0, -y } })
+        inside = inside->intersected(*moved(canvas, *whole, way));
+    paintWith(machine, *brush, whole->intersected(*inside->complement(canvas.bounds())));
 }
 
 void invertRegion(Machine& machine, const Record& record)

@@ -77,6 +77,22 @@ Sweep sweepOf(const DeviceContext& dc, const Record& record, const Frame& frame)
     return { start, length };
 }
 
+/// Figures run in the direction of arcs, which winding fills and dashes show.
+Path cornersOf(const Frame& frame, bool isClockwise)
+{
+    Path path;
+    if (isClockwise) {
+        path.rectangle(frame.left, frame.top, frame.right, frame.bottom);
+        return path;
+    }
+    path.moveTo({ frame.right, frame.top });
+    path.lineTo({ frame.left, frame.top });
+    path.lineTo({ frame.left, frame.bottom });
+    path.lineTo({ frame.right, frame.bottom });
+    path.close();
+    return path;
+}
+
 enum class Closing { Open, Chord, Pie };
 
 void drawArc(Machine& machine, const Record& record, Closing closing)
@@ -111,30 +127,37 @@ void setPixel(Machine& machine, const Record& record)
 
 void rectangle(Machine& machine, const Record& record)
 {
-    drawFrame(machine, frameAt(record, kBox), [](const Frame& frame) {
-        Path path;
-        path.rectangle(frame.left, frame.top, frame.right, frame.bottom);
-        return path;
-    });
+    const bool isClockwise = machine.dc().isClockwise;
+    drawFrame(machine, frameAt(record, kBox), [&](const Frame& frame) { return cornersOf(frame, isClockwise); });
 }
 
 void roundRectangle(Machine& machine, const Record& record)
 {
     const double cornerX = std::abs(double(record.i32(24))) / 2;
     const double cornerY = std::abs(double(record.i32(28))) / 2;
+    const bool isClockwise = machine.dc().isClockwise;
     drawFrame(machine, frameAt(record, kBox), [&](const Frame& frame) {
-        Path path;
         const double x = std::min(cornerX, frame.radiusX());
         const double y = std::min(cornerY, frame.radiusY());
-        if (x == 0 || y == 0) {
-            path.rectangle(frame.left, frame.top, frame.right, frame.bottom);
-            return path;
-        }
+        if (x == 0 || y == 0)
+            return cornersOf(frame, isClockwise);
+        const Point rightTop { frame.right - x, frame.top + y };
+        const Point leftTop { frame.left + x, frame.top + y };
+        const Point leftBottom { frame.left + x, frame.bottom - y };
+        const Point rightBottom { frame.right - x, frame.bottom - y };
         const double quarter = fullTurn() / 4;
-        path.arc({ frame.right - x, frame.top + y }, x, y, -quarter, quarter, true);
-        path.arc({ frame.right - x, frame.bottom - y }, x, y, 0, quarter, false);
-        path.arc({ frame.left + x, frame.bottom - y }, x, y, quarter, quarter, false);
-        path.arc({ frame.left + x, frame.top + y }, x, y, 2 * quarter, quarter, false);
+        Path path;
+        if (isClockwise) {
+            path.arc(leftTop, x, y, 2 * quarter, quarter, true);
+            path.arc(rightTop, x, y, -quarter, quarter, false);
+            path.arc(rightBottom, x, y, 0, quarter, false);
+            path.arc(leftBottom, x, y, quarter, quarter, false);
+        } else {
+            path.arc(rightTop, x, y, 0, -quarter, true);
+            path.arc(leftTop, x, y, -quarter, -quarter, false);
+            path.arc(leftBottom, x, y, -2 * quarter, -quarter, false);
+            path.arc(rightBottom, x, y, quarter, -quarter, false);
+        }
         path.close();
         return path;
     });
@@ -142,9 +165,10 @@ void roundRectangle(Machine& machine, const Record& record)
 
 void ellipse(Machine& machine, const Record& record)
 {
-    drawFrame(machine, frameAt(record, kBox), [](const Frame& frame) {
+    const double sweep = machine.dc().isClockwise ? fullTurn() : -fullTurn();
+    drawFrame(machine, frameAt(record, kBox), [&](const Frame& frame) {
         Path path;
-        path.arc(frame.centre(), frame.radiusX(), frame.radiusY(), 0, fullTurn(), true);
+        path.arc(frame.centre(), frame.radiusX(), frame.radiusY(), 0, sweep, true);
         path.close();
         return path;
     });

@@ -86,8 +86,12 @@ private:
             if (m_logical.width == 0 && scaleX > 0)
                 m_glyphStretch = scaleY / scaleX;
         }
+        if (m_logical.width == 0)
+            m_glyphStretch *= m_machine.pixelAspect();
         m_toReference = whole;
-        const double escapement = radians(m_logical.escapement);
+        // Angles are logical: where y points upwards they turn the other way.
+        m_turn = page.a * page.d < 0 ? -1 : 1;
+        const double escapement = radians(m_logical.escapement * m_turn);
         m_along = { std::cos(escapement), -std::sin(escapement) };
         m_down = { std::sin(escapement), std::cos(escapement) };
     }
@@ -183,7 +187,7 @@ private:
     /// Glyph space to reference pixels.
     Matrix matrixOf(const Placed& placed) const
     {
-        const double turn = radians(m_run.isCompatible ? m_logical.escapement : m_logical.orientation);
+        const double turn = radians(m_turn * (m_run.isCompatible ? m_logical.escapement : m_logical.orientation));
         const double cosine = std::cos(turn);
         const double sine = std::sin(turn);
         const Matrix shape { m_em * m_stretch, 0, m_em * m_font.slant() * m_stretch, -m_em, 0, 0 };
@@ -278,6 +282,7 @@ private:
     Matrix m_toReference; ///< text space to reference pixels, without translation
     Point m_along; ///< text space, a unit along the line
     Point m_down;
+    double m_turn = 1; ///< sense of angles
     double m_glyphStretch = 1;
     double m_em = 0; ///< logical units
     double m_ascent = 0;

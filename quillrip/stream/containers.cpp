@@ -1,5 +1,6 @@
 #include "quillrip/stream/containers.h"
 
+#include "quillrip/emf/recognition.h"
 #include "quillrip/stream/content.h"
 #include "quillrip/stream/section_input_stream.h"
 #include "quillrip/stream/signatures.h"
@@ -189,6 +190,9 @@ bool unwrapControlLines(InputStream& input, Container& container)
 Container unwrap(InputStream& input)
 {
     Container container;
+    // A metafile's first bytes are those of an IPP request too.
+    if (emf::looksLikeMetafile(input.window(kMacBinaryHeader)))
+        return container;
     if (!unwrapMacBinary(input, container) && !unwrapLpd(input, container) && !unwrapIpp(input, container))
         unwrapControlLines(input, container);
     return container;
