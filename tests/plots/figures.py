@@ -83,6 +83,13 @@ FILLS = POSTSCRIPT + '''
 showpage
 '''
 
+SVG = '''<svg xmlns="http://www.w3.org/2000/svg" width="180mm" height="120mm" viewBox="0 0 180 120">
+<g fill="none" stroke="black" stroke-width=".35"><rect x="10" y="10" width="160" height="100"/>
+<circle cx="50" cy="60" r="30"/><path d="M90 90 C100 20 140 20 150 90 Z"/><path d="M20 20 L60 25 L40 40 Z"/>
+<ellipse cx="130" cy="40" rx="25" ry="10"/><path d="M90 100 h60 M90 103 h60"/></g></svg>
+'''
+INKSCAPE_WRITER = Path('/usr/share/inkscape/extensions/hpgl_output.py')
+
 # The same margins in every terminal, whatever its letters, and a frame that cuts all pictures alike.
 GNUPLOT_FRAME = 'set object 1 rectangle from screen .005,.005 to screen .995,.995 fs empty; '
 GNUPLOT_LAYOUT = GNUPLOT_FRAME + 'set lmargin at screen .12; set rmargin at screen .95; ' \
@@ -215,3 +222,13 @@ def figures(folder):
             run(['fig2dev', '-L', 'ps', str(source)]), 'plt'
     yield 'groff-rules', run(['groff', '-Tlj4', '-p', '-t', '-e', '-ms'], GROFF.encode()), \
         run(['groff', '-Tps', '-p', '-t', '-e', '-ms'], GROFF.encode()), 'pcl'
+    if INKSCAPE_WRITER.exists():
+        source = Path(folder) / 'figure.svg'
+        source.write_text(SVG)
+        yield 'inkscape-figure', run(['/usr/bin/python3', str(INKSCAPE_WRITER), str(source)]), \
+            run(['rsvg-convert', '-f', 'eps', str(source)]), 'plt'
+    run(['/usr/bin/python3', str(Path(__file__).parent / 'board.py'), str(folder)])
+    for mode in ('filled', 'outlined'):
+        plots = sorted(Path(folder).glob(f'*{mode}.plt'))
+        if plots:
+            yield f'kicad-board-{mode}', plots[0].read_bytes(), plots[0].with_suffix('.ps').read_bytes(), 'plt'
