@@ -2,6 +2,11 @@
 #include "quillrip/image/header_bytes.h"
 #include "quillrip/image/light_rows.h"
 
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
 namespace quillrip {
 
 namespace {

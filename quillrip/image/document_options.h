@@ -2,6 +2,7 @@
 
 #include "quillrip/base/page_bitmap.h"
 
+#include <cstdint>
 #include <optional>
 #include <string>
 
@@ -31,6 +32,9 @@ struct DocumentOptions {
     /// A TIFF of class F (RFC 2306, profile F): bilevel pages, cropped or padded with white on the right to 1728
     /// pixels, Group 3 one-dimensional whatever `compression` says. Without effect on other types.
     bool fax = false;
+    /// A TIFF that can grow above this many bytes becomes a BigTIFF, whose offsets have 64 bits. Less only to test
+    /// that.
+    std::uint64_t mostTiffBytes = UINT32_MAX;
     int jpegQuality = 90; ///< 1 to 100
     /// What commit() has written is on the disk when it returns. Without it a crash of the machine soon after can lose
     /// new files, but no former one that they take the place of.

@@ -73,6 +73,7 @@ public:
         return false;
     }
 
+    std::vector<int> folders() const { return m_files.folders(); }
     void setMostBytes(std::uint64_t bytes) { m_files.setMostBytes(bytes); }
     bool isLimitExceeded() const { return m_isOutOfMemory || m_pipeline.isOutOfMemory() || m_files.isOverspent(); }
 
@@ -157,6 +158,7 @@ bool DocumentWriter::commit()
     }
 }
 
+std::vector<int> DocumentWriter::folders() const { return m_implementation->folders(); }
 void DocumentWriter::setMostBytes(std::uint64_t bytes) { m_implementation->setMostBytes(bytes); }
 bool DocumentWriter::isLimitExceeded() const { return m_implementation->isLimitExceeded(); }
 const std::string& DocumentWriter::reason() const { return m_implementation->reason(); }

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <vector>
 
 namespace quillrip {
 
@@ -33,6 +34,9 @@ public:
     /// Waits for all pages and makes their files appear. False, with reason(), when that failed: then none of this
     /// document's files is there and former files are as they were. A document without pages commits no file.
     [[nodiscard]] bool commit();
+
+    /// Descriptors of the folders that files are made in: what a sandbox has to leave open.
+    std::vector<int> folders() const;
 
     /// What all files together may have from now on.
     void setMostBytes(std::uint64_t bytes);

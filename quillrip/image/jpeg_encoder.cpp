@@ -11,7 +11,11 @@
 #include <array>
 #include <cmath>
 #include <csetjmp>
+#include <cstdint>
 #include <cstdio>
+#include <memory>
+#include <string>
+#include <vector>
 
 #include <jpeglib.h>
 

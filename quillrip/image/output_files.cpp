@@ -89,6 +89,16 @@ bool OutputFiles::spend(std::uint64_t bytes)
     return false;
 }
 
+std::vector<int> OutputFiles::folders() const
+{
+    std::vector<int> descriptors;
+    if (m_folder)
+        descriptors.push_back(m_folder->descriptor());
+    for (const auto& file : m_files)
+        descriptors.push_back(file->place().folder->descriptor());
+    return descriptors;
+}
+
 bool OutputFiles::prepareAll()
 {
     // Room is what fails most often, and costs least to find out.

@@ -35,6 +35,8 @@ public:
     /// All files appear, the first one last, or, after a failure, none: then the former ones are as they were.
     [[nodiscard]] bool commit();
 
+    /// Descriptors of the folders that the files begun so far lie in.
+    std::vector<int> folders() const;
     /// The file that was begun last, for formats that write out of order.
     OutputFile& file() { return *m_files.back(); }
     /// Begins with the name of the file unless that is the first one.

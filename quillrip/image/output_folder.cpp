@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <ctime>
 #include <system_error>
+#include <utility>
 
 #include <fcntl.h>
 #include <sys/file.h>
@@ -108,7 +109,7 @@ OutputFolder::~OutputFolder()
     if (m_lock >= 0) {
         // The lock goes last: without it nobody would look for the rest.
         if (m_isAllRemoved)
-            unlinkat(m_descriptor, nameOf(m_owner, 0).c_str(), 0);
+            unlinkat(m_descriptor, m_lockName.c_str(), 0);
         close(m_lock);
     }
     close(m_descriptor);
@@ -151,7 +152,8 @@ bool OutputFolder::lock()
 
 bool OutputFolder::lockAs(const std::string& owner)
 {
-    const std::string name = nameOf(owner, 0);
+    std::string name = nameOf(owner, 0);
+    m_owner = owner;
     const int lock = openat(m_descriptor, name.c_str(), O_CREAT | O_EXCL | O_RDWR | O_CLOEXEC, 0600); // NOLINT
     if (lock < 0)
         return false;
@@ -164,7 +166,7 @@ bool OutputFolder::lockAs(const std::string& owner)
         errno = EEXIST;
         return false;
     }
-    m_owner = owner;
+    m_lockName = std::move(name);
     m_lock = lock;
     return true;
 }

@@ -53,6 +53,7 @@ private:
     bool m_canSync;
     std::string m_prefix; ///< of all hidden names for this output
     std::string m_owner; ///< tells apart runs that write the same output at the same time
+    std::string m_lockName;
     int m_lock = -1;
     std::uint32_t m_lastNumber = 0;
     std::uint32_t m_reserved = 0; ///< the numbers up to this one are removed when this run is found dead

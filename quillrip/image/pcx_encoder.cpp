@@ -4,7 +4,11 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
 #include <cstring>
+#include <memory>
+#include <string>
+#include <vector>
 
 namespace quillrip {
 

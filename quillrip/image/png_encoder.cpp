@@ -12,6 +12,10 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
 
 namespace quillrip {
 

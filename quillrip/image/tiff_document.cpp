@@ -1,11 +1,11 @@
 #include "quillrip/image/tiff_document.h"
 
 #include "quillrip/image/light_rows.h"
+#include "quillrip/image/tiff_directories.h"
 #include "quillrip/image/tiff_strip.h"
 
 #include <algorithm>
-#include <array>
-#include <cstdio>
+#include <cstdint>
 #include <new>
 
 namespace quillrip {
@@ -13,11 +13,10 @@ namespace quillrip {
 namespace {
 
 constexpr std::size_t kPieceBytes = std::size_t { 512 } << 10;
-/// Offsets have 32 bits, and some room is needed for the directory.
-constexpr std::uint64_t kLargestFile = UINT32_MAX - (std::uint64_t { 1 } << 20);
-
-std::uint32_t u16At(const std::uint8_t* at) { return at[0] | static_cast<std::uint32_t>(at[1]) << 8; }
-std::uint32_t u32At(const std::uint8_t* at) { return u16At(at) | u16At(at + 2) << 16; }
+/// Room for a page's directory, the numbers of its strips included: a strip has 128 KB.
+constexpr std::uint64_t kDirectoryBytes = std::uint64_t { 1 } << 20;
+/// Encoded pages are seldom larger than plain ones; single pixels in Group 3 are, with nine bits for two.
+constexpr std::uint64_t kWorstExpansion = 5;
 
 std::uint16_t clampedToU16(std::uint32_t value) { return static_cast<std::uint16_t>(std::min(value, 0xFFFFu)); }
 
@@ -52,7 +51,7 @@ public:
         return {};
     }
 
-    bool begin() override { return m_layout.describe(m_document.m_tiff.get(), m_layout.height); }
+    bool begin() override { return m_document.beginPage(m_layout); }
 
     bool write(const EncodedPiece& piece) override
     {
@@ -131,12 +130,32 @@ std::string TiffDocument::encodeStrip(
     return reason;
 }
 
+bool TiffDocument::beginPage(const TiffLayout& layout)
+{
+    const std::uint64_t plainBytes = std::uint64_t { layout.rowBytes() } * layout.height;
+    const std::uint64_t mostBytes
+        = (layout.compression == COMPRESSION_NONE ? plainBytes : plainBytes * kWorstExpansion) + kDirectoryBytes;
+    // The first strip gets another place then.
+    if (!m_isBig && m_pagesWritten > 0
+        && file().size() + mostBytes + m_firstStripBytes > std::uint64_t { m_options.mostTiffBytes }) {
+        m_tiff.reset();
+        if (!makeBigTiff(file()))
+            return false;
+        m_isBig = true;
+        m_at = 0;
+        m_tiff = openTiffForAppending({ this, read, write, seek, size }, m_message);
+    }
+    return m_tiff && layout.describe(m_tiff.get(), layout.height);
+}
+
 bool TiffDocument::writeStrip(std::uint32_t strip, ByteView bytes)
 {
-    if (file().size() + bytes.size > kLargestFile) {
-        m_message = "the file would grow above 4 GiB, where TIFF ends";
+    if (!m_isBig && file().size() + bytes.size + kDirectoryBytes > UINT32_MAX) {
+        m_message = "a single page has more than 4 GiB";
         return false;
     }
+    if (m_pagesWritten == 0 && strip == 0)
+        m_firstStripBytes = bytes.size;
     return m_files.spend(bytes.size)
         && TIFFWriteRawStrip(m_tiff.get(), strip, const_cast<std::uint8_t*>(bytes.data), // it is only read
                static_cast<tmsize_t>(bytes.size))
@@ -156,38 +175,9 @@ bool TiffDocument::endPage()
 bool TiffDocument::finish()
 {
     m_tiff.reset();
-    return file().reason().empty() && fillInPageCount();
-}
-
-bool TiffDocument::fillInPageCount()
-{
-    const std::uint16_t total = clampedToU16(m_pagesWritten);
     // A file of one page holds no "page of a multi-page image", unless it is a fax.
     const bool isSinglePage = m_pagesWritten == 1 && !m_options.fax;
-    std::array<std::uint8_t, 4> word {};
-    if (!file().readAt(4, word.data(), 4))
-        return false;
-    for (std::uint32_t page = 0; page < m_pagesWritten; ++page) {
-        const std::uint64_t directory = u32At(word.data());
-        if (!file().readAt(directory, word.data(), 2))
-            return false;
-        const std::uint32_t entries = u16At(word.data());
-        std::vector<std::uint8_t> bytes(std::size_t { entries } * 12);
-        if (!file().readAt(directory + 2, bytes.data(), bytes.size()))
-            return false;
-        for (std::uint32_t i = 0; i < entries; ++i) {
-            std::uint8_t* entry = &bytes[std::size_t { i } * 12];
-            if (u16At(entry) == TIFFTAG_SUBFILETYPE && isSinglePage)
-                entry[8] = 0;
-            if (u16At(entry) == TIFFTAG_PAGENUMBER) {
-                entry[10] = static_cast<std::uint8_t>(total & 0xFF);
-                entry[11] = static_cast<std::uint8_t>(total >> 8);
-            }
-        }
-        if (!file().writeAt(directory + 2, bytes) || !file().readAt(directory + 2 + bytes.size(), word.data(), 4))
-            return false;
-    }
-    return true;
+    return file().reason().empty() && fillInPageCount(file(), clampedToU16(m_pagesWritten), isSinglePage);
 }
 
 tmsize_t TiffDocument::read(thandle_t client, void* data, tmsize_t count)

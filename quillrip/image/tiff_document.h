@@ -5,6 +5,7 @@
 #include "quillrip/image/page_encoder.h"
 #include "quillrip/image/tiff_layout.h"
 
+#include <cstdint>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -37,9 +38,9 @@ private:
     class Encoder;
     friend class Encoder;
 
+    bool beginPage(const TiffLayout& layout);
     bool writeStrip(std::uint32_t strip, ByteView bytes);
     bool endPage();
-    bool fillInPageCount();
     std::string encodeStrip(
         const PageBitmap& page, const TiffLayout& layout, std::uint32_t strip, std::vector<std::uint8_t>& out);
 
@@ -54,6 +55,8 @@ private:
     std::string m_message;
     std::uint64_t m_at = 0; ///< where the library reads or writes next
     std::uint32_t m_pagesWritten = 0;
+    std::uint64_t m_firstStripBytes = 0; ///< of the first page
+    bool m_isBig = false;
     TiffHandle m_tiff;
 
     /// Encoded strips without a mark, by format, width and rows: most pages have many.

@@ -113,7 +113,9 @@ bool TiffLayout::describe(TIFF* tiff, std::uint32_t rows) const
     return isGood;
 }
 
-TiffHandle openTiffForWriting(const TiffCallbacks& callbacks, std::string& message)
+namespace {
+
+TiffHandle openTiff(const char* mode, const TiffCallbacks& callbacks, std::string& message)
 {
     const std::unique_ptr<TIFFOpenOptions, decltype(&TIFFOpenOptionsFree)> options { TIFFOpenOptionsAlloc(),
         &TIFFOpenOptionsFree };
@@ -121,8 +123,20 @@ TiffHandle openTiffForWriting(const TiffCallbacks& callbacks, std::string& messa
         return nullptr;
     TIFFOpenOptionsSetErrorHandlerExtR(options.get(), keepMessage, &message);
     TIFFOpenOptionsSetWarningHandlerExtR(options.get(), ignoreWarning, nullptr);
-    return TiffHandle { TIFFClientOpenExt("TIFF", "wl", callbacks.client, callbacks.read, callbacks.write,
+    return TiffHandle { TIFFClientOpenExt("TIFF", mode, callbacks.client, callbacks.read, callbacks.write,
         callbacks.seek, doNotClose, callbacks.size, nullptr, nullptr, options.get()) };
+}
+
+} // namespace
+
+TiffHandle openTiffForWriting(const TiffCallbacks& callbacks, std::string& message)
+{
+    return openTiff("wl", callbacks, message);
+}
+
+TiffHandle openTiffForAppending(const TiffCallbacks& callbacks, std::string& message)
+{
+    return openTiff("a", callbacks, message);
 }
 
 } // namespace quillrip

@@ -50,5 +50,7 @@ struct TiffCloser {
 };
 using TiffHandle = std::unique_ptr<TIFF, TiffCloser>;
 TiffHandle openTiffForWriting(const TiffCallbacks& callbacks, std::string& message);
+/// The same on a file that has pages already.
+TiffHandle openTiffForAppending(const TiffCallbacks& callbacks, std::string& message);
 
 } // namespace quillrip

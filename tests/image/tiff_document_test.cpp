@@ -136,6 +136,43 @@ TEST(TiffDocument, CcittPagesAreOneStrip)
     EXPECT_EQ(directories[0].at(TIFFTAG_STRIPOFFSETS).count, 1u);
 }
 
+TEST(TiffDocument, WhatCanPassFourGibibytesBecomesABigTiff)
+{
+    for (const TiffCompression compression :
+        { TiffCompression::None, TiffCompression::Lzw, TiffCompression::CcittG4, TiffCompression::CcittG3OneD }) {
+        const ScratchFolder scratch;
+        auto options = optionsFor(scratch.path("out.tif"), compression);
+        std::vector<PageBitmap> pages;
+        std::vector<const PageBitmap*> pointers;
+        for (unsigned seed = 1; seed <= 5; ++seed)
+            pages.push_back(
+                makePage(PixelFormat::Bilevel, 3000, seed % 2 == 0 ? 20 : 700, Content::Text, seed, { 300, 600 }));
+        for (const PageBitmap& page : pages)
+            pointers.push_back(&page);
+        ASSERT_TRUE(write(options, pointers));
+        EXPECT_EQ(readFile(options.path).at(2), 42);
+        options.mostTiffBytes = 1500000; // which the third page can pass
+        ASSERT_TRUE(write(options, pointers));
+        EXPECT_EQ(readFile(options.path).at(2), 43);
+        const auto images = decodeFile(options.path);
+        ASSERT_EQ(images.size(), pages.size());
+        for (std::size_t i = 0; i < pages.size(); ++i) {
+            EXPECT_TRUE(shows(images[i], pages[i])) << "page " << i + 1;
+            EXPECT_NEAR(images[i].yDotsPerInch, 600, 0.02);
+        }
+        const std::unique_ptr<TIFF, void (*)(TIFF*)> tiff { TIFFOpen(options.path.c_str(), "r"), TIFFClose };
+        ASSERT_TRUE(tiff);
+        for (std::uint16_t i = 0; i < pages.size(); ++i) {
+            std::uint16_t number = 0;
+            std::uint16_t total = 0;
+            ASSERT_EQ(TIFFSetDirectory(tiff.get(), i), 1);
+            ASSERT_EQ(TIFFGetField(tiff.get(), TIFFTAG_PAGENUMBER, &number, &total), 1);
+            EXPECT_EQ(number, i);
+            EXPECT_EQ(total, pages.size());
+        }
+    }
+}
+
 TEST(TiffDocument, ClassFHasTheTagsOfItsProfile)
 {
     for (const int verticalResolution : { 98, 196 }) {
