@@ -2,6 +2,7 @@
 #include "quillrip/cli/printable.h"
 #include "quillrip/cli/version.h"
 #include "quillrip/cli/watchdog.h"
+#include "quillrip/job/sandbox.h"
 
 #include <csignal>
 #include <cstdio>
@@ -13,6 +14,12 @@
 namespace {
 
 using namespace quillrip;
+
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+constexpr bool kCanBeConfined = false; // sanitizers trace the process at its end, and run programs to name functions
+#else
+constexpr bool kCanBeConfined = true;
+#endif
 
 void say(const std::string& line) { std::fprintf(stderr, "quillrip: %s\n", cli::printable(line).c_str()); }
 
@@ -66,10 +73,11 @@ int run(const std::vector<std::string>& words)
         return 0;
     }
     if (std::holds_alternative<cli::ShowVersion>(request)) {
-        std::printf("quillrip %s\n", cli::kVersion);
+        std::printf("quillrip %s\nConfinement that this system offers: %s\n", cli::kVersion, sandboxSupport().c_str());
         return 0;
     }
-    const auto& [options, seconds] = std::get<cli::Convert>(request);
+    auto [options, seconds] = std::get<cli::Convert>(request);
+    options.isConfined = kCanBeConfined;
     const std::string input = nameOf(options.inputPath);
     WarningPrinter warnings(input);
     cli::Watchdog watchdog(seconds, cli::printable(input));

@@ -1,10 +1,15 @@
 #include "quillrip/job/child_process.h"
 
+#include "quillrip/fonts/faces/font_file.h"
+#include "quillrip/job/sandbox.h"
+
 #include <algorithm>
 #include <cerrno>
 #include <csignal>
+#include <cstdint>
 #include <cstring>
 #include <fcntl.h>
+#include <memory>
 #include <poll.h>
 #include <sys/prctl.h>
 #include <sys/resource.h>
@@ -127,6 +132,23 @@ ChildProcess::~ChildProcess()
     }
 }
 
+std::vector<std::string> ChildProcess::neededPaths(const std::string& program)
+{
+    std::vector<std::string> paths = systemPaths();
+    paths.insert(paths.end(),
+        { program, "/bin", "/sbin", "/var/lib/ghostscript", "/var/cache/fontconfig", "/var/lib/fonts",
+            "/etc/ghostscript", "/etc/papersize", "/etc/paperspecs", "/dev/null", "/dev/zero", "/dev/random",
+            "/dev/urandom", "/proc/sys/vm/overcommit_memory" });
+    // Of a program with a place of its own, such as /opt/name/bin/name, all that came with it.
+    const std::string folder = program.substr(0, program.find_last_of('/'));
+    const std::string above = folder.substr(0, std::min(folder.find_last_of('/'), folder.size()));
+    if (folder.size() - above.size() == sizeof "/bin" - 1 && !above.empty())
+        paths.push_back(above);
+    const std::vector<std::string> fonts = fontFolders();
+    paths.insert(paths.end(), fonts.begin(), fonts.end());
+    return paths;
+}
+
 bool ChildProcess::start(const std::vector<std::string>& arguments, int input)
 {
     // Everything that allocates comes before the fork: other threads may hold the allocator's locks.
@@ -135,6 +157,9 @@ bool ChildProcess::start(const std::vector<std::string>& arguments, int input)
         words.push_back(const_cast<char*>(argument.c_str()));
     words.push_back(nullptr);
     std::vector<char*> environment = cleanEnvironment();
+    SandboxRules rules;
+    rules.executable = neededPaths(arguments[0]);
+    rules.readableFiles = { 0 }; // what the input is then
     int output[2] = { -1, -1 };
     int errors[2] = { -1, -1 };
     if (::lseek(input, 0, SEEK_SET) != 0 || ::pipe2(output, O_CLOEXEC) != 0)
@@ -156,6 +181,8 @@ bool ChildProcess::start(const std::vector<std::string>& arguments, int input)
         limit(RLIMIT_CORE, 0);
         const bool isReady = ::getppid() == parent && ::dup2(input, 0) == 0 && ::dup2(output[1], 1) == 1
             && ::dup2(errors[1], 2) == 2 && ::close_range(3, ~0u, 0) == 0 && ::chdir("/") == 0;
+        static_cast<void>(confineFiles(rules));
+        static_cast<void>(confineCalls(true));
         if (isReady)
             ::execve(words[0], words.data(), environment.data());
         ::_exit(127);

@@ -2,6 +2,7 @@
 
 #include "quillrip/base/input_stream.h"
 
+#include <memory>
 #include <string>
 #include <sys/types.h>
 #include <vector>
@@ -9,7 +10,8 @@
 namespace quillrip {
 
 /// A program run on a file, whose output is read as it comes. It ends with this object, with this process at the
-/// latest, is held to limits of memory and processor time, and can write no file.
+/// latest, is held to limits of memory and processor time, can write no file, and, where the kernel offers it
+/// (sandbox.h), reads none but its input, its own and the system's, and has no network.
 class ChildProcess {
 public:
     ChildProcess();
@@ -20,6 +22,9 @@ public:
 
     /// `arguments[0]` is the program's path; no shell takes part. `input` becomes its standard input, from the start.
     [[nodiscard]] bool start(const std::vector<std::string>& arguments, int input);
+
+    /// What a program reads and runs of the system: libraries, its resources, fonts.
+    static std::vector<std::string> neededPaths(const std::string& program);
 
     /// Its standard output. Only after start().
     InputStream& output();

@@ -1,18 +1,24 @@
 #include "quillrip/job/conversion.h"
 
 #include "quillrip/base/input_stream.h"
+#include "quillrip/fonts/faces/font_file.h"
 #include "quillrip/image/document_writer.h"
+#include "quillrip/job/child_process.h"
 #include "quillrip/job/ghostscript.h"
 #include "quillrip/job/job_runner.h"
+#include "quillrip/job/sandbox.h"
+#include "quillrip/job/spool_file.h"
 
 #include <cerrno>
 #include <cstdint>
 #include <cstring>
 #include <fcntl.h>
+#include <memory>
 #include <new>
 #include <stdexcept>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <vector>
 
 namespace quillrip {
 
@@ -101,6 +107,23 @@ std::unique_ptr<FileInputStream> openInput(const std::string& path, std::string&
     return std::make_unique<FileInputStream>(descriptor);
 }
 
+/// Fonts are opened when a job asks for them; the rest is open. A system that offers no confinement gets its pages
+/// without.
+void confine(const DocumentWriter& writer, const std::string& ghostscript)
+{
+    SandboxRules rules;
+    rules.readable = systemPaths();
+    const std::vector<std::string> fonts = fontFolders();
+    rules.readable.insert(rules.readable.end(), fonts.begin(), fonts.end());
+    rules.writableFolders = writer.folders();
+    if (!ghostscript.empty()) {
+        rules.executable = ChildProcess::neededPaths(ghostscript);
+        rules.writablePaths = { SpoolFile::folder() };
+    }
+    static_cast<void>(confineFiles(rules));
+    static_cast<void>(confineCalls(!ghostscript.empty()));
+}
+
 ConversionResult convertWithMemory(
     const ConversionOptions& options, DiagnosticSink& diagnostics, const std::function<void()>& beforePublishing)
 {
@@ -129,7 +152,10 @@ ConversionResult convertWithMemory(
     if (!writer)
         return failed(ConversionStatus::OutputFailed, reason, outputPath);
     WriterSink sink(*writer, options, *input, identity);
-    const JobResult job = runJob(*input, sink, options.page, options.limits, diagnostics, findGhostscript());
+    const std::string ghostscript = findGhostscript();
+    if (options.isConfined)
+        confine(*writer, ghostscript);
+    const JobResult job = runJob(*input, sink, options.page, options.limits, diagnostics, ghostscript);
 
     if (input->failed())
         return failed(ConversionStatus::BadInput, "reading it failed", inputPath);

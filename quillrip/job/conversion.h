@@ -15,6 +15,9 @@ struct ConversionOptions {
     PageSettings page;
     DocumentOptions document; ///< its path is the output
     Limits limits;
+    /// Once the input and the output's folder are open, the process gives up what it does not need any more, for good:
+    /// for programs that convert one job.
+    bool isConfined = false;
 };
 
 enum class ConversionStatus {

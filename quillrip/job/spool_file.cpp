@@ -3,12 +3,14 @@
 #include "quillrip/stream/content.h"
 
 #include <cerrno>
+#include <cstdint>
 #include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
 #include <string>
 #include <sys/types.h>
 #include <unistd.h>
+#include <vector>
 
 namespace quillrip {
 
@@ -27,10 +29,15 @@ SpoolFile::~SpoolFile()
         ::close(m_descriptor);
 }
 
-bool SpoolFile::create()
+std::string SpoolFile::folder()
 {
     const char* named = std::getenv("TMPDIR");
-    const std::string folder = named && *named ? named : "/tmp";
+    return named && *named ? named : "/tmp";
+}
+
+bool SpoolFile::create()
+{
+    const std::string folder = SpoolFile::folder();
     m_descriptor = ::open(folder.c_str(), O_TMPFILE | O_RDWR | O_CLOEXEC, 0600);
     if (m_descriptor >= 0)
         return true;

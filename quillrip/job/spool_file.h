@@ -2,6 +2,9 @@
 
 #include "quillrip/base/input_stream.h"
 
+#include <cstdint>
+#include <string>
+
 namespace quillrip {
 
 /// A temporary file without a name: it goes when it is closed, even if the process is killed.
@@ -17,6 +20,8 @@ public:
     /// the file cannot be made or written.
     [[nodiscard]] bool fill(InputStream& input, bool decodesTagged);
 
+    /// Where the file is made: what TMPDIR names, or /tmp.
+    static std::string folder();
     /// Stands at the file's start; -1 before fill().
     int descriptor() const { return m_descriptor; }
 

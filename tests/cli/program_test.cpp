@@ -257,7 +257,9 @@ TEST(Program, UnknownPartsBesideKnownOnesAreAWarning)
 TEST(Program, HelpAndVersionGoToStandardOutput)
 {
     EXPECT_NE(runQuillrip({ "--help" }).output.find("-faxtif"), std::string::npos);
-    EXPECT_TRUE(beginsWith(runQuillrip({ "--version" }).output, "quillrip "));
+    const std::string version = runQuillrip({ "--version" }).output;
+    EXPECT_TRUE(beginsWith(version, "quillrip "));
+    EXPECT_NE(version.find("Confinement"), std::string::npos);
     EXPECT_EQ(runQuillrip({ "--help" }).exitCode, 0);
 }
 

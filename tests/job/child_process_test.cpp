@@ -1,8 +1,10 @@
 #include "quillrip/job/child_process.h"
+#include "quillrip/job/sandbox.h"
 
 #include <gtest/gtest.h>
 
 #include <cstdio>
+#include <fstream>
 #include <string>
 
 namespace quillrip {
@@ -61,6 +63,24 @@ TEST(ChildProcess, OptionsInTheEnvironmentDoNotReachIt)
     EXPECT_EQ(allOf(child.output()), "[]\n/\n");
     EXPECT_TRUE(child.finish());
     ::unsetenv("GS_OPTIONS");
+}
+
+TEST(ChildProcess, ReadsNoFileButItsOwnAndWritesNone)
+{
+    if (sandboxSupport().find("Landlock") == std::string::npos)
+        GTEST_SKIP() << "the kernel offers no Landlock";
+    const std::string secret = testing::TempDir() + "quillrip-secret";
+    std::ofstream { secret } << "secret\n";
+    const Input input("hello\n");
+    ChildProcess child;
+    ASSERT_TRUE(child.start(
+        { "/bin/sh", "-c", "cat " + secret + "; echo more >" + secret + "; cat /proc/self/fd/0" }, input.descriptor()));
+    EXPECT_EQ(allOf(child.output()), "hello\n");
+    static_cast<void>(child.finish());
+    std::string kept;
+    std::getline(std::ifstream { secret }, kept);
+    EXPECT_EQ(kept, "secret");
+    std::remove(secret.c_str());
 }
 
 TEST(ChildProcess, AProgramThatIsNotThereFails)

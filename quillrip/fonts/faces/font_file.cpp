@@ -217,6 +217,14 @@ bool FontFile::outline(unsigned glyph, Path& path) const
     return appendSlotOutline(m_face, 1.0 / m_face->units_per_EM, path);
 }
 
+std::vector<std::string> fontFolders()
+{
+    std::vector<std::string> folders = searchFolders();
+    const std::vector<std::string> others = systemFolders();
+    folders.insert(folders.end(), others.begin(), others.end());
+    return folders;
+}
+
 FontFiles::FontFiles()
     : m_folders(searchFolders())
     , m_usesSystemFolders(true)

@@ -69,6 +69,9 @@ private:
 /// Appends the outline that FreeType holds in the face's glyph slot, scaled by `unit`. False when it has none.
 bool appendSlotOutline(FT_FaceRec_* face, double unit, Path& path);
 
+/// All folders that FontFiles looks in.
+std::vector<std::string> fontFolders();
+
 /// Finds font files by name and opens each once. Folders, in this order: what the environment variable PCLFONTSOURCE
 /// names, "fonts" beside the executable, "fonts" beside the application bundle that the executable lies in, the
 /// system's. Nothing is looked for before the first question.
