@@ -24,8 +24,7 @@ std::vector<std::uint8_t> readMetafile(InputStream& input, const Limits& limits,
         const Fields head(input.window(Record::kSmallest));
         const std::uint32_t type = head.u32(0);
         const std::uint32_t size = head.u32(4);
-        isTooLarge = bytes.size() + std::uint64_t { size } > limits.pageBytes;
-        if (isTooLarge || head.size() < Record::kSmallest || size < Record::kSmallest)
+        if (head.size() < Record::kSmallest || size < Record::kSmallest)
             return bytes;
         // A step at a time: a record may claim more than is there.
         std::uint64_t left = size;
@@ -37,7 +36,8 @@ std::vector<std::uint8_t> readMetafile(InputStream& input, const Limits& limits,
             const std::size_t got = input.read(bytes.data() + had, step);
             bytes.resize(had + got);
             left -= got;
-            if (got < step)
+            isTooLarge = bytes.size() > limits.pageBytes;
+            if (got < step || isTooLarge)
                 return bytes;
         }
         if (type == kEndOfFile)
@@ -94,7 +94,9 @@ private:
             if (page->isUnfinished || page->isCut)
                 m_diagnostics.report(
                     { Severity::Damage, page->offset, "emf.page-cut", "the last page is not complete" });
-            if (!runPage(page->metafile, page->offset, page->settings ? &*page->settings : nullptr))
+            if (!runPage(page->metafile, page->offset, [&](const MetafileHeader& header) {
+                    return std::optional<SheetPlan>(planSheet(header, page->settings));
+                }))
                 return false;
         }
         if (reader.hasMetLimit())
@@ -113,17 +115,17 @@ private:
             m_status = RunStatus::LimitExceeded;
             return false;
         }
-        return runPage(metafile, offset, nullptr);
+        return runPage(metafile, offset, &planFrame);
     }
 
-    bool runPage(ByteView metafile, std::uint64_t offset, const Devmode* settings)
+    template <typename Planner> bool runPage(ByteView metafile, std::uint64_t offset, Planner planOf)
     {
         const auto header = MetafileHeader::read(metafile);
         if (!header) {
             m_diagnostics.report({ Severity::Damage, offset, "emf.header", "a page that is no metafile, left out" });
             return true;
         }
-        const std::optional<SheetPlan> plan = settings ? planSheet(*header, *settings) : planFrame(*header);
+        const std::optional<SheetPlan> plan = planOf(*header);
         if (!plan) {
             m_diagnostics.report({ Severity::Warning, offset, "emf.empty", "an empty metafile, left out" });
             return true;

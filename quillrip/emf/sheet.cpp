@@ -81,19 +81,20 @@ std::optional<SheetPlan> planFrame(const MetafileHeader& header)
     return plan;
 }
 
-SheetPlan planSheet(const MetafileHeader& header, const Devmode& settings)
+SheetPlan planSheet(const MetafileHeader& header, const std::optional<Devmode>& settings)
 {
     const Size area = header.printableArea();
     SheetPlan plan;
     std::optional<Size> sheet;
+    const std::vector<Size> candidates = settings ? settings->sheets() : std::vector<Size>();
     for (const bool isTurned : { false, true }) {
-        for (const Size& candidate : settings.sheets()) {
+        for (const Size& candidate : candidates) {
             const Size size = isTurned ? turned(candidate) : candidate;
             if (!sheet && fits(area, size))
                 sheet = size;
         }
     }
-    if (!sheet) {
+    if (!sheet && settings) {
         sheet = nearestSheet(area);
         plan.isGuessed = true;
     }

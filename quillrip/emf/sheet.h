@@ -19,7 +19,8 @@ struct SheetPlan {
 std::optional<SheetPlan> planFrame(const MetafileHeader& header);
 
 /// A page of a spool file: the sheet that its settings name, with the printable area in the middle; where the printable
-/// area does not fit, the standard sheet that it fits best. The picture decides whether the sheet lies across.
-SheetPlan planSheet(const MetafileHeader& header, const Devmode& settings);
+/// area does not fit, the standard sheet that it fits best; without settings, the printable area alone. The picture
+/// decides whether the sheet lies across.
+SheetPlan planSheet(const MetafileHeader& header, const std::optional<Devmode>& settings);
 
 } // namespace quillrip::emf

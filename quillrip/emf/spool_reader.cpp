@@ -136,16 +136,16 @@ std::optional<SpooledPage> SpoolReader::next()
         switch (head.id) {
         case kMetafile:
         case kMetafileData:
-            if (head.size > m_limits.pageBytes) {
+            m_held.emplace();
+            m_heldOffset = head.offset;
+            m_held->offset = m_input.offset();
+            m_held->metafile = readData(std::min(head.size, m_limits.pageBytes + 1));
+            if (m_held->metafile.size() > m_limits.pageBytes) {
                 m_hasMetLimit = true;
                 damage(head.offset, "emf.page-size", "a page's metafile is larger than may be kept");
                 m_isAtEnd = true;
                 return std::nullopt;
             }
-            m_held.emplace();
-            m_heldOffset = head.offset;
-            m_held->offset = m_input.offset();
-            m_held->metafile = readData(head.size);
             m_held->isCut = m_held->metafile.size() < head.size;
             break;
         case kDevmode: {

@@ -1,0 +1,218 @@
+// Shapes, pens, coordinates, clips and paths. Reference pixels are the page's.
+
+#include "tests/emf/emf_bench.h"
+
+#include <gtest/gtest.h>
+
+namespace quillrip::test {
+namespace {
+
+Played play(const Bytes& records) { return Played(spoolHeader() + spoolPage(metafile(records))); }
+Bytes filled() { return nullPen() + blackBrush(); }
+
+TEST(EmfDrawing, LineLeavesItsLastPixelOut)
+{
+    EXPECT_EQ(play(blackPen() + record(0x1B, { 300, 300 }) + record(0x36, { 310, 300 })).ink(), "300,300,309,300");
+    EXPECT_EQ(play(blackPen() + record(0x1B, { 310, 300 }) + record(0x36, { 300, 300 })).ink(), "301,300,310,300");
+}
+
+TEST(EmfDrawing, PenOfARectangleCoversItsEdges)
+{
+    const Played played = play(blackPen() + nullBrush() + rectangle(300, 300, 599, 599));
+    EXPECT_EQ(played.ink(), "300,300,599,599");
+    EXPECT_FALSE(played.hasInk(301, 301));
+    EXPECT_EQ(played.inkCount(), 4u * 299u);
+}
+
+TEST(EmfDrawing, FillUnderAPenHasNoSeam)
+{
+    const Played played = play(blackPen() + blackBrush() + record(0x2A, { 300, 300, 400, 400 }));
+    for (int x = 310; x < 390; ++x)
+        EXPECT_EQ(played.pixel(x, 350), kBlackPixel) << x;
+    EXPECT_EQ(played.pixel(380, 380), kBlackPixel);
+}
+
+TEST(EmfDrawing, WindowAndViewportScale)
+{
+    const Bytes mapping = record(0x11, { 8 }) + record(0x09, { 1000, 1000 }) + record(0x0B, { 300, 300 });
+    EXPECT_EQ(play(filled() + mapping + rectangle(1000, 1000, 1999, 1999)).ink(), "300,300,599,599");
+}
+
+TEST(EmfDrawing, MetricModeCountsUpwards)
+{
+    const Played played = play(filled() + record(0x11, { 2 }) + rectangle(100, -100, 200, -200));
+    EXPECT_EQ(played.ink(), "118,118,235,236");
+}
+
+TEST(EmfDrawing, WorldTransformTurns)
+{
+    const Bytes world = record(0x23, { bitsOf(0), bitsOf(1), bitsOf(-1), bitsOf(0), bitsOf(600), bitsOf(0) });
+    EXPECT_EQ(play(filled() + world + rectangle(100, 100, 199, 149)).ink(), "451,100,499,198");
+}
+
+TEST(EmfDrawing, WorldTransformsMultiplyFromEitherSide)
+{
+    const auto twice = [](std::uint32_t mode) {
+        return record(0x23, { bitsOf(2), 0, 0, bitsOf(2), 0, 0 })
+            + record(0x24, { bitsOf(1), 0, 0, bitsOf(1), bitsOf(10), 0, mode });
+    };
+    EXPECT_EQ(play(filled() + twice(2) + rectangle(0, 0, 20, 20)).ink(), "20,0,59,39");
+    EXPECT_EQ(play(filled() + twice(3) + rectangle(0, 0, 20, 20)).ink(), "10,0,49,39");
+}
+
+TEST(EmfDrawing, RestoreCountsBack)
+{
+    const Bytes levels = record(0x0A, { -100, 0 }) + record(0x21) + record(0x0A, { -200, 0 }) + record(0x21)
+        + record(0x0A, { -300, 0 }) + record(0x22, { -2 });
+    EXPECT_EQ(play(filled() + levels + rectangle(0, 0, 50, 50)).ink(), "100,0,149,49");
+}
+
+TEST(EmfDrawing, RestoreOfWhatWasNotSavedIsIgnored)
+{
+    for (const std::int64_t level : { std::int64_t { -1 }, std::int64_t { 1 }, std::int64_t { -2147483648 } }) {
+        const Played played = play(record(0x22, { level }) + filled() + rectangle(0, 0, 50, 50));
+        EXPECT_EQ(played.ink(), "0,0,49,49");
+        EXPECT_TRUE(played.report.has("emf.restore"));
+    }
+}
+
+TEST(EmfDrawing, ColorsAreRedFirst)
+{
+    const Bytes brush = record(0x27, { 1, 0, 0x000000FF, 0 }) + record(0x25, { 1 }) + record(0x28, { 1 });
+    const Played played = play(nullPen() + brush + rectangle(100, 100, 200, 200));
+    EXPECT_EQ(played.pixel(150, 150), kRedPixel); // deleted, but still selected
+}
+
+TEST(EmfDrawing, ExclusiveOrTwiceLeavesNoTrace)
+{
+    const Bytes xorBrush
+        = record(0x27, { 1, 0, 0x000000FF, 0 }) + record(0x25, { 1 }) + record(0x14, { 7 }) + nullPen();
+    EXPECT_EQ(play(xorBrush + rectangle(0, 0, 50, 50)).pixel(20, 20), (Rgb { 0, 255, 255 }));
+    EXPECT_EQ(play(xorBrush + rectangle(0, 0, 50, 50) + rectangle(0, 0, 50, 50)).ink(), "");
+    const Bytes circle = record(0x2A, { 10, 10, 95, 70 });
+    EXPECT_EQ(play(xorBrush + circle + circle).ink(), "");
+    const Bytes line = record(0x14, { 7 }) + record(0x26, { 1, 0, 5, 0, 0x80 }) + record(0x25, { 1 })
+        + record(0x1B, { 10, 10 }) + record(0x36, { 90, 41 });
+    EXPECT_NE(play(line).ink(), "");
+    EXPECT_EQ(play(line + record(0x1B, { 10, 10 }) + record(0x36, { 90, 41 })).ink(), "");
+}
+
+TEST(EmfDrawing, StarHasAHoleByTheAlternateRule)
+{
+    // Five points as shorts, two to a number.
+    const auto at = [](int x, int y) { return std::int64_t { x } | std::int64_t { y } << 16; };
+    const Bytes star = boundedRecord(0x56, { 5, at(150, 50), at(209, 231), at(55, 119), at(245, 119), at(91, 231) });
+    EXPECT_FALSE(play(filled() + record(0x13, { 1 }) + star).hasInk(150, 150));
+    EXPECT_TRUE(play(filled() + record(0x13, { 2 }) + star).hasInk(150, 150));
+}
+
+TEST(EmfDrawing, PieGoesCounterClockwiseUnlessToldOtherwise)
+{
+    const Bytes pie = record(0x2F, { 0, 0, 200, 200, 200, 100, 100, 0 });
+    const Played upperRight = play(filled() + pie);
+    EXPECT_TRUE(upperRight.hasInk(140, 60));
+    EXPECT_FALSE(upperRight.hasInk(60, 140));
+    const Played others = play(filled() + record(0x39, { 2 }) + pie);
+    EXPECT_FALSE(others.hasInk(140, 60));
+    EXPECT_TRUE(others.hasInk(60, 140));
+}
+
+TEST(EmfDrawing, PathsKeepThePlaceWhereTheyWereRecorded)
+{
+    const Bytes scale = record(0x23, { bitsOf(2), 0, 0, bitsOf(2), 0, 0 });
+    const Played played = play(
+        filled() + record(0x3B) + rectangle(100, 100, 200, 200) + record(0x3C) + scale + boundedRecord(0x3E, {}));
+    EXPECT_EQ(played.ink(), "100,100,199,199");
+}
+
+TEST(EmfDrawing, PathStartsAtThePositionSetBefore)
+{
+    const Bytes path = record(0x1B, { 100, 100 }) + record(0x3B) + record(0x36, { 200, 100 })
+        + record(0x36, { 200, 200 }) + record(0x3D) + record(0x3C) + boundedRecord(0x3E, {});
+    const Played played = play(filled() + path);
+    EXPECT_TRUE(played.hasInk(190, 110));
+    EXPECT_FALSE(played.hasInk(110, 190));
+}
+
+TEST(EmfDrawing, PathThatDoesNotExistIsNamed) { EXPECT_TRUE(play(boundedRecord(0x3E, {})).report.has("emf.no-path")); }
+
+TEST(EmfDrawing, ClipsCutOutAndCombine)
+{
+    const Bytes frame = record(0x1E, { 100, 100, 200, 200 }) + record(0x1D, { 120, 120, 180, 180 });
+    const Played played = play(filled() + frame + rectangle(0, 0, 1000, 1000));
+    EXPECT_EQ(played.ink(), "100,100,199,199");
+    EXPECT_EQ(played.inkCount(), 100u * 100u - 60u * 60u);
+}
+
+TEST(EmfDrawing, ClipRegionsAreInDevicePixels)
+{
+    const Bytes mapping = record(0x11, { 8 }) + record(0x09, { 1000, 1000 }) + record(0x0B, { 300, 300 });
+    const Bytes region = record(0x4B, { 48, 5, 32, 1, 1, 16, 300, 300, 310, 310, 300, 300, 310, 310 });
+    EXPECT_EQ(play(filled() + mapping + region + rectangle(0, 0, 5000, 5000)).ink(), "300,300,309,309");
+    EXPECT_EQ(play(filled() + region + record(0x4B, { 0, 5 }) + rectangle(0, 0, 50, 50)).ink(), "0,0,49,49");
+}
+
+TEST(EmfDrawing, MetaRegionOutlivesTheClip)
+{
+    const Bytes clips = record(0x1E, { 100, 100, 200, 200 }) + record(0x1C) + record(0x1E, { 150, 0, 900, 900 })
+        + record(0x4B, { 0, 5 });
+    EXPECT_EQ(play(filled() + clips + rectangle(0, 0, 1000, 1000)).ink(), "100,100,199,199");
+}
+
+TEST(EmfDrawing, RegionsAreFramedAndInverted)
+{
+    const Bytes frame
+        = boundedRecord(0x48, { 48, 0x80000004, 5, 5, 32, 1, 1, 16, 100, 100, 200, 200, 100, 100, 200, 200 });
+    const Played framed = play(frame);
+    EXPECT_EQ(framed.ink(), "100,100,199,199");
+    EXPECT_EQ(framed.inkCount(), 100u * 100u - 90u * 90u);
+    const Bytes invert = boundedRecord(0x49, { 48, 32, 1, 1, 16, 100, 100, 200, 200, 100, 100, 200, 200 });
+    EXPECT_EQ(play(invert).pixel(150, 150), kBlackPixel);
+    EXPECT_EQ(play(invert + invert).ink(), "");
+}
+
+TEST(EmfDrawing, HatchesShowTheBackgroundWhereItIsOpaque)
+{
+    const Bytes hatch = record(0x27, { 1, 2, 0, 0 }) + record(0x25, { 1 }) + record(0x19, { 0xFF }) + nullPen();
+    const Played open = play(hatch + record(0x12, { 1 }) + rectangle(0, 0, 80, 80));
+    const Played opaque = play(hatch + record(0x12, { 2 }) + rectangle(0, 0, 80, 80));
+    EXPECT_EQ(open.inkCount(), 80u * 10u);
+    EXPECT_EQ(opaque.inkCount(), 80u * 80u);
+    EXPECT_EQ(opaque.pixel(1, 1), kRedPixel);
+}
+
+TEST(EmfDrawing, DashedPensWiderThanAPixelAreSolid)
+{
+    const Bytes pen = record(0x26, { 1, 1, 10, 0, 0 }) + record(0x25, { 1 });
+    const Played played = play(pen + record(0x1B, { 100, 100 }) + record(0x36, { 300, 100 }));
+    for (int x = 100; x < 300; ++x)
+        EXPECT_TRUE(played.hasInk(x, 100)) << x;
+}
+
+TEST(EmfDrawing, GradientsRunFromCornerToCorner)
+{
+    const Bytes vertices = words({ 0, 0, 0, 0, 256, 20 }) + words({ 0xFF00 | 0xFF00 << 16, 0xFF00 });
+    const Bytes gradient = boundedRecord(0x76, { 2, 1, 0 }, vertices + words({ 0, 1, 0 }));
+    const Played played = play(gradient);
+    for (int x = 0; x < 256; x += 15)
+        EXPECT_NEAR(played.pixel(x, 10).red, x, 1) << x;
+}
+
+TEST(EmfDrawing, FloodFillStopsAtOtherColors)
+{
+    const Bytes box = blackPen() + nullBrush() + rectangle(100, 100, 200, 200);
+    const Bytes red = record(0x27, { 1, 0, 0xFF, 0 }) + record(0x25, { 1 });
+    const Played played = play(box + red + record(0x35, { 150, 150, 0xFFFFFF, 1 }));
+    EXPECT_EQ(played.pixel(101, 101), kRedPixel);
+    EXPECT_EQ(played.pixel(100, 100), kBlackPixel);
+    EXPECT_EQ(played.pixel(99, 99), kWhitePixel);
+}
+
+TEST(EmfDrawing, SizeAtAnotherResolutionIsTheSame)
+{
+    const Played played(metafile(filled() + rectangle(300, 300, 600, 600)), PixelFormat::Gray8, 100);
+    EXPECT_EQ(played.ink(), "100,100,199,199");
+}
+
+} // namespace
+} // namespace quillrip::test

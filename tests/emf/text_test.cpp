@@ -1,0 +1,212 @@
+// Text records. Reference pixels are the page's; the face is one that is as wide as Arial.
+
+#include "quillrip/emf/text.h"
+#include "tests/emf/emf_bench.h"
+
+#include <gtest/gtest.h>
+
+namespace quillrip::test {
+namespace {
+
+enum : std::uint32_t { kBytes = 0x53, kUtf16 = 0x54 };
+
+Played play(const Bytes& records) { return Played(spoolHeader() + spoolPage(metafile(records))); }
+
+Bytes utf16(const std::u16string& text)
+{
+    Bytes bytes;
+    for (const char16_t unit : text)
+        bytes = bytes + Bytes { static_cast<std::uint8_t>(unit), static_cast<std::uint8_t>(unit >> 8) };
+    return bytes;
+}
+
+/// The font and what text usually has beside it: no background, baseline alignment.
+Bytes arial(int height, int escapement = 0, int flags = 0, const std::u16string& face = u"Arial")
+{
+    Bytes name = utf16(face);
+    name.resize(64);
+    return record(0x52, { 1, height, 0, escapement, escapement, 400, flags, 0 }, name) + record(0x25, { 1 })
+        + record(0x12, { 1 }) + record(0x16, { 0x18 });
+}
+
+Bytes text(int x, int y, const std::u16string& string, std::initializer_list<std::int64_t> advances = {},
+    std::int64_t options = 0, std::initializer_list<std::int64_t> box = { 0, 0, -1, -1 }, std::int64_t mode = 1)
+{
+    Bytes characters = utf16(string);
+    characters.resize((characters.size() + 3) / 4 * 4);
+    const auto count = static_cast<std::int64_t>(string.size());
+    const auto place = advances.size() == 0 ? 0 : 76 + static_cast<std::int64_t>(characters.size());
+    return boundedRecord(kUtf16, { mode, bitsOf(1), bitsOf(1), x, y, count, 76, options },
+        words(box) + words({ place }) + characters + words(advances));
+}
+
+int leftOf(const Played& played) { return std::stoi(played.ink()); }
+int topOf(const Played& played) { return std::stoi(played.ink().substr(played.ink().find(',') + 1)); }
+int bottomOf(const Played& played) { return std::stoi(played.ink().substr(played.ink().rfind(',') + 1)); }
+
+TEST(EmfText, BaselineAndTop)
+{
+    const Played baseline = play(arial(-100) + text(500, 1000, u"H", { 100 }));
+    EXPECT_NEAR(bottomOf(baseline), 999, 1);
+    EXPECT_NEAR(topOf(baseline), 1000 - 69, 1);
+    const Played top = play(arial(-100) + record(0x16, { 0 }) + text(500, 1000, u"H", { 100 }));
+    EXPECT_NEAR(bottomOf(top), 1000 + 90, 1);
+    const Played bottom = play(arial(-100) + record(0x16, { 8 }) + text(500, 1000, u"H", { 100 }));
+    EXPECT_NEAR(bottomOf(bottom), 1000 - 21 - 1, 1);
+}
+
+TEST(EmfText, PositiveHeightIsTheCells)
+{
+    const Played cell = play(arial(100) + text(500, 1000, u"H", { 100 }));
+    EXPECT_NEAR(topOf(cell), 1000 - 62, 1); // em 89.5
+}
+
+TEST(EmfText, AdvancesDecideWhereLettersStand)
+{
+    const Played right = play(arial(-100) + record(0x16, { 0x18 | 2 }) + text(1000, 500, u"ii", { 200, 200 }));
+    EXPECT_NEAR(leftOf(right), 606, 3);
+    const Played left = play(arial(-100) + text(1000, 500, u"ii", { 200, 200 }));
+    EXPECT_NEAR(leftOf(left), 1006, 3);
+    EXPECT_TRUE(left.hasInk(leftOf(left) + 202, 480));
+}
+
+TEST(EmfText, PairsOfAdvancesWithoutASecondPart)
+{
+    const Played plain = play(arial(-100) + text(500, 500, u"AB", { 90, 90 }));
+    const Played pairs = play(arial(-100) + text(500, 500, u"AB", { 90, 0, 90, 0 }, 0x2000));
+    EXPECT_EQ(plain.ink(), pairs.ink());
+}
+
+TEST(EmfText, OpaqueBoxWithoutText)
+{
+    const Bytes red = record(0x19, { 0xFF });
+    const Played played = play(red + text(0, 0, u"", {}, 2, { 10, 10, 20, 20 }));
+    EXPECT_EQ(played.ink(), "10,10,19,19");
+    EXPECT_EQ(played.pixel(15, 15), kRedPixel);
+}
+
+TEST(EmfText, BackgroundFillsTheCell)
+{
+    const Bytes red = record(0x19, { 0xFF });
+    const Played played = play(arial(-100) + record(0x12, { 2 }) + red + text(500, 500, u"i", { 200 }));
+    EXPECT_EQ(played.pixel(690, 450), kRedPixel);
+    EXPECT_NEAR(topOf(played), 500 - 91, 1);
+    EXPECT_NEAR(bottomOf(played), 500 + 20, 1);
+}
+
+TEST(EmfText, ClippedText)
+{
+    const Played played = play(arial(-100) + text(500, 500, u"HHHH", { 80, 80, 80, 80 }, 4, { 500, 0, 600, 470 }));
+    EXPECT_LE(bottomOf(played), 469);
+    EXPECT_NE(played.ink(), "");
+}
+
+TEST(EmfText, EscapementTurnsTheLine)
+{
+    const Played upwards = play(arial(-100, 900) + text(500, 800, u"HH", { 100, 100 }));
+    EXPECT_NEAR(bottomOf(upwards), 792, 4);
+    EXPECT_LT(topOf(upwards), 700);
+    EXPECT_LE(leftOf(upwards), 433);
+}
+
+TEST(EmfText, MappingWithYUpwardsKeepsLettersUpright)
+{
+    const Bytes up = record(0x11, { 2 });
+    const Played played = play(up + arial(-100) + text(500, -1000, u"L", { 100 }));
+    // The foot of the letter is at its bottom.
+    const int foot = bottomOf(played);
+    EXPECT_TRUE(played.hasInk(leftOf(played) + 40, foot - 2));
+    EXPECT_FALSE(played.hasInk(leftOf(played) + 40, topOf(played) + 2));
+}
+
+TEST(EmfText, GlyphNumbersOfTheClassicOrder)
+{
+    const Played letters = play(arial(-100) + text(500, 500, u"AD", { 90, 90 }));
+    const Played numbers = play(arial(-100) + text(500, 500, u"$'", { 90, 90 }, 0x10)); // 36 and 39
+    EXPECT_EQ(letters.ink(), numbers.ink());
+    EXPECT_EQ(letters.inkCount(), numbers.inkCount());
+}
+
+TEST(EmfText, GlyphNumbersOfAnUnknownFaceAreNamed)
+{
+    const Played played = play(arial(-100, 0, 0, u"Calibri") + text(500, 500, u"$'", { 90, 90 }, 0x10));
+    EXPECT_EQ(played.ink(), "");
+    EXPECT_TRUE(played.report.has("emf.font-missing"));
+}
+
+TEST(EmfText, SmallTextHasBytesAndNoBox)
+{
+    const Bytes small = record(0x6C, { 500, 500, 2, 0x300, 1, bitsOf(1), bitsOf(1) }, Bytes { 'A', 'b' });
+    EXPECT_EQ(play(arial(-100) + small).ink(), play(arial(-100) + text(500, 500, u"Ab")).ink());
+}
+
+TEST(EmfText, CurrentPositionMovesOn)
+{
+    const Bytes updating = record(0x16, { 0x19 }) + record(0x1B, { 500, 500 });
+    const Played played = play(arial(-100) + updating + text(0, 0, u"A", { 50 }) + text(0, 0, u"A", { 50 }));
+    const Played apart = play(arial(-100) + text(500, 500, u"A", { 50 }) + text(550, 500, u"A", { 50 }));
+    EXPECT_EQ(played.ink(), apart.ink());
+}
+
+TEST(EmfText, JustificationWidensSpaces)
+{
+    const Bytes wide = record(0x78, { 100, 2 });
+    const Played plain = play(arial(-100) + text(500, 500, u"a b c"));
+    const Played spread = play(arial(-100) + wide + text(500, 500, u"a b c"));
+    const auto right = [](const Played& played) {
+        const std::string ink = played.ink();
+        const std::size_t second = ink.find(',', ink.find(',') + 1);
+        return std::stoi(ink.substr(second + 1));
+    };
+    EXPECT_NEAR(right(spread) - right(plain), 100, 1);
+}
+
+TEST(EmfText, UnderlineReachesOverSpaces)
+{
+    // Underlined: the second byte of the flags.
+    const Played played = play(arial(-100, 0, 0x100) + text(500, 500, u"   ", { 50, 50, 50 }));
+    EXPECT_EQ(leftOf(played), 500);
+    EXPECT_GT(topOf(played), 500);
+}
+
+TEST(EmfText, TextInAPathIsClippedTo)
+{
+    const Bytes clip = record(0x3B) + text(500, 500, u"H", { 100 }) + record(0x3C) + record(0x43, { 5 });
+    const Played played = play(arial(-100) + clip + nullPen() + blackBrush() + rectangle(0, 0, 2000, 2000));
+    EXPECT_NEAR(topOf(played), 500 - 69, 1);
+    EXPECT_NEAR(bottomOf(played), 499, 1);
+}
+
+TEST(EmfText, CodePagesOfBytes)
+{
+    const auto units = emf::unitsOfBytes(Bytes { 'a', 0xE0, 0x80 }, 204);
+    EXPECT_EQ(units[1].code, U'\u0430'); // Cyrillic
+    const auto symbols = emf::unitsOfBytes(Bytes { 0x61 }, 2);
+    EXPECT_EQ(symbols[0].code, char32_t { 0xF061 });
+    const auto pairs = emf::unitsOfBytes(Bytes { 0x93, 0xFA, 'x' }, 128);
+    EXPECT_EQ(pairs[0].code, U'\u65E5');
+    EXPECT_EQ(pairs[1].code, char32_t { 0 });
+    EXPECT_EQ(pairs[2].code, U'x');
+}
+
+TEST(EmfText, HebrewRunsAreTurnedRound)
+{
+    std::vector<emf::TextRun::Unit> units;
+    for (const char32_t c : { U'a', U'\u05D0', U'\u05D1', U'b' })
+        units.push_back({ c, 0, 0 });
+    EXPECT_FALSE(emf::putInVisualOrder(units));
+    EXPECT_EQ(units[1].code, U'\u05D1');
+    EXPECT_EQ(units[2].code, U'\u05D0');
+}
+
+TEST(EmfText, TextBeyondItsRecordIsNamed)
+{
+    Bytes bad = arial(-100) + text(500, 500, u"H", { 100 });
+    const Bytes huge = boundedRecord(kUtf16, { 1, bitsOf(1), bitsOf(1), 0, 0, 0xFFFFFFFF, 76, 0, 0, 0, -1, -1, 0 });
+    const Played played = play(bad + huge);
+    EXPECT_TRUE(played.report.has("emf.text"));
+    EXPECT_NE(played.ink(), "");
+}
+
+} // namespace
+} // namespace quillrip::test
