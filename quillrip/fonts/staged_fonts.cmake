@@ -21,15 +21,20 @@ set(staged_fonts_liberation2
     LiberationSans-Bold LiberationSans-BoldItalic LiberationSans-Italic LiberationSans-Regular
     LiberationSerif-Bold LiberationSerif-BoldItalic LiberationSerif-Italic LiberationSerif-Regular
 )
-set(staged_fonts_dejavu-core DejaVuSans DejaVuSansMono)
+set(staged_fonts_crosextra-carlito Carlito-Bold Carlito-BoldItalic Carlito-Italic Carlito-Regular)
+set(staged_fonts_crosextra-caladea Caladea-Bold Caladea-BoldItalic Caladea-Italic Caladea-Regular)
+set(staged_fonts_dejavu-core DejaVuSans DejaVuSans-Bold DejaVuSansMono)
 set(staged_fonts_symbola Symbola_hint)
 set(staged_fonts_tlwg-waree-ttf Waree)
+
+set(staged_packages urw-base35 liberation2 crosextra-carlito crosextra-caladea dejavu-core symbola tlwg-waree-ttf)
 
 # First match wins.
 set(font_folders
     /usr/share/fonts/opentype/urw-base35
     /usr/share/fonts/truetype/liberation2
     /usr/share/fonts/truetype/liberation
+    /usr/share/fonts/truetype/crosextra
     /usr/share/fonts/truetype/dejavu
     /usr/share/fonts/truetype/ancient-scripts
     /usr/share/fonts/truetype/tlwg
@@ -38,7 +43,7 @@ set(font_folders
 set(staged_font_sources)
 set(staged_font_copies)
 set(missing_packages)
-foreach(package urw-base35 liberation2 dejavu-core symbola tlwg-waree-ttf)
+foreach(package IN LISTS staged_packages)
     foreach(stem IN LISTS staged_fonts_${package})
         set(source "")
         foreach(folder IN LISTS font_folders)
@@ -69,7 +74,7 @@ foreach(source IN LISTS staged_font_sources)
     install(FILES "${source}" DESTINATION fonts)
 endforeach()
 
-foreach(package urw-base35 liberation2 dejavu-core symbola tlwg-waree-ttf)
+foreach(package IN LISTS staged_packages)
     set(licence "/usr/share/doc/fonts-${package}/copyright")
     if(EXISTS "${licence}")
         set(copy "${PRISMO_DIST_DIR}/fonts/licences/fonts-${package}.txt")

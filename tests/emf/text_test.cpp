@@ -3,7 +3,9 @@
 #include "quillrip/emf/text.h"
 #include "tests/emf/emf_bench.h"
 
+#include <fstream>
 #include <gtest/gtest.h>
+#include <iterator>
 
 namespace quillrip::test {
 namespace {
@@ -197,6 +199,27 @@ TEST(EmfText, HebrewRunsAreTurnedRound)
     EXPECT_FALSE(emf::putInVisualOrder(units));
     EXPECT_EQ(units[1].code, U'\u05D1');
     EXPECT_EQ(units[2].code, U'\u05D0');
+}
+
+TEST(EmfText, EmbeddedFontsServeAllPagesOfTheJob)
+{
+    std::ifstream file("/usr/share/fonts/truetype/liberation2/LiberationMono-Regular.ttf", std::ios::binary);
+    if (!file)
+        GTEST_SKIP() << "the font is not installed";
+    const Bytes font { std::istreambuf_iterator<char>(file), {} };
+    const auto size = static_cast<std::int64_t>(font.size());
+    const std::int64_t checksum = WindowsFonts::checksumOf(font);
+    Bytes data = words({ 0, 1, size, 0 }) + font;
+    data.resize((data.size() + 3) / 4 * 4);
+    const Bytes carrying = words({ 0, 0x544F4E46 }) + spoolRecord(2, data);
+    const Bytes comment = record(0x46, { static_cast<std::int64_t>(carrying.size()) }, carrying);
+    const Bytes line = arial(-100, 0, 0, u"Unheard Of") + record(0x6D, { checksum, 1 })
+        + text(500, 500, u"$$$", { 60, 60, 60 }, 0x10);
+    const Played played(spoolHeader() + spoolPage(metafile(comment + line)) + spoolPage(metafile(line)));
+    ASSERT_EQ(played.pages(), 2u);
+    EXPECT_NE(played.ink(0), "");
+    EXPECT_EQ(played.ink(0), played.ink(1));
+    EXPECT_FALSE(played.report.has("emf.font-missing"));
 }
 
 TEST(EmfText, TextBeyondItsRecordIsNamed)

@@ -81,6 +81,14 @@ TEST(Containers, IppRequestGivesItsDocument)
         kJob);
 }
 
+TEST(Containers, MetafileThatBeginsLikeAnIppRequestIsNone)
+{
+    const std::string metafile
+        = "\1\0\0\0\x6C\0\0\0\1\0\0\0\1\x03"s + std::string(26, '\0') + " EMF" + std::string(100, '\0');
+    EXPECT_EQ(unwrapped(metafile).job, metafile);
+    EXPECT_EQ(unwrapped(metafile).refusal, "");
+}
+
 TEST(Containers, ControlLinesInFrontAreDropped)
 {
     EXPECT_EQ(unwrapped("Hhost\nPuser\nJtitle\nldfA001host\nUdfA001host\nNtitle\n" + kJob).job, kJob);

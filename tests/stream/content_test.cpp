@@ -132,6 +132,14 @@ TEST(Content, EmfSpoolNeedsAHeaderThatMakesSense)
     EXPECT_NE(at(spool, false).kind, ContentKind::Emf);
 }
 
+TEST(Content, MetafilesAreKnownByTheirSignature)
+{
+    std::string metafile = "\1\0\0\0\x98\0\0\0"s + std::string(32, '\0') + " EMF" + std::string(64, '\0');
+    EXPECT_EQ(at(metafile).kind, ContentKind::Emf);
+    metafile[41] = 'X';
+    EXPECT_NE(at(metafile).kind, ContentKind::Emf);
+}
+
 TEST(Content, TextThatLooksLikeALanguageStaysText)
 {
     EXPECT_EQ(at("IN the beginning\n").kind, ContentKind::Text);

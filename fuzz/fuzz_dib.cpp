@@ -1,0 +1,25 @@
+// Bitmaps within metafiles. The first two bytes choose what the device context adds, the third where the pixels begin.
+
+#include "quillrip/emf/dib.h"
+
+#include <algorithm>
+#include <string>
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+{
+    using namespace quillrip;
+    if (size < 3)
+        return 0;
+    const std::vector<Rgb> palette { { 255, 0, 0 }, { 0, 255, 0 } };
+    emf::DibContext context;
+    context.usage = static_cast<emf::ColorUsage>(data[0] % 3);
+    context.palette = data[0] < 128 ? &palette : nullptr;
+    context.storedRows = data[1] < 16 ? data[1] : -1;
+    const ByteView bytes(data + 3, size - 3);
+    const std::size_t split = std::min<std::size_t>(data[2], bytes.size);
+    std::string problem;
+    const emf::Pixels pixels = emf::decodeDib(bytes.sub(0, split), bytes.sub(split), context, problem);
+    if (!pixels.isNull())
+        return pixels.color(pixels.width - 1, pixels.height - 1).red * 0;
+    return 0;
+}
