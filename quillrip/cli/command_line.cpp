@@ -260,9 +260,10 @@ Request parseCommandLine(const std::vector<std::string>& arguments)
 
 std::string helpText()
 {
-    std::string text = "usage: quillrip [OPTIONS] -o OUT -i IN\n\n"
-                       "Draws the pages of a print job (PCL 5, PCL XL, HP-GL/2, EMF spool files and metafiles of Windows,\n"
-                       "plain text; PostScript and PDF where Ghostscript is installed) and writes them as images.\n\n";
+    std::string text
+        = "usage: quillrip [OPTIONS] -o OUT -i IN\n\n"
+          "Draws the pages of a print job (PCL 5, PCL XL, HP-GL/2, EMF spool files and metafiles of Windows,\n"
+          "plain text; PostScript and PDF where Ghostscript is installed) and writes them as images.\n\n";
     for (const Option& option : s_options) {
         std::string words = std::string("  ") + option.name + " " + option.value;
         words.resize(words.size() < 20 ? 20 : words.size() + 1, ' ');
