@@ -134,6 +134,60 @@ void benchImage(const char* what, PixelFormat page_, ImageFormat format, double 
     });
 }
 
+/// A page painted all over again and again, by a rectangle or an image, under a raster operation.
+void benchOperation(const char* what, int rop, const Texture& texture, bool isImage)
+{
+    constexpr int width = 4960; // A4 at 600 dpi
+    constexpr int height = 7016;
+    std::vector<std::uint8_t> row(width * 3);
+    for (std::size_t i = 0; i < row.size(); ++i)
+        row[i] = static_cast<std::uint8_t>(i * 37 >> 3);
+    PageBitmap page(PixelFormat::Rgb24, width, height, { 600, 600 });
+    Painter painter(page);
+    painter.fillRect({ 0, 0, width, height }, {});
+    PaintState state;
+    state.rop = static_cast<std::uint8_t>(rop);
+    state.sourceTransparent = state.patternTransparent = !isImage;
+    state.texture = texture;
+    report(what, [&] {
+        if (!isImage)
+            return painter.fillRect({ 0, 0, width, height }, state);
+        ImageGeometry geometry;
+        geometry.format = ImageFormat::Rgb24;
+        geometry.width = width;
+        geometry.height = height;
+        const auto image = painter.beginImage(geometry, state);
+        for (int y = 0; y < height; ++y)
+            image->row(row.data());
+        image->finish();
+    });
+}
+
+void benchOperations()
+{
+    Texture solid;
+    solid.color = { 40, 90, 200 };
+    Texture tiled = solid;
+    PatternTile tile;
+    tile.width = tile.height = 8;
+    for (int i = 0; i < 64; ++i)
+        tile.pixels.push_back(i % 3 == 0);
+    tiled.tile = std::make_shared<PatternTile>(tile);
+    Texture colored = solid;
+    tile.isColor = true;
+    for (int i = 0; i < 128; ++i)
+        tile.pixels.push_back(static_cast<std::uint8_t>(i * 11));
+    colored.tile = std::make_shared<PatternTile>(tile);
+    benchOperation("A4 600 dpi RGB, solid copy", 252, solid, false);
+    benchOperation("A4 600 dpi RGB, solid, texture XOR destination", 0x5A, solid, false);
+    benchOperation("A4 600 dpi RGB, mono tile copy", 252, tiled, false);
+    benchOperation("A4 600 dpi RGB, mono tile, texture XOR destination", 0x5A, tiled, false);
+    benchOperation("A4 600 dpi RGB, colour tile AND destination", 0xA0, colored, false);
+    benchOperation("A4 600 dpi RGB, image copy", 0xCC, solid, true);
+    benchOperation("A4 600 dpi RGB, image XOR destination", 0x66, solid, true);
+    benchOperation("A4 600 dpi RGB, image and tile, source copy by pattern", 0xCA, tiled, true);
+}
+
 void benchFills(const char* what, PixelFormat format, int count, double radius)
 {
     std::mt19937 random(3);
@@ -199,6 +253,7 @@ int main(int argc, char** argv)
     benchImage("A4 400 dpi RGB image to 600 dpi RGB, smooth", rgb, ImageFormat::Rgb24, 1.5, true);
     benchImage("A4 1200 dpi RGB image to 600 dpi RGB", rgb, ImageFormat::Rgb24, 0.5, false);
     benchImage("A4 600 dpi RGB image to bilevel", bilevel, ImageFormat::Rgb24, 1, false);
+    benchOperations();
     benchFills("2,000 ellipses of 200 pixels, RGB", rgb, 2000, 100);
     benchFills("100,000 ellipses of 10 pixels, RGB", rgb, 100000, 5);
     benchFills("2,000 ellipses of 200 pixels, bilevel", bilevel, 2000, 100);

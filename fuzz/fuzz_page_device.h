@@ -25,7 +25,9 @@ inline Limits smallLimits()
     limits.fontBytes = limits.patternBytes = limits.macroBytes = 1 << 18;
     limits.pathPoints = 1 << 14;
     limits.imageRowBytes = 1 << 16;
-    limits.macroExecutions = 100;
+    WorkBudget budget;
+    budget.page = 50'000'000;
+    limits.work = std::make_shared<WorkMeter>(budget);
     return limits;
 }
 

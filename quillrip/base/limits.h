@@ -1,7 +1,10 @@
 #pragma once
 
+#include "quillrip/base/work_meter.h"
+
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 
 namespace quillrip {
 
@@ -13,13 +16,12 @@ struct Limits {
     std::uint64_t outputBytes = 0; ///< all files of the output together; 0: in proportion to the job's bytes
     std::size_t fontBytes = std::size_t { 256 } << 20; ///< all soft fonts together
     std::size_t patternBytes = std::size_t { 64 } << 20; ///< all user patterns together
-    /// All macros or user streams together, and what of them is run for one page.
-    std::size_t macroBytes = std::size_t { 64 } << 20;
+    std::size_t macroBytes = std::size_t { 64 } << 20; ///< all macros or user streams together
     std::size_t pathPoints = std::size_t { 16 } << 20; ///< one path
-    std::size_t imageRowBytes = std::size_t { 64 } << 20; ///< one decoded source row
-    std::uint32_t macroExecutions = 1000000; ///< macro calls of one job: ends a job that calls itself in circles
-    std::uint32_t macroCoats = 1000; ///< how many times over macros or user streams may paint one page
+    std::size_t imageRowBytes = std::size_t { 4 } << 20; ///< one decoded source row: far wider than any page
     std::uint32_t stateDepth = 1000; ///< saved graphics states
+    /// The job's account of its work. Copies of the limits share it; another job takes another one.
+    std::shared_ptr<WorkMeter> work = std::make_shared<WorkMeter>();
 };
 
 } // namespace quillrip

@@ -172,7 +172,7 @@ Region Canvas::regionOf(const Path& devicePath, FillRule rule) const
 {
     if (const auto rect = asRectangle(devicePath))
         return ClipRegion::ofRect(rect->intersected(bounds()));
-    return ClipRegion::ofPath(devicePath, rule, bounds());
+    return ClipRegion::ofPath(devicePath, rule, bounds(), &m_painter.work(), clipEdgesOf(m_format));
 }
 
 void Canvas::fill(const Path& path, FillRule rule, PaintState state)
@@ -294,8 +294,8 @@ void Canvas::strokeWithPen(const Path& path)
     const Matrix toDevice = stroke.toReference * m_half * m_toDevice;
     const auto paint = [&](const StrokeStyle& style, const PaintState& ink) {
         if (needsDestination(ink.rop))
-            return fillRegion(
-                ClipRegion::ofPath(strokeArea(inPenSpace, toDevice, style, bounds()), FillRule::NonZero, bounds()),
+            return fillRegion(ClipRegion::ofPath(strokeArea(inPenSpace, toDevice, style, bounds(), m_painter.work()),
+                                  FillRule::NonZero, bounds()),
                 ink);
         m_painter.strokePath(inPenSpace, toDevice, style, ink);
     };
@@ -317,7 +317,8 @@ Path Canvas::widened(const Path& path) const
         return {};
     // In device pixels, so that curves become as fine as the page shows them.
     const Matrix toDevice = stroke.toReference * m_toDevice;
-    const Path area = strokeArea(path.transformed(stroke.toReference.inverted()), toDevice, stroke.style, bounds());
+    const Path area = strokeArea(
+        path.transformed(stroke.toReference.inverted()), toDevice, stroke.style, bounds(), m_painter.work());
     return area.transformed(m_toDevice.inverted());
 }
 

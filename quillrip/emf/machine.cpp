@@ -13,6 +13,8 @@ namespace {
 
 constexpr std::uint32_t kEndOfFile = 0x0E;
 constexpr int kDeepestMetafile = 8;
+/// Work of a record without what it draws.
+constexpr std::uint64_t kUnitsPerRecord = 200;
 constexpr std::size_t kMostSavedContexts = 4096;
 /// 12 points, the size of stock fonts.
 constexpr double kStockFontInches = 12.0 / 72;
@@ -39,7 +41,6 @@ Machine::Machine(const Job& job, const Place& place, const MetafileHeader& heade
     , m_objects(header.handles, stockFontHeight(header))
     , m_canvas(place.painter, place.format, place.referenceToDevice, place.limit, m_dc)
     , m_plus(plusHost())
-    , m_paintedBefore(place.painter.page().paintedPixels())
 {
     m_dc.pen = m_objects.find(kBlackPen);
     m_dc.brush = m_objects.find(kWhiteBrush);
@@ -83,9 +84,8 @@ Machine::End Machine::play(ByteView metafile, std::uint64_t offset)
         if (record.type() == kEndOfFile)
             return End::Done;
         runRecord(record);
-        if (isOverBudget()) {
-            m_job.diagnostics.report({ Severity::Damage, m_offset, "emf.budget",
-                "the page is painted over more often than any picture needs" });
+        if (!m_job.limits.work->allows(Work::Commands, kUnitsPerRecord)) {
+            m_job.diagnostics.report({ Severity::Damage, m_offset, "emf.work", m_job.limits.work->reason() });
             return End::LimitExceeded;
         }
         at += size;
@@ -111,13 +111,6 @@ void Machine::runRecord(const Record& record)
         m_hasDrawn = true;
     }
     command->handler(*this, record);
-}
-
-bool Machine::isOverBudget()
-{
-    const PageBitmap& page = m_place.painter.page();
-    const std::uint64_t pixels = static_cast<std::uint64_t>(page.width()) * static_cast<std::uint64_t>(page.height());
-    return (page.paintedPixels() - m_paintedBefore) / m_job.limits.macroCoats > pixels;
 }
 
 void Machine::save()

@@ -83,7 +83,6 @@ public:
 
 private:
     void runRecord(const Record& record);
-    bool isOverBudget();
     plus::Host plusHost();
 
     const Job& m_job;
@@ -100,7 +99,6 @@ private:
     std::uint32_t m_fontChecksum = 0;
     bool m_fontUsesIndices = false;
     std::uint64_t m_offset = 0;
-    std::uint64_t m_paintedBefore = 0;
     bool m_hasDrawn = false;
     std::set<std::string> m_warned;
 };

@@ -17,6 +17,9 @@ constexpr std::size_t kMostGatheredPoints = 512;
 /// A line of so many corners is drawn in parts.
 constexpr std::size_t kMostLineVertices = std::size_t { 1 } << 18;
 
+/// Work of a line's point before it is painted.
+constexpr std::uint64_t kUnitsPerPoint = 40;
+
 Point withinReach(Point page)
 {
     return { std::clamp(page.x, -kFarthestOnPage, kFarthestOnPage),
@@ -26,7 +29,7 @@ Point withinReach(Point page)
 } // namespace
 
 LinePen::LinePen(Surface& surface, const Host& host, State& state, const Coordinates& coordinates, const Pens& pens,
-    Inks& inks, PlotClip& clip)
+    Inks& inks, PlotClip& clip, WorkMeter& work)
     : m_surface(surface)
     , m_host(host)
     , m_state(state)
@@ -34,6 +37,7 @@ LinePen::LinePen(Surface& surface, const Host& host, State& state, const Coordin
     , m_pens(pens)
     , m_inks(inks)
     , m_clip(clip)
+    , m_work(work)
 {
 }
 
@@ -153,6 +157,8 @@ StrokeStyle LinePen::strokeStyle() const
 void LinePen::draw(const std::vector<LineVertex>& line, double& phase)
 {
     m_state.hasDrawn = true;
+    if (!m_work.allows(Work::Lines, kUnitsPerPoint * line.size()))
+        return;
     if (m_type.isSolid) {
         gatherSolid(line);
     } else if (m_type.isDotsAtPoints()) {
@@ -199,6 +205,7 @@ void LinePen::gatherDashes(std::vector<LineVertex> line, double& phase)
     for (LineVertex& vertex : line)
         vertex.at = withinReach(vertex.at);
     const DashedLine dashed = cutIntoDashes(line, pattern, m_clip.area(), m_pens.widthDecipoints(), phase);
+    m_work.charge(Work::Lines, kUnitsPerPoint * (dashed.dashes.pointCount() + dashed.dots.size()));
     m_strokes.append(dashed.dashes);
     for (const Point dot : dashed.dots)
         drawDot(dot);

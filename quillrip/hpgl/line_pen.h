@@ -1,5 +1,6 @@
 #pragma once
 
+#include "quillrip/base/work_meter.h"
 #include "quillrip/hpgl/coordinates.h"
 #include "quillrip/hpgl/host.h"
 #include "quillrip/hpgl/inks.h"
@@ -21,7 +22,7 @@ namespace quillrip::hpgl {
 class LinePen {
 public:
     LinePen(Surface& surface, const Host& host, State& state, const Coordinates& coordinates, const Pens& pens,
-        Inks& inks, PlotClip& clip);
+        Inks& inks, PlotClip& clip, WorkMeter& work);
 
     // The line in progress
     /// The pen, down, goes from one place to another (plotter units). `endsVector` is false for the small steps of
@@ -80,6 +81,7 @@ private:
     const Pens& m_pens;
     Inks& m_inks;
     PlotClip& m_clip;
+    WorkMeter& m_work;
 
     std::vector<LineVertex> m_line; ///< being drawn, page space
     double m_phase = 0; ///< how far into its pattern the line type is, decipoints

@@ -12,6 +12,8 @@ namespace {
 constexpr std::size_t kMostOperands = 65536;
 /// Operands that a command with any number of coordinates gets at a time: a multiple of two (points) and six (curves).
 constexpr std::size_t kCoordinateBatch = 6 * 512;
+/// Work of a command without what it draws.
+constexpr std::uint64_t kUnitsPerCommand = 100;
 /// So many unknown commands before the first mark: then the data are hardly a plot.
 constexpr unsigned kSuspiciousErrors = 64;
 
@@ -47,6 +49,7 @@ End Machine::run(InputStream& input)
             }
             continue;
         }
+        m_plotter.work.charge(Work::Commands, kUnitsPerCommand);
         m_plotter.reporter.at(input.offset() - 2);
         if (m_isSwitchedOff)
             lexer.skipOperands();

@@ -54,11 +54,17 @@ public:
     /// Moves the pen (up) and the carriage return point.
     void setPenOnPage(Point page);
 
-    RunStatus status() const { return raster.status() != RunStatus::Done ? raster.status() : surface.status(); }
+    RunStatus status() const
+    {
+        if (work.isExhausted())
+            return RunStatus::LimitExceeded;
+        return raster.status() != RunStatus::Done ? raster.status() : surface.status();
+    }
 
     Host& host;
     Surface& surface;
     PlotListener* const listener;
+    WorkMeter& work;
     Reporter reporter;
     State state;
     TextState text;

@@ -73,7 +73,7 @@ RunStatus ImagePageDevice::beginPage(const SheetRequest& sheet, PageCanvas& canv
     }
     if (m_page.isNull())
         return RunStatus::LimitExceeded;
-    m_painter.emplace(m_page);
+    m_painter.emplace(m_page, m_limits.work);
     canvas = preview(sheet);
     canvas.painter = &*m_painter;
     return RunStatus::Done;
@@ -126,6 +126,10 @@ RunStatus ImagePageDevice::endPage()
     if (m_page.isNull())
         return RunStatus::Done;
     m_painter.reset();
+    if (m_limits.work->isExhausted()) {
+        m_reason = m_limits.work->reason();
+        return RunStatus::LimitExceeded;
+    }
     if (m_windows.size() > 1) {
         const Window window = chooseWindow();
         m_page = std::move(m_page).cropped(window.left, window.width, window.height);
@@ -140,6 +144,7 @@ RunStatus ImagePageDevice::endPage()
 RunStatus ImagePageDevice::addFinishedPage(PageBitmap&& page)
 {
     PageBitmap own = std::move(page);
+    m_limits.work->pageEnded();
     ++m_pageOfJob;
     if (m_pageOfJob < m_firstPage || m_pageOfJob > m_lastPage)
         return RunStatus::Done;

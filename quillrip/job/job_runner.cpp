@@ -118,6 +118,8 @@ private:
     {
         if (!m_reason.empty())
             return m_reason;
+        if (m_limits.work->isExhausted())
+            return m_limits.work->reason();
         if (!m_device.reason().empty() || !m_diagnostics.damage())
             return m_device.reason();
         return m_diagnostics.damage()->message;

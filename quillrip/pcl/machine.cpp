@@ -22,6 +22,9 @@ namespace quillrip::pcl {
 
 namespace {
 
+/// Work of a character or command without what it draws.
+constexpr std::uint64_t kUnitsPerToken = 50;
+
 constexpr std::uint8_t kEndOfFile = 0x1A; ///< of older systems
 
 } // namespace
@@ -39,7 +42,7 @@ struct Machine::Rooms {
         , text({ machine.m_state, fonts, cursor, page, printModel, underline })
         , visit(machine.m_state, page, cursor)
         , raster({ machine.m_state, page, cursor, printModel, visit, errors })
-        , macros(machine.m_limits, errors, page, [&machine](InputStream& stream) { machine.interpretMacro(stream); })
+        , macros(machine.m_limits, errors, [&machine](InputStream& stream) { machine.interpretMacro(stream); })
         , plot({ machine.m_state, page, cursor, fonts, patterns, printModel, errors, machine.m_limits })
     {
     }
@@ -150,8 +153,11 @@ RunStatus Machine::finish()
 Interpreter::End Machine::interpret(Tokenizer& tokenizer)
 {
     while (!errors().failed()) {
-        if (!macros().mayGoOn())
+        if (!m_limits.work->allows(Work::Commands, kUnitsPerToken)) {
+            errors().damage("pcl.work", m_limits.work->reason());
+            errors().fail(RunStatus::LimitExceeded);
             break;
+        }
         const bool isRecording = macros().isRecording();
         if (plot().isOn() && !isRecording) {
             if (tokenizer.stream().atEnd())
@@ -288,7 +294,6 @@ void Machine::closePage()
 {
     if (!page().ensureOpen())
         return;
-    macros().pageEnded();
     page().close();
 }
 

@@ -2,7 +2,6 @@
 
 #include "quillrip/pcl/command_table.h"
 #include "quillrip/pcl/error_state.h"
-#include "quillrip/pcl/page.h"
 #include "quillrip/pcl/tokenizer.h"
 
 #include <algorithm>
@@ -18,13 +17,10 @@ constexpr int kDeepest = 3;
 
 } // namespace
 
-MacroRunner::MacroRunner(
-    const Limits& limits, ErrorState& errors, const Page& page, std::function<void(InputStream&)> interpret)
+MacroRunner::MacroRunner(const Limits& limits, ErrorState& errors, std::function<void(InputStream&)> interpret)
     : m_limits(limits)
     , m_errors(errors)
-    , m_page(page)
     , m_interpret(std::move(interpret))
-    , m_replay(limits)
 {
 }
 
@@ -88,26 +84,12 @@ void MacroRunner::play(const MacroBytes& bytes)
         m_hasReportedDepth = true;
         return;
     }
-    if (!m_replay.enter(bytes->size(), m_page.bitmap())) {
-        m_replay.leave(m_page.bitmap());
-        m_errors.damage("pcl.macro-executions", "the job runs macros more often than the limit allows");
-        m_errors.fail(RunStatus::LimitExceeded);
-        return;
-    }
+    if (!m_limits.work->allowsRecording(bytes->size()))
+        return; // the run ends with the next command
     ++m_depth;
     MemoryInputStream stream { ByteView(*bytes) };
     m_interpret(stream);
-    m_replay.leave(m_page.bitmap());
     --m_depth;
-}
-
-bool MacroRunner::mayGoOn()
-{
-    if (!m_replay.isRunning() || m_replay.mayGoOn(m_page.bitmap()))
-        return true;
-    m_errors.damage("pcl.macro-drawing", "the job's macros draw more than the limit allows");
-    m_errors.fail(RunStatus::LimitExceeded);
-    return false;
 }
 
 void MacroRunner::setOverlay(const ResourceKey& key)

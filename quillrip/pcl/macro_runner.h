@@ -2,7 +2,6 @@
 
 #include "quillrip/base/input_stream.h"
 #include "quillrip/base/limits.h"
-#include "quillrip/base/replay_meter.h"
 #include "quillrip/pcl/macro_store.h"
 
 #include <cstdint>
@@ -13,17 +12,15 @@
 namespace quillrip::pcl {
 
 class ErrorState;
-class Page;
 class Tokenizer;
 struct Token;
 
-/// Records macros and plays them, within bounds: a macro may run another, and that one a third, and all of them
-/// together may not keep the page busy for ever.
+/// Records macros and plays them, within bounds: a macro may run another, and that one a third, and every run
+/// is charged to the job's work.
 class MacroRunner {
 public:
     /// `interpret` carries out what a macro holds. All references must outlive the runner.
-    MacroRunner(
-        const Limits& limits, ErrorState& errors, const Page& page, std::function<void(InputStream&)> interpret);
+    MacroRunner(const Limits& limits, ErrorState& errors, std::function<void(InputStream&)> interpret);
 
     MacroStore& store() { return m_store; }
 
@@ -39,9 +36,6 @@ public:
     /// Ignored when null.
     void play(const MacroBytes& bytes);
     bool isPlaying() const { return m_depth > 0; }
-    /// Now and then while commands are carried out: false, with the run failed, when macros have drawn too much.
-    bool mayGoOn();
-    void pageEnded() { m_replay.pageEnded(); }
 
     /// The macro that is called for every page; kept only as long as it exists.
     void setOverlay(const ResourceKey& key);
@@ -55,7 +49,6 @@ public:
 private:
     const Limits& m_limits;
     ErrorState& m_errors;
-    const Page& m_page;
     std::function<void(InputStream&)> m_interpret;
     MacroStore m_store;
 
@@ -66,7 +59,6 @@ private:
 
     int m_depth = 0;
     bool m_hasReportedDepth = false;
-    ReplayMeter m_replay;
 
     std::optional<ResourceKey> m_overlay;
     bool m_isOverlayPlaying = false;

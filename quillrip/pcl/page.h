@@ -24,7 +24,6 @@ public:
     bool isOpen() const { return m_isOpen; }
     bool isMarked() const { return m_isMarked; }
     /// The open page's pixels; null when none is open.
-    const PageBitmap* bitmap() const { return m_isOpen ? &m_canvas.painter->page() : nullptr; }
 
     /// Begins a page when none is open. False when the run has failed, or fails by this.
     bool ensureOpen();

@@ -40,13 +40,13 @@ std::optional<PixelRect> rectangleOf(const Path& path)
 
 } // namespace
 
-std::shared_ptr<const ClipRegion> Clip::regionOf(const Path& devicePath, const PixelRect& page) const
+std::shared_ptr<const ClipRegion> Clip::regionOf(const Path& devicePath, const ClipGround& ground) const
 {
     if (const auto rect = rectangleOf(devicePath))
-        return ClipRegion::ofRect(rect->intersected(page));
+        return ClipRegion::ofRect(rect->intersected(ground.page));
     if (devicePath.empty())
         return ClipRegion::ofRect({ 0, 0, 0, 0 });
-    return ClipRegion::ofPath(devicePath, m_rule, page);
+    return ClipRegion::ofPath(devicePath, m_rule, ground.page, &ground.work, ground.edges);
 }
 
 void Clip::set(std::shared_ptr<const ClipRegion> region, std::shared_ptr<const Path> outline, const PixelRect& page)
@@ -65,23 +65,23 @@ void Clip::toPage()
     m_outline = nullptr;
 }
 
-void Clip::replace(Path devicePath, const PixelRect& page, bool isExterior)
+void Clip::replace(Path devicePath, const ClipGround& ground, bool isExterior)
 {
-    auto region = regionOf(devicePath, page);
+    auto region = regionOf(devicePath, ground);
     if (isExterior)
-        set(region->complement(page), nullptr, page);
+        set(region->complement(ground.page), nullptr, ground.page);
     else
-        set(std::move(region), std::make_shared<const Path>(std::move(devicePath)), page);
+        set(std::move(region), std::make_shared<const Path>(std::move(devicePath)), ground.page);
 }
 
-void Clip::intersect(const Path& devicePath, const PixelRect& page, bool isExterior)
+void Clip::intersect(const Path& devicePath, const ClipGround& ground, bool isExterior)
 {
-    auto region = regionOf(devicePath, page);
+    auto region = regionOf(devicePath, ground);
     if (isExterior)
-        region = region->complement(page);
+        region = region->complement(ground.page);
     if (m_region)
         region = m_region->intersected(*region);
-    set(std::move(region), nullptr, page);
+    set(std::move(region), nullptr, ground.page);
 }
 
 Path Clip::outline(const PixelRect& page, std::size_t maxPoints) const
@@ -99,9 +99,13 @@ Path Clip::outline(const PixelRect& page, std::size_t maxPoints) const
 std::size_t Clip::runCount() const
 {
     std::size_t runs = 0;
-    if (m_region && !m_region->isRect())
-        for (int y = m_region->bounds().top; y < m_region->bounds().bottom; ++y)
-            runs += static_cast<std::size_t>(m_region->end(y) - m_region->begin(y)) + 1;
+    if (!m_region || m_region->isRect())
+        return runs;
+    for (int y = m_region->bounds().top; y < m_region->bounds().bottom; ++y) {
+        runs += static_cast<std::size_t>(m_region->end(y) - m_region->begin(y)) + 1;
+        if (const ClipFringe* fringe = m_region->fringe())
+            runs += static_cast<std::size_t>(fringe->end(y) - fringe->begin(y));
+    }
     return runs;
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "quillrip/base/geometry.h"
+#include "quillrip/base/work_meter.h"
 #include "quillrip/raster/paths/path.h"
 #include "quillrip/raster/scan/clip_region.h"
 
@@ -8,6 +9,13 @@
 #include <memory>
 
 namespace quillrip::pclxl {
+
+/// What regions of a page are made with.
+struct ClipGround {
+    PixelRect page;
+    ClipEdges edges;
+    WorkMeter& work;
+};
 
 /// Where marks go: a region of device pixels, and its outline as long as that is known exactly. `page` is the page's
 /// rectangle in all of this.
@@ -20,8 +28,8 @@ public:
 
     void toPage();
     /// The inside of the path, or the outside of it on the page.
-    void replace(Path devicePath, const PixelRect& page, bool isExterior);
-    void intersect(const Path& devicePath, const PixelRect& page, bool isExterior);
+    void replace(Path devicePath, const ClipGround& ground, bool isExterior);
+    void intersect(const Path& devicePath, const ClipGround& ground, bool isExterior);
 
     /// In device pixels: as it was given, or along the pixels' sides. Stops at `maxPoints`.
     Path outline(const PixelRect& page, std::size_t maxPoints) const;
@@ -29,7 +37,7 @@ public:
     std::size_t runCount() const;
 
 private:
-    std::shared_ptr<const ClipRegion> regionOf(const Path& devicePath, const PixelRect& page) const;
+    std::shared_ptr<const ClipRegion> regionOf(const Path& devicePath, const ClipGround& ground) const;
     void set(std::shared_ptr<const ClipRegion> region, std::shared_ptr<const Path> outline, const PixelRect& page);
 
     std::shared_ptr<const ClipRegion> m_region;

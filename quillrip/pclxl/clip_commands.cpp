@@ -12,6 +12,12 @@ namespace {
 
 bool isExterior(const Machine& machine) { return machine.operands().integer(Attribute::ClipRegion) == 1; }
 
+ClipGround groundOf(Machine& machine)
+{
+    const Page& page = machine.page();
+    return { page.bounds(), clipEdgesOf(page.format()), *machine.limits().work };
+}
+
 Path devicePath(const GraphicsState& state) { return state.path.path().transformed(state.userToDevice); }
 
 } // namespace
@@ -19,7 +25,7 @@ Path devicePath(const GraphicsState& state) { return state.path.path().transform
 Status setClipReplace(Machine& machine)
 {
     GraphicsState& state = machine.state();
-    state.clip.replace(devicePath(state), machine.page().bounds(), isExterior(machine));
+    state.clip.replace(devicePath(state), groundOf(machine), isExterior(machine));
     machine.drawing().stateChanged();
     return {};
 }
@@ -27,7 +33,7 @@ Status setClipReplace(Machine& machine)
 Status setClipIntersect(Machine& machine)
 {
     GraphicsState& state = machine.state();
-    state.clip.intersect(devicePath(state), machine.page().bounds(), isExterior(machine));
+    state.clip.intersect(devicePath(state), groundOf(machine), isExterior(machine));
     machine.drawing().stateChanged();
     return {};
 }
@@ -38,7 +44,7 @@ Status setClipRectangle(Machine& machine)
     const std::array<double, 4>& n = machine.operands().find(Attribute::BoundingBox)->numbers;
     Path box;
     box.rectangle(n[0], n[1], n[2], n[3]);
-    state.clip.replace(box.transformed(state.userToDevice), machine.page().bounds(), isExterior(machine));
+    state.clip.replace(box.transformed(state.userToDevice), groundOf(machine), isExterior(machine));
     machine.drawing().stateChanged();
     return {};
 }

@@ -116,7 +116,7 @@ bool Drawing::fillCell(const Path& devicePath, FillRule rule)
     const PixelRect bounds = pixels.intersected(m_page.bounds());
     if (bounds.empty())
         return true;
-    std::shared_ptr<const ClipRegion> region = ClipRegion::ofPath(devicePath, rule, bounds);
+    std::shared_ptr<const ClipRegion> region = ClipRegion::ofPath(devicePath, rule, bounds, m_limits.work.get());
     if (region->bounds().empty())
         return false; // thinner than a pixel
     PaintState paint = brushPaint();

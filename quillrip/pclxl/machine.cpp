@@ -1,6 +1,5 @@
 #include "quillrip/pclxl/machine.h"
 
-#include "quillrip/base/replay_meter.h"
 #include "quillrip/pclxl/drawing.h"
 #include "quillrip/pclxl/graphics_stack.h"
 #include "quillrip/pclxl/page.h"
@@ -19,6 +18,13 @@
 
 namespace quillrip::pclxl {
 
+namespace {
+
+/// Work of an operator without what it draws.
+constexpr std::uint64_t kUnitsPerOperator = 200;
+
+} // namespace
+
 struct Machine::Rooms {
     Rooms(PageDevice& device, DiagnosticSink& diagnostics, const Limits& limits)
         : reporter(diagnostics)
@@ -28,7 +34,6 @@ struct Machine::Rooms {
         , patterns(limits.patternBytes)
         , softFonts(limits.fontBytes)
         , userStreams(limits.macroBytes)
-        , replay(limits)
     {
     }
 
@@ -42,7 +47,6 @@ struct Machine::Rooms {
     PatternStore patterns;
     SoftFonts softFonts;
     UserStreams userStreams;
-    ReplayMeter replay;
     std::unique_ptr<PageImage> image;
     std::unique_ptr<PatternInProgress> definedPattern;
     std::unique_ptr<VendorImage> vendorImage;
@@ -150,7 +154,7 @@ Status Machine::interpret(TagReader& reader, bool isUserStream)
             const Status status = execute(reader);
             if (!status.isOk())
                 return status;
-            if (m_rooms->replay.isRunning() && !m_rooms->replay.mayGoOn(m_rooms->page.bitmap()))
+            if (!m_limits.work->allows(Work::Commands, kUnitsPerOperator))
                 return Error::LimitExceeded;
             break;
         }
@@ -240,11 +244,7 @@ Status Machine::execute(TagReader& reader)
 
 Status Machine::runUserStream(ByteView bytes)
 {
-    ReplayMeter& replay = m_rooms->replay;
-    const Page& page = m_rooms->page;
-    const Status status = replay.enter(bytes.size, page.bitmap()) ? readOperators(bytes) : Status(Error::LimitExceeded);
-    replay.leave(page.bitmap());
-    return status;
+    return m_limits.work->allowsRecording(bytes.size) ? readOperators(bytes) : Status(Error::LimitExceeded);
 }
 
 Status Machine::readOperators(ByteView bytes)
@@ -328,7 +328,6 @@ void Machine::leavePage()
     m_rooms->vendorImage.reset();
     m_rooms->fastRaster.reset();
     m_rooms->page.close();
-    m_rooms->replay.pageEnded();
     m_rooms->graphics.reset();
     m_rooms->drawing.stateChanged();
     m_definition = Definition::None;

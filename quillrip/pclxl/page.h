@@ -32,7 +32,6 @@ public:
     const PixelRect& bounds() const { return m_bounds; }
     const Matrix& initialMatrix() const { return m_initialMatrix; } ///< user units to device pixels
     /// Null when none is open.
-    const PageBitmap* bitmap() const { return m_isOpen ? &m_canvas.painter->page() : nullptr; }
 
     /// Gives the handler PCL 5 data to draw on this page.
     Status passThrough(PassThroughHandler& handler, EmbeddedData& data);

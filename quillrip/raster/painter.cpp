@@ -12,6 +12,10 @@ namespace quillrip {
 
 namespace {
 
+/// Work of a mark without its shape and pixels, and of a point of a path before it is an edge.
+constexpr std::uint64_t kUnitsPerMark = 150;
+constexpr std::uint64_t kUnitsPerPathPoint = 20;
+
 /// Whether a path's points, and all within `reach` of them, miss an area, with a pixel to spare. Curves lie within
 /// their control points.
 bool liesOutside(const Path& path, const Matrix& toDevice, double reach, const PixelRect& area)
@@ -41,8 +45,9 @@ double reachOf(const StrokeStyle& style, const Matrix& userToDevice)
 
 } // namespace
 
-Painter::Painter(PageBitmap& page)
+Painter::Painter(PageBitmap& page, std::shared_ptr<WorkMeter> work)
     : m_page(page)
+    , m_work(std::move(work))
 {
 }
 
@@ -52,56 +57,72 @@ std::unique_ptr<Compositor> Painter::compositorFor(const PaintState& state)
 {
     if (!m_texture || !m_texture->isFor(state.texture))
         m_texture = std::make_shared<DeviceTexture>(state.texture, m_page.format());
-    return Compositor::create(m_page, state, m_texture);
+    return Compositor::create(m_page, state, m_texture, *m_work);
 }
 
 void Painter::fillRect(const PixelRect& rect, const PaintState& state)
 {
+    if (!m_work->allows(Work::Pixels, kUnitsPerMark))
+        return;
     const std::unique_ptr<Compositor> compositor = compositorFor(state);
     const int top = std::max(rect.top, compositor->bounds().top);
     const int bottom = std::min(rect.bottom, compositor->bounds().bottom);
     for (int y = top; y < bottom; ++y)
         compositor->ink(y, rect.left, rect.right);
+    compositor->chargePixels();
 }
 
 void Painter::fillPath(const Path& devicePath, FillRule rule, const PaintState& state, PixelRule pixels)
 {
+    if (!m_work->allows(Work::Shapes, kUnitsPerMark + kUnitsPerPathPoint * devicePath.pointCount()))
+        return;
     const std::unique_ptr<Compositor> compositor = compositorFor(state);
     const PixelRect& area = compositor->bounds();
     if (area.empty() || liesOutside(devicePath, {}, 0, area))
         return;
-    PaintingSink painting(*compositor);
+    paintShape(devicePath, rule, pixels, *compositor);
+    compositor->chargePixels();
+}
+
+void Painter::paintShape(const Path& devicePath, FillRule rule, PixelRule pixels, Compositor& compositor)
+{
+    const PixelRect& area = compositor.bounds();
+    PaintingSink painting(compositor);
     if (m_page.format() != PixelFormat::Bilevel) {
         EdgeList edges(area);
         edges.addPath(devicePath);
         edges.shrinkArea();
-        return scanCoverage(edges, rule, painting);
+        return scanCoverage(edges, rule, painting, *m_work);
     }
     if (pixels == PixelRule::Touched) {
         EdgeList edges(area, EdgeList::Axes::Straight, true);
         edges.addPath(devicePath);
         edges.shrinkArea();
-        return scanTouched(edges, rule, painting);
+        return scanTouched(edges, rule, painting, *m_work);
     }
-    if (compositor->isIdempotent())
-        return scanCentresAndThinParts(devicePath, rule, area, painting);
+    if (compositor.isIdempotent())
+        return scanCentresAndThinParts(devicePath, rule, area, painting, *m_work);
     SpanUnion spanUnion(area, painting);
-    scanCentresAndThinParts(devicePath, rule, area, spanUnion);
+    scanCentresAndThinParts(devicePath, rule, area, spanUnion, *m_work);
     spanUnion.finish();
 }
 
 void Painter::strokePath(
     const Path& userPath, const Matrix& userToDevice, const StrokeStyle& style, const PaintState& state)
 {
+    if (!m_work->allows(Work::Lines, kUnitsPerMark + kUnitsPerPathPoint * userPath.pointCount()))
+        return;
     const std::unique_ptr<Compositor> compositor = compositorFor(state);
     const PixelRect& area = compositor->bounds();
-    if (!area.empty() && !liesOutside(userPath, userToDevice, reachOf(style, userToDevice), area))
-        paintStroke(userPath, userToDevice, style, *compositor);
+    if (area.empty() || liesOutside(userPath, userToDevice, reachOf(style, userToDevice), area))
+        return;
+    paintStroke(userPath, userToDevice, style, *compositor);
+    compositor->chargePixels();
 }
 
 void Painter::drawMask(const GlyphMask& mask, int x, int y, const PaintState& state)
 {
-    if (mask.width < 1 || mask.height < 1)
+    if (mask.width < 1 || mask.height < 1 || !m_work->allows(Work::Glyphs, kUnitsPerMark))
         return;
     const std::unique_ptr<Compositor> compositor = compositorFor(state);
     const PixelRect& bounds = compositor->bounds();
@@ -114,6 +135,11 @@ void Painter::drawMask(const GlyphMask& mask, int x, int y, const PaintState& st
     const std::int64_t endRow = std::min<std::int64_t>(mask.height, bounds.bottom - top);
     const bool isBits = mask.depth == GlyphMask::Depth::Bits;
     const std::size_t rowBytes = static_cast<std::size_t>(isBits ? (mask.width + 7) / 8 : mask.width);
+    if (firstRow < endRow) {
+        const std::int64_t unitsPerPixel = isBits ? 0 : compositor->isSourceTransparent() ? 2 : 15;
+        m_work->charge(
+            Work::Glyphs, static_cast<std::uint64_t>((endRow - firstRow) * (10 + mask.width * unitsPerPixel)));
+    }
     for (std::int64_t row = firstRow; row < endRow; ++row) {
         const std::size_t offset = static_cast<std::size_t>(row) * mask.stride;
         if (offset + rowBytes > mask.bytes.size())
@@ -125,6 +151,7 @@ void Painter::drawMask(const GlyphMask& mask, int x, int y, const PaintState& st
         else
             compositor->coverage(static_cast<int>(top + row), static_cast<int>(left), bytes, mask.width, true);
     }
+    compositor->chargePixels();
 }
 
 std::unique_ptr<ImagePainter> Painter::beginImage(const ImageGeometry& geometry, const PaintState& state)
@@ -133,6 +160,8 @@ std::unique_ptr<ImagePainter> Painter::beginImage(const ImageGeometry& geometry,
     const bool isFiniteMatrix = std::isfinite(m.a) && std::isfinite(m.b) && std::isfinite(m.c) && std::isfinite(m.d)
         && std::isfinite(m.e) && std::isfinite(m.f);
     if (geometry.width < 1 || geometry.height == 0 || !isFiniteMatrix)
+        return nullptr;
+    if (!m_work->allows(Work::Images, kUnitsPerMark))
         return nullptr;
     PaintState ownState = state;
     if (geometry.format == ImageFormat::Rgba32)

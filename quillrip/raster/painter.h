@@ -1,6 +1,7 @@
 #pragma once
 
 #include "quillrip/base/page_bitmap.h"
+#include "quillrip/base/work_meter.h"
 #include "quillrip/raster/compose/paint_state.h"
 #include "quillrip/raster/glyph_mask.h"
 #include "quillrip/raster/images/image_painter.h"
@@ -23,13 +24,15 @@ enum class PixelRule {
 /// covers the unit square from (x, y) to (x + 1, y + 1). Everything is clipped to the bitmap and to the state's clip.
 class Painter {
 public:
-    explicit Painter(PageBitmap& page);
+    /// `work` is charged with all that is drawn; once it is exhausted, marks stop, some in their middle.
+    explicit Painter(PageBitmap& page, std::shared_ptr<WorkMeter> work = std::make_shared<WorkMeter>());
     ~Painter();
     Painter(const Painter&) = delete;
     Painter& operator=(const Painter&) = delete;
 
     PageBitmap& page() { return m_page; }
     const PageBitmap& page() const { return m_page; }
+    WorkMeter& work() { return *m_work; }
 
     /// Whole pixels, all ink.
     void fillRect(const PixelRect& rect, const PaintState& state);
@@ -51,9 +54,11 @@ public:
     std::unique_ptr<ImagePainter> beginImage(const ImageGeometry& geometry, const PaintState& state);
 
 private:
+    void paintShape(const Path& devicePath, FillRule rule, PixelRule pixels, Compositor& compositor);
     std::unique_ptr<Compositor> compositorFor(const PaintState& state);
 
     PageBitmap& m_page;
+    std::shared_ptr<WorkMeter> m_work;
     std::shared_ptr<const DeviceTexture> m_texture; ///< of the last state: mostly the next one's too
 };
 

@@ -179,7 +179,7 @@ TEST(JobRunner, LimitsEndTheJob)
     EXPECT_EQ(run.result.outcome, JobOutcome::LimitExceeded);
     // An interpreter's own limit is named, too.
     limits = {};
-    limits.macroExecutions = 1;
+    limits.work = std::make_shared<WorkMeter>(WorkBudget { 15'000 });
     const auto macros = runBytes("\x1b"
                                  "E\x1b&f0X \x1b&f1X\x1b&f2x2X",
         coarse(), {}, limits);

@@ -80,14 +80,14 @@ TEST(PclBrokenStreams, MacrosThatRunThemselvesEnd)
 TEST(PclBrokenStreams, MacrosWithoutEndMeetTheLimit)
 {
     PrinterSettings settings;
-    settings.limits.macroExecutions = 500;
+    settings.limits.work = std::make_shared<WorkMeter>(WorkBudget { 5'000'000 });
     std::string many;
     for (int i = 0; i < 30; ++i)
         many += e("&f2X");
     const std::string job = kStart + e("&f1y0X") + many + e("&f1X") + e("&f2X");
     const Printed printed = print(job, settings);
     EXPECT_EQ(printed.status, RunStatus::LimitExceeded);
-    EXPECT_TRUE(printed.warnedOf("pcl.macro-executions"));
+    EXPECT_TRUE(printed.warnedOf("pcl.work"));
 }
 
 TEST(PclBrokenStreams, MemoryOfMacrosPatternsAndFontsIsLimited)
@@ -148,7 +148,7 @@ TEST(PclBrokenStreams, RandomCommandsDoNoHarm)
         settings.dotsPerInch = 50;
         settings.format = round % 2 ? PixelFormat::Rgb24 : PixelFormat::Bilevel;
         settings.limits.pages = 40;
-        settings.limits.macroExecutions = 200;
+        settings.limits.work = std::make_shared<WorkMeter>(WorkBudget { 20'000'000 });
         const Printed printed = print(job, settings);
         EXPECT_NE(printed.status, RunStatus::OutputFailed);
     }

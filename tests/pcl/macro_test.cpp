@@ -119,19 +119,19 @@ TEST(PclMacros, MacrosThatPaintThePageWithoutEndAreStopped)
     }
     PrinterSettings settings;
     settings.dotsPerInch = 36;
-    settings.limits.macroCoats = 100;
+    settings.limits.work = std::make_shared<WorkMeter>(WorkBudget { 100'000'000 });
     const Printed printed = print(
         kStart + define(1, rectangles + "0P") + define(2, inner + "3X") + define(3, outer + "3X") + run(3, kCall),
         settings);
     EXPECT_EQ(printed.status, RunStatus::LimitExceeded);
-    EXPECT_TRUE(printed.warnedOf("pcl.macro-drawing"));
+    EXPECT_TRUE(printed.warnedOf("pcl.work"));
 }
 
 TEST(PclMacros, FormsOnEveryPageAreNoEndlessPainting)
 {
     PrinterSettings settings;
     settings.dotsPerInch = 36;
-    settings.limits.macroCoats = 3;
+    settings.limits.work = std::make_shared<WorkMeter>(WorkBudget { 500'000 });
     std::string job = kStart + define(1, e("*c2400a3150b0P")) + run(1, kOverlay);
     for (int i = 0; i < 10; ++i)
         job += run(1, kCall) + "\f";

@@ -96,6 +96,7 @@ Printed print(const std::string& job, const PrinterSettings& settings)
     Printed printed;
     Recorder recorder { printed.diagnostics };
     MemoryPageDevice device { settings.format, settings.dotsPerInch };
+    device.useMeter(settings.limits.work);
     FontLibrary fonts { settings.limits, &recorder };
     pcl::Interpreter interpreter { device, recorder, settings.limits, fonts, settings.environment };
     const auto* data = reinterpret_cast<const std::uint8_t*>(job.data());

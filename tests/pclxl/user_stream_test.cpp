@@ -115,7 +115,7 @@ TEST(XlUserStream, StreamsThatMultiplyEndTheJob)
     }
     exec(c, "s0");
     Limits limits;
-    limits.macroExecutions = 5000;
+    limits.work = std::make_shared<WorkMeter>(WorkBudget { 50'000'000 });
     XlJob job(PixelFormat::Bilevel, limits);
     EXPECT_EQ(job.run(onePage(4, 1, c)), pclxl::Interpreter::End::Failed);
     EXPECT_EQ(job.interpreter.status(), RunStatus::LimitExceeded);
@@ -135,7 +135,7 @@ TEST(XlUserStream, StreamsThatPaintThePageWithoutEndAreStopped)
     c.append(define("fills", fills)).append(define("many", many));
     exec(c, "many");
     Limits limits;
-    limits.macroCoats = 100;
+    limits.work = std::make_shared<WorkMeter>(WorkBudget { 20'000'000 });
     XlJob job(PixelFormat::Bilevel, limits);
     EXPECT_EQ(job.run(onePage(100, 100, c)), pclxl::Interpreter::End::Failed);
     EXPECT_EQ(job.interpreter.status(), RunStatus::LimitExceeded);
@@ -148,7 +148,7 @@ TEST(XlUserStream, OnePageRunsABoundedNumberOfBytes)
     XlStream page;
     exec(page, "comments");
     Limits limits;
-    limits.macroBytes = 1000;
+    limits.work = std::make_shared<WorkMeter>(WorkBudget { 40'000 });
     XlStream s = XlStream::withHeader();
     s.beginSession().openDataSource().append(define("comments", comments));
     s.beginPage(4, 1).append(page).endPage().beginPage(4, 1).append(page).endPage();

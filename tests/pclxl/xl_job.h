@@ -40,6 +40,7 @@ struct XlJob {
         , fonts(limits)
         , interpreter(device, sink, limits, fonts, environment)
     {
+        device.useMeter(limits.work);
     }
 
     pclxl::Interpreter::End run(const std::vector<std::uint8_t>& bytes)

@@ -76,6 +76,86 @@ TEST(ClipRegion, BitsAndMoves)
     EXPECT_TRUE(region->moved(INT32_MAX, 0)->bounds().empty());
 }
 
+namespace {
+
+constexpr PixelRect kDisc { 0, 0, 24, 24 };
+
+std::shared_ptr<const ClipRegion> softDisc()
+{
+    Path path;
+    path.arc({ 12.3, 11.8 }, 9.7, 9.7, 0, 7, true);
+    return ClipRegion::ofPath(path, FillRule::NonZero, kDisc, nullptr, ClipEdges::Soft);
+}
+
+PageBitmap clipped(PixelFormat format, const std::vector<std::shared_ptr<const ClipRegion>>& clips, int rop = 252)
+{
+    PageBitmap page(format, kDisc.width(), kDisc.height(), {});
+    for (const auto& clip : clips) {
+        PaintState state;
+        state.rop = static_cast<std::uint8_t>(rop);
+        state.clip = clip;
+        Painter(page).fillRect(kDisc, state);
+    }
+    return page;
+}
+
+int greyPixels(const PageBitmap& page)
+{
+    int count = 0;
+    for (int y = 0; y < page.height(); ++y) {
+        for (int x = 0; x < page.width(); ++x)
+            count += page.pixel(x, y).red > 0 && page.pixel(x, y).red < 255;
+    }
+    return count;
+}
+
+} // namespace
+
+TEST(SoftClip, FadesOutInGreyAndRgb)
+{
+    for (const PixelFormat format : { PixelFormat::Gray8, PixelFormat::Rgb24 }) {
+        const PageBitmap page = clipped(format, { softDisc() });
+        EXPECT_GT(greyPixels(page), 20);
+        EXPECT_EQ(page.pixel(12, 12).red, 0);
+        EXPECT_EQ(page.pixel(0, 0).red, 255);
+    }
+    EXPECT_EQ(greyPixels(clipped(PixelFormat::Gray8, { ClipRegion::ofPath({}, FillRule::NonZero, kDisc) })), 0);
+}
+
+TEST(SoftClip, NeighboursLeaveNoSeam)
+{
+    const auto disc = softDisc();
+    const auto rest = disc->complement(kDisc);
+    for (const auto& order : { std::vector { disc, rest }, std::vector { rest, disc } }) {
+        const PageBitmap page = clipped(PixelFormat::Rgb24, order);
+        EXPECT_EQ(test::blackPixelCount(page), static_cast<std::size_t>(24 * 24));
+        EXPECT_EQ(greyPixels(page), 0);
+    }
+}
+
+TEST(SoftClip, TurnsNothingRoundInPart)
+{
+    EXPECT_EQ(greyPixels(clipped(PixelFormat::Gray8, { softDisc() }, 85)), 0);
+    EXPECT_EQ(greyPixels(clipped(PixelFormat::Bilevel, { softDisc() })), 0);
+}
+
+TEST(SoftClip, SharesOfCrossingEdgesMultiply)
+{
+    Path left;
+    left.rectangle(-5, -5, 3.4, 30);
+    Path upper;
+    upper.rectangle(-5, -5, 30, 2.4);
+    const auto a = ClipRegion::ofPath(left, FillRule::NonZero, kDisc, nullptr, ClipEdges::Soft);
+    const auto b = ClipRegion::ofPath(upper, FillRule::NonZero, kDisc, nullptr, ClipEdges::Soft);
+    const PageBitmap page = clipped(PixelFormat::Gray8, { a->intersected(*b) });
+    EXPECT_EQ(page.pixel(2, 1).red, 0);
+    EXPECT_NEAR(page.pixel(3, 1).red, 255 * 0.2, 2); // 0.4 of the pixel is inside: it takes twice that
+    EXPECT_NEAR(page.pixel(3, 2).red, 255 * (1 - 2 * 0.16), 3);
+    EXPECT_EQ(page.pixel(4, 2).red, 255);
+    const auto moved = a->intersected(*b)->moved(4, 3);
+    EXPECT_EQ(clipped(PixelFormat::Gray8, { moved }).pixel(7, 5).red, page.pixel(3, 2).red);
+}
+
 TEST(ClipRegion, EmptyPathHidesAll)
 {
     EXPECT_EQ(shown(ClipRegion::ofPath({}, FillRule::NonZero, kPage)), "......\n......\n......\n......\n");

@@ -53,7 +53,7 @@ RunStatus MemoryPageDevice::beginPage(const SheetRequest& sheet, PageCanvas& can
     m_open = PageBitmap(m_format, pixelsOf(across, m_resolution.x), pixelsOf(longest, m_resolution.y), m_resolution);
     if (m_open.isNull())
         return RunStatus::LimitExceeded;
-    m_painter = std::make_unique<Painter>(m_open);
+    m_painter = std::make_unique<Painter>(m_open, m_work);
     m_sheets.push_back(sheet);
     canvas = preview(sheet);
     canvas.painter = m_painter.get();
@@ -63,6 +63,7 @@ RunStatus MemoryPageDevice::beginPage(const SheetRequest& sheet, PageCanvas& can
 RunStatus MemoryPageDevice::endPage()
 {
     m_painter.reset();
+    m_work->pageEnded();
     if (!m_open.hasInk({ 0, m_height, m_open.width(), m_open.height() }))
         m_open = std::move(m_open).cropped(0, m_open.width(), m_height);
     m_pages.push_back(std::move(m_open));

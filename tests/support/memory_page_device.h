@@ -31,6 +31,8 @@ public:
     std::size_t blackPixelCount(std::size_t page) const;
     std::string textArt(std::size_t page, const PixelRect& rect) const;
 
+    /// What painting and pages are charged to.
+    void useMeter(std::shared_ptr<WorkMeter> work) { m_work = std::move(work); }
     /// From the call that starts page `count` on, beginPage() answers LimitExceeded.
     void refuseAfter(std::size_t count) { m_pageLimit = count; }
 
@@ -43,6 +45,7 @@ private:
     PageBitmap m_open; ///< as long as the longest candidate for its sheet
     int m_height = 0; ///< of the sheet itself, device pixels
     std::unique_ptr<Painter> m_painter;
+    std::shared_ptr<WorkMeter> m_work = std::make_shared<WorkMeter>();
 };
 
 } // namespace quillrip::test

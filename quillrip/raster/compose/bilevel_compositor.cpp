@@ -5,8 +5,8 @@
 namespace quillrip {
 
 BilevelCompositor::BilevelCompositor(
-    PageBitmap& page, const PaintState& state, std::shared_ptr<const DeviceTexture> texture)
-    : Compositor(page, state, std::move(texture))
+    PageBitmap& page, const PaintState& state, std::shared_ptr<const DeviceTexture> texture, WorkMeter& work)
+    : Compositor(page, state, std::move(texture), work)
     , m_isMixed(m_texture.hasAlpha() || m_opacity != 255)
 {
     if (!m_texture.isUniformBilevel() || m_isMixed)

@@ -8,7 +8,8 @@ namespace quillrip {
 /// printer does, so operations act on dots.
 class BilevelCompositor final : public Compositor {
 public:
-    BilevelCompositor(PageBitmap& page, const PaintState& state, std::shared_ptr<const DeviceTexture> texture);
+    BilevelCompositor(
+        PageBitmap& page, const PaintState& state, std::shared_ptr<const DeviceTexture> texture, WorkMeter& work);
 
 private:
     void inkRun(int y, int left, int right) override;

@@ -67,8 +67,8 @@ void ByteCompositor<Channels>::Stencil::mix(std::uint8_t* at, std::size_t pixels
 
 template <int Channels>
 ByteCompositor<Channels>::ByteCompositor(
-    PageBitmap& page, const PaintState& state, std::shared_ptr<const DeviceTexture> texture)
-    : Compositor(page, state, std::move(texture))
+    PageBitmap& page, const PaintState& state, std::shared_ptr<const DeviceTexture> texture, WorkMeter& work)
+    : Compositor(page, state, std::move(texture), work)
 {
     if (!m_texture.isSolid())
         return;

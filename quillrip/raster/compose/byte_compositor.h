@@ -8,7 +8,8 @@ namespace quillrip {
 /// page.
 template <int Channels> class ByteCompositor final : public Compositor {
 public:
-    ByteCompositor(PageBitmap& page, const PaintState& state, std::shared_ptr<const DeviceTexture> texture);
+    ByteCompositor(
+        PageBitmap& page, const PaintState& state, std::shared_ptr<const DeviceTexture> texture, WorkMeter& work);
 
 private:
     /// What a source of one colour does to the bytes of a row, with a solid texture: page = (page & keep) ^ flip. The

@@ -1,7 +1,9 @@
 #pragma once
 
+#include "quillrip/base/work_meter.h"
 #include "quillrip/raster/compose/bit_words.h"
 #include "quillrip/raster/compose/device_texture.h"
+#include "quillrip/raster/compose/mixing.h"
 #include "quillrip/raster/compose/paint_state.h"
 #include "quillrip/raster/compose/raster_operation.h"
 #include "quillrip/raster/scan/clip_region.h"
@@ -18,8 +20,16 @@ namespace quillrip {
 class Compositor {
 public:
     static std::unique_ptr<Compositor> create(
-        PageBitmap& page, const PaintState& state, std::shared_ptr<const DeviceTexture> texture);
+        PageBitmap& page, const PaintState& state, std::shared_ptr<const DeviceTexture> texture, WorkMeter& work);
     virtual ~Compositor() = default;
+
+    WorkMeter& work() { return m_work; }
+    /// Charges what has been painted since the last time: at the end of a mark, and within long ones.
+    void chargePixels()
+    {
+        m_work.charge(Work::Pixels, (m_page.paintedPixels() - m_charged) * m_unitsPer1024Pixels / 1024);
+        m_charged = m_page.paintedPixels();
+    }
 
     /// Nothing outside these can be marked.
     const PixelRect& bounds() const { return m_bounds; }
@@ -73,7 +83,8 @@ public:
     }
 
 protected:
-    Compositor(PageBitmap& page, const PaintState& state, std::shared_ptr<const DeviceTexture> texture);
+    Compositor(
+        PageBitmap& page, const PaintState& state, std::shared_ptr<const DeviceTexture> texture, WorkMeter& work);
 
     // What follows is given parts of one row, inside page and clip, never empty.
     virtual void inkRun(int y, int left, int right) = 0;
@@ -118,10 +129,41 @@ private:
             m_page.touch(y, from, to);
             paint(from, to);
         }
+        if (m_fringe)
+            eachFringePixel(y, left, right, paint);
     }
 
+    /// Pixels just outside of the clip take a share of what painting makes of them.
+    template <typename Paint> void eachFringePixel(int y, int left, int right, Paint paint)
+    {
+        const ClipFringe::Cell* end = m_fringe->end(y);
+        const ClipFringe::Cell* cell = std::lower_bound(m_fringe->begin(y), end, left,
+            [](const ClipFringe::Cell& candidate, int column) { return candidate.x < column; });
+        const ClipRegion::Run* run = m_clip->begin(y);
+        const auto channels = static_cast<std::size_t>(m_page.format() == PixelFormat::Rgb24 ? 3 : 1);
+        for (; cell != end && cell->x < right; ++cell) {
+            const int x = cell->x;
+            while (run != m_clip->end(y) && run->right <= x)
+                ++run;
+            const bool isInside = run != m_clip->end(y) && run->left <= x;
+            if (isInside || cell->coverage >= 128)
+                continue;
+            std::uint8_t* at = m_page.row(y) + static_cast<std::size_t>(x) * channels;
+            std::uint8_t before[3];
+            std::memcpy(before, at, channels);
+            m_page.touch(y, x, x + 1);
+            paint(x, x + 1);
+            for (std::size_t channel = 0; channel < channels; ++channel)
+                at[channel] = mixed(before[channel], at[channel], 2u * cell->coverage);
+        }
+    }
+
+    WorkMeter& m_work;
+    std::uint64_t m_unitsPer1024Pixels;
+    std::uint64_t m_charged; ///< of the page's painted pixels
     PixelRect m_bounds;
     std::shared_ptr<const ClipRegion> m_clip; ///< null where the bounds say all
+    const ClipFringe* m_fringe = nullptr; ///< of the clip, where its soft edges count
     bool m_isIdempotent;
 };
 

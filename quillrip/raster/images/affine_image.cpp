@@ -10,6 +10,7 @@ namespace {
 
 /// A turned image is kept whole; rows beyond this are dropped.
 constexpr std::size_t kMostBytes = std::size_t { 256 } << 20;
+constexpr std::uint64_t kUnitsPerSample = 8;
 /// Samples across a device pixel.
 constexpr int kMostSamples = 8;
 
@@ -32,7 +33,7 @@ public:
 
     void row(const std::uint8_t* pixels) override
     {
-        if (m_rows >= m_mostRows)
+        if (m_rows >= m_mostRows || !m_compositor->work().allows(Work::Images, m_rowBytes))
             return;
         m_ink.resize((m_rows + 1) * m_rowBytes);
         std::uint8_t* ink = m_ink.data() + m_rows * m_rowBytes;
@@ -61,8 +62,13 @@ public:
         m_samples = std::clamp(static_cast<int>(std::ceil(std::min(reach, 1.0 * most))), fewest, most);
         m_line.resize(static_cast<std::size_t>(box.width()) * m_inkChannels);
         m_coverage.resize(static_cast<std::size_t>(box.width()));
-        for (int y = box.top; y < box.bottom; ++y)
+        const auto samples = static_cast<std::uint64_t>(box.width() * m_samples * m_samples);
+        for (int y = box.top; y < box.bottom; ++y) {
+            if (!m_compositor->work().allows(Work::Images, samples * kUnitsPerSample))
+                break;
             paintRow(y, box, toSource);
+        }
+        m_compositor->chargePixels();
     }
 
 private:

@@ -9,6 +9,8 @@ namespace {
 /// Positions beyond this are not those of an image.
 constexpr double kFarthest = 1e14;
 constexpr int kMostRows = INT32_MAX;
+/// Work of a source row that nothing is seen of.
+constexpr std::uint64_t kUnitsPerRow = 20;
 
 /// A slant that moves no pixel by as much as this, in device pixels, is none.
 constexpr double kSlant = 1.0 / 64;
@@ -126,15 +128,17 @@ void AlignedImage::finish()
 {
     end(m_nextRow);
     m_lines->finish();
+    m_compositor->chargePixels();
 }
 
 void AlignedImage::feed(const std::uint8_t* pixels, std::int64_t count, bool isBlank)
 {
     const std::int64_t most = m_geometry.height < 0 ? kMostRows : m_geometry.height;
     count = std::min(count, most - m_nextRow);
-    if (count <= 0)
+    if (count <= 0 || !m_compositor->work().allows(Work::Images, kUnitsPerRow))
         return;
     addRows(pixels, m_nextRow, count, isBlank);
+    m_compositor->chargePixels();
     m_nextRow += count;
 }
 

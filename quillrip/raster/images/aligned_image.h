@@ -45,6 +45,8 @@ protected:
     Compositor& compositor() { return *m_compositor; }
     ImageLines& lines() { return *m_lines; }
     int deviceLine(std::int64_t line) const { return static_cast<int>(m_geometry.mirrorsLines ? -1 - line : line); }
+    /// Of source pixels that are converted, or mixed for a line.
+    void charge(std::uint64_t units) { m_compositor->work().charge(Work::Images, units); }
     bool isVisibleLine(std::int64_t line) const
     {
         return line >= m_geometry.lines.visibleBegin && line < m_geometry.lines.visibleEnd;

@@ -94,6 +94,7 @@ private:
     {
         const BitRow row(pixels, geometry().width);
         const std::int64_t width = geometry().width;
+        charge(static_cast<std::uint64_t>(width) / 8);
         std::int64_t runStart = 0;
         bool isInk = false;
         for (std::int64_t x = 0; x < width; x += 64) {

@@ -7,6 +7,9 @@ namespace quillrip {
 
 namespace {
 
+constexpr std::uint64_t kUnitsPerCopiedPixel = 1;
+constexpr std::uint64_t kUnitsPerMixedPixel = 4;
+
 /// How source pixels become device pixels along an axis.
 enum class Resampling {
     Blocks, ///< device pixels repeat the source pixel that they lie in
@@ -21,21 +24,24 @@ Resampling resamplingFor(const ImageAxis& axis, bool smooth, bool dropsPixels)
     return smooth && !axis.isWhole() ? Resampling::Linear : Resampling::Blocks;
 }
 
-/// Source rows to rows of the device's columns, as floating point ink.
+/// Source rows to rows of the device's columns, as floating point ink. What a column takes is neighbouring source
+/// pixels, of which only the first and the last may count in part, so that a wide row costs no memory.
 class ColumnScaler {
 public:
     ColumnScaler(const ImageAxis& axis, int sourceWidth, Resampling resampling, int channels)
         : m_channels(static_cast<std::size_t>(channels))
     {
+        m_columns.reserve(static_cast<std::size_t>(axis.visible()));
         for (int column = axis.visibleBegin; column < axis.visibleEnd; ++column) {
-            const std::size_t first = m_taps.size();
-            addTaps(axis, sourceWidth, resampling, column);
-            m_ends.push_back(m_taps.size());
+            const Column unscaled = columnOf(axis, sourceWidth, resampling, column);
             float sum = 0;
-            for (std::size_t tap = first; tap < m_taps.size(); ++tap)
-                sum += m_taps[tap].weight;
-            for (std::size_t tap = first; tap < m_taps.size(); ++tap)
-                m_taps[tap].weight /= sum;
+            for (std::int64_t i = 0; i < unscaled.count; ++i)
+                sum += unscaled.weight(i);
+            Column scaled = unscaled;
+            scaled.firstWeight /= sum;
+            scaled.innerWeight /= sum;
+            scaled.lastWeight /= sum;
+            m_columns.push_back(scaled);
         }
     }
 
@@ -54,59 +60,83 @@ public:
     }
 
 private:
-    struct Tap {
-        std::size_t source;
-        float weight;
+    struct Column {
+        std::int64_t first = 0; ///< source pixel
+        std::int64_t count = 1;
+        std::int64_t step = 1; ///< 0: beyond the image's side the same pixel counts twice
+        float firstWeight = 1;
+        float innerWeight = 1;
+        float lastWeight = 1;
+
+        float weight(std::int64_t i) const { return i == 0 ? firstWeight : i + 1 == count ? lastWeight : innerWeight; }
     };
+
+    template <std::size_t Channels> static void add(const std::uint8_t* pixel, float weight, float* sums)
+    {
+        for (std::size_t channel = 0; channel < Channels; ++channel)
+            sums[channel] += weight * static_cast<float>(pixel[channel]);
+    }
 
     template <std::size_t Channels> void scaleChannels(const std::uint8_t* source, float* result) const
     {
-        const Tap* tap = m_taps.data();
-        for (const std::size_t end : m_ends) {
+        for (const Column& column : m_columns) {
             float sums[Channels] = {};
-            for (const Tap* last = m_taps.data() + end; tap != last; ++tap) {
-                const std::uint8_t* pixel = source + tap->source * Channels;
-                for (std::size_t channel = 0; channel < Channels; ++channel)
-                    sums[channel] += tap->weight * static_cast<float>(pixel[channel]);
-            }
+            const std::uint8_t* pixel = source + static_cast<std::size_t>(column.first) * Channels;
+            const auto step = static_cast<std::size_t>(column.step) * Channels;
+            add<Channels>(pixel, column.firstWeight, sums);
+            for (std::int64_t i = 1; i + 1 < column.count; ++i)
+                add<Channels>(pixel += step, column.innerWeight, sums);
+            if (column.count > 1)
+                add<Channels>(pixel + step, column.lastWeight, sums);
             for (const float sum : sums)
                 *result++ = sum;
         }
     }
 
-    void addTap(std::int64_t source, int sourceWidth, double weight)
+    static Column columnOf(const ImageAxis& axis, int sourceWidth, Resampling resampling, int column)
     {
-        const auto inside = std::clamp<std::int64_t>(source, 0, sourceWidth - 1);
-        m_taps.push_back({ static_cast<std::size_t>(inside), static_cast<float>(weight) });
-    }
-
-    void addTaps(const ImageAxis& axis, int sourceWidth, Resampling resampling, int column)
-    {
-        if (resampling == Resampling::Blocks)
-            return addTap(axis.blockAt(column), sourceWidth, 1);
+        const auto inside = [&](std::int64_t source) { return std::clamp<std::int64_t>(source, 0, sourceWidth - 1); };
+        Column result;
+        if (resampling == Resampling::Blocks) {
+            result.first = inside(axis.blockAt(column));
+            return result;
+        }
         if (resampling == Resampling::Linear) {
             const double at = axis.sourceAt(column + 0.5) - 0.5;
             const double before = std::floor(at);
-            addTap(static_cast<std::int64_t>(before), sourceWidth, 1 - (at - before));
-            return addTap(static_cast<std::int64_t>(before) + 1, sourceWidth, at - before);
+            result.first = inside(static_cast<std::int64_t>(before));
+            result.step = inside(static_cast<std::int64_t>(before) + 1) - result.first;
+            result.count = 2;
+            result.firstWeight = static_cast<float>(1 - (at - before));
+            result.lastWeight = static_cast<float>(at - before);
+            return result;
         }
         const double begin = std::clamp(axis.sourceAt(column), 0.0, static_cast<double>(sourceWidth));
         const double end = std::clamp(axis.sourceAt(column + 1), 0.0, static_cast<double>(sourceWidth));
-        const auto first = static_cast<std::int64_t>(std::floor(begin));
-        const auto last = static_cast<std::int64_t>(std::ceil(end)) - 1;
-        if (last < first)
-            return addTap(first, sourceWidth, 1);
-        for (std::int64_t source = first; source <= last; ++source) {
-            const double overlap
-                = std::min(end, static_cast<double>(source + 1)) - std::max(begin, static_cast<double>(source));
-            if (overlap > 1e-9 || first == last)
-                addTap(source, sourceWidth, std::max(overlap, 1e-9));
+        auto first = static_cast<std::int64_t>(std::floor(begin));
+        auto last = static_cast<std::int64_t>(std::ceil(end)) - 1;
+        if (last <= first) {
+            result.first = inside(first);
+            return result;
         }
+        // What is touched by a rounding error only does not count.
+        constexpr double least = 1e-9;
+        const auto overlap = [&](std::int64_t source) {
+            return std::min(end, static_cast<double>(source + 1)) - std::max(begin, static_cast<double>(source));
+        };
+        if (overlap(first) <= least)
+            ++first;
+        if (overlap(last) <= least && last > first)
+            --last;
+        result.first = first;
+        result.count = last - first + 1;
+        result.firstWeight = static_cast<float>(overlap(first));
+        result.lastWeight = static_cast<float>(overlap(last));
+        return result;
     }
 
     std::size_t m_channels;
-    std::vector<Tap> m_taps;
-    std::vector<std::size_t> m_ends; ///< of each column's taps
+    std::vector<Column> m_columns;
 };
 
 class ToneImage final : public AlignedImage {
@@ -144,6 +174,7 @@ private:
             return;
         if (m_isAllBlocks)
             return addBlocks(pixels, index, count, isBlank);
+        charge(kUnitsPerMixedPixel * static_cast<std::uint64_t>(geometry().width));
         m_current.swap(m_previous);
         convertRow(pixels, geometry().format, geometry().width, m_inkChannels, m_ink.data());
         if (m_hasAlpha && m_isBlended)
@@ -185,6 +216,7 @@ private:
         if (isBlank)
             return whiteLines(begin, end);
         const ImageAxis& columns = geometry().columns;
+        charge(kUnitsPerCopiedPixel * static_cast<std::uint64_t>(geometry().width));
         convertRow(pixels, geometry().format, geometry().width, m_inkChannels, m_ink.data());
         const auto channels = static_cast<std::size_t>(m_inkChannels);
         const std::uint8_t* line = m_line.data();
@@ -303,6 +335,7 @@ private:
     {
         if (!isVisibleLine(line))
             return;
+        charge(kUnitsPerMixedPixel * m_alpha.size());
         const auto byteOf
             = [](float value) { return static_cast<std::uint8_t>(std::clamp(value + 0.5F, 0.0F, 255.0F)); };
         if (!m_hasAlpha) {

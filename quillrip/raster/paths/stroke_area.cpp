@@ -57,15 +57,18 @@ private:
 
 } // namespace
 
-Path strokeArea(const Path& userPath, const Matrix& userToDevice, const StrokeStyle& style, const PixelRect& area)
+Path strokeArea(
+    const Path& userPath, const Matrix& userToDevice, const StrokeStyle& style, const PixelRect& area, WorkMeter& work)
 {
+    constexpr std::uint64_t unitsPerPoint = 100;
+    work.charge(Work::Lines, unitsPerPoint * userPath.pointCount());
     const Pen pen(style.width, userToDevice);
     AreaBuilder builder(userToDevice, pen, style);
     if (!Dasher::canDash(style, userToDevice)) {
         forEachStrokeLine(userPath, userToDevice, builder);
         return builder.take();
     }
-    Dasher dasher(style, userToDevice, area, std::max(pen.deviceWidth(), pen.deviceHeight()), builder);
+    Dasher dasher(style, userToDevice, area, std::max(pen.deviceWidth(), pen.deviceHeight()), work, builder);
     forEachStrokeLine(userPath, userToDevice, dasher);
     return builder.take();
 }

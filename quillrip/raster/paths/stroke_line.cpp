@@ -77,14 +77,15 @@ bool Dasher::canDash(const StrokeStyle& style, const Matrix& userToDevice)
     return period > 0 && std::isfinite(style.dashOffset) && period * largestStretch(userToDevice) >= kShortestPeriod;
 }
 
-Dasher::Dasher(
-    const StrokeStyle& style, const Matrix& userToDevice, const PixelRect& area, double penWidth, StrokeLineSink& sink)
+Dasher::Dasher(const StrokeStyle& style, const Matrix& userToDevice, const PixelRect& area, double penWidth,
+    WorkMeter& work, StrokeLineSink& sink)
     : m_lengths(style.dashes)
     , m_offset(style.dashOffset)
     , m_userToDevice(userToDevice)
     , m_area(area)
     // Caps and miters reach beyond a dash's ends.
     , m_margin(penWidth * std::max(1.0, style.miterLimit))
+    , m_work(work)
     , m_sink(sink)
     , m_budget(static_cast<std::size_t>(kMostDashes / (1 + penWidth / kWideDash)))
 {
@@ -188,7 +189,8 @@ void Dasher::dashSegment(Point from, Point to, bool endIsSmooth)
                 m_dash.add(from + way * (done / length));
         }
     }
-    while (done + m_phase.left < until && m_budget > 0) {
+    constexpr std::uint64_t unitsPerDash = 30;
+    while (done + m_phase.left < until && m_budget > 0 && m_work.allows(Work::Lines, unitsPerDash)) {
         done += m_phase.left;
         const Point at = from + way * (done / length);
         if (m_phase.isOn()) {

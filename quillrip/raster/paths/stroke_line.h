@@ -1,6 +1,7 @@
 #pragma once
 
 #include "quillrip/base/geometry.h"
+#include "quillrip/base/work_meter.h"
 #include "quillrip/raster/paths/path.h"
 #include "quillrip/raster/paths/stroke_style.h"
 
@@ -53,8 +54,9 @@ public:
     static bool canDash(const StrokeStyle& style, const Matrix& userToDevice);
 
     /// `area`: where marks can be seen. `penWidth`: the widest it gets, in device pixels.
+    /// Every dash is charged; once the work is exhausted, the rest of a line is left out.
     Dasher(const StrokeStyle& style, const Matrix& userToDevice, const PixelRect& area, double penWidth,
-        StrokeLineSink& sink);
+        WorkMeter& work, StrokeLineSink& sink);
 
     void line(StrokeLine& line) override;
 
@@ -76,6 +78,7 @@ private:
     Matrix m_userToDevice;
     PixelRect m_area;
     double m_margin;
+    WorkMeter& m_work;
     StrokeLineSink& m_sink;
     Phase m_phase;
     double m_travelled = 0;

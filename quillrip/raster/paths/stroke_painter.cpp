@@ -14,17 +14,27 @@ namespace {
 /// Segments that leave an axis by less than this, in device pixels, run along it.
 constexpr double kAlongAxis = 1.0 / 512;
 
+constexpr std::uint64_t kUnitsPerLine = 50;
+constexpr std::uint64_t kUnitsPerVertex = 40;
+/// Of a convex piece's vertex: an edge to be filled or kept.
+constexpr std::uint64_t kUnitsPerPieceVertex = 20;
+/// Of a span of a hairline, or of a piece on a bilevel page.
+constexpr std::uint64_t kUnitsPerSpan = 6;
+
 /// Lines in user space to lines in device space.
 class DeviceLines : public StrokeLineSink {
 public:
-    DeviceLines(const Matrix& userToDevice, const Pen& pen)
+    DeviceLines(const Matrix& userToDevice, const Pen& pen, WorkMeter& work)
         : m_userToDevice(userToDevice)
         , m_pen(pen)
+        , m_work(work)
     {
     }
 
     void line(StrokeLine& line) final
     {
+        if (!m_work.allows(Work::Lines, kUnitsPerLine + kUnitsPerVertex * line.vertices.size()))
+            return;
         for (StrokeLine::Vertex& vertex : line.vertices)
             vertex.at = m_userToDevice.apply(vertex.at);
         line.dotDirection = m_userToDevice.applyVector(line.dotDirection);
@@ -33,11 +43,13 @@ public:
 
 protected:
     const Pen& pen() const { return m_pen; }
+    void charge(std::uint64_t units) { m_work.charge(Work::Lines, units); }
     virtual void deviceLine(StrokeLine& line) = 0;
 
 private:
     Matrix m_userToDevice;
     Pen m_pen;
+    WorkMeter& m_work;
 };
 
 /// Whether all segments run along the device's axes, at least one of them.
@@ -88,8 +100,9 @@ void trimEnd(Point& end, Point next, double farthest)
 
 class HairlineStroke final : public DeviceLines {
 public:
-    HairlineStroke(const Matrix& userToDevice, const Pen& pen, LineCap cap, const PixelRect& area, SpanSink& sink)
-        : DeviceLines(userToDevice, pen)
+    HairlineStroke(
+        const Matrix& userToDevice, const Pen& pen, LineCap cap, const PixelRect& area, WorkMeter& work, SpanSink& sink)
+        : DeviceLines(userToDevice, pen, work)
         , m_cap(cap)
         , m_area(area)
         , m_sink(sink)
@@ -108,11 +121,18 @@ private:
             trimEnd(line.vertices[count - 1].at, count == 2 ? first : line.vertices[count - 2].at, farthest);
         }
         if (count == 1 && (m_cap != LineCap::Butt || line.isDash))
-            drawHairline(line.vertices[0].at, line.vertices[0].at, m_area, m_sink);
+            draw(line.vertices[0].at, line.vertices[0].at);
         for (std::size_t i = 1; i < count; ++i)
-            drawHairline(line.vertices[i - 1].at, line.vertices[i].at, m_area, m_sink);
+            draw(line.vertices[i - 1].at, line.vertices[i].at);
         if (line.isClosed)
-            drawHairline(line.vertices[count - 1].at, line.vertices[0].at, m_area, m_sink);
+            draw(line.vertices[count - 1].at, line.vertices[0].at);
+    }
+
+    void draw(Point from, Point to)
+    {
+        const double rows = std::min(std::abs(to.y - from.y), static_cast<double>(m_area.height()));
+        charge(kUnitsPerSpan * static_cast<std::uint64_t>(rows >= 0 ? rows : 0));
+        drawHairline(from, to, m_area, m_sink);
     }
 
     LineCap m_cap;
@@ -122,9 +142,9 @@ private:
 
 class BilevelStroke final : public DeviceLines, private PieceSink, private SpanSink {
 public:
-    BilevelStroke(
-        const Matrix& userToDevice, const Pen& pen, const StrokeStyle& style, const PixelRect& area, SpanSink& sink)
-        : DeviceLines(userToDevice, pen)
+    BilevelStroke(const Matrix& userToDevice, const Pen& pen, const StrokeStyle& style, const PixelRect& area,
+        WorkMeter& work, SpanSink& sink)
+        : DeviceLines(userToDevice, pen, work)
         , m_sink(sink)
         , m_fill(area, *this)
         , m_outline(style, *this)
@@ -155,12 +175,15 @@ private:
     void piece(const Point* points, std::size_t count) override
     {
         m_hasPieces = true;
+        charge(kUnitsPerPieceVertex * count + kUnitsPerSpan * m_spans);
+        m_spans = 0;
         m_fill.fill(points, count);
     }
 
     void span(int y, int left, int right) override
     {
         m_hasMarked = true;
+        ++m_spans;
         m_sink.span(y, left, right);
     }
     void coverage(int, int, const std::uint8_t*, int) override { }
@@ -168,15 +191,17 @@ private:
     SpanSink& m_sink;
     ConvexFill m_fill;
     StrokeOutline m_outline;
+    std::uint64_t m_spans = 0; ///< since the last piece
     bool m_hasMarked = false;
     bool m_hasPieces = false;
 };
 
 class CoverageStroke final : public DeviceLines, private PieceSink {
 public:
-    CoverageStroke(
-        const Matrix& userToDevice, const Pen& pen, const StrokeStyle& style, const PixelRect& area, SpanSink& sink)
-        : DeviceLines(userToDevice, pen)
+    CoverageStroke(const Matrix& userToDevice, const Pen& pen, const StrokeStyle& style, const PixelRect& area,
+        WorkMeter& work, SpanSink& sink)
+        : DeviceLines(userToDevice, pen, work)
+        , m_work(work)
         , m_area(area)
         , m_sink(sink)
         , m_edges(area)
@@ -187,7 +212,7 @@ public:
     void finish()
     {
         m_edges.shrinkArea();
-        scanCoverage(m_edges, FillRule::NonZero, m_sink);
+        scanCoverage(m_edges, FillRule::NonZero, m_sink, m_work);
         m_edges = EdgeList(m_area);
     }
 
@@ -203,8 +228,13 @@ private:
             finish();
     }
 
-    void piece(const Point* points, std::size_t count) override { m_edges.addConvex(points, count); }
+    void piece(const Point* points, std::size_t count) override
+    {
+        charge(kUnitsPerPieceVertex * count);
+        m_edges.addConvex(points, count);
+    }
 
+    WorkMeter& m_work;
     PixelRect m_area;
     SpanSink& m_sink;
     EdgeList m_edges;
@@ -216,28 +246,29 @@ private:
 void paintStroke(const Path& userPath, const Matrix& userToDevice, const StrokeStyle& style, Compositor& compositor)
 {
     const PixelRect& area = compositor.bounds();
+    WorkMeter& work = compositor.work();
     const Pen pen(style.width, userToDevice);
     const auto run = [&](StrokeLineSink& lines) {
         if (!Dasher::canDash(style, userToDevice))
             return forEachStrokeLine(userPath, userToDevice, lines);
         const double penWidth = std::max(pen.deviceWidth(), pen.deviceHeight());
-        Dasher dasher(style, userToDevice, area, penWidth, lines);
+        Dasher dasher(style, userToDevice, area, penWidth, work, lines);
         forEachStrokeLine(userPath, userToDevice, dasher);
     };
 
     PaintingSink painting(compositor);
     if (compositor.format() != PixelFormat::Bilevel) {
-        CoverageStroke lines(userToDevice, pen, style, area, painting);
+        CoverageStroke lines(userToDevice, pen, style, area, work, painting);
         run(lines);
         return lines.finish();
     }
     SpanUnion spanUnion(area, painting);
     SpanSink& sink = compositor.isIdempotent() ? static_cast<SpanSink&>(painting) : spanUnion;
     if (pen.isHairline) {
-        HairlineStroke lines(userToDevice, pen, style.cap, area, sink);
+        HairlineStroke lines(userToDevice, pen, style.cap, area, work, sink);
         run(lines);
     } else {
-        BilevelStroke lines(userToDevice, pen, style, area, sink);
+        BilevelStroke lines(userToDevice, pen, style, area, work, sink);
         run(lines);
     }
     spanUnion.finish();

@@ -11,6 +11,10 @@ namespace {
 
 /// Fixed point numbers with 8 + 32 fraction bits, as edges are followed from row to row.
 constexpr int kPreciseBits = kSubpixelBits + 32;
+constexpr std::uint64_t kUnitsPerEdge = 20;
+constexpr std::uint64_t kUnitsPerRow = 15;
+constexpr std::uint64_t kUnitsPerMeeting = 6;
+
 constexpr std::int64_t kPrecisePixel = std::int64_t { 1 } << kPreciseBits;
 
 /// The first pixel whose centre is not left of x.
@@ -46,8 +50,9 @@ template <typename Inside> void eachStretch(const std::vector<Crossing>& crossin
 }
 
 /// Calls visit(row, sorted crossings with the line through the row's centres) for every row that has any.
-template <typename Visit> void sweepCentres(const EdgeList& list, Visit visit)
+template <typename Visit> void sweepCentres(const EdgeList& list, WorkMeter& work, Visit visit)
 {
+    work.charge(Work::Shapes, kUnitsPerEdge * list.edges().size());
     constexpr std::int32_t toCentre = kSubpixels / 2;
     const PixelRect& area = list.area();
     const std::vector<std::uint32_t> order = list.orderByRow(toCentre - 1);
@@ -57,7 +62,7 @@ template <typename Visit> void sweepCentres(const EdgeList& list, Visit visit)
     while (next < order.size() || !crossings.empty()) {
         if (crossings.empty())
             row = std::max(row, list.firstRow(list.edges()[order[next]], toCentre - 1));
-        if (row >= area.bottom)
+        if (row >= area.bottom || !work.allows(Work::Shapes, kUnitsPerRow + kUnitsPerMeeting * crossings.size()))
             return;
         for (; next < order.size(); ++next) {
             const Edge& edge = list.edges()[order[next]];
@@ -168,9 +173,9 @@ void markTinySubpaths(const Path& path, SpanSink& sink)
 
 } // namespace
 
-void scanCentres(const EdgeList& edges, FillRule rule, SpanSink& sink)
+void scanCentres(const EdgeList& edges, FillRule rule, SpanSink& sink, WorkMeter& work)
 {
-    sweepCentres(edges, [&](int y, const std::vector<Crossing>& crossings) {
+    sweepCentres(edges, work, [&](int y, const std::vector<Crossing>& crossings) {
         RowMerger merger(y, sink);
         eachStretch(crossings, rule, [&](std::int64_t left, std::int64_t right) {
             const int first = firstCentre(left);
@@ -181,12 +186,13 @@ void scanCentres(const EdgeList& edges, FillRule rule, SpanSink& sink)
     });
 }
 
-void scanCentresAndThinParts(const Path& devicePath, FillRule rule, const PixelRect& area, SpanSink& sink)
+void scanCentresAndThinParts(
+    const Path& devicePath, FillRule rule, const PixelRect& area, SpanSink& sink, WorkMeter& work)
 {
     EdgeList rows(area);
     rows.addPath(devicePath);
     rows.shrinkArea();
-    sweepCentres(rows, [&](int y, const std::vector<Crossing>& crossings) {
+    sweepCentres(rows, work, [&](int y, const std::vector<Crossing>& crossings) {
         RowMerger merger(y, sink);
         eachStretch(crossings, rule, [&](std::int64_t left, std::int64_t right) {
             const int first = firstCentre(left);
@@ -202,7 +208,7 @@ void scanCentresAndThinParts(const Path& devicePath, FillRule rule, const PixelR
     EdgeList columns({ area.top, area.left, area.bottom, area.right }, EdgeList::Axes::Swapped);
     columns.addPath(devicePath);
     columns.shrinkArea();
-    sweepCentres(columns, [&](int x, const std::vector<Crossing>& crossings) {
+    sweepCentres(columns, work, [&](int x, const std::vector<Crossing>& crossings) {
         eachStretch(crossings, rule, [&](std::int64_t top, std::int64_t bottom) {
             if (top < bottom && firstCentre(top) >= firstCentre(bottom))
                 sink.span(middlePixel(top, bottom), x, x + 1);
@@ -211,7 +217,7 @@ void scanCentresAndThinParts(const Path& devicePath, FillRule rule, const PixelR
     markTinySubpaths(devicePath, sink);
 }
 
-void scanTouched(const EdgeList& list, FillRule rule, SpanSink& sink)
+void scanTouched(const EdgeList& list, FillRule rule, SpanSink& sink, WorkMeter& work)
 {
     const PixelRect& area = list.area();
     const std::vector<std::uint32_t> order = list.orderByRow(0);
@@ -223,7 +229,7 @@ void scanTouched(const EdgeList& list, FillRule rule, SpanSink& sink)
     while (next < order.size() || !active.empty()) {
         if (active.empty())
             row = std::max(row, list.firstRow(list.edges()[order[next]], 0));
-        if (row >= area.bottom)
+        if (row >= area.bottom || !work.allows(Work::Shapes, kUnitsPerRow + 4 * kUnitsPerMeeting * active.size()))
             return;
         for (; next < order.size() && list.firstRow(list.edges()[order[next]], 0) <= row; ++next)
             active.push_back(order[next]);

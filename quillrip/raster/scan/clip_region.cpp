@@ -1,7 +1,9 @@
 #include "quillrip/raster/scan/clip_region.h"
 
 #include "quillrip/raster/compose/bit_words.h"
+#include "quillrip/raster/compose/mixing.h"
 #include "quillrip/raster/scan/bilevel_scan.h"
+#include "quillrip/raster/scan/coverage_scan.h"
 
 #include <algorithm>
 
@@ -9,6 +11,7 @@ namespace quillrip {
 
 namespace {
 
+constexpr std::uint64_t kUnitsPerPathPoint = 20;
 constexpr PixelRect kNothing { 0, 0, 0, 0 };
 
 PixelRect boundsOfBoth(const PixelRect& a, const PixelRect& b)
@@ -17,6 +20,30 @@ PixelRect boundsOfBoth(const PixelRect& a, const PixelRect& b)
         return a.empty() ? b : a;
     return { std::min(a.left, b.left), std::min(a.top, b.top), std::max(a.right, b.right),
         std::max(a.bottom, b.bottom) };
+}
+
+/// Keeps the pixels that are covered in part.
+class FringeSink final : public SpanSink {
+public:
+    explicit FringeSink(ClipFringe& fringe)
+        : m_fringe(fringe)
+    {
+    }
+
+    void span(int, int, int) override { }
+    void coverage(int y, int left, const std::uint8_t* coverage, int count) override
+    {
+        for (int i = 0; i < count; ++i)
+            m_fringe.add(y, left + i, coverage[i]);
+    }
+
+private:
+    ClipFringe& m_fringe;
+};
+
+std::shared_ptr<const ClipFringe> ifAny(ClipFringe fringe)
+{
+    return fringe.empty() ? nullptr : std::make_shared<const ClipFringe>(std::move(fringe));
 }
 
 } // namespace
@@ -46,11 +73,12 @@ public:
 
     void coverage(int, int, const std::uint8_t*, int) override { }
 
-    std::shared_ptr<const ClipRegion> finish()
+    std::shared_ptr<const ClipRegion> finish(std::shared_ptr<const ClipFringe> fringe = nullptr)
     {
         finishRowsBefore(m_region->m_bounds.bottom);
-        if (m_region->m_runs.empty())
+        if (m_region->m_runs.empty() && !fringe)
             return ofRect(kNothing);
+        m_region->m_fringe = std::move(fringe);
         return m_region;
     }
 
@@ -72,15 +100,25 @@ std::shared_ptr<const ClipRegion> ClipRegion::ofRect(const PixelRect& rect)
     return region;
 }
 
-std::shared_ptr<const ClipRegion> ClipRegion::ofPath(const Path& devicePath, FillRule rule, const PixelRect& bounds)
+std::shared_ptr<const ClipRegion> ClipRegion::ofPath(
+    const Path& devicePath, FillRule rule, const PixelRect& bounds, WorkMeter* work, ClipEdges edges)
 {
     if (bounds.empty())
         return ofRect(kNothing);
-    EdgeList edges(bounds);
-    edges.addPath(devicePath);
+    WorkMeter uncounted;
+    WorkMeter& meter = work ? *work : uncounted;
+    meter.charge(Work::Shapes, kUnitsPerPathPoint * devicePath.pointCount());
+    EdgeList list(bounds);
+    list.addPath(devicePath);
     Builder builder(bounds);
-    scanCentres(edges, rule, builder);
-    return builder.finish();
+    scanCentres(list, rule, builder, meter);
+    if (edges == ClipEdges::Hard)
+        return builder.finish();
+    ClipFringe fringe(bounds.top, bounds.bottom);
+    FringeSink sink(fringe);
+    list.shrinkArea();
+    scanCoverage(list, rule, sink, meter);
+    return builder.finish(ifAny(std::move(fringe)));
 }
 
 std::shared_ptr<const ClipRegion> ClipRegion::intersected(const ClipRegion& other) const
@@ -103,7 +141,43 @@ std::shared_ptr<const ClipRegion> ClipRegion::intersected(const ClipRegion& othe
                 ++b;
         }
     }
-    return builder.finish();
+    return builder.finish(commonFringe(other, common));
+}
+
+unsigned ClipRegion::coverageAt(int x, int y, const ClipFringe::Cell*& cell) const
+{
+    if (m_fringe) {
+        const ClipFringe::Cell* last = m_fringe->end(y);
+        while (cell != last && cell->x < x)
+            ++cell;
+        if (cell != last && cell->x == x)
+            return cell->coverage;
+    }
+    return contains(x, y) ? 255 : 0;
+}
+
+/// What is inside of both at once: shares multiply, as those of two edges that have nothing to do with each other.
+std::shared_ptr<const ClipFringe> ClipRegion::commonFringe(const ClipRegion& other, const PixelRect& common) const
+{
+    if (!m_fringe && !other.m_fringe)
+        return nullptr;
+    ClipFringe fringe(common.top, common.bottom);
+    for (int y = common.top; y < common.bottom; ++y) {
+        const ClipFringe::Cell* a = m_fringe ? m_fringe->begin(y) : nullptr;
+        const ClipFringe::Cell* aEnd = m_fringe ? m_fringe->end(y) : nullptr;
+        const ClipFringe::Cell* b = other.m_fringe ? other.m_fringe->begin(y) : nullptr;
+        const ClipFringe::Cell* bEnd = other.m_fringe ? other.m_fringe->end(y) : nullptr;
+        const ClipFringe::Cell* inA = a;
+        const ClipFringe::Cell* inB = b;
+        while (a != aEnd || b != bEnd) {
+            const int x = b == bEnd || (a != aEnd && a->x < b->x) ? a->x : b->x;
+            a += a != aEnd && a->x == x ? 1 : 0;
+            b += b != bEnd && b->x == x ? 1 : 0;
+            if (x >= common.left && x < common.right)
+                fringe.add(y, x, mixed(0, coverageAt(x, y, inA), other.coverageAt(x, y, inB)));
+        }
+    }
+    return ifAny(std::move(fringe));
 }
 
 std::shared_ptr<const ClipRegion> ClipRegion::complement(const PixelRect& bounds) const
@@ -124,7 +198,16 @@ std::shared_ptr<const ClipRegion> ClipRegion::complement(const PixelRect& bounds
         }
         builder.span(y, left, bounds.right);
     }
-    return builder.finish();
+    if (!m_fringe)
+        return builder.finish();
+    ClipFringe fringe(bounds.top, bounds.bottom);
+    for (int y = bounds.top; y < bounds.bottom; ++y) {
+        for (const ClipFringe::Cell* cell = m_fringe->begin(y); cell != m_fringe->end(y); ++cell) {
+            if (cell->x >= bounds.left && cell->x < bounds.right)
+                fringe.add(y, cell->x, 255u - cell->coverage);
+        }
+    }
+    return builder.finish(ifAny(std::move(fringe)));
 }
 
 std::shared_ptr<const ClipRegion> ClipRegion::ofBits(
@@ -232,14 +315,18 @@ std::shared_ptr<const ClipRegion> ClipRegion::moved(int right, int down) const
         run.left += right;
         run.right += right;
     }
+    if (m_fringe)
+        region->m_fringe = std::make_shared<const ClipFringe>(m_fringe->moved(right, down));
     return region;
 }
 
 bool ClipRegion::contains(int x, int y) const
 {
     Run whole {};
-    const auto [run, last] = runsAt(y, whole);
-    return std::any_of(run, last, [x](const Run& candidate) { return x >= candidate.left && x < candidate.right; });
+    const auto [first, last] = runsAt(y, whole);
+    const Run* run
+        = std::lower_bound(first, last, x, [](const Run& candidate, int column) { return candidate.right <= column; });
+    return run != last && run->left <= x;
 }
 
 const ClipRegion::Run* ClipRegion::begin(int y) const

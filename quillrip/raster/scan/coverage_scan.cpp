@@ -17,6 +17,10 @@ constexpr std::int32_t kSampleHeight = 16;
 /// every row (wide pens, short dashes): such rows are sampled on fewer lines.
 constexpr std::size_t kMostMeetings = 32768;
 
+constexpr std::uint64_t kUnitsPerEdge = 30;
+constexpr std::uint64_t kUnitsPerRow = 40;
+constexpr std::uint64_t kUnitsPerMeeting = 25;
+
 /// Heights within a row, in 1/256 pixels, where it is cut.
 class Cuts {
 public:
@@ -56,10 +60,11 @@ void sortSides(std::vector<Side>& sides)
 
 class CoverageScan {
 public:
-    CoverageScan(const EdgeList& list, FillRule rule, SpanSink& sink)
+    CoverageScan(const EdgeList& list, FillRule rule, SpanSink& sink, WorkMeter& work)
         : m_list(list)
         , m_windingMask(rule == FillRule::EvenOdd ? 1 : -1)
         , m_sink(sink)
+        , m_work(work)
         , m_row(list.area())
     {
     }
@@ -67,14 +72,16 @@ public:
     void run()
     {
         const PixelRect& area = m_list.area();
+        m_work.charge(Work::Shapes, kUnitsPerEdge * m_list.edges().size());
         const std::vector<std::uint32_t> order = m_list.orderByRow(0);
         std::size_t next = 0;
         int y = area.top;
         while (next < order.size() || !m_active.empty()) {
             if (m_active.empty())
                 y = std::max(y, m_list.firstRow(m_list.edges()[order[next]], 0));
-            if (y >= area.bottom)
+            if (y >= area.bottom || !m_work.allows(Work::Shapes, kUnitsPerRow + kUnitsPerMeeting * m_meetings))
                 return;
+            m_meetings = 0;
             const std::int32_t top = y * kSubpixels;
             for (; next < order.size() && m_list.firstRow(m_list.edges()[order[next]], 0) <= y; ++next) {
                 const Edge& edge = m_list.edges()[order[next]];
@@ -190,6 +197,7 @@ private:
     /// The stretches inside the shape, between sides in order.
     void addTrapezoids(const std::vector<Side>& sides, std::int32_t height)
     {
+        m_meetings += sides.size();
         std::int32_t winding = 0;
         for (const Side& side : sides) {
             const bool wasInside = (winding & m_windingMask) != 0;
@@ -203,6 +211,8 @@ private:
     const EdgeList& m_list;
     std::int32_t m_windingMask;
     SpanSink& m_sink;
+    WorkMeter& m_work;
+    std::size_t m_meetings = 0; ///< of edges with strips or lines of the row before
     CoverageRow m_row;
     std::vector<Side> m_active;
     std::vector<Side> m_incoming;
@@ -211,6 +221,9 @@ private:
 
 } // namespace
 
-void scanCoverage(const EdgeList& edges, FillRule rule, SpanSink& sink) { CoverageScan(edges, rule, sink).run(); }
+void scanCoverage(const EdgeList& edges, FillRule rule, SpanSink& sink, WorkMeter& work)
+{
+    CoverageScan(edges, rule, sink, work).run();
+}
 
 } // namespace quillrip
