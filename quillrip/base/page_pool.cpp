@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <new>
 
 #include <sys/mman.h>
 
@@ -67,10 +68,15 @@ std::uint8_t* PagePool::take(std::size_t bytes)
 void PagePool::giveBack(std::uint8_t* pixels, std::size_t bytes)
 {
     const std::lock_guard<std::mutex> lock { m_mutex };
-    if (keeps(bytes) && m_free.size() < kMostFree)
-        m_free.push_back({ pixels, bytes });
-    else
-        unmap(pixels, bytes);
+    // Pages come back in destructors, also when memory is missing.
+    try {
+        if (keeps(bytes) && m_free.size() < kMostFree) {
+            m_free.push_back({ pixels, bytes });
+            return;
+        }
+    } catch (const std::bad_alloc&) {
+    }
+    unmap(pixels, bytes);
 }
 
 } // namespace quillrip

@@ -51,6 +51,7 @@ PageBitmap ImagePageDevice::bitmapFor(const PageLayout& layout)
             + " MiB of memory at this resolution and depth";
         return {};
     }
+    m_sink.waitForRoom(static_cast<std::uint64_t>(rowBytes * layout.height), m_limits.pageBytes);
     PageBitmap page(
         layout.format, static_cast<int>(layout.width), static_cast<int>(layout.height), layout.imageResolution, m_pool);
     if (page.isNull())

@@ -98,7 +98,6 @@ public:
         , m_sink(sink)
     {
     }
-    ~RowMerger() { flush(); }
     RowMerger(const RowMerger&) = delete;
     RowMerger& operator=(const RowMerger&) = delete;
 
@@ -114,13 +113,14 @@ public:
         }
     }
 
-private:
+    /// After the row's last span. Not left to a destructor, since a sink can want memory that is not there.
     void flush()
     {
         if (m_left < m_right)
             m_sink.span(m_y, m_left, m_right);
     }
 
+private:
     int m_y;
     SpanSink& m_sink;
     int m_left = INT32_MIN;
@@ -183,6 +183,7 @@ void scanCentres(const EdgeList& edges, FillRule rule, SpanSink& sink, WorkMeter
             if (first < end)
                 merger.add(first, end);
         });
+        merger.flush();
     });
 }
 
@@ -204,6 +205,7 @@ void scanCentresAndThinParts(
                 merger.add(nearest, nearest + 1);
             }
         });
+        merger.flush();
     });
     EdgeList columns({ area.top, area.left, area.bottom, area.right }, EdgeList::Axes::Swapped);
     columns.addPath(devicePath);
@@ -260,11 +262,10 @@ void scanTouched(const EdgeList& list, FillRule rule, SpanSink& sink, WorkMeter&
             touched.emplace_back(static_cast<int>(left >> kPreciseBits), static_cast<int>(right >> kPreciseBits) + 1);
         });
         std::sort(touched.begin(), touched.end());
-        {
-            RowMerger merger(row, sink);
-            for (const auto& [left, right] : touched)
-                merger.add(left, right);
-        }
+        RowMerger merger(row, sink);
+        for (const auto& [left, right] : touched)
+            merger.add(left, right);
+        merger.flush();
         ++row;
     }
 }
