@@ -1,5 +1,7 @@
 #pragma once
 
+#include "quillrip/base/outcome.h"
+
 #include <cstdint>
 #include <string>
 
@@ -17,18 +19,16 @@ struct Diagnostic {
     std::string message; ///< one sentence, without the file's name, without a full stop
 };
 
+/// Hears what interpreters have to say; they say it through a Reporter.
 class DiagnosticSink {
 public:
     virtual ~DiagnosticSink() = default;
     virtual void report(const Diagnostic& diagnostic) = 0;
-};
 
-/// How an interpreter's run, or any step of it, ended.
-enum class RunStatus {
-    Done, ///< went on to the end that was asked for
-    Damaged, ///< nothing more can be understood; whole pages so far are good
-    LimitExceeded, ///< a limit that no honest job meets
-    OutputFailed, ///< the pages cannot be delivered
+    /// Whether trace() does anything. Asked once, before a run.
+    virtual bool wantsTrace() const { return false; }
+    /// A command is about to be carried out: its name and values.
+    virtual void trace(std::uint64_t, const std::string&) { }
 };
 
 } // namespace quillrip

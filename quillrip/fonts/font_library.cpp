@@ -1,5 +1,6 @@
 #include "quillrip/fonts/font_library.h"
 
+#include "quillrip/base/escape_sequence.h"
 #include "quillrip/fonts/faces/font_file.h"
 #include "quillrip/fonts/faces/internal_face.h"
 #include "quillrip/fonts/select/font_names.h"
@@ -7,7 +8,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdlib>
 
 namespace quillrip {
 
@@ -261,8 +261,7 @@ Font FontLibrary::selectById(const SoftFontKey& key, FontRequest& request, const
     return font;
 }
 
-Font FontLibrary::selectByName(
-    const std::string& name, std::uint16_t symbolSetNumber, const FontReporter& reporter) const
+Font FontLibrary::selectByName(const std::string& name, std::uint16_t symbolSetNumber, const Reporter& reporter) const
 {
     std::shared_ptr<const Typeface> chosen;
     const std::string trimmed = name.substr(0, name.find_last_not_of(std::string(" \0", 2)) + 1);
@@ -297,40 +296,28 @@ Font FontLibrary::selectByName(
 Font FontLibrary::selectByEscapeSequence(ByteView commands, const SelectionContext& context) const
 {
     FontRequest request;
-    std::size_t at = 0;
-    char group = 0; // 's' after "ESC ( s", 0 after "ESC ("
-    while (at < commands.size) {
-        if (commands[at] == 0x1B) {
-            at += 2; // the escape and the parenthesis
-            group = at < commands.size && commands[at] == 's' ? 's' : '\0';
-            at += group ? 1 : 0;
-            continue;
+    EscapeReader reader(commands);
+    while (!reader.atEnd()) {
+        if (!reader.open())
+            reader.skip(1);
+        while (const auto parameter = reader.next()) {
+            const double value = std::clamp(parameter->value.number, -32767.0, 65535.0);
+            const char letter = parameter->letter;
+            if (parameter->group != 's' && letter >= 'A' && letter <= 'Z' && letter != 'X' && value >= 0)
+                request.symbolSet = symbolSetNumber(static_cast<unsigned>(value), letter);
+            else if (letter == 'P')
+                request.isProportional = value != 0;
+            else if (letter == 'H')
+                request.pitch = value;
+            else if (letter == 'V')
+                request.height = value;
+            else if (letter == 'S')
+                request.style = static_cast<std::uint16_t>(std::max(0.0, value));
+            else if (letter == 'B')
+                request.weight = static_cast<int>(std::clamp(value, -7.0, 7.0));
+            else if (letter == 'T')
+                request.family = static_cast<std::uint16_t>(std::max(0.0, value));
         }
-        // strtod would read past the end: the number is cut out first.
-        std::string number;
-        while (at < commands.size && number.size() < 16
-            && ((commands[at] >= '0' && commands[at] <= '9') || commands[at] == '.' || commands[at] == '-'
-                || commands[at] == '+'))
-            number += static_cast<char>(commands[at++]);
-        if (at >= commands.size)
-            break;
-        const double value = std::clamp(std::strtod(number.c_str(), nullptr), -32767.0, 65535.0);
-        const auto letter = static_cast<char>(commands[at] & ~0x20);
-        ++at;
-        if (group == 0 && letter >= 'A' && letter <= 'Z' && letter != 'X' && value >= 0)
-            request.symbolSet = symbolSetNumber(static_cast<unsigned>(value), letter);
-        else if (letter == 'P')
-            request.isProportional = value != 0;
-        else if (letter == 'H')
-            request.pitch = value;
-        else if (letter == 'V')
-            request.height = value;
-        else if (letter == 'S')
-            request.style = static_cast<std::uint16_t>(std::max(0.0, value));
-        else if (letter == 'B')
-            request.weight = static_cast<int>(std::clamp(value, -7.0, 7.0));
-        else if (letter == 'T')
-            request.family = static_cast<std::uint16_t>(std::max(0.0, value));
     }
     return select(request, context);
 }

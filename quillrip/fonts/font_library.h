@@ -62,7 +62,7 @@ public:
     explicit SoftFontStore(std::size_t limitBytes);
 
     /// Replaces a font of that key. New fonts are temporary. False (and nothing stored) above the memory limit.
-    bool put(const SoftFontKey& key, std::shared_ptr<SoftFont> font, const FontReporter& reporter);
+    bool put(const SoftFontKey& key, std::shared_ptr<SoftFont> font, const Reporter& reporter);
     /// Null when there is none.
     std::shared_ptr<SoftFont> find(const SoftFontKey& key) const;
     /// Lets `alias` name the font that `key` names now.
@@ -117,7 +117,7 @@ public:
 
     /// A built-in face by its PCL XL name (16 characters; more or fewer are understood), for text in a symbol set.
     /// Height is 1 point. Always gives a font; a warning tells when the name was not known.
-    Font selectByName(const std::string& name, std::uint16_t symbolSet, const FontReporter& reporter) const;
+    Font selectByName(const std::string& name, std::uint16_t symbolSet, const Reporter& reporter) const;
 
     /// As the selection commands would write it, such as "\x1b(8U\x1b(s1p12v0s0b4148T".
     Font selectByEscapeSequence(ByteView commands, const SelectionContext& context) const;

@@ -1,19 +1,19 @@
 #include "quillrip/job/environments.h"
 
+#include "quillrip/base/paper.h"
+
 #include <algorithm>
 
 namespace quillrip {
 
 namespace {
 
-constexpr int kCustomPaper = 101;
-
 // PAPER, with CUSTOM's own lengths; nothing when the job language said nothing useful.
 std::optional<stream::PaperSize> paperOf(const stream::PjlEnvironment& variables)
 {
     if (!variables.paperCode)
         return std::nullopt;
-    if (*variables.paperCode != kCustomPaper)
+    if (*variables.paperCode != kCustomPaperCode)
         return stream::paperSizeOfCode(*variables.paperCode);
     if (!variables.customWidth || !variables.customLength)
         return std::nullopt;

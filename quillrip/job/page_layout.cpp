@@ -1,5 +1,7 @@
 #include "quillrip/job/page_layout.h"
 
+#include "quillrip/base/units.h"
+
 #include <algorithm>
 #include <cmath>
 
@@ -7,7 +9,6 @@ namespace quillrip {
 
 namespace {
 
-constexpr double kDecipointsOfInch = 720;
 constexpr double kFaxWidth = 1728;
 constexpr double kFaxDotsAcross = 204;
 constexpr double kFaxDotsDown = 98;
@@ -38,8 +39,8 @@ PageLayout faxLayout(FaxMode mode, double across, double down, int orientation)
     const bool isWide = across > down;
     if (isWide)
         layout.quarterTurns = (orientation & 1) != 0 ? orientation & 3 : 1;
-    const double shortEdge = std::min(across, down) / kDecipointsOfInch;
-    const double longEdge = std::max(across, down) / kDecipointsOfInch;
+    const double shortEdge = std::min(across, down) / kDecipointsPerInch;
+    const double longEdge = std::max(across, down) / kDecipointsPerInch;
     const double natural = shortEdge * kFaxDotsAcross;
     const double reduction = natural > kWidestUnreducedFax ? kFaxWidth / natural : 1;
     const Resolution drawn { kFaxDotsAcross * reduction, kFaxDotsDown * (mode == FaxMode::Fine ? 2 : 1) * reduction };
@@ -47,7 +48,7 @@ PageLayout faxLayout(FaxMode mode, double across, double down, int orientation)
     layout.height = pixels(longEdge, drawn.y);
     const double margin = std::floor((kFaxWidth - pixels(shortEdge, drawn.x)) / 2);
     layout.pageToDevice = turned(layout.quarterTurns, across, down)
-        * Matrix::scaling(drawn.x / kDecipointsOfInch, drawn.y / kDecipointsOfInch) * Matrix::translation(margin, 0);
+        * Matrix::scaling(drawn.x / kDecipointsPerInch, drawn.y / kDecipointsPerInch) * Matrix::translation(margin, 0);
     layout.pageResolution = isWide ? Resolution { drawn.y, drawn.x } : drawn;
     layout.imageResolution = { kFaxDotsAcross, kFaxDotsDown * (mode == FaxMode::Fine ? 2 : 1) };
     return layout;
@@ -64,8 +65,8 @@ PageLayout layoutOf(const PageSettings& settings, const SheetRequest& sheet)
     if (settings.fax != FaxMode::None)
         return faxLayout(settings.fax, across, down, sheet.orientation);
 
-    const double inchesAcross = across / kDecipointsOfInch;
-    const double inchesDown = down / kDecipointsOfInch;
+    const double inchesAcross = across / kDecipointsPerInch;
+    const double inchesDown = down / kDecipointsPerInch;
     Resolution drawn = settings.resolution;
     if (settings.width)
         drawn.x = *settings.width / inchesAcross;
@@ -80,7 +81,7 @@ PageLayout layoutOf(const PageSettings& settings, const SheetRequest& sheet)
     layout.format = settings.format;
     layout.width = settings.width ? *settings.width : pixels(inchesAcross, drawn.x);
     layout.height = settings.height ? *settings.height : pixels(inchesDown, drawn.y);
-    layout.pageToDevice = Matrix::scaling(drawn.x / kDecipointsOfInch, drawn.y / kDecipointsOfInch);
+    layout.pageToDevice = Matrix::scaling(drawn.x / kDecipointsPerInch, drawn.y / kDecipointsPerInch);
     layout.pageResolution = drawn;
     layout.imageResolution = drawn;
     return layout;

@@ -16,7 +16,6 @@ namespace quillrip {
 
 namespace {
 
-constexpr std::uint8_t kEscape = 0x1B;
 constexpr std::uint8_t kTag = 0x01;
 // How much of what follows a Universal Exit has to be seen to believe it.
 constexpr std::size_t kJudged = 4096;

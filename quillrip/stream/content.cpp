@@ -10,7 +10,6 @@ namespace quillrip::stream {
 
 namespace {
 
-constexpr std::uint8_t kEscape = 0x1B;
 constexpr std::size_t kTextLookedAt = 8192;
 constexpr std::size_t kHeaderSearch = 1024;
 
@@ -48,11 +47,6 @@ bool startsWithPostScript(ByteView bytes)
     return hasAt(bytes, 0, "%!") || hasAt(bytes, 0, "\xC5\xD0\xD3\xC6") || hasAt(bytes, 0, "\1M%!");
 }
 
-bool isParameterised(std::uint8_t byte) { return byte >= '!' && byte <= '/'; }
-bool isGroup(std::uint8_t byte) { return byte >= '`' && byte <= '~'; }
-bool isTerminator(std::uint8_t byte) { return byte >= '@' && byte <= '^'; }
-bool isDigit(std::uint8_t byte) { return byte >= '0' && byte <= '9'; }
-
 // An escape sequence by PCL's strict grammar: two characters, or parameterised with any number of combined commands.
 bool startsWithPclSequence(ByteView bytes)
 {
@@ -60,26 +54,19 @@ bool startsWithPclSequence(ByteView bytes)
         return false;
     if (bytes[1] == 'E' || bytes[1] == '9' || bytes[1] == '=' || bytes[1] == 'Y' || bytes[1] == 'Z')
         return true;
-    if (!isParameterised(bytes[1]))
-        return false;
-    std::size_t at = 2;
-    if (at < bytes.size && isGroup(bytes[at]))
-        ++at;
     // Terminals select a mode by ESC%8 and nothing more; printers drop that when the next sequence comes.
     if (bytes.size > 3 && bytes[1] == '%' && isDigit(bytes[2]) && bytes[3] == kEscape)
         return startsWithPclSequence(bytes.sub(3));
     // Commands may be combined without an end; a hundred bytes of them prove enough.
-    for (; at < bytes.size && at < 100; ++at) {
-        if (bytes[at] == '+' || bytes[at] == '-')
-            ++at;
-        while (at < bytes.size && (isDigit(bytes[at]) || bytes[at] == '.'))
-            ++at;
-        if (at >= bytes.size || isTerminator(bytes[at]))
-            return at < bytes.size;
-        if (!isGroup(bytes[at]))
-            return false;
+    constexpr std::size_t kEnough = 100;
+    EscapeReader reader(bytes.sub(0, kEnough));
+    if (!reader.open())
+        return false;
+    while (reader.next()) {
+        if (!reader.isOpen())
+            return true;
     }
-    return at >= 100;
+    return reader.atEnd() && bytes.size >= kEnough;
 }
 
 // Letters and the controls that move the paper, nothing else; high bytes count as letters of some symbol set.
@@ -140,8 +127,6 @@ std::optional<Content> byMark(ByteView bytes, const RecognitionContext& context,
 }
 
 } // namespace
-
-bool startsWithUniversalExit(ByteView bytes) { return hasAt(bytes, 0, "\x1B%-12345X"); }
 
 bool isBelievableUniversalExit(ByteView bytes)
 {

@@ -1,11 +1,15 @@
 #pragma once
 
 #include "quillrip/base/bytes.h"
+#include "quillrip/base/escape_sequence.h"
 
 #include <cstdint>
 #include <string>
 
 namespace quillrip::stream {
+
+using quillrip::kUniversalExitLength;
+using quillrip::startsWithUniversalExit;
 
 /// What a place of the input holds, found from its bytes alone; a file's name never counts.
 enum class ContentKind : std::uint8_t {
@@ -38,10 +42,6 @@ struct RecognitionContext {
     bool isNamed = false; ///< the job language named the language: only the very beginning can speak against it
     PlotTest isPlot = nullptr; ///< null: nothing is a plot
 };
-
-/// The Universal Exit Language: <ESC>%-12345X.
-constexpr std::size_t kUniversalExitLength = 9;
-bool startsWithUniversalExit(ByteView bytes);
 
 /// Whether the Universal Exit at the start of `bytes` is meant as one: `bytes` holds what a job can go on with behind
 /// it, or ends there. Binary data can hold the nine bytes by accident.

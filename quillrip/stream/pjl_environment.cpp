@@ -1,5 +1,7 @@
 #include "quillrip/stream/pjl_environment.h"
 
+#include "quillrip/base/paper.h"
+
 #include <algorithm>
 #include <array>
 
@@ -7,38 +9,35 @@ namespace quillrip::stream {
 
 namespace {
 
-constexpr double kDecipointsOfInch = 720;
-constexpr double millimetres(double length) { return length * kDecipointsOfInch / 25.4; }
-constexpr double inches(double length) { return length * kDecipointsOfInch; }
-
-struct Paper {
+struct PaperVariable {
     const char* name;
     int code;
-    PaperSize size;
+    PaperName paper;
 };
 
+// What PJL calls the sheets, and their numbers in PCL.
 const std::array s_papers {
-    Paper { "LETTER", 2, { inches(8.5), inches(11) } },
-    Paper { "LEGAL", 3, { inches(8.5), inches(14) } },
-    Paper { "EXECUTIVE", 1, { inches(7.25), inches(10.5) } },
-    Paper { "LEDGER", 6, { inches(11), inches(17) } },
-    Paper { "TABLOID", 6, { inches(11), inches(17) } },
-    Paper { "STATEMENT", 5, { inches(5.5), inches(8.5) } },
-    Paper { "FOLIO", 10, { inches(8.5), inches(13) } },
-    Paper { "8.5X13", 10, { inches(8.5), inches(13) } },
-    Paper { "A3", 27, { millimetres(297), millimetres(420) } },
-    Paper { "A4", 26, { millimetres(210), millimetres(297) } },
-    Paper { "A5", 25, { millimetres(148), millimetres(210) } },
-    Paper { "A6", 24, { millimetres(105), millimetres(148) } },
-    Paper { "JISB4", 46, { millimetres(257), millimetres(364) } },
-    Paper { "JISB5", 45, { millimetres(182), millimetres(257) } },
-    Paper { "JPOST", 71, { millimetres(100), millimetres(148) } },
-    Paper { "JPOSTD", 72, { millimetres(148), millimetres(200) } },
-    Paper { "MONARCH", 80, { inches(3.875), inches(7.5) } },
-    Paper { "COM10", 81, { inches(4.125), inches(9.5) } },
-    Paper { "DL", 90, { millimetres(110), millimetres(220) } },
-    Paper { "C5", 91, { millimetres(162), millimetres(229) } },
-    Paper { "B5", 100, { millimetres(176), millimetres(250) } },
+    PaperVariable { "LETTER", 2, PaperName::Letter },
+    PaperVariable { "LEGAL", 3, PaperName::Legal },
+    PaperVariable { "EXECUTIVE", 1, PaperName::Executive },
+    PaperVariable { "LEDGER", 6, PaperName::Ledger },
+    PaperVariable { "TABLOID", 6, PaperName::Ledger },
+    PaperVariable { "STATEMENT", 5, PaperName::Statement },
+    PaperVariable { "FOLIO", 10, PaperName::Folio },
+    PaperVariable { "8.5X13", 10, PaperName::Folio },
+    PaperVariable { "A3", 27, PaperName::A3 },
+    PaperVariable { "A4", 26, PaperName::A4 },
+    PaperVariable { "A5", 25, PaperName::A5 },
+    PaperVariable { "A6", 24, PaperName::A6 },
+    PaperVariable { "JISB4", 46, PaperName::JisB4 },
+    PaperVariable { "JISB5", 45, PaperName::JisB5 },
+    PaperVariable { "JPOST", 71, PaperName::Postcard },
+    PaperVariable { "JPOSTD", 72, PaperName::DoublePostcard },
+    PaperVariable { "MONARCH", 80, PaperName::Monarch },
+    PaperVariable { "COM10", 81, PaperName::Com10 },
+    PaperVariable { "DL", 90, PaperName::DL },
+    PaperVariable { "C5", 91, PaperName::C5 },
+    PaperVariable { "B5", 100, PaperName::IsoB5 },
 };
 
 struct SymbolSetName {
@@ -139,11 +138,11 @@ void PjlEnvironment::set(const std::string& language, const std::string& name, c
     const std::string plain = plainName(value);
     if (name == "PAPER") {
         const auto paper
-            = std::find_if(s_papers.begin(), s_papers.end(), [&](const Paper& p) { return plain == p.name; });
+            = std::find_if(s_papers.begin(), s_papers.end(), [&](const PaperVariable& p) { return plain == p.name; });
         if (paper != s_papers.end())
             paperCode = paper->code;
         else if (plain == "CUSTOM")
-            paperCode = 101;
+            paperCode = kCustomPaperCode;
     } else if (name == "PAPERWIDTH") {
         assign(customWidth, decimal(value, 1, 432000));
     } else if (name == "PAPERLENGTH") {
@@ -177,9 +176,12 @@ void PjlEnvironment::set(const std::string& language, const std::string& name, c
 
 std::optional<PaperSize> paperSizeOfCode(int code)
 {
-    const auto paper
-        = std::find_if(s_papers.begin(), s_papers.end(), [code](const Paper& p) { return p.code == code; });
-    return paper == s_papers.end() ? std::nullopt : std::optional<PaperSize>(paper->size);
+    const auto found
+        = std::find_if(s_papers.begin(), s_papers.end(), [code](const PaperVariable& p) { return p.code == code; });
+    if (found == s_papers.end())
+        return std::nullopt;
+    const Paper& paper = paperOf(found->paper);
+    return PaperSize { paper.width.count, paper.length.count };
 }
 
 } // namespace quillrip::stream

@@ -162,8 +162,8 @@ TEST(BitmapSoftFont, ContinuationBlocksComplete)
     EXPECT_TRUE(font->addPclCharacter('F', second, {}));
     EXPECT_TRUE(font->addPclCharacter('F', third, {}));
     EXPECT_EQ(art(pixels(*font, 'F', upright(300))), "####\n####\n#...\n#...\n#...\n");
-    CollectedReports reports;
-    EXPECT_FALSE(font->addPclCharacter('F', third, { &reports }));
+    quillrip::test::RecordingSink reports;
+    EXPECT_FALSE(font->addPclCharacter('F', third, { &reports, 0 }));
     EXPECT_TRUE(reports.has("font.continuation"));
 }
 
@@ -246,10 +246,10 @@ TEST(BitmapSoftFont, GalleySegmentNamesSubstitutes)
     header.text("BR").u32(4).u16(300).u16(300);
     header.text("GC").u32(12).u16(0).u16('*').u16(1).u16('a').u16('z').u16('F');
     header.u16(0xFFFF).u32(0).u8(0).checksum(64);
-    CollectedReports reports;
-    const auto font = SoftFont::fromPclHeader(header, { &reports });
+    quillrip::test::RecordingSink reports;
+    const auto font = SoftFont::fromPclHeader(header, { &reports, 0 });
     ASSERT_NE(font, nullptr);
-    EXPECT_TRUE(reports.all.empty());
+    EXPECT_TRUE(reports.diagnostics.empty());
     font->addPclCharacter('F', character(2, 5, 4, 5, 26, kFlag), {});
     EXPECT_EQ(font->glyph('q'), font->glyph('F'));
     EXPECT_EQ(font->glyph('Q'), kNoGlyph);
@@ -259,9 +259,9 @@ TEST(BitmapSoftFont, TruncatedHeadersAndCharactersNeverCrash)
 {
     const Bytes header = headerFormat20(600);
     for (std::size_t length = 0; length < header.size(); ++length) {
-        CollectedReports reports;
-        EXPECT_EQ(SoftFont::fromPclHeader(ByteView(header.data(), length), { &reports }), nullptr) << length;
-        EXPECT_FALSE(reports.all.empty());
+        quillrip::test::RecordingSink reports;
+        EXPECT_EQ(SoftFont::fromPclHeader(ByteView(header.data(), length), { &reports, 0 }), nullptr) << length;
+        EXPECT_FALSE(reports.diagnostics.empty());
     }
     for (const unsigned imageClass : { 1u, 2u }) {
         const Bytes block = character(2, 5, 4, 5, 26, kFlag, imageClass);
@@ -277,13 +277,13 @@ TEST(BitmapSoftFont, TruncatedHeadersAndCharactersNeverCrash)
 TEST(BitmapSoftFont, ImpossibleSizesAreRefused)
 {
     const auto font = SoftFont::fromPclHeader(headerFormat0(), {});
-    CollectedReports reports;
-    EXPECT_FALSE(font->addPclCharacter('a', character(0, 0, 20000, 1, 0, {}), { &reports }));
-    EXPECT_FALSE(font->addPclCharacter('a', character(0, 0, 16384, 17000, 0, {}), { &reports }));
-    EXPECT_FALSE(font->addPclCharacter('a', character(0, 0, 4, 4, 0, {}, 7), { &reports }));
+    quillrip::test::RecordingSink reports;
+    EXPECT_FALSE(font->addPclCharacter('a', character(0, 0, 20000, 1, 0, {}), { &reports, 0 }));
+    EXPECT_FALSE(font->addPclCharacter('a', character(0, 0, 16384, 17000, 0, {}), { &reports, 0 }));
+    EXPECT_FALSE(font->addPclCharacter('a', character(0, 0, 4, 4, 0, {}, 7), { &reports, 0 }));
     EXPECT_TRUE(reports.has("font.character"));
     // Blank characters are common: the space of most fonts.
-    EXPECT_TRUE(font->addPclCharacter(' ', character(0, 0, 0, 0, 40, {}), { &reports }));
+    EXPECT_TRUE(font->addPclCharacter(' ', character(0, 0, 0, 0, 40, {}), { &reports, 0 }));
     EXPECT_NE(font->glyph(' '), kNoGlyph);
     GlyphMask mask;
     EXPECT_FALSE(font->rasterise(font->glyph(' '), upright(300), GlyphMask::Depth::Bits, {}, mask));

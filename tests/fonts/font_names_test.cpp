@@ -56,20 +56,20 @@ TEST(FontNames, EveryBuiltInFaceIsFoundByItsOwnNameInAnyPadding)
 
 TEST(FontNames, UnknownNamesAreReported)
 {
-    CollectedReports reports;
+    quillrip::test::RecordingSink reports;
     const FontLibrary library;
-    library.selectByName("Arial", 277, { &reports });
-    EXPECT_TRUE(reports.all.empty());
+    library.selectByName("Arial", 277, { &reports, 0 });
+    EXPECT_TRUE(reports.diagnostics.empty());
     library.selectByName("Unheard Of", 277, { &reports, 42 });
     ASSERT_TRUE(reports.has("font.name"));
-    EXPECT_EQ(reports.all[0].offset, 42u);
+    EXPECT_EQ(reports.diagnostics[0].offset, 42u);
 }
 
 TEST(FontNames, UnknownSymbolSetFallsToRoman8)
 {
-    CollectedReports reports;
+    quillrip::test::RecordingSink reports;
     const FontLibrary library;
-    const Font font = library.selectByName("Arial", 9999, { &reports });
+    const Font font = library.selectByName("Arial", 9999, { &reports, 0 });
     EXPECT_EQ(font.symbolSet->number(), kRoman8);
     EXPECT_TRUE(reports.has("font.symbol-set"));
     EXPECT_EQ(font.height, 1);

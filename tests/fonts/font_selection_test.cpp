@@ -132,7 +132,7 @@ TEST(FontSelection, TheSymbolSetGoesWithTheFont)
 
 TEST(FontSelection, UnknownSymbolSetIsReported)
 {
-    CollectedReports reports;
+    quillrip::test::RecordingSink reports;
     const FontLibrary library({}, &reports);
     selected(library, "(77Z(s1p12v0s0b4101T");
     EXPECT_TRUE(reports.has("font.symbol-set"));

@@ -1,27 +1,13 @@
 #pragma once
 
-#include "quillrip/fonts/font_reporter.h"
+#include "quillrip/base/reporter.h"
 #include "quillrip/raster/glyph_mask.h"
+#include "tests/support/recording_sink.h"
 
 #include <algorithm>
 #include <cstdint>
 #include <string>
 #include <vector>
-
-/// Keeps what was reported.
-struct CollectedReports : quillrip::DiagnosticSink {
-    std::vector<quillrip::Diagnostic> all;
-
-    void report(const quillrip::Diagnostic& diagnostic) override { all.push_back(diagnostic); }
-    bool has(const std::string& kind) const
-    {
-        for (const auto& diagnostic : all) {
-            if (diagnostic.kind == kind)
-                return true;
-        }
-        return false;
-    }
-};
 
 /// Bytes put together field by field, most significant byte first.
 struct Bytes : std::vector<std::uint8_t> {

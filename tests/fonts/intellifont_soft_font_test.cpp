@@ -34,10 +34,10 @@ Bytes header(unsigned format)
 TEST(IntellifontSoftFont, BorrowsShapesOfABuiltInFaceWithAWarning)
 {
     FontLibrary library;
-    CollectedReports reports;
-    const auto font = SoftFont::fromPclHeader(header(10), { &reports });
+    quillrip::test::RecordingSink reports;
+    const auto font = SoftFont::fromPclHeader(header(10), { &reports, 0 });
     ASSERT_NE(font, nullptr);
-    EXPECT_TRUE(reports.all.empty());
+    EXPECT_TRUE(reports.diagnostics.empty());
     EXPECT_EQ(font->traits().family, 4101);
     EXPECT_EQ(font->traits().weight, 3);
     EXPECT_NEAR(font->traits().underlineTop, -1300 / 8782.0, 1e-9);
@@ -45,7 +45,7 @@ TEST(IntellifontSoftFont, BorrowsShapesOfABuiltInFaceWithAWarning)
 
     Bytes contour;
     contour.u8(10).u8(0).u8(2).u8(3).u16(20).zeros(18);
-    EXPECT_TRUE(font->addPclCharacter('A', contour, { &reports }));
+    EXPECT_TRUE(font->addPclCharacter('A', contour, { &reports, 0 }));
     EXPECT_TRUE(reports.has("font.intellifont"));
     FontRequest request;
     const Font selected = library.selectById({ 1, "" }, request, {});

@@ -135,7 +135,7 @@ TEST(InternalFace, ProportionalFontsScaleTheirWidths)
 
 TEST(InternalFace, EveryFaceHasAShapeForEveryCharacterOfTheCommonSets)
 {
-    CollectedReports reports;
+    quillrip::test::RecordingSink reports;
     const FontLibrary library({}, &reports);
     for (const auto& f : library.builtInFaces()) {
         if (f->traits().isBoundToSet)
@@ -154,7 +154,7 @@ TEST(InternalFace, EveryFaceHasAShapeForEveryCharacterOfTheCommonSets)
             }
         }
     }
-    EXPECT_TRUE(reports.all.empty()) << "install the font packages: " << reports.all[0].message;
+    EXPECT_TRUE(reports.diagnostics.empty()) << "install the font packages: " << reports.diagnostics[0].message;
 }
 
 TEST(InternalFace, EverySymbolSetPrintsWhole)
@@ -286,7 +286,7 @@ TEST(BoxDrawing, CornersTurnAndDoublesStayApart)
 
 TEST(InternalFace, MissingFilesAreReportedAndCharactersBecomeBoxes)
 {
-    CollectedReports reports;
+    quillrip::test::RecordingSink reports;
     const auto files = std::make_shared<FontFiles>(std::vector<std::string> { "/nonexistent" });
     const InternalFace courier(kInternalFaces[0], files, &reports);
     EXPECT_NEAR(courier.advance('A'), 19029 / 26458.33, 1e-4);
@@ -297,12 +297,12 @@ TEST(InternalFace, MissingFilesAreReportedAndCharactersBecomeBoxes)
 
 TEST(InternalFace, NoFileIsOpenedBeforeAGlyphIsAskedFor)
 {
-    CollectedReports reports;
+    quillrip::test::RecordingSink reports;
     const auto files = std::make_shared<FontFiles>(std::vector<std::string> { "/nonexistent" });
     const InternalFace face(kInternalFaces[0], files, &reports);
     EXPECT_GT(face.traits().spaceAdvance, 0);
     EXPECT_GT(face.advance('A'), 0);
-    EXPECT_TRUE(reports.all.empty());
+    EXPECT_TRUE(reports.diagnostics.empty());
 }
 
 TEST(InternalFace, HairlinesNeverVanish)

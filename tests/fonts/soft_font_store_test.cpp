@@ -44,8 +44,8 @@ TEST(SoftFontStore, StringKeysAreApartFromNumbersAndCanBeAliases)
 TEST(SoftFontStore, RefusesFontsAboveTheMemoryLimit)
 {
     SoftFontStore store(100);
-    CollectedReports reports;
-    EXPECT_FALSE(store.put({ 1, "" }, anyFont(), { &reports }));
+    quillrip::test::RecordingSink reports;
+    EXPECT_FALSE(store.put({ 1, "" }, anyFont(), { &reports, 0 }));
     EXPECT_TRUE(reports.has("font.memory"));
     EXPECT_EQ(store.find({ 1, "" }), nullptr);
     EXPECT_FALSE(store.hasRoomFor(101));

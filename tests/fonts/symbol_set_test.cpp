@@ -134,12 +134,12 @@ TEST(SymbolSet, BrokenDefinitionsAreReportedAndMakeNoSet)
     Bytes good;
     good.u16(18).u16(161).u8(3).u8(1).u16(0x41).u16(0x43).zeros(8).u16(1).u16(2).u16(3);
     for (std::size_t length = 0; length < 18; ++length) {
-        CollectedReports reports;
-        EXPECT_EQ(SymbolSet::parse(ByteView(good.data(), length), { &reports }), nullptr) << length;
+        quillrip::test::RecordingSink reports;
+        EXPECT_EQ(SymbolSet::parse(ByteView(good.data(), length), { &reports, 0 }), nullptr) << length;
         EXPECT_TRUE(reports.has("symbolset.short"));
     }
-    CollectedReports reports;
-    EXPECT_NE(SymbolSet::parse(ByteView(good.data(), 20), { &reports }), nullptr);
+    quillrip::test::RecordingSink reports;
+    EXPECT_NE(SymbolSet::parse(ByteView(good.data(), 20), { &reports, 0 }), nullptr);
     EXPECT_TRUE(reports.has("symbolset.truncated"));
     for (const auto& [at, value] :
         { std::pair<std::size_t, int> { 4, 2 }, { 5, 9 }, { 6, 0x50 }, { 8, 0x50 }, { 1, 4 } }) {

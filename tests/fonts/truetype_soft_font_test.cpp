@@ -152,8 +152,8 @@ protected:
 
 TEST_F(TrueTypeSoftFontTest, PclGlyphsHaveTheOutlinesOfTheFont)
 {
-    CollectedReports reports;
-    const auto font = SoftFont::fromPclHeader(pclHeader(m_source), { &reports });
+    quillrip::test::RecordingSink reports;
+    const auto font = SoftFont::fromPclHeader(pclHeader(m_source), { &reports, 0 });
     ASSERT_NE(font, nullptr);
     EXPECT_EQ(font->traits().family, 16901);
     EXPECT_NEAR(font->traits().underlineTop, -300 / 2048.0, 1e-9);
@@ -161,7 +161,7 @@ TEST_F(TrueTypeSoftFontTest, PclGlyphsHaveTheOutlinesOfTheFont)
         if (unicode == 0)
             continue;
         const unsigned glyph = m_source.glyph(unicode);
-        ASSERT_TRUE(font->addPclCharacter(0xFFFF & unicode, pclCharacter(m_source, glyph), { &reports }));
+        ASSERT_TRUE(font->addPclCharacter(0xFFFF & unicode, pclCharacter(m_source, glyph), { &reports, 0 }));
         EXPECT_EQ(font->glyph(unicode), glyph);
         FT_Load_Glyph(m_source.face(), glyph, FT_LOAD_NO_SCALE);
         EXPECT_NEAR(font->advance(glyph),
@@ -174,7 +174,7 @@ TEST_F(TrueTypeSoftFontTest, PclGlyphsHaveTheOutlinesOfTheFont)
         ASSERT_TRUE(font->outline(font->glyph(unicode), path));
         expectSameOutline(path, expected(m_source, font->glyph(unicode)));
     }
-    EXPECT_TRUE(reports.all.empty()) << reports.all[0].message;
+    EXPECT_TRUE(reports.diagnostics.empty()) << reports.diagnostics[0].message;
     EXPECT_EQ(font->glyph('Z'), kNoGlyph);
 }
 
@@ -220,8 +220,8 @@ TEST_F(TrueTypeSoftFontTest, WrongChecksumIsReportedAndAccepted)
     const auto font = SoftFont::fromPclHeader(pclHeader(m_source), {});
     Bytes block = pclCharacter(m_source, m_source.glyph('g'));
     block.back() = static_cast<std::uint8_t>(block.back() + 1);
-    CollectedReports reports;
-    EXPECT_TRUE(font->addPclCharacter('g', block, { &reports }));
+    quillrip::test::RecordingSink reports;
+    EXPECT_TRUE(font->addPclCharacter('g', block, { &reports, 0 }));
     EXPECT_TRUE(reports.has("font.checksum"));
     EXPECT_NE(font->glyph('g'), kNoGlyph);
 }

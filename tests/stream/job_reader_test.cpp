@@ -1,5 +1,7 @@
 #include "quillrip/stream/job_reader.h"
 
+#include "tests/support/recording_sink.h"
+
 #include <gtest/gtest.h>
 
 #include <string>
@@ -13,12 +15,6 @@ using namespace std::string_literals;
 const std::string kExit = "\x1B%-12345X";
 const std::string kReset = "\x1B"
                            "E";
-
-class Recorder final : public DiagnosticSink {
-public:
-    void report(const Diagnostic& diagnostic) override { kinds.push_back(diagnostic.kind); }
-    std::vector<std::string> kinds;
-};
 
 bool beginsWithInit(ByteView bytes) { return bytes.size >= 3 && bytes[0] == 'I' && bytes[1] == 'N' && bytes[2] == ';'; }
 
@@ -57,7 +53,7 @@ struct Reading {
 
     std::string bytes;
     MemoryInputStream input;
-    Recorder recorder;
+    test::RecordingSink recorder;
     JobReader reader;
 };
 
@@ -112,7 +108,7 @@ TEST(JobReader, TransferredFilesAreNotJobs)
     // The size leads nowhere: the next exit ends the data, whatever it was.
     Reading tooLong(kExit + "@PJL FSDOWNLOAD SIZE=999999 NAME=\"x\"\nabc" + kExit + "@PJL ENTER LANGUAGE=PCL\nrest");
     EXPECT_EQ(tooLong.all(), "pcl:rest|");
-    EXPECT_EQ(tooLong.recorder.kinds, std::vector<std::string> { "pjl.transfer-size" });
+    EXPECT_EQ(tooLong.recorder.kinds(), std::vector<std::string> { "pjl.transfer-size" });
     Reading missing(kExit + "@PJL FSAPPEND NAME=\"x\"\nabc" + kExit + "@PJL ENTER LANGUAGE=PCL\nrest");
     EXPECT_EQ(missing.all(), "pcl:rest|");
     // A size that is an answer's has no data.
@@ -164,7 +160,7 @@ TEST(JobReader, UnmistakableDataCountsMoreThanItsName)
 {
     Reading reading(kExit + "@PJL ENTER LANGUAGE=PCL\n) HP-PCL XL;1;1;\n" + kExit);
     EXPECT_EQ(reading.all(), "xl:) HP-PCL XL;1;1;\n|");
-    EXPECT_EQ(reading.recorder.kinds, std::vector<std::string> { "pjl.other-language" });
+    EXPECT_EQ(reading.recorder.kinds(), std::vector<std::string> { "pjl.other-language" });
     EXPECT_EQ(partsOf(kExit + "@PJL ENTER LANGUAGE=POSTSCRIPT\n%PDF-1.4\n" + kExit), "pdf:%PDF-1.4\n|");
 }
 
@@ -194,7 +190,7 @@ TEST(JobReader, LinesWithoutAnEndAreBounded)
 {
     Reading reading(kExit + "@PJL COMMENT " + std::string(200000, 'x') + kExit + "@PJL ENTER LANGUAGE=PCL\nabc");
     EXPECT_EQ(reading.all(), "pcl:abc|");
-    EXPECT_EQ(reading.recorder.kinds, std::vector<std::string> { "pjl.line-too-long" });
+    EXPECT_EQ(reading.recorder.kinds(), std::vector<std::string> { "pjl.line-too-long" });
 }
 
 TEST(JobReader, LongPaddingIsDroppedInPieces)

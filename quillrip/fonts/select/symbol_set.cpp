@@ -1,6 +1,6 @@
 #include "quillrip/fonts/select/symbol_set.h"
 
-#include "quillrip/fonts/font_reporter.h"
+#include "quillrip/base/reporter.h"
 #include "quillrip/fonts/select/symbol_set_tables.h"
 #include "quillrip/fonts/soft/header_fields.h"
 
@@ -43,7 +43,7 @@ std::string SymbolSet::designator() const
     return std::to_string(m_number / 32) + static_cast<char>(m_number % 32 + 64);
 }
 
-std::shared_ptr<const SymbolSet> SymbolSet::parse(ByteView data, const FontReporter& reporter)
+std::shared_ptr<const SymbolSet> SymbolSet::parse(ByteView data, const Reporter& reporter)
 {
     constexpr std::size_t kSmallestHeader = 18;
     constexpr std::uint8_t kFormatMasterSymbolList = 1;

@@ -10,7 +10,7 @@
 
 namespace quillrip {
 
-struct FontReporter;
+class Reporter;
 
 constexpr std::uint16_t kNoMasterSymbol = 0xFFFF;
 
@@ -35,7 +35,7 @@ public:
 
     /// A user-defined set from the data of the "define symbol set" command: header and an array of symbol
     /// numbers (master symbol list or Unicode). Null when the data make no set.
-    static std::shared_ptr<const SymbolSet> parse(ByteView data, const FontReporter& reporter);
+    static std::shared_ptr<const SymbolSet> parse(ByteView data, const Reporter& reporter);
 
     /// 32 * number + letter - 64: 277 for 8U. Headers, PCL XL and HP-GL/2 use this number.
     std::uint16_t number() const { return m_number; }

@@ -2,8 +2,8 @@
 
 #include "quillrip/base/bytes.h"
 #include "quillrip/base/limits.h"
+#include "quillrip/base/reporter.h"
 #include "quillrip/fonts/faces/typeface.h"
-#include "quillrip/fonts/font_reporter.h"
 
 #include <cstdint>
 #include <memory>
@@ -102,10 +102,10 @@ public:
 
     /// A TrueType or OpenType file that the job carries; it stays for the whole job. False, with a report, when it is
     /// no font that can be opened, or above the memory limit.
-    bool embed(ByteView file, const FontReporter& reporter);
+    bool embed(ByteView file, const Reporter& reporter);
 
     /// The best face there is; the font must not outlive this object.
-    WindowsFont select(const WindowsFontRequest& request, const FontReporter& reporter);
+    WindowsFont select(const WindowsFontRequest& request, const Reporter& reporter);
 
     /// The number that the spooler names a font file by: 257 times the sum so far plus the next word, over all whole
     /// little-endian words of four bytes; results below 2 become 2.

@@ -71,7 +71,7 @@ BitmapSoftFont::BitmapSoftFont(SoftFontHeader header)
     m_traits = m_header.traits;
 }
 
-bool BitmapSoftFont::addPclCharacter(std::uint32_t code, ByteView block, const FontReporter& reporter)
+bool BitmapSoftFont::addPclCharacter(std::uint32_t code, ByteView block, const Reporter& reporter)
 {
     constexpr std::size_t kDescriptor = 16;
     if (block.size < 2 || block[0] != 4) {
@@ -134,7 +134,7 @@ void BitmapSoftFont::finish() const
     store(code, m_traits.orientation == 0 ? std::move(glyph) : glyph.turnedUpright(m_traits.orientation));
 }
 
-bool BitmapSoftFont::addPclXlCharacter(std::uint32_t code, ByteView data, const FontReporter& reporter)
+bool BitmapSoftFont::addPclXlCharacter(std::uint32_t code, ByteView data, const Reporter& reporter)
 {
     constexpr std::size_t kDescriptor = 10;
     if (data.size < kDescriptor || data[0] != 0 || data[1] != 0) {

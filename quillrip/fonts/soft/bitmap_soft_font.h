@@ -13,8 +13,8 @@ class BitmapSoftFont final : public SoftFont {
 public:
     explicit BitmapSoftFont(SoftFontHeader header);
 
-    bool addPclCharacter(std::uint32_t code, ByteView block, const FontReporter& reporter) override;
-    bool addPclXlCharacter(std::uint32_t code, ByteView data, const FontReporter& reporter) override;
+    bool addPclCharacter(std::uint32_t code, ByteView block, const Reporter& reporter) override;
+    bool addPclXlCharacter(std::uint32_t code, ByteView data, const Reporter& reporter) override;
     void removeCharacter(std::uint32_t code) override;
     std::shared_ptr<SoftFont> copy() const override;
     std::size_t bytes() const override { return m_bytes + m_unfinished.data.size(); }

@@ -20,7 +20,7 @@ IntellifontSoftFont::IntellifontSoftFont(SoftFontHeader header)
     m_traits = m_header.traits;
 }
 
-bool IntellifontSoftFont::addPclCharacter(std::uint32_t code, ByteView block, const FontReporter& reporter)
+bool IntellifontSoftFont::addPclCharacter(std::uint32_t code, ByteView block, const Reporter& reporter)
 {
     if (block.size < 4 || block[0] != 10) {
         // A continuation carries nothing that is used, and may be short.
@@ -55,7 +55,7 @@ bool IntellifontSoftFont::addPclCharacter(std::uint32_t code, ByteView block, co
     return true;
 }
 
-bool IntellifontSoftFont::addPclXlCharacter(std::uint32_t, ByteView, const FontReporter& reporter)
+bool IntellifontSoftFont::addPclXlCharacter(std::uint32_t, ByteView, const Reporter& reporter)
 {
     reporter.damage("font.character-format", "character does not have the format of its font, ignored");
     return false;

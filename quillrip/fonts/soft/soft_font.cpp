@@ -8,7 +8,7 @@ namespace quillrip {
 
 namespace {
 
-std::shared_ptr<SoftFont> make(std::optional<SoftFontHeader> header, const FontReporter& reporter)
+std::shared_ptr<SoftFont> make(std::optional<SoftFontHeader> header, const Reporter& reporter)
 {
     if (!header)
         return nullptr;
@@ -25,12 +25,12 @@ std::shared_ptr<SoftFont> make(std::optional<SoftFontHeader> header, const FontR
 
 } // namespace
 
-std::shared_ptr<SoftFont> SoftFont::fromPclHeader(ByteView header, const FontReporter& reporter)
+std::shared_ptr<SoftFont> SoftFont::fromPclHeader(ByteView header, const Reporter& reporter)
 {
     return make(readPclFontHeader(header, reporter), reporter);
 }
 
-std::shared_ptr<SoftFont> SoftFont::fromPclXlHeader(ByteView header, const FontReporter& reporter)
+std::shared_ptr<SoftFont> SoftFont::fromPclXlHeader(ByteView header, const Reporter& reporter)
 {
     return make(readPclXlFontHeader(header, reporter), reporter);
 }

@@ -39,7 +39,7 @@ std::string trimmed(ByteView name)
     return end == std::string::npos ? std::string() : text.substr(0, end + 1);
 }
 
-bool setResolution(SoftFontHeader& header, int x, int y, const FontReporter& reporter)
+bool setResolution(SoftFontHeader& header, int x, int y, const Reporter& reporter)
 {
     if (x < 1 || y < 1 || x > kLargestResolution || y > kLargestResolution) {
         reporter.damage("font.resolution", "font header with an impossible resolution, ignored");
@@ -145,7 +145,7 @@ void readVerticalForms(ByteView data, SoftFontHeader& header)
 }
 
 /// Segments up to the null segment. False when the list is broken or a resolution in it makes no sense.
-bool readSegments(ByteView data, bool hasWideSizes, SoftFontHeader& header, const FontReporter& reporter)
+bool readSegments(ByteView data, bool hasWideSizes, SoftFontHeader& header, const Reporter& reporter)
 {
     constexpr std::uint16_t kNull = 0xFFFF;
     ByteReader reader(data);
@@ -204,7 +204,7 @@ bool readSegments(ByteView data, bool hasWideSizes, SoftFontHeader& header, cons
     }
 }
 
-bool isUsable(const SoftFontHeader& header, const FontReporter& reporter)
+bool isUsable(const SoftFontHeader& header, const Reporter& reporter)
 {
     if (header.technology == SoftFontTechnology::TrueType && header.trueTypeData.empty()) {
         reporter.damage("font.no-data", "TrueType font header without TrueType data, ignored");
@@ -232,7 +232,7 @@ int unitsPerEmOf(ByteView data)
 
 } // namespace
 
-std::optional<SoftFontHeader> readPclFontHeader(ByteView data, const FontReporter& reporter)
+std::optional<SoftFontHeader> readPclFontHeader(ByteView data, const Reporter& reporter)
 {
     if (data.size < kCommonHeader) {
         reporter.damage("font.header-short", "font header shorter than its descriptor, ignored");
@@ -308,7 +308,7 @@ std::optional<SoftFontHeader> readPclFontHeader(ByteView data, const FontReporte
     return header;
 }
 
-std::optional<SoftFontHeader> readPclXlFontHeader(ByteView data, const FontReporter& reporter)
+std::optional<SoftFontHeader> readPclXlFontHeader(ByteView data, const Reporter& reporter)
 {
     constexpr std::size_t kFixedPart = 8;
     if (data.size < kFixedPart) {

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "quillrip/base/bytes.h"
-#include "quillrip/fonts/font_reporter.h"
+#include "quillrip/base/reporter.h"
 #include "quillrip/fonts/select/font_traits.h"
 
 #include <cstdint>
@@ -52,9 +52,9 @@ struct SoftFontHeader {
 };
 
 /// Formats 0, 10, 11, 15, 16, 20 of the PCL 5 font header command. Nothing when it is no usable header.
-std::optional<SoftFontHeader> readPclFontHeader(ByteView data, const FontReporter& reporter);
+std::optional<SoftFontHeader> readPclFontHeader(ByteView data, const Reporter& reporter);
 
 /// The header of a PCL XL soft font.
-std::optional<SoftFontHeader> readPclXlFontHeader(ByteView data, const FontReporter& reporter);
+std::optional<SoftFontHeader> readPclXlFontHeader(ByteView data, const Reporter& reporter);
 
 } // namespace quillrip

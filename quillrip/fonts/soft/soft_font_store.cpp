@@ -7,7 +7,7 @@ SoftFontStore::SoftFontStore(std::size_t limitBytes)
 {
 }
 
-bool SoftFontStore::put(const SoftFontKey& key, std::shared_ptr<SoftFont> font, const FontReporter& reporter)
+bool SoftFontStore::put(const SoftFontKey& key, std::shared_ptr<SoftFont> font, const Reporter& reporter)
 {
     remove(key);
     if (!font)

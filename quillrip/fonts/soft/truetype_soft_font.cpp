@@ -17,7 +17,7 @@ constexpr double kTangent12Degrees = 0.21256;
 
 } // namespace
 
-std::shared_ptr<TrueTypeSoftFont> TrueTypeSoftFont::create(SoftFontHeader header, const FontReporter& reporter)
+std::shared_ptr<TrueTypeSoftFont> TrueTypeSoftFont::create(SoftFontHeader header, const Reporter& reporter)
 {
     auto tables = IncrementalTrueType::open(header.trueTypeData);
     if (!tables) {
@@ -43,7 +43,7 @@ TrueTypeSoftFont::TrueTypeSoftFont(SoftFontHeader header, std::unique_ptr<Increm
 
 TrueTypeSoftFont::~TrueTypeSoftFont() = default;
 
-bool TrueTypeSoftFont::addPclCharacter(std::uint32_t code, ByteView block, const FontReporter& reporter)
+bool TrueTypeSoftFont::addPclCharacter(std::uint32_t code, ByteView block, const Reporter& reporter)
 {
     if (block.size < 2 || block[0] != 15) {
         reporter.damage("font.character-format", "character does not have the format of its TrueType font, ignored");
@@ -91,7 +91,7 @@ bool TrueTypeSoftFont::addPclCharacter(std::uint32_t code, ByteView block, const
     return true;
 }
 
-bool TrueTypeSoftFont::addPclXlCharacter(std::uint32_t code, ByteView data, const FontReporter& reporter)
+bool TrueTypeSoftFont::addPclXlCharacter(std::uint32_t code, ByteView data, const Reporter& reporter)
 {
     if (data.size < 6 || data[0] != 1 || data[1] > 2) {
         reporter.damage("font.character-format", "character does not have the format of its TrueType font, ignored");

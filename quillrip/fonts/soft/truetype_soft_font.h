@@ -16,11 +16,11 @@ class IncrementalTrueType;
 class TrueTypeSoftFont final : public SoftFont {
 public:
     /// Null when the tables make no font.
-    static std::shared_ptr<TrueTypeSoftFont> create(SoftFontHeader header, const FontReporter& reporter);
+    static std::shared_ptr<TrueTypeSoftFont> create(SoftFontHeader header, const Reporter& reporter);
     ~TrueTypeSoftFont() override;
 
-    bool addPclCharacter(std::uint32_t code, ByteView block, const FontReporter& reporter) override;
-    bool addPclXlCharacter(std::uint32_t code, ByteView data, const FontReporter& reporter) override;
+    bool addPclCharacter(std::uint32_t code, ByteView block, const Reporter& reporter) override;
+    bool addPclXlCharacter(std::uint32_t code, ByteView data, const Reporter& reporter) override;
     void removeCharacter(std::uint32_t code) override;
     std::shared_ptr<SoftFont> copy() const override;
     std::size_t bytes() const override { return m_bytes; }
