@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <cstring>
 
 namespace quillrip::stream {
 
@@ -69,10 +70,48 @@ bool startsWithPclSequence(ByteView bytes)
     return reader.atEnd() && bytes.size >= kEnough;
 }
 
-// Letters and the controls that move the paper, nothing else; high bytes count as letters of some symbol set.
+/// What the escape sequences within a text belong to.
+struct EscapeCount {
+    std::size_t pcl = 0;
+    std::size_t foreign = 0; ///< of ESC/P and of receipt printers
+};
+
+// Of the sequences that those languages have and PCL has not, the frequent ones. ESC E, ESC 9, ESC Y and the like mean
+// something in both.
+bool startsWithForeignSequence(ByteView bytes)
+{
+    return bytes.size > 1 && std::strchr("@!-GFHJKLMNOPQRSTUVWadgijklmprstvx0123467", bytes[1]) != nullptr
+        && bytes[1] != 0 && !startsWithPclSequence(bytes);
+}
+
+EscapeCount countSequences(ByteView bytes)
+{
+    EscapeCount count;
+    const std::size_t looked = std::min(bytes.size, kTextLookedAt);
+    for (std::size_t at = 0; at < looked; ++at) {
+        if (bytes[at] != kEscape)
+            continue;
+        const ByteView sequence = bytes.sub(at);
+        if (startsWithUniversalExit(sequence))
+            break;
+        count.pcl += startsWithPclSequence(sequence);
+        count.foreign += startsWithForeignSequence(sequence);
+    }
+    return count;
+}
+
+// Trailing padding of a whole input says nothing about its text.
+ByteView withoutTrailingPadding(ByteView bytes)
+{
+    while (!bytes.empty() && isInvisiblePadding(bytes[bytes.size - 1]))
+        --bytes.size;
+    return bytes;
+}
+
+// Letters and the controls that move the paper or print over, nothing else; high bytes count as letters of some code
+// page or of UTF-8. An ESC counts as what it begins.
 bool isText(ByteView bytes)
 {
-    std::size_t good = 0;
     std::size_t controls = 0;
     const std::size_t looked = std::min(bytes.size, kTextLookedAt);
     std::size_t at = 0;
@@ -80,14 +119,18 @@ bool isText(ByteView bytes)
         const std::uint8_t c = bytes[at];
         if (c == 0)
             return false;
-        if (startsWithUniversalExit(bytes.sub(at, kUniversalExitLength)))
+        const ByteView rest = bytes.sub(at);
+        if (startsWithUniversalExit(rest))
             break;
-        if (c == '\t' || c == '\n' || c == '\f' || c == '\r' || c == kEscape || (c >= 0x20 && c < 0x7F) || c >= 0xA0)
-            ++good;
-        else if (c < 0x20 || c == 0x7F)
-            ++controls;
+        const bool movesPaper = c == '\t' || c == '\n' || c == '\f' || c == '\r';
+        const bool isOverstrike = c == '\b' && at > 0 && bytes[at - 1] >= ' ';
+        const bool shiftsFont = c == 0x0E || c == 0x0F;
+        // Terminals' colours come out as odd letters, on printers too.
+        const bool isSequence = c == kEscape && (startsWithPclSequence(rest) || hasAt(rest, 1, "["));
+        const bool isLetter = c >= 0x20 && c != 0x7F;
+        controls += !(isLetter || movesPaper || isOverstrike || shiftsFont || isSequence);
     }
-    return at > 0 && good * 100 >= at * 95 && controls * 100 <= at;
+    return at > 0 && controls * 100 <= at;
 }
 
 std::string hexadecimal(ByteView bytes)
@@ -115,6 +158,8 @@ std::optional<Content> byMark(ByteView bytes, const RecognitionContext& context,
         return Content { ContentKind::PostScript, padding, {} };
     if (hasAt(bytes, 0, "!R!"))
         return Content { ContentKind::Prescribe, padding, {} };
+    if (startsWithXpsPackage(bytes))
+        return Content { ContentKind::Xps, padding, {} };
     if (auto name = foreignFormatByMark(bytes, context.isStartOfInput && padding == 0))
         return Content { ContentKind::Foreign, padding, std::move(*name) };
     if (hasAt(bytes, 0, "%PDF-"))
@@ -172,14 +217,19 @@ Content recognise(ByteView window, const RecognitionContext& context)
         const auto content = byMark(window.sub(behindResets), context, behindResets);
         if (content && content->kind != ContentKind::Foreign)
             return *content;
+        if (auto name = pclLookAlike(window.sub(at)))
+            return { ContentKind::Foreign, at, std::move(*name) };
         return { ContentKind::Pcl, at, {} };
     }
 
     // From here on a page's first line may be blank, so only what cannot be seen is dropped.
     const std::size_t invisible = lengthOf(window, 0, isInvisiblePadding);
     const ByteView rest = window.sub(at);
-    if (startsWithPclSequence(rest))
+    if (startsWithPclSequence(rest)) {
+        if (auto name = pclLookAlike(rest))
+            return { ContentKind::Foreign, at, std::move(*name) };
         return { ContentKind::Pcl, invisible, {} };
+    }
     // Mail and operating systems put lines before these, and printers look for them further on.
     for (std::size_t from = 0; !context.isNamed && from < std::min(rest.size, kHeaderSearch); ++from) {
         if (startsWithUniversalExit(rest.sub(from)))
@@ -192,9 +242,15 @@ Content recognise(ByteView window, const RecognitionContext& context)
         if (hasAt(line, 0, "%PDF-"))
             return { ContentKind::Pdf, at + from + 1, {} };
     }
-    if (rest[0] == kEscape && rest.size > 1 && !isText(rest))
+    if (auto name = receiptLanguage(rest))
+        return { ContentKind::Foreign, at, std::move(*name) };
+    const EscapeCount sequences = countSequences(rest);
+    if (sequences.foreign > sequences.pcl)
+        return { ContentKind::Foreign, at, "text with the commands of ESC/P or ESC/POS, languages of other printers" };
+    const bool isPrintable = isText(context.isWholeInput ? withoutTrailingPadding(rest) : rest);
+    if (rest[0] == kEscape && rest.size > 1 && !isPrintable)
         return { ContentKind::Unknown, at, "an unknown language of escape sequences (" + hexadecimal(rest) + ")" };
-    if (isText(rest))
+    if (isPrintable)
         return { ContentKind::Text, invisible, {} };
     return { ContentKind::Unknown, at, "data of an unknown kind (" + hexadecimal(rest) + ")" };
 }

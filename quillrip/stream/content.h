@@ -22,6 +22,7 @@ enum class ContentKind : std::uint8_t {
     Text, ///< plain text, which a printer prints by its PCL 5 defaults
     PostScript,
     Pdf,
+    Xps, ///< XPS or OpenXPS
     Prescribe, ///< a control block that ends with EXIT; and may stand before another language
     Foreign, ///< known, and not for quillrip: `name` says what it is
     Unknown,

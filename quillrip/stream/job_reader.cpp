@@ -15,7 +15,7 @@ constexpr std::size_t kSearchAfterData = 4096;
 constexpr std::size_t kShortestTrailingText = 16;
 constexpr std::size_t kLongestPrescribe = 1024 * 1024;
 
-enum class Speaks { Pcl, InkjetPcl, PclXl, Plot, PostScript, Pdf, Find };
+enum class Speaks { Pcl, InkjetPcl, PclXl, Plot, PostScript, Pdf, Xps, Find };
 
 struct LanguageName {
     const char* name;
@@ -51,6 +51,10 @@ const std::array s_languages {
     LanguageName { "PS", Speaks::PostScript },
     LanguageName { "KPDL", Speaks::PostScript },
     LanguageName { "PDF", Speaks::Pdf },
+    LanguageName { "XPS", Speaks::Xps },
+    LanguageName { "OPENXPS", Speaks::Xps },
+    LanguageName { "OXPS", Speaks::Xps },
+    LanguageName { "MSXPS", Speaks::Xps },
     LanguageName { "AUTO", Speaks::Find },
 };
 
@@ -70,7 +74,8 @@ bool startsWithPrefix(ByteView bytes)
 
 bool isLanguage(ContentKind kind)
 {
-    return kind == ContentKind::PclXl || kind == ContentKind::PostScript || kind == ContentKind::Pdf;
+    return kind == ContentKind::PclXl || kind == ContentKind::PostScript || kind == ContentKind::Pdf
+        || kind == ContentKind::Xps;
 }
 
 // An old writer's lines end with CR alone: that is believed when a new line or a Universal Exit follows.
@@ -315,15 +320,28 @@ void JobReader::skipTransferredData(const PjlLine& line)
 // An unmistakable beginning counts more than the name; drivers and people get the name wrong.
 std::optional<Part> JobReader::enterLanguage(const std::string& name)
 {
-    const std::uint64_t offset = m_input.offset();
     const auto entry = std::find_if(
         s_languages.begin(), s_languages.end(), [&](const LanguageName& language) { return name == language.name; });
-    const Content content = look(true);
+    Content content = look(true);
+    // Some drivers write lines of the job language behind the one that enters: the language stays entered.
+    while (content.kind == ContentKind::Pjl
+        && startsWithPrefix(m_input.window(content.padding + 5).sub(content.padding))) {
+        m_input.skip(content.padding);
+        const std::uint64_t lineOffset = m_input.offset();
+        m_input.skip(4);
+        const auto text = takeLine(m_input);
+        const PjlLine line = text ? parsePjlLine(*text) : PjlLine {};
+        if (line.command == "ENTER")
+            return enterLanguage(upper(line.option("LANGUAGE").value_or("AUTO")));
+        obey(line, lineOffset);
+        content = look(true);
+    }
     if (content.kind == ContentKind::Nothing || content.kind == ContentKind::Pjl) {
         m_isReadingPjl = content.kind == ContentKind::Pjl;
         m_input.skip(content.padding);
         return std::nullopt;
     }
+    const std::uint64_t offset = m_input.offset();
     if (entry == s_languages.end() && !isLanguage(content.kind)) {
         passOver(content.kind == ContentKind::Foreign ? content.name : "a job in the printer language " + name, offset);
         return std::nullopt;
@@ -349,6 +367,9 @@ std::optional<Part> JobReader::enterLanguage(const std::string& name)
     case Speaks::Pdf:
         part.kind = ContentKind::Pdf;
         break;
+    case Speaks::Xps:
+        part.kind = ContentKind::Xps;
+        break;
     case Speaks::Find:
         return partOf(content);
     }
@@ -370,7 +391,8 @@ std::optional<Part> JobReader::enterLanguage(const std::string& name)
         }
     }
     // PCL and PostScript begin right behind the line; blank lines in front may count.
-    if (part.kind == content.kind && (part.kind == ContentKind::PclXl || part.kind == ContentKind::Pdf))
+    if (part.kind == content.kind
+        && (part.kind == ContentKind::PclXl || part.kind == ContentKind::Pdf || part.kind == ContentKind::Xps))
         m_input.skip(content.padding);
     m_hadPart = true;
     m_hasDataSinceReset = true;

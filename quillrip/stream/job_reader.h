@@ -12,7 +12,7 @@ namespace quillrip::stream {
 
 /// A stretch of one page description language. The input stands on its first byte.
 struct Part {
-    ContentKind kind = ContentKind::Pcl; ///< Pcl, PclXl, Emf, Plot, PostScript or Pdf
+    ContentKind kind = ContentKind::Pcl; ///< Pcl, PclXl, Plot, Emf, PostScript, Pdf or Xps
     std::uint64_t offset = 0;
     bool isInkjetRaster = false; ///< PCL of an ink-jet driver, whose text is always a broken command
 };

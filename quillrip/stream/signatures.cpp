@@ -1,5 +1,8 @@
 #include "quillrip/stream/signatures.h"
 
+#include "quillrip/base/escape_sequence.h"
+
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <cstring>
@@ -48,7 +51,8 @@ const std::array s_marks {
     mark(0, "=XES", "XES, a printer language"),
     mark(3, "\xD3\xA8\xA8", "AFP (MO:DCA), a printer language"),
     mark(0, "\xD7\xCD\xC6\x9A", "a Windows metafile (WMF)"),
-    mark(0, "PK\3\4", "a ZIP archive or an XPS document"),
+    mark(0, "PK\3\4", "a ZIP archive or an office document"),
+    mark(0, "EP*\0", "a document image (MDI)"),
     mark(0, "II*\0", "a TIFF image"),
     mark(0, "MM\0*", "a TIFF image"),
     mark(0, "\xFF\xD8\xFF", "a JPEG image"),
@@ -66,6 +70,7 @@ const std::array s_marks {
     mark(0, "~DG", "ZPL, a label printer's language"),
     mark(0, "CT~~CD", "ZPL, a label printer's language"),
     mark(0, "! 0 200 200", "CPCL, a label printer's language"),
+    mark(0, "\2L\r", "DPL, a label printer's language"),
     mark(0, "\xF7\x02", "a TeX DVI document"),
     mark(0, "\xD0\xCF\x11\xE0", "an office document"),
     mark(0,
@@ -147,16 +152,39 @@ bool isUtf16WithoutMark(ByteView bytes)
     return false;
 }
 
+// TSPL begins with the label's size and goes on line by line; the words alone could begin a letter.
+bool isTspl(ByteView bytes)
+{
+    if (!hasAt(bytes, 0, "SIZE ") || bytes.size < 6 || !(isDigit(bytes[5]) || bytes[5] == '.'))
+        return false;
+    constexpr std::size_t kSearched = 1024;
+    for (std::size_t at = 5; at < std::min(bytes.size, kSearched); ++at) {
+        if (bytes[at] == '\n' && hasAt(bytes, at + 1, "CLS") && bytes.size > at + 4
+            && (bytes[at + 4] == '\r' || bytes[at + 4] == '\n'))
+            return true;
+    }
+    return false;
+}
+
+// MO:DCA: records of 5A, a length and an identifier that begins with D3, one behind the other.
+bool isAfp(ByteView bytes)
+{
+    if (bytes.size < 9 || bytes[0] != 0x5A || bytes[3] != 0xD3)
+        return false;
+    const std::size_t next = 1u + (std::size_t { bytes[1] } << 8 | bytes[2]);
+    return next >= 9 && (next >= bytes.size || bytes[next] == 0x5A);
+}
+
 bool isHexListing(ByteView bytes)
 {
     std::size_t digits = 0;
     const std::size_t looked = bytes.size < 512 ? bytes.size : 512;
     for (std::size_t at = 0; at < looked; ++at) {
         const std::uint8_t c = bytes[at];
-        const bool isDigit = (c >= '0' && c <= '9') || (c >= 'A' && c <= 'F') || (c >= 'a' && c <= 'f');
-        if (!isDigit && c != ' ' && c != '\n' && c != '\r')
+        const bool isHexDigit = isDigit(c) || (c >= 'A' && c <= 'F') || (c >= 'a' && c <= 'f');
+        if (!isHexDigit && c != ' ' && c != '\n' && c != '\r')
             return false;
-        digits += isDigit;
+        digits += isHexDigit;
     }
     // The escape character that nearly every job begins with, written as two digits.
     return digits >= 64 && (hasAt(bytes, 0, "1B") || hasAt(bytes, 0, "1b"));
@@ -178,8 +206,81 @@ std::optional<std::string> foreignFormatByMark(ByteView bytes, bool isStartOfInp
         return name;
     if (isUtf16WithoutMark(bytes))
         return std::string("UTF-16 text");
+    if (isTspl(bytes))
+        return std::string("TSPL, a label printer's language");
+    if (isAfp(bytes))
+        return std::string("AFP (MO:DCA), a printer language");
     if (isHexListing(bytes))
         return std::string("a listing of hexadecimal digits");
+    return std::nullopt;
+}
+
+bool startsWithXpsPackage(ByteView bytes)
+{
+    constexpr std::size_t kHeader = 30; // of a part, before its name
+    if (!hasAt(bytes, 0, "PK\3\4"))
+        return false;
+    // The lengths of parts may stand behind their data, so the headers are looked for by their mark.
+    for (std::size_t at = 0; at + kHeader < bytes.size; ++at) {
+        if (bytes[at] != 'P' || !hasAt(bytes, at, "PK\3\4"))
+            continue;
+        const std::size_t length = bytes[at + 26] | std::size_t { bytes[at + 27] } << 8;
+        const ByteView view = bytes.sub(at + kHeader, length);
+        std::string name(reinterpret_cast<const char*>(view.data), view.size);
+        std::transform(name.begin(), name.end(), name.begin(),
+            [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; });
+        for (const char* part : { ".fdseq", ".fdoc", ".fpage", ".odttf" }) {
+            if (name.find(part) != std::string::npos)
+                return true;
+        }
+    }
+    return false;
+}
+
+// Receipt printers: ESC @ and then commands that begin with GS, or one of those alone.
+std::optional<std::string> receiptLanguage(ByteView bytes)
+{
+    constexpr std::uint8_t kGroupSeparator = 0x1D;
+    constexpr std::size_t kSearched = 4096;
+    const std::string name = "ESC/POS, the language of receipt printers";
+    const auto isReceiptCommand = [&](std::size_t at) {
+        return at + 1 < bytes.size && bytes[at] == kGroupSeparator && bytes[at + 1] != 0
+            && std::strchr("!$(*/:BHILPTVWZ\\^abcfghjkrvwz", bytes[at + 1]) != nullptr;
+    };
+    if (isReceiptCommand(0) || hasAt(bytes, 0, "\x10\x04") || hasAt(bytes, 0, "\x10\x14"))
+        return name;
+    if (bytes.size < 2 || bytes[0] != kEscape
+        || (bytes[1] == 0 || (bytes[1] != '@' && !std::strchr("!-2GJMRVadrt{p", bytes[1]))))
+        return std::nullopt;
+    for (std::size_t at = 2; at < std::min(bytes.size, kSearched); ++at) {
+        if (startsWithUniversalExit(bytes.sub(at)))
+            break;
+        if (isReceiptCommand(at))
+            return name;
+    }
+    return std::nullopt;
+}
+
+// Rows of rasters that the host has compressed its own way, in the clothes of a method number that PCL does not have.
+std::optional<std::string> pclLookAlike(ByteView bytes)
+{
+    constexpr int kLargestMethodOfPcl = 1000;
+    constexpr std::size_t kSearched = 8192;
+    const ByteView looked = bytes.sub(0, kSearched);
+    EscapeReader reader(looked);
+    while (!reader.atEnd()) {
+        if (!reader.open()) {
+            reader.skip(1);
+            continue;
+        }
+        while (const auto parameter = reader.next()) {
+            if (parameter->prefix == '*' && parameter->group == 'b' && parameter->letter == 'M'
+                && parameter->value.integer() >= kLargestMethodOfPcl)
+                return std::string("a host-based raster in sequences that look like PCL");
+            if (parameter->letter == 'W' || parameter->letter == 'V')
+                reader.skip(static_cast<std::uint64_t>(std::max(0, parameter->value.integer())));
+        }
+    }
     return std::nullopt;
 }
 
@@ -189,14 +290,19 @@ std::optional<std::string> foreignEscapeLanguage(ByteView bytes)
         return std::nullopt;
     if (hasAt(bytes, 1, "\x01@EJL"))
         return std::string("EJL, the job language of ESC/P and ESC/Page printers");
+    if (auto name = receiptLanguage(bytes))
+        return name;
     if (bytes[1] == '@')
         return std::string("ESC/P, a raster printer's language");
     if (hasAt(bytes, 1, "[K\2\0\0\x0F"))
         return std::string("BJ raster, an ink printer's language");
     if (bytes[1] == '[')
         return std::string("IBM Proprinter or BJ data");
-    if (hasAt(bytes, 1, "%@") || bytes[1] == 'P' || bytes[1] == '<')
+    // ESC P alone is a pitch of ESC/P; as a control string of LIPS it has numbers and an end.
+    if (hasAt(bytes, 1, "%@") || bytes[1] == '<' || (bytes[1] == 'P' && bytes.size > 2 && isDigit(bytes[2])))
         return std::string("LIPS, a printer language");
+    if (bytes[1] == 'P')
+        return std::string("ESC/P, a raster printer's language");
     // PCL has a digit, a sign, a point or a letter behind "(" and a letter; ESC/P has a count in binary.
     if (bytes[1] == '(' && bytes.size >= 5
         && ((bytes[2] >= 'A' && bytes[2] <= 'Z') || (bytes[2] >= 'a' && bytes[2] <= 'z')) && bytes[3] < 0x20

@@ -18,6 +18,15 @@ template <std::size_t N> bool hasAt(ByteView bytes, std::size_t at, const char (
 /// with a fixed mark. `isStartOfInput`: marks that could also be padding count only at the first byte of an input.
 std::optional<std::string> foreignFormatByMark(ByteView bytes, bool isStartOfInput);
 
+/// Whether `bytes` begins with a ZIP archive whose first parts are those of an XPS or OpenXPS document.
+bool startsWithXpsPackage(ByteView bytes);
+
+/// The name of the language of receipt printers (ESC/POS), when a job in it begins here.
+std::optional<std::string> receiptLanguage(ByteView bytes);
+
+/// The name of a host-based raster whose rows are wrapped in sequences that look like PCL's, when one begins here.
+std::optional<std::string> pclLookAlike(ByteView bytes);
+
 /// The same for languages of escape sequences, whose data begins with <ESC>.
 std::optional<std::string> foreignEscapeLanguage(ByteView bytes);
 

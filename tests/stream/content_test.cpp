@@ -108,7 +108,7 @@ TEST(Content, ForeignFormatsAreNamed)
     EXPECT_TRUE(holds("JZJZ\0\0"s, "ZjStream"));
     EXPECT_TRUE(holds(",XQX\0"s, "XQX"));
     EXPECT_TRUE(holds("$\0\x10\0"s, "LIDIL"));
-    EXPECT_TRUE(holds("PK\3\4", "XPS"));
+    EXPECT_TRUE(holds("PK\3\4", "ZIP"));
     EXPECT_TRUE(holds("II*\0"s, "TIFF"));
     EXPECT_TRUE(holds("\xFF\xD8\xFF\xE0", "JPEG"));
     EXPECT_TRUE(holds("\x89PNG\r\n\x1A\n", "PNG"));
@@ -147,6 +147,42 @@ TEST(Content, TextThatLooksLikeALanguageStaysText)
     EXPECT_EQ(at("% not PostScript\n").kind, ContentKind::Text);
     EXPECT_EQ(at("one\rtwo\rthree\x0C").kind, ContentKind::Text);
     EXPECT_EQ(at("caf\xE9 cr\xE8me\n").kind, ContentKind::Text);
+}
+
+TEST(Content, TextOfAnyCodePageIsText)
+{
+    std::string cyrillic;
+    for (int i = 0; i < 64; ++i)
+        cyrillic += "\xD0\x9F\xD1\x80\xD0\xB8\xD0\xB2\xD0\xB5\xD1\x82 ";
+    EXPECT_EQ(at(cyrillic).kind, ContentKind::Text) << "UTF-8";
+    EXPECT_EQ(at("\xEF\xBB\xBF" + cyrillic).kind, ContentKind::Text) << "UTF-8 with its mark";
+    EXPECT_EQ(at("\x8F\xE0\xA8\xA2\xA5\xE2, \x8C\xA8\xE0!\r\n").kind, ContentKind::Text) << "code page 866";
+    EXPECT_EQ(at("\x93so\x94 \x96 \x80 5\r\n").kind, ContentKind::Text) << "Windows 1252";
+    EXPECT_EQ(at("NA\bAM\bME\bE\n  a page for line printers\n").kind, ContentKind::Text) << "overstruck";
+    EXPECT_EQ(at("Hello\r\n\x1A").kind, ContentKind::Text) << "the end mark of DOS";
+    EXPECT_EQ(at("Hello\r\n\0\0\0\0"s).kind, ContentKind::Text) << "padded";
+    EXPECT_EQ(at("\x0Ewide\x0F and not\n").kind, ContentKind::Text) << "shifts";
+    EXPECT_EQ(at("a line\n\x1B&d0Dunderlined\x1B&d@\n").kind, ContentKind::Text) << "commands of PCL within";
+    EXPECT_EQ(at("log: \x1B[32mok\x1B[0m\n").kind, ContentKind::Text) << "a terminal's colours";
+}
+
+TEST(Content, CodesThatPrintNothingAreNoText)
+{
+    EXPECT_EQ(at("Some words \1\2\3\4\5\6 and more\n").kind, ContentKind::Unknown);
+    EXPECT_EQ(at("Half\0of it"s).kind, ContentKind::Unknown);
+    EXPECT_EQ(at("x\x1B\x1B\x1B\x1B\x1B\x1B\x1B\n").kind, ContentKind::Unknown);
+}
+
+TEST(Content, XpsIsKnownByTheNamesOfItsParts)
+{
+    const auto part = [](const std::string& name) {
+        std::string header = "PK\3\4" + std::string(26, '\0') + name;
+        header[26] = static_cast<char>(name.size());
+        return header + "data data data data data data data data";
+    };
+    EXPECT_EQ(at(part("[Content_Types].xml") + part("FixedDocumentSequence.fdseq")).kind, ContentKind::Xps);
+    EXPECT_EQ(at(part("Documents/1/Pages/1.FPAGE/[0].piece")).kind, ContentKind::Xps);
+    EXPECT_EQ(at(part("[Content_Types].xml") + part("word/document.xml")).kind, ContentKind::Foreign);
 }
 
 TEST(Content, TextUpToAUniversalExitIsJudgedAlone)

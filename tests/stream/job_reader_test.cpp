@@ -156,6 +156,19 @@ TEST(JobReader, ForeignLanguagesAreNamedAsTheJobNamesThem)
     EXPECT_EQ(photo.reader.foreignName(), "a JPEG image");
 }
 
+TEST(JobReader, LinesBehindTheOneThatEntersLeaveTheLanguageEntered)
+{
+    Reading reading(kExit + "@PJL ENTER LANGUAGE=PCL3GUI\n@PJL SET PAPER=A4\r\n@PJL COMMENT text\n@PJL\n\x1B&l0Hrest");
+    const auto part = reading.reader.next();
+    ASSERT_TRUE(part);
+    EXPECT_EQ(part->kind, ContentKind::Pcl);
+    EXPECT_TRUE(part->isInkjetRaster);
+    EXPECT_EQ(reading.reader.environment().paperCode.value_or(0), 26);
+    EXPECT_EQ(reading.takePart(), "\x1B&l0Hrest");
+    EXPECT_EQ(partsOf(kExit + "@PJL ENTER LANGUAGE=PCL\n@PJL ENTER LANGUAGE=HPGL2\nIN;"), "plot:IN;|");
+    EXPECT_EQ(partsOf(kExit + "@PJL ENTER LANGUAGE=PCL\n@PJL SET X=1\n" + kExit + "@PJL\n"), "");
+}
+
 TEST(JobReader, UnmistakableDataCountsMoreThanItsName)
 {
     Reading reading(kExit + "@PJL ENTER LANGUAGE=PCL\n) HP-PCL XL;1;1;\n" + kExit);

@@ -122,7 +122,7 @@ std::uint32_t WindowsFonts::checksumOf(ByteView file)
     return std::max(sum, kReserved);
 }
 
-bool WindowsFonts::embed(ByteView file, const FontReporter& reporter)
+bool WindowsFonts::embed(ByteView file, const Reporter& reporter)
 {
     Implementation& own = *m_implementation;
     const std::uint32_t checksum = checksumOf(file);
@@ -146,7 +146,7 @@ bool WindowsFonts::embed(ByteView file, const FontReporter& reporter)
     return true;
 }
 
-WindowsFont WindowsFonts::select(const WindowsFontRequest& asked, const FontReporter& reporter)
+WindowsFont WindowsFonts::select(const WindowsFontRequest& asked, const Reporter& reporter)
 {
     Implementation& own = *m_implementation;
     WindowsFontRequest request = asked;
