@@ -30,9 +30,8 @@ bool isOpaque(const Pixels& pixels)
 /// The whole pixels of an image that a rectangle of it touches.
 PixelRect coveredPixels(const RectF& source, const Pixels& pixels)
 {
-    const auto side = [](double value, int size) {
-        return static_cast<int>(std::clamp(value, 0.0, static_cast<double>(size)));
-    };
+    const auto side
+        = [](double value, int size) { return static_cast<int>(std::clamp(value, 0.0, static_cast<double>(size))); };
     constexpr double slack = 1e-4;
     const double left = std::min(source.x, source.right());
     const double top = std::min(source.y, source.bottom());
@@ -136,24 +135,24 @@ void Canvas::fillRegion(const RegionObject& region, const Paint& paint)
     m_host.painter.fillRect(page, *painting);
 }
 
-void Canvas::stroke(const Path& worldPath, const PenObject& pen)
+void Canvas::stroke(const Path& worldPath, const std::shared_ptr<const PenObject>& pen)
 {
     StrokeSpace space;
     space.worldToPage = state().worldToPage(m_device);
     space.pageToDevice = state().container * m_host.referenceToDevice;
-    space.pagePixelsPerUnit = m_device.pixelsAcross(pen.unit);
+    space.pagePixelsPerUnit = m_device.pixelsAcross(pen->unit);
     // One pixel of the recording device, but never less than one of the page.
     space.thinnest = std::max(1.0, scaleOf(m_host.referenceToDevice));
-    const PenStroke stroke = penStroke(worldPath, pen, space);
+    const PenStroke stroke = penStroke(worldPath, *pen, space);
     if (stroke.path.empty())
         return;
     Paint paint;
-    paint.brush = std::make_shared<const BrushObject>(pen.brush);
+    paint.brush = std::shared_ptr<const BrushObject>(pen, &pen->brush);
     const auto painting = paintState(paint);
     if (!painting)
         return;
     if (stroke.needsOutline)
-        m_host.painter.fillPath(strokeOutline(stroke, pen, pageBounds()), FillRule::NonZero, *painting);
+        m_host.painter.fillPath(strokeOutline(stroke, *pen, pageBounds()), FillRule::NonZero, *painting);
     else
         m_host.painter.strokePath(stroke.path, stroke.toDevice, stroke.style, *painting);
 }
@@ -191,8 +190,7 @@ void Canvas::image(const std::shared_ptr<const ImageObject>& image, const RectF&
     bitmap(image, source, fromSource * unitSquare);
 }
 
-void Canvas::bitmap(
-    const std::shared_ptr<const ImageObject>& image, const RectF& source, const Matrix& imageToDevice)
+void Canvas::bitmap(const std::shared_ptr<const ImageObject>& image, const RectF& source, const Matrix& imageToDevice)
 {
     std::string problem;
     const auto pixels = m_images.pixels(image, problem);
@@ -219,7 +217,7 @@ void Canvas::bitmap(
     geometry.width = part.width();
     geometry.height = part.height();
     geometry.imageToDevice = Matrix::translation(part.left, part.top) * imageToDevice;
-    geometry.smooth = state().isSmooth;
+    geometry.smoothsBlocks = state().isSmooth;
     geometry.dropsPixels = !state().isSmooth;
     const auto painter = m_host.painter.beginImage(geometry, painting);
     if (!painter)

@@ -56,9 +56,10 @@ public:
 
     void fill(const Path& worldPath, FillRule rule, const Paint& paint);
     void fillRegion(const RegionObject& region, const Paint& paint);
-    void stroke(const Path& worldPath, const PenObject& pen);
+    void stroke(const Path& worldPath, const std::shared_ptr<const PenObject>& pen);
     void clear(Rgba color);
-    /// `source` in pixels of the image; it fills the parallelogram of the upper left, upper right and lower left corner.
+    /// `source` in pixels of the image; it fills the parallelogram of the upper left, upper right and lower left
+    /// corner.
     void image(const std::shared_ptr<const ImageObject>& image, const RectF& source, Point upperLeft, Point upperRight,
         Point lowerLeft);
 

@@ -46,8 +46,8 @@ private:
 class LinearGradientSource final : public ColorSource {
 public:
     LinearGradientSource(const LinearGradientBrush& brush, const Matrix& deviceToBrush)
-        : m_isMirrored(brush.wrap == WrapMode::FlipX || brush.wrap == WrapMode::FlipBoth
-            || brush.wrap == WrapMode::Clamp)
+        : m_isMirrored(
+            brush.wrap == WrapMode::FlipX || brush.wrap == WrapMode::FlipBoth || brush.wrap == WrapMode::Clamp)
         , m_perColumn(deviceToBrush.a / brush.rect.width)
         , m_perRow(deviceToBrush.c / brush.rect.width)
         , m_atOrigin((deviceToBrush.e - brush.rect.x) / brush.rect.width)

@@ -63,7 +63,7 @@ std::optional<StringFormatObject> readStringFormat(ByteView object)
     const std::uint32_t hotKeys = fields.u32();
     format.leadingMargin = fields.f32();
     format.trailingMargin = fields.f32();
-    format.tracking = fields.f32();
+    fields.f32(); // tracking: the room that hinted letters may take up when a string is measured
     format.endsWithEllipsis = fields.u32() >= kFirstEllipsis;
     const std::uint32_t tabs = fields.u32();
     fields.u32(); // character ranges, which only measuring asks for
@@ -78,8 +78,6 @@ std::optional<StringFormatObject> readStringFormat(ByteView object)
         format.hotKeys = StringFormatObject::HotKeys::Underlined;
     else if (hotKeys == 2)
         format.hotKeys = StringFormatObject::HotKeys::Hidden;
-    if (!(format.tracking > 0))
-        format.tracking = 1;
     return fields.hasFailed() ? std::nullopt : std::optional { format };
 }
 

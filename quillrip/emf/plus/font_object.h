@@ -40,7 +40,6 @@ struct StringFormatObject {
     HotKeys hotKeys = HotKeys::Plain;
     double leadingMargin = 1.0 / 6; ///< em
     double trailingMargin = 1.0 / 6; ///< em
-    double tracking = 1; ///< that advances are multiplied by
     bool endsWithEllipsis = false; ///< where the string is too long
     double firstTab = 0; ///< world units
     std::vector<double> tabs; ///< world units, each from the one before

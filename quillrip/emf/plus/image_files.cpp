@@ -175,8 +175,8 @@ Pixels decodeTiff(ByteView file, std::string& problem)
     // The library would write its complaints to the console.
     TIFFSetErrorHandler(nullptr);
     TIFFSetWarningHandler(nullptr);
-    const Tiff tiff(TIFFClientOpen(
-        "image", "rm", &memory, readTiff, writeTiff, seekTiff, closeTiff, sizeOfTiff, nullptr, nullptr));
+    const Tiff tiff(
+        TIFFClientOpen("image", "rm", &memory, readTiff, writeTiff, seekTiff, closeTiff, sizeOfTiff, nullptr, nullptr));
     std::uint32_t width = 0;
     std::uint32_t height = 0;
     problem = "its TIFF file cannot be read";

@@ -11,8 +11,8 @@ namespace {
 
 // Lengths are half widths of the pen, so a cap's unit, the pen's width, counts 2.
 constexpr double kPenWidth = 2;
-constexpr double kArrowLength = 2 * kPenWidth;
 constexpr double kArrowHalfBase = kPenWidth;
+constexpr double kArrowLength = 1.7320508075688772 * kArrowHalfBase; // all sides are equal
 constexpr double kAnchorRadius = kPenWidth;
 
 /// Points relative to a line's end.

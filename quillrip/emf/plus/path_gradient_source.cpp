@@ -121,7 +121,8 @@ private:
             const double part = periods - period;
             return low + size * (isMirrored && std::fmod(period, 2) != 0 ? 1 - part : part);
         };
-        return { folded(p.x, m_bounds.left, m_bounds.width(), m_wrap == WrapMode::FlipX || m_wrap == WrapMode::FlipBoth),
+        return { folded(
+                     p.x, m_bounds.left, m_bounds.width(), m_wrap == WrapMode::FlipX || m_wrap == WrapMode::FlipBoth),
             folded(p.y, m_bounds.top, m_bounds.height(), m_wrap == WrapMode::FlipY || m_wrap == WrapMode::FlipBoth) };
     }
 

@@ -49,10 +49,7 @@ Cap capOf(std::int32_t number)
     }
 }
 
-Join joinOf(std::int32_t number)
-{
-    return number >= 0 && number <= 3 ? static_cast<Join>(number) : Join::Miter;
-}
+Join joinOf(std::int32_t number) { return number >= 0 && number <= 3 ? static_cast<Join>(number) : Join::Miter; }
 
 /// In widths of the pen; none for a solid line and for one whose dashes stand in the object.
 std::vector<double> dashesOf(std::int32_t lineStyle)

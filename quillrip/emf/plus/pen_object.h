@@ -21,7 +21,13 @@ enum class Cap : std::uint8_t {
     Custom = 0xFF,
 };
 
-enum class Join : std::uint8_t { Miter, Bevel, Round, MiterClipped };
+/// How lines meet ([MS-EMFPLUS] 2.1.1.19, LineJoinType).
+enum class Join : std::uint8_t {
+    Miter, ///< beyond the limit cut off there
+    Bevel,
+    Round,
+    MiterBevelled, ///< beyond the limit a bevel; "MiterClipped" by its published name
+};
 
 enum class PenAlignment : std::uint8_t { Center, Inset, Left, Outset, Right };
 

@@ -24,15 +24,15 @@ LineJoin lineJoinOf(Join join)
 {
     switch (join) {
     case Join::Miter:
-        return LineJoin::Miter;
+        return LineJoin::MiterClipped;
     case Join::Bevel:
         return LineJoin::Bevel;
     case Join::Round:
         return LineJoin::Round;
-    case Join::MiterClipped:
-        return LineJoin::MiterClipped;
+    case Join::MiterBevelled:
+        return LineJoin::Miter;
     }
-    return LineJoin::Miter;
+    return LineJoin::MiterClipped;
 }
 
 bool isPlain(Cap cap) { return cap == Cap::Flat || cap == Cap::Square || cap == Cap::Round || cap == Cap::Triangle; }

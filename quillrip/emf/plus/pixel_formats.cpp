@@ -37,11 +37,15 @@ int bitsOf(std::uint8_t format)
     return format < bits.size() ? bits[format] : 0;
 }
 
-std::uint8_t widened(unsigned value, unsigned most) { return static_cast<std::uint8_t>((value * 255 + most / 2) / most); }
+std::uint8_t widened(unsigned value, unsigned most)
+{
+    return static_cast<std::uint8_t>((value * 255 + most / 2) / most);
+}
 
 std::uint8_t unmultiplied(unsigned value, unsigned alpha)
 {
-    return alpha == 0 ? std::uint8_t { 0 } : static_cast<std::uint8_t>(std::min(255U, (value * 255 + alpha / 2) / alpha));
+    return alpha == 0 ? std::uint8_t { 0 }
+                      : static_cast<std::uint8_t>(std::min(255U, (value * 255 + alpha / 2) / alpha));
 }
 
 /// Formats of 16 bits a channel are linear in light, from 0 to 0x2000.

@@ -34,8 +34,7 @@ PixelSet combine(const PixelSet& old, const PixelSet& added, CombineMode mode, c
     const auto without = [&universe](const PixelSet& from, const PixelSet& removed) -> PixelSet {
         if (!removed)
             return nothing();
-        const PixelSet rest = removed->complement(universe);
-        return from ? from->intersected(*rest) : rest;
+        return from ? from->subtracted(*removed) : removed->complement(universe);
     };
     switch (mode) {
     case CombineMode::Replace:
@@ -43,11 +42,9 @@ PixelSet combine(const PixelSet& old, const PixelSet& added, CombineMode mode, c
     case CombineMode::Intersect:
         return !old ? added : !added ? old : old->intersected(*added);
     case CombineMode::Union:
-        if (!old || !added)
-            return nullptr;
-        return old->complement(universe)->intersected(*added->complement(universe))->complement(universe);
+        return old && added ? old->united(*added) : nullptr;
     case CombineMode::Xor:
-        return combine(without(old, added), without(added, old), CombineMode::Union, universe);
+        return !old ? without(nullptr, added) : !added ? without(nullptr, old) : old->exclusive(*added);
     case CombineMode::Exclude:
         return without(old, added);
     case CombineMode::Complement:

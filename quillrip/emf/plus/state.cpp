@@ -14,8 +14,8 @@ bool StateStack::save(std::uint32_t index)
 
 bool StateStack::restore(std::uint32_t index)
 {
-    const auto found = std::find_if(
-        m_saved.rbegin(), m_saved.rend(), [index](const Saved& saved) { return saved.index == index; });
+    const auto found
+        = std::find_if(m_saved.rbegin(), m_saved.rend(), [index](const Saved& saved) { return saved.index == index; });
     if (found == m_saved.rend())
         return false;
     m_current = found->state;

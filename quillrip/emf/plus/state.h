@@ -39,7 +39,8 @@ public:
 
     /// False when too many states are saved; then nothing happens.
     [[nodiscard]] bool save(std::uint32_t index);
-    /// Goes back to the state that was last saved under the number and forgets all later ones. False when there is none.
+    /// Goes back to the state that was last saved under the number and forgets all later ones. False when there is
+    /// none.
     [[nodiscard]] bool restore(std::uint32_t index);
 
 private:

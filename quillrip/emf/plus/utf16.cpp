@@ -15,7 +15,8 @@ std::u32string charactersOf(ByteView utf16)
 {
     std::u32string characters;
     const std::size_t count = utf16.size / 2;
-    const auto unit = [&utf16](std::size_t i) { return char32_t { utf16[2 * i] } | char32_t { utf16[2 * i + 1] } << 8; };
+    const auto unit
+        = [&utf16](std::size_t i) { return char32_t { utf16[2 * i] } | char32_t { utf16[2 * i + 1] } << 8; };
     for (std::size_t i = 0; i < count; ++i) {
         char32_t character = unit(i);
         if (isHighSurrogate(character) && i + 1 < count && isLowSurrogate(unit(i + 1)))

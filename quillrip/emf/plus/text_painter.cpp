@@ -1,0 +1,81 @@
+#include "quillrip/emf/plus/text_painter.h"
+
+#include "quillrip/emf/plus/shapes.h"
+#include "quillrip/fonts/pixels/glyph_cache.h"
+
+namespace quillrip::emf::plus {
+
+SizedFont TextPainter::select(const FontObject& object) const
+{
+    constexpr int bold = 700;
+    constexpr int regular = 400;
+    WindowsFontRequest request;
+    request.face = object.family;
+    request.weight = object.isBold ? bold : regular;
+    request.isItalic = object.isItalic;
+    SizedFont font;
+    font.font = m_canvas.host().fonts.select(request, m_reporter);
+    font.em = object.emSize;
+    if (object.unit != Unit::World) {
+        // Sizes with a length of their own stay what they are whatever the page counts in.
+        const GraphicsState& state = m_canvas.state();
+        const LogicalDevice& device = m_canvas.device();
+        const double pageUnit = device.pixelsDown(state.pageUnit) * state.pageScale;
+        font.em *= pageUnit > 0 ? device.pixelsDown(object.unit) / pageUnit : 1;
+    }
+    font.isUnderlined = object.isUnderlined;
+    font.isStruckOut = object.isStruckOut;
+    return font;
+}
+
+void TextPainter::draw(const SizedFont& font, const std::vector<TextGlyph>& glyphs, const Matrix& shape,
+    const Paint& paint, const PixelSet& within) const
+{
+    auto painting = m_canvas.paintState(paint);
+    if (!painting)
+        return;
+    painting->clip = combine(painting->clip, within, CombineMode::Intersect, m_canvas.pageBounds());
+    const Host& host = m_canvas.host();
+    const GlyphMask::Depth depth
+        = host.format == PixelFormat::Bilevel ? GlyphMask::Depth::Bits : GlyphMask::Depth::Coverage;
+    const GlyphStyle style { font.font.bold() };
+    Matrix glyphSpace { font.font.stretch(), 0, font.font.slant(), 1, 0, 0 };
+    glyphSpace = glyphSpace * Matrix::scaling(font.em, -font.em);
+    Matrix turned = shape;
+    turned.e = turned.f = 0;
+    const Matrix toDevice = m_canvas.worldToDevice();
+    for (const TextGlyph& glyph : glyphs) {
+        if (!glyph.glyph.face || glyph.glyph.id == kNoGlyph)
+            continue;
+        const Typeface& face = *glyph.glyph.face;
+        const Matrix matrix = glyphSpace * turned * Matrix::translation(glyph.at.x, glyph.at.y) * toDevice;
+        if (GlyphCache::isTooLarge(face, matrix)) {
+            Path outline;
+            if (face.outline(glyph.glyph.id, outline))
+                host.painter.fillPath(outline.transformed(matrix), FillRule::NonZero, *painting);
+            continue;
+        }
+        const PlacedGlyph placed = host.glyphs.place(face, glyph.glyph.id, matrix, depth, style);
+        if (placed.mask)
+            host.painter.drawMask(*placed.mask, placed.x, placed.y, *painting);
+    }
+}
+
+void TextPainter::underline(const SizedFont& font, Point start, double length, const Paint& paint) const
+{
+    const WindowsFontMetrics& metrics = font.font.metrics();
+    bar(start, length, metrics.underlineTop * font.em, metrics.underlineThickness * font.em, paint);
+}
+
+void TextPainter::strikeOut(const SizedFont& font, Point start, double length, const Paint& paint) const
+{
+    const WindowsFontMetrics& metrics = font.font.metrics();
+    bar(start, length, metrics.strikeoutTop * font.em, metrics.strikeoutThickness * font.em, paint);
+}
+
+void TextPainter::bar(Point start, double length, double top, double thickness, const Paint& paint) const
+{
+    m_canvas.fill(rectanglePath({ start.x, start.y - top, length, thickness }), FillRule::NonZero, paint);
+}
+
+} // namespace quillrip::emf::plus
