@@ -136,6 +136,17 @@ std::vector<Point> FieldReader::points(PointForm form, std::uint32_t count)
     return points;
 }
 
+std::u16string FieldReader::text(std::uint32_t count)
+{
+    std::u16string text;
+    if (!has(count, 2))
+        return text;
+    text.reserve(count);
+    for (std::uint32_t i = 0; i < count; ++i)
+        text.push_back(char16_t { u16() });
+    return text;
+}
+
 std::vector<double> FieldReader::numbers(std::uint32_t count)
 {
     std::vector<double> numbers;

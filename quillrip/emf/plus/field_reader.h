@@ -5,6 +5,7 @@
 #include "quillrip/emf/plus/colors.h"
 
 #include <cstdint>
+#include <string>
 #include <vector>
 
 namespace quillrip::emf::plus {
@@ -61,6 +62,8 @@ public:
     std::vector<Point> points(PointForm form, std::uint32_t count);
     /// `count` numbers; the same.
     std::vector<double> numbers(std::uint32_t count);
+    /// UTF-16; fails, and gives none, when fewer than `count` units are there.
+    std::u16string text(std::uint32_t count);
     /// A count and that many numbers.
     std::vector<double> countedNumbers() { return numbers(u32()); }
 

@@ -1,7 +1,7 @@
 #include "quillrip/emf/plus/font_object.h"
 
 #include "quillrip/emf/plus/field_reader.h"
-#include "quillrip/emf/plus/utf16.h"
+#include "quillrip/emf/utf16.h"
 
 #include <cmath>
 
@@ -38,9 +38,7 @@ std::optional<FontObject> readFont(ByteView object)
     const std::uint32_t style = fields.u32();
     fields.u32(); // reserved
     const std::uint32_t length = fields.u32();
-    if (!fields.has(length, 2))
-        return std::nullopt;
-    font.family = utf8Of(charactersOf(fields.take(std::size_t { length } * 2)));
+    font.family = toUtf8(fields.text(length));
     font.isBold = style & kBold;
     font.isItalic = style & kItalic;
     font.isUnderlined = style & kUnderline;

@@ -1,5 +1,6 @@
 #include "quillrip/emf/plus/region_object.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace quillrip::emf::plus {
@@ -60,7 +61,16 @@ PixelSet pixelsOf(const PathObject& path, const Matrix& toDevice, const PixelRec
 
 PixelSet pixelsOf(const RectF& rect, const Matrix& toDevice, const PixelRect& universe)
 {
-    return pixelsOf(pathOf(rect), toDevice, universe);
+    const bool isUpright = (toDevice.b == 0 && toDevice.c == 0) || (toDevice.a == 0 && toDevice.d == 0);
+    if (!isUpright || rect.isEmpty())
+        return pixelsOf(pathOf(rect), toDevice, universe);
+    const Rect sides = toDevice.boundsOf({ rect.x, rect.y, rect.right(), rect.bottom() });
+    const auto firstInside = [](double side, int low, int high) {
+        return static_cast<int>(std::clamp(std::ceil(side - 0.5), static_cast<double>(low), static_cast<double>(high)));
+    };
+    return ClipRegion::ofRect({ firstInside(sides.left, universe.left, universe.right),
+        firstInside(sides.top, universe.top, universe.bottom), firstInside(sides.right, universe.left, universe.right),
+        firstInside(sides.bottom, universe.top, universe.bottom) });
 }
 
 std::optional<RegionObject> readRegion(ByteView object)

@@ -2,7 +2,7 @@
 #include "quillrip/emf/plus/operands.h"
 #include "quillrip/emf/plus/string_layout.h"
 #include "quillrip/emf/plus/text_painter.h"
-#include "quillrip/emf/plus/utf16.h"
+#include "quillrip/emf/utf16.h"
 
 #include <cmath>
 
@@ -63,9 +63,7 @@ void drawString(Machine& machine, const Record& record, FieldReader& fields)
     const std::uint32_t formatId = fields.u32();
     const std::uint32_t length = fields.u32();
     const RectF rect = fields.rectF();
-    if (!fields.has(length, 2))
-        return;
-    const std::u32string text = charactersOf(fields.take(std::size_t { length } * 2));
+    const std::u32string text = toCharacters(fields.text(length));
     if (fields.hasFailed() || !paint)
         return;
     const auto object = findFont(machine, record.id());

@@ -1,0 +1,208 @@
+#include "quillrip/emf/plus/string_layout.h"
+#include "tests/emf/plus/plus_job.h"
+
+#include <gtest/gtest.h>
+
+using namespace quillrip;
+using namespace quillrip::emf::plus;
+using namespace quillrip::emf::plus::test;
+
+namespace {
+
+constexpr std::uint16_t kDriverString = 0x4036;
+constexpr std::uint32_t kInk = 0xFF000000;
+
+Fields arial(double em, std::uint32_t style = 0)
+{
+    return Fields().u32({ kVersion }).f32({ em }).u32({ 2, style, 0, 5 }).text(u"Arial").padded();
+}
+
+/// The face and its em of 100 world units.
+SizedFont sized(double em = 100)
+{
+    static WindowsFonts fonts;
+    WindowsFontRequest request;
+    request.face = "Arial";
+    SizedFont font;
+    font.font = fonts.select(request, FontReporter { nullptr, 0 });
+    font.em = em;
+    return font;
+}
+
+StringFormatObject plain()
+{
+    StringFormatObject format;
+    format.leadingMargin = format.trailingMargin = 0;
+    return format;
+}
+
+std::vector<std::size_t> lineLengths(const StringLayout& layout)
+{
+    std::vector<std::size_t> lengths;
+    for (const StringLayout::Line& line : layout.lines)
+        lengths.push_back(line.glyphs.size());
+    return lengths;
+}
+
+} // namespace
+
+TEST(EmfPlusText, DriverStringsStandOnTheirBaseline)
+{
+    Records records = header();
+    records.object(6, 0, arial(100));
+    records.add(kDriverString, kColor, Fields().u32({ kInk, 1, 0, 1 }).text(u"H").f32({ 100, 200 }));
+    Sheet sheet(300, 300);
+    const PixelRect marked = sheet.play(records).marked();
+    EXPECT_EQ(marked.bottom, 200);
+    EXPECT_NEAR(marked.top, 200 - 69, 1);
+    EXPECT_NEAR(marked.left, 108, 3);
+}
+
+TEST(EmfPlusText, AnOddNumberOfCodesMayBePadded)
+{
+    for (const bool isPadded : { false, true }) {
+        Fields fields;
+        fields.u32({ kInk, 1, 0, 3 }).text(u"HHH");
+        if (isPadded)
+            fields.padded();
+        fields.f32({ 50, 100, 150, 100, 250, 100 });
+        Records records = header();
+        records.object(6, 0, arial(60)).add(kDriverString, kColor, fields);
+        Sheet sheet(350, 120);
+        const PixelRect marked = sheet.play(records).marked();
+        EXPECT_NEAR(marked.left, 55, 3) << isPadded;
+        EXPECT_GT(marked.right, 280) << isPadded;
+        EXPECT_EQ(marked.bottom, 100) << isPadded;
+    }
+}
+
+TEST(EmfPlusText, WithOnePositionGlyphsFollowEachOther)
+{
+    Fields fields;
+    fields.u32({ kInk, 5, 0, 2 }).text(u"HH").f32({ 50, 100 }).u32({ 0xFFFFFFFF, 0xFFFFFFFF });
+    Records records = header();
+    records.object(6, 0, arial(60)).add(kDriverString, kColor, fields);
+    Sheet sheet(350, 120);
+    const PixelRect marked = sheet.play(records).marked();
+    EXPECT_NEAR(marked.right, 50 + 2 * 60 * 0.722 - 5, 4);
+}
+
+TEST(EmfPlusText, TheMatrixActsOnEachGlyph)
+{
+    Fields fields;
+    fields.u32({ kInk, 1, 1, 2 }).text(u"HH").f32({ 20, 100, 220, 100 }).f32({ 1, 0, 0, 1.5, 7, 7 });
+    Records records = header();
+    records.object(6, 0, arial(60)).add(kDriverString, kColor, fields);
+    Sheet sheet(350, 120);
+    const PixelRect marked = sheet.play(records).marked();
+    EXPECT_EQ(marked.bottom, 100);
+    EXPECT_NEAR(marked.top, 100 - 60 * 0.688 * 1.5, 2);
+}
+
+TEST(EmfPlusText, StringsHangFromTheirRectangle)
+{
+    Records records = header();
+    records.object(6, 0, arial(100));
+    records.add(0x401C, kColor, Fields().u32({ kInk, 99, 1 }).f32({ 100, 50, 0, 0 }).text(u"H").padded());
+    Sheet sheet(300, 300);
+    const PixelRect marked = sheet.play(records).marked();
+    EXPECT_NEAR(marked.bottom, 50 + 90.5, 1.5);
+    EXPECT_NEAR(marked.left, 100 + 100 / 6.0 + 8, 3); // the margin of the format that stands in for one
+}
+
+TEST(EmfPlusText, SizesInPointsStayWhateverThePageCountsIn)
+{
+    for (const auto& [unit, x, y] : { std::tuple { 2, 30.0, 30.0 }, std::tuple { 6, 2.54, 2.54 } }) {
+        Records records = header().add(0x4030, static_cast<std::uint16_t>(unit), Fields().f32({ 1 }));
+        records.object(6, 0, Fields().u32({ kVersion }).f32({ 24 }).u32({ 3, 0, 0, 5 }).text(u"Arial").padded());
+        records.add(kDriverString, kColor, Fields().u32({ kInk, 1, 0, 1 }).text(u"H").f32({ x, y * 4 }));
+        Sheet sheet(300, 300);
+        EXPECT_NEAR(sheet.play(records).marked().height(), 69, 1) << unit;
+    }
+}
+
+TEST(EmfPlusText, LinesBreakBehindSpaces)
+{
+    const double width = layOut(U"aaa bbb", sized(), plain(), {}).width();
+    EXPECT_EQ(lineLengths(layOut(U"aaa bbb ccc", sized(), plain(), { 0, 0, width + 1, 0 })),
+        (std::vector<std::size_t> { 7, 3 }));
+    StringFormatObject unwrapped = plain();
+    unwrapped.isWrapped = false;
+    EXPECT_EQ(lineLengths(layOut(U"aaa bbb ccc", sized(), unwrapped, { 0, 0, width + 1, 0 })),
+        (std::vector<std::size_t> { 11 }));
+    EXPECT_EQ(lineLengths(layOut(U"a\r\nbb\n\nc", sized(), plain(), {})), (std::vector<std::size_t> { 1, 2, 0, 1 }));
+}
+
+TEST(EmfPlusText, WordsLongerThanTheLineAreCut)
+{
+    const double width = layOut(U"aaa", sized(), plain(), {}).width();
+    EXPECT_EQ(lineLengths(layOut(U"aaaaaaa", sized(), plain(), { 0, 0, width + 1, 0 })),
+        (std::vector<std::size_t> { 3, 3, 1 }));
+    // Narrower than any letter: one on each line.
+    EXPECT_EQ(lineLengths(layOut(U"aaa", sized(), plain(), { 0, 0, 1, 0 })), (std::vector<std::size_t> { 1, 1, 1 }));
+}
+
+TEST(EmfPlusText, LinesAreAlignedBothWays)
+{
+    StringFormatObject format = plain();
+    const double width = layOut(U"abc", sized(), format, {}).width();
+    const double top = layOut(U"abc", sized(), format, { 10, 20, 500, 300 }).lines[0].start.y;
+    format.alignment = StringAlignment::Center;
+    format.lineAlignment = StringAlignment::Far;
+    const StringLayout layout = layOut(U"abc", sized(), format, { 10, 20, 500, 300 });
+    EXPECT_NEAR(layout.lines[0].start.x, 260 - width / 2, 1e-6);
+    EXPECT_NEAR(layout.lines[0].start.y, top + 300 - layout.height, 1e-6);
+    format.alignment = StringAlignment::Far;
+    EXPECT_NEAR(layOut(U"abc", sized(), format, { 10, 20, 500, 300 }).lines[0].start.x, 510 - width, 1e-6);
+    format.isRightToLeft = true;
+    EXPECT_NEAR(layOut(U"abc", sized(), format, { 10, 20, 500, 300 }).lines[0].start.x, 10, 1e-6);
+}
+
+TEST(EmfPlusText, AmpersandsAreHotKeys)
+{
+    StringFormatObject format = plain();
+    EXPECT_EQ(lineLengths(layOut(U"a&b&&c", sized(), format, {})), (std::vector<std::size_t> { 6 }));
+    format.hotKeys = StringFormatObject::HotKeys::Underlined;
+    const StringLayout layout = layOut(U"a&b&&c", sized(), format, {});
+    EXPECT_EQ(lineLengths(layout), (std::vector<std::size_t> { 4 }));
+    EXPECT_EQ(layout.lines[0].hotKeys.size(), 1U);
+    format.hotKeys = StringFormatObject::HotKeys::Hidden;
+    EXPECT_TRUE(layOut(U"a&b&&c", sized(), format, {}).lines[0].hotKeys.empty());
+}
+
+TEST(EmfPlusText, TabsGoToTheirStops)
+{
+    StringFormatObject format = plain();
+    format.firstTab = 10;
+    format.tabs = { 290, 100 };
+    const StringLayout layout = layOut(U"a\tb\tc", sized(), format, {});
+    ASSERT_EQ(layout.lines[0].glyphs.size(), 3U);
+    EXPECT_NEAR(layout.lines[0].glyphs[1].at.x, 300, 1e-6);
+    EXPECT_NEAR(layout.lines[0].glyphs[2].at.x, 400, 1e-6);
+}
+
+TEST(EmfPlusText, LongStringsEndWithAnEllipsis)
+{
+    StringFormatObject format = plain();
+    format.isWrapped = false;
+    format.endsWithEllipsis = true;
+    const double width = layOut(U"aaaa", sized(), plain(), {}).width();
+    const StringLayout layout = layOut(U"aaaaaaaaa", sized(), format, { 0, 0, width, 0 });
+    EXPECT_LE(layout.width(), width);
+    EXPECT_LT(layout.lines[0].glyphs.size(), 5U);
+    EXPECT_EQ(lineLengths(layOut(U"aaa", sized(), format, { 0, 0, width, 0 })), (std::vector<std::size_t> { 3 }));
+}
+
+TEST(EmfPlusText, UnderlinesRunUnderTheWholeText)
+{
+    Records records = header();
+    records.object(6, 0, arial(60, 4));
+    records.add(kDriverString, kColor, Fields().u32({ kInk, 1, 0, 2 }).text(u"HH").f32({ 50, 100, 150, 100 }));
+    Sheet sheet(350, 130);
+    sheet.play(records);
+    int bottom = 100;
+    while (bottom < 130 && sheet.isWhite(120, bottom))
+        ++bottom;
+    EXPECT_LT(bottom, 115);
+    EXPECT_TRUE(sheet.isWhite(120, 90));
+}
