@@ -29,7 +29,7 @@ double Font::advanceInches(GlyphId glyph) const
         return 0;
     const FontTraits& traits = face->traits();
     if (!traits.isProportional && pitch > 0)
-        return 1 / pitch;
+        return bitmapScale / pitch;
     return (glyph == kNoGlyph ? traits.spaceAdvance : face->advance(glyph)) * unitInches();
 }
 
@@ -38,7 +38,7 @@ double Font::defaultHmiInches() const
     if (!face)
         return 0;
     if (!face->traits().isProportional && pitch > 0)
-        return 1 / pitch;
+        return bitmapScale / pitch;
     return face->traits().spaceAdvance * unitInches();
 }
 

@@ -13,6 +13,7 @@ struct Font {
     std::shared_ptr<const SymbolSet> symbolSet; ///< unbound faces; null for bound ones
     double height = 12; ///< points: the em of a scalable face, the height of a bitmap face
     double pitch = 0; ///< characters per inch of a fixed face; 0 for proportional ones
+    double bitmapScale = 1; ///< bitmap faces: how many times as large as their own resolution makes them
 
     explicit operator bool() const { return face != nullptr; }
 
@@ -26,8 +27,8 @@ struct Font {
     };
     Lookup find(std::uint32_t code) const;
 
-    /// Inches per glyph space unit at this size: height / 72, and 1 for bitmap faces.
-    double unitInches() const { return face && face->traits().isScalable ? height / 72 : 1; }
+    /// Inches per glyph space unit at this size: height / 72, and the scale for bitmap faces.
+    double unitInches() const { return face && face->traits().isScalable ? height / 72 : bitmapScale; }
 
     /// In inches: 1 / pitch for fixed faces, the glyph's own width for proportional ones (the space's for kNoGlyph).
     double advanceInches(GlyphId glyph) const;

@@ -22,7 +22,7 @@ std::optional<stream::PaperSize> paperOf(const stream::PjlEnvironment& variables
 
 } // namespace
 
-pcl::Environment pclEnvironment(const stream::PjlEnvironment& variables, bool isInkjetRaster)
+pcl::Environment pclEnvironment(const stream::PjlEnvironment& variables, const stream::Part& part)
 {
     pcl::Environment environment;
     if (paperOf(variables)) {
@@ -33,12 +33,17 @@ pcl::Environment pclEnvironment(const stream::PjlEnvironment& variables, bool is
     environment.customLength = variables.customLength.value_or(environment.customLength);
     environment.orientation = variables.orientation.value_or(environment.orientation);
     environment.formLines = variables.formLines.value_or(environment.formLines);
+    environment.resolution = variables.resolution.value_or(0);
     environment.symbolSet = variables.symbolSet.value_or(environment.symbolSet);
     environment.fontNumber = variables.fontNumber.value_or(environment.fontNumber);
     environment.pitch = variables.pitch.value_or(environment.pitch);
     environment.pointSize = variables.pointSize.value_or(environment.pointSize);
     environment.lineTermination = variables.lineTermination.value_or(environment.lineTermination);
-    environment.rasterOnly = isInkjetRaster;
+    environment.isLanguageNamed = part.isNamed;
+    if (part.isInkjetRaster)
+        environment.family = pcl::PrinterFamily::InkjetRaster;
+    else if (part.isInkjet)
+        environment.family = pcl::PrinterFamily::Inkjet;
     return environment;
 }
 

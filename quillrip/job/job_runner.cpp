@@ -97,7 +97,7 @@ private:
 
     RunStatus runPcl(const stream::Part& part)
     {
-        const pcl::Environment environment = pclEnvironment(m_reader.environment(), part.isInkjetRaster);
+        const pcl::Environment environment = pclEnvironment(m_reader.environment(), part);
         if (m_pcl)
             m_pcl->setEnvironment(environment);
         else

@@ -7,16 +7,12 @@
 
 namespace quillrip::pcl {
 
-namespace {
-
-/// Resolutions that only the 180 dpi colour ink-jets have.
-bool isInkjetResolution(double resolution) { return resolution == 90 || resolution == 180; }
-
-} // namespace
-
 void setSimpleColor(Machine& machine, const Command& command)
 {
     State& state = machine.state();
+    constexpr int kBlackAndInks = -4;
+    if (command.value.integer() == kBlackAndInks)
+        machine.recogniseInkjet();
     if (auto palette = Palette::simple(command.value.integer())) {
         state.palettes.replaceActive(std::move(*palette));
         state.raster.componentData.clear();
@@ -46,7 +42,7 @@ void assignColor(Machine& machine, const Command& command)
     State& state = machine.state();
     const int index = command.value.integer();
     if (index >= 0 && static_cast<std::size_t>(index) < state.palettes.active().size()
-        && isInkjetResolution(state.raster.resolution) && state.palettes.active().isFixed()) {
+        && isOfEarliestInkjets(state.raster.resolution) && state.palettes.active().isFixed()) {
         // The colour ink-jets of 180 dpi let the palette of their three planes be programmed.
         state.palettes.edit().setReflectance(static_cast<std::size_t>(index), state.colorComponents);
         state.colorComponents = { 0, 0, 0 };

@@ -92,6 +92,7 @@ void fillRectangle(Machine& machine, const Command& command);
 
 // raster_commands.cpp
 void setRasterResolution(Machine& machine, const Command& command);
+void noteInkjet(Machine& machine, const Command& command);
 void setPresentation(Machine& machine, const Command& command);
 void setSourceHeight(Machine& machine, const Command& command);
 void setSourceWidth(Machine& machine, const Command& command);

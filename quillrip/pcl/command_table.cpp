@@ -18,6 +18,8 @@ const std::vector<CommandEntry>& commandTable()
     constexpr RasterRule kEnds = RasterRule::Ends;
     constexpr RasterRule kWithin = RasterRule::Within;
     constexpr RasterRule kWaits = RasterRule::Waits;
+    constexpr RasterRule kBefore = RasterRule::BeforeRows;
+    constexpr RasterRule kBeforeOrEnds = RasterRule::BeforeRowsOrEnds;
     static const std::vector<CommandEntry> s_commands {
         { '%', 0, 'A', &enterPcl, "enter PCL mode", kNone, kEnds },
         { '%', 0, 'B', &enterPlot, "enter HP-GL/2 mode", kNone, kEnds },
@@ -100,7 +102,7 @@ const std::vector<CommandEntry>& commandTable()
         { ')', 's', 'W', &downloadFontHeader, "download font header", kBytes, kEnds },
 
         { '*', 'b', 'M', &setCompression, "raster compression method", kNone, kWithin },
-        { '*', 'b', 'S', nullptr, "seed row source", kNone, kWithin },
+        { '*', 'b', 'S', &noteInkjet, "seed row source", kNone, kWithin },
         { '*', 'b', 'V', &transferPlane, "transfer raster plane", kBytes, kWithin },
         { '*', 'b', 'W', &transferRow, "transfer raster row", kBytes, kWithin },
         { '*', 'b', 'X', nullptr, "plane offset", kNone, kWithin },
@@ -123,14 +125,14 @@ const std::vector<CommandEntry>& commandTable()
         { '*', 'c', 'W', &downloadPattern, "user-defined pattern", kBytes, kEnds },
         { '*', 'c', 'X', &setFrameSize, "picture frame width", kNone, kEnds },
         { '*', 'c', 'Y', &setFrameSize, "picture frame height", kNone, kEnds },
-        { '*', 'g', 'W', &configureRasterData, "configure raster data", kBytes, kEnds },
+        { '*', 'g', 'W', &configureRasterData, "configure raster data", kBytes, kBeforeOrEnds },
         { '*', 'i', 'W', nullptr, "viewing illuminant", kBytes, kEnds },
         { '*', 'l', 'O', &setRasterOperation, "logical operation", kNone, kEnds },
         { '*', 'l', 'R', &setPixelPlacement, "pixel placement", kNone, kEnds },
         { '*', 'l', 'W', &downloadLookup, "colour lookup tables", kBytes, kEnds },
         { '*', 'm', 'W', nullptr, "download dither matrix", kBytes, kEnds },
-        { '*', 'o', 'D', nullptr, "depletion", kNone, kWithin },
-        { '*', 'o', 'M', nullptr, "print quality", kNone, kWithin },
+        { '*', 'o', 'D', &noteInkjet, "depletion", kNone, kWithin },
+        { '*', 'o', 'M', &noteInkjet, "print quality", kNone, kWithin },
         { '*', 'o', 'Q', nullptr, "shingling", kNone, kWithin },
         { '*', 'o', 'W', &extendedSetting, "driver configuration", kBytes, kWithin },
         { '*', 'p', 'P', &pushOrPopPalette, "push or pop palette", kNone, kEnds },
@@ -141,10 +143,10 @@ const std::vector<CommandEntry>& commandTable()
         { '*', 'r', 'B', &endRaster, "end raster graphics", kNone, kEnds },
         { '*', 'r', 'C', &endRaster, "end raster graphics", kNone, kEnds },
         { '*', 'r', 'F', &setPresentation, "raster presentation", kNone, kWaits },
-        { '*', 'r', 'Q', nullptr, "raster quality", kNone, kWithin },
-        { '*', 'r', 'S', &setSourceWidth, "source raster width", kNone, kWaits },
+        { '*', 'r', 'Q', &noteInkjet, "raster quality", kNone, kWithin },
+        { '*', 'r', 'S', &setSourceWidth, "source raster width", kNone, kBefore },
         { '*', 'r', 'T', &setSourceHeight, "source raster height", kNone, kWaits },
-        { '*', 'r', 'U', &setSimpleColor, "simple colour", kNone, kWaits },
+        { '*', 'r', 'U', &setSimpleColor, "simple colour", kNone, kBefore },
         { '*', 's', 'I', nullptr, "inquire entity", kNone, kWithin },
         { '*', 's', 'M', nullptr, "free space", kNone, kWithin },
         { '*', 's', 'T', nullptr, "status location type", kNone, kWithin },
@@ -163,7 +165,7 @@ const std::vector<CommandEntry>& commandTable()
         { '*', 'v', 'O', &setPatternTransparency, "pattern transparency mode", kNone, kEnds },
         { '*', 'v', 'S', &setForeground, "foreground colour", kNone, kEnds },
         { '*', 'v', 'T', &setPattern, "select current pattern", kNone, kEnds },
-        { '*', 'v', 'W', &configureImageData, "configure image data", kBytes, kWaits },
+        { '*', 'v', 'W', &configureImageData, "configure image data", kBytes, kBefore },
     };
     return s_commands;
 }

@@ -30,6 +30,8 @@ enum class RasterRule : std::uint8_t {
     Ends, ///< ends a raster in progress
     Within, ///< part of it
     Waits, ///< without effect while it lasts
+    BeforeRows, ///< obeyed up to the raster's first row, without effect from then on
+    BeforeRowsOrEnds, ///< obeyed up to the raster's first row, ends it from then on
 };
 
 /// A parameterised command.

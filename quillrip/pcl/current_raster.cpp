@@ -16,6 +16,7 @@ namespace quillrip::pcl {
 
 CurrentRaster::CurrentRaster(const Surroundings& surroundings)
     : m_state(surroundings.state)
+    , m_environment(surroundings.environment)
     , m_page(surroundings.page)
     , m_cursor(surroundings.cursor)
     , m_printModel(surroundings.printModel)
@@ -39,8 +40,23 @@ int CurrentRaster::rowDirection() const
     }
 }
 
+// Ink-jets that are told not to skip the perforation keep no margin above raster, unless the job sets one; the earliest
+// of them know no top margin at all.
+void CurrentRaster::dropDefaultTopMargin()
+{
+    const bool isMarginless = !m_state.skipsPerforation || isOfEarliestInkjets(m_state.raster.resolution);
+    const bool isDropped = m_environment.family == PrinterFamily::Inkjet && isMarginless && !m_state.isTopMarginSet
+        && m_state.direction == 0 && !m_page.isMarked();
+    if (!isDropped)
+        return;
+    const InternalUnits top = std::min(m_state.text.top, m_cursor.y());
+    m_state.text.top = 0;
+    m_cursor.moveTo(m_cursor.x(), m_cursor.y() - top);
+}
+
 void CurrentRaster::start(int mode)
 {
+    dropDefaultTopMargin();
     const int direction = rowDirection();
     const LogicalPage& page = m_state.page;
     const Position place = page.fromOrientation(page.toOrientation(m_cursor.position(), m_state.direction), direction);
@@ -48,17 +64,29 @@ void CurrentRaster::start(int mode)
         m_state.raster.leftMargin = place.x;
     else
         m_state.raster.leftMargin = direction == m_state.direction ? m_state.text.left : 0;
-    begin(mode >= 2);
+    m_isScaled = mode >= 2;
+    begin();
 }
 
 void CurrentRaster::ensureOpen()
 {
-    if (!m_session)
-        begin(false);
+    if (m_session)
+        return;
+    dropDefaultTopMargin();
+    m_isScaled = false;
+    begin();
 }
 
-void CurrentRaster::begin(bool isScaled)
+void CurrentRaster::settingsChanged()
 {
+    const int skipped = m_rowsSkipped;
+    begin();
+    skipRows(skipped);
+}
+
+void CurrentRaster::begin()
+{
+    m_rowsSkipped = 0;
     const RasterSettings& settings = m_state.raster;
     const LogicalPage& page = m_state.page;
     RasterSession::Setup setup;
@@ -73,12 +101,16 @@ void CurrentRaster::begin(bool isScaled)
         resolution = RasterLayout::resolutionOf(settings.componentData).value_or(resolution);
     setup.pixelWidth = static_cast<double>(kUnitsPerInch) / resolution.x;
     setup.pixelHeight = static_cast<double>(kUnitsPerInch) / resolution.y;
-    const InternalUnits room = std::max<InternalUnits>(page.reachRight(setup.direction) - settings.leftMargin, 1);
+    // Raster goes on beyond the logical page; but not where pixels that were never sent would be black.
+    const bool zeroIsWhite = !settings.componentData.empty()
+        || RasterLayout::forPalette(m_state.palettes.active(), 1, m_state.isMonochrome).zeroIsWhite();
+    const InternalUnits end = zeroIsWhite ? page.reachRight(setup.direction) : page.width(setup.direction);
+    const InternalUnits room = std::max<InternalUnits>(end - settings.leftMargin, 1);
     const int roomPixels = static_cast<int>(std::ceil(static_cast<double>(room) / setup.pixelWidth - 1e-9));
     int width = settings.width.value_or(std::max(1, roomPixels));
     setup.height = settings.height;
     setup.hasDeclaredArea = settings.width && settings.height;
-    if (isScaled && setup.hasDeclaredArea && *settings.width > 0 && *settings.height > 0) {
+    if (m_isScaled && setup.hasDeclaredArea && *settings.width > 0 && *settings.height > 0) {
         double across = static_cast<double>(settings.destinationWidth) / width;
         double down = static_cast<double>(settings.destinationHeight) / *settings.height;
         if (settings.destinationWidth == 0 && settings.destinationHeight == 0) {
@@ -131,6 +163,7 @@ void CurrentRaster::skipRows(int rows)
         return;
     ensureOpen();
     m_session->skipRows(rows);
+    m_rowsSkipped += rows;
 }
 
 void CurrentRaster::transferPlane(ByteView data)

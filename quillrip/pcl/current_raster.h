@@ -12,6 +12,7 @@ class ErrorState;
 class Page;
 class PlotVisit;
 class PrintModel;
+struct Environment;
 struct State;
 
 /// The raster that commands work on: there from its start, or from the first row that no start announced, to the first
@@ -20,6 +21,7 @@ class CurrentRaster {
 public:
     struct Surroundings {
         State& state;
+        const Environment& environment;
         Page& page;
         Cursor& cursor;
         PrintModel& printModel;
@@ -32,6 +34,10 @@ public:
     bool isOpen() const { return m_session != nullptr; }
     /// ESC*r#A, 0 to 3: at the margin or at the cursor, in its own size or scaled.
     void start(int mode);
+    /// Rows have been transferred, or planes of one.
+    bool hasData() const { return m_session && m_session->hasBegun(); }
+    /// Settings have changed before the first row: the raster takes them on.
+    void settingsChanged();
     /// Leaves the cursor below it.
     void finish();
 
@@ -40,18 +46,22 @@ public:
     void transferRow(ByteView data);
 
 private:
-    void begin(bool isScaled);
+    void dropDefaultTopMargin();
+    void begin();
     void ensureOpen();
     int rowDirection() const;
     void report(RasterSession::Outcome outcome);
 
     State& m_state;
+    const Environment& m_environment;
     Page& m_page;
     Cursor& m_cursor;
     PrintModel& m_printModel;
     PlotVisit& m_visit;
     ErrorState& m_errors;
     std::unique_ptr<RasterSession> m_session;
+    bool m_isScaled = false;
+    int m_rowsSkipped = 0; ///< before the first row
 };
 
 } // namespace quillrip::pcl

@@ -25,7 +25,9 @@ Cursor::Cursor(State& state, const Environment& environment, UnderlineRun& under
 
 Position Cursor::homePosition() const
 {
-    return { m_state.text.left, m_state.text.top + (m_state.lineSpacing * 3 + 2) / 4 };
+    // Where there is no text there is no first line.
+    const bool hasLines = m_environment.family != PrinterFamily::InkjetRaster;
+    return { m_state.text.left, m_state.text.top + (hasLines ? (m_state.lineSpacing * 3 + 2) / 4 : 0) };
 }
 
 void Cursor::home()

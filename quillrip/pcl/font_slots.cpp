@@ -37,14 +37,29 @@ const Font& FontSlots::current()
             slot.font = m_library.select(slot.request, context());
         slot.isStale = false;
     }
+    if (slot.selectedById)
+        slot.font.bitmapScale = scaleById(slot.font);
     const Font& font = slot.font;
-    if (font.face != m_state.hmiFace || font.height != m_state.hmiHeight || font.pitch != m_state.hmiPitch) {
+    if (font.face != m_state.hmiFace || font.height != m_state.hmiHeight || font.pitch != m_state.hmiPitch
+        || font.bitmapScale != m_state.hmiScale) {
+        m_state.hmiScale = font.bitmapScale;
         m_state.hmiFace = font.face;
         m_state.hmiHeight = font.height;
         m_state.hmiPitch = font.pitch;
         m_state.columnWidth = std::llround(font.defaultHmiInches() * kUnitsPerInch);
     }
     return font;
+}
+
+// Headers can state a finer resolution than their job has: the dots are the job's all the same, one for one.
+double FontSlots::scaleById(const Font& font) const
+{
+    const FontTraits& traits = font.face->traits();
+    const std::optional<double> job
+        = m_environment.resolution > 0 ? std::optional<double>(m_environment.resolution) : jobResolution(m_state);
+    if (traits.isScalable || !job || traits.resolution <= *job)
+        return 1;
+    return traits.resolution / *job;
 }
 
 InternalUnits FontSlots::columnWidth()

@@ -37,6 +37,8 @@ public:
     void selectById(FontSlot& slot, const ResourceKey& key);
 
 private:
+    double scaleById(const Font& font) const;
+
     FontLibrary& m_library;
     State& m_state;
     const Environment& m_environment;

@@ -1,22 +1,10 @@
 #pragma once
 
 #include "quillrip/base/geometry.h"
+#include "quillrip/pcl/page_sizes.h"
 #include "quillrip/raster/page_device.h"
 
-#include <cstdint>
-
 namespace quillrip::pcl {
-
-/// All places and distances of the interpreter: 1/7200 inch, so that decipoints, dots of 300 to the inch and every unit
-/// of measure are whole numbers.
-using InternalUnits = std::int64_t;
-
-constexpr InternalUnits kUnitsPerInch = 7200;
-constexpr InternalUnits kUnitsPerDot = 24; ///< 1/300 inch
-constexpr InternalUnits kUnitsPerDecipoint = 10; ///< 1/720 inch
-
-/// A command's number in `unit` internal units each, rounded once.
-InternalUnits inUnits(double number, double unit);
 
 struct Position {
     InternalUnits x = 0;
@@ -25,31 +13,12 @@ struct Position {
 inline bool operator==(Position a, Position b) { return a.x == b.x && a.y == b.y; }
 inline bool operator!=(Position a, Position b) { return !(a == b); }
 
-/// A page size that ESC&l#A selects.
-struct PageSize {
-    int code;
-    double width; ///< decipoints, short edge
-    double length; ///< decipoints, long edge
-    int dotsWide; ///< the sheet as printers count it, at 300 dots to the inch
-    int dotsLong;
-    bool isMetric; ///< metric sizes have logical pages inset by 6 mm and 5 mm, the others by 1/4 and 1/5 inch
-};
-
-/// Null for an unknown code.
-const PageSize* findPageSize(int code);
-/// The size whose length comes within a sixth of an inch of `length`; null when there is none.
-const PageSize* findPageSizeByLength(InternalUnits length);
-/// The sheet of a large-format printer that holds so many inches of lines and hardly more; null when there is none.
-const PageSize* findLargeSheetByLength(InternalUnits length);
-/// Page size 101, as job control, panel or driver gave it.
-PageSize customPageSize(double width, double length);
-
 /// Where the logical page lies. Directions are quarter turns counter-clockwise: 0 the orientation's own axes, 1 to 3
 /// those of the print directions 90, 180 and 270.
 class LogicalPage {
 public:
     LogicalPage() = default;
-    LogicalPage(const PageSize& size, int orientation);
+    LogicalPage(const PageSize& size, int orientation, PrinterFamily family = PrinterFamily::Laser);
 
     /// A plotter's page: nothing is kept free at its edges. Decipoints.
     static LogicalPage ofPlot(double width, double length);
@@ -60,6 +29,9 @@ public:
     InternalUnits width() const { return m_width; }
     InternalUnits length() const { return m_length; }
     InternalUnits leftOffset() const { return m_leftOffset; }
+    PrinterFamily family() const { return m_family; }
+    /// The job has shown whose sheets it counts on. A form length of its own stays.
+    void changeFamily(PrinterFamily family);
 
     /// A form length that no sheet has: the sheet stays, the logical page ends elsewhere.
     void setLength(InternalUnits length) { m_length = length; }
@@ -87,11 +59,13 @@ public:
     Matrix directionToPage(int direction) const;
 
 private:
+    PrinterFamily m_family = PrinterFamily::Laser;
     PageSize m_size { 2, 6120, 7920, 2550, 3300, false };
     int m_orientation = 0;
     InternalUnits m_width = 2400 * kUnitsPerDot;
     InternalUnits m_length = 3300 * kUnitsPerDot;
     InternalUnits m_leftOffset = 75 * kUnitsPerDot;
+    InternalUnits m_topOffset = 0;
     bool m_isGuessed = false;
     InternalUnits m_registrationX = 0; ///< in reading order, as the offset below
     InternalUnits m_registrationY = 0;

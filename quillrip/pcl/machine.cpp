@@ -16,7 +16,9 @@
 #include "quillrip/pcl/tokenizer.h"
 #include "quillrip/pcl/underline_run.h"
 
+#include <algorithm>
 #include <cstddef>
+#include <iterator>
 
 namespace quillrip::pcl {
 
@@ -26,6 +28,8 @@ namespace {
 constexpr std::uint64_t kUnitsPerToken = 50;
 
 constexpr std::uint8_t kEndOfFile = 0x1A; ///< of older systems
+constexpr int kEscape = 0x1B;
+constexpr std::uint8_t kFormFeed = 0x0C;
 
 } // namespace
 
@@ -41,7 +45,7 @@ struct Machine::Rooms {
         , fonts(library, machine.m_state, machine.m_environment)
         , text({ machine.m_state, fonts, cursor, page, printModel, underline })
         , visit(machine.m_state, page, cursor)
-        , raster({ machine.m_state, page, cursor, printModel, visit, errors })
+        , raster({ machine.m_state, machine.m_environment, page, cursor, printModel, visit, errors })
         , macros(machine.m_limits, errors, [&machine](InputStream& stream) { machine.interpretMacro(stream); })
         , plot({ machine.m_state, page, cursor, fonts, patterns, printModel, errors, machine.m_limits })
     {
@@ -184,19 +188,28 @@ Interpreter::End Machine::interpret(Tokenizer& tokenizer)
             macros().record(tokenizer, token);
             continue;
         }
+        const bool hasJustReset = m_hasJustReset;
+        m_hasJustReset = false;
         if (visit().isOn() && token.kind != Token::Kind::Command)
             continue; // plotters print no text here, and what stands between commands moves nothing
+        const bool isWithinLine = m_isWithinLine;
+        m_isWithinLine = token.kind == Token::Kind::Text;
         switch (token.kind) {
         case Token::Kind::Text:
+            if (!isWithinLine && skipJobLanguageLine(tokenizer, token))
+                break;
             raster().finish();
             // In ink-jet raster languages what looks like text is what is left of a broken command.
-            if (!m_environment.rasterOnly && !(token.byte == kEndOfFile && tokenizer.stream().atEnd()))
+            if (m_environment.family != PrinterFamily::InkjetRaster
+                && !(token.byte == kEndOfFile && tokenizer.stream().atEnd()))
                 text().print(token.byte, false);
             break;
         case Token::Kind::Control:
             if (token.byte != 0)
                 raster().finish();
-            obeyControlCode(*this, token.byte);
+            // Drivers end a page by a reset and a form feed, and mean one page.
+            if (!(token.byte == kFormFeed && hasJustReset))
+                obeyControlCode(*this, token.byte);
             break;
         case Token::Kind::TwoCharacter:
             raster().finish();
@@ -207,6 +220,21 @@ Interpreter::End Machine::interpret(Tokenizer& tokenizer)
         }
     }
     return Interpreter::End::Failed;
+}
+
+// Some drivers go on with lines of the job language after it has entered PCL.
+bool Machine::skipJobLanguageLine(Tokenizer& tokenizer, const Token& token)
+{
+    constexpr char kRest[] = { 'P', 'J', 'L', ' ' };
+    if (!m_environment.isLanguageNamed || token.byte != '@')
+        return false;
+    InputStream& stream = tokenizer.stream();
+    const ByteView ahead = stream.window(sizeof kRest);
+    if (ahead.size < sizeof kRest || !std::equal(std::begin(kRest), std::end(kRest), ahead.data))
+        return false;
+    while (stream.peek() >= 0 && stream.peek() != kEscape && stream.get() != '\n') { }
+    m_isWithinLine = false;
+    return true;
 }
 
 void Machine::interpretMacro(InputStream& stream)
@@ -244,10 +272,14 @@ void Machine::execute(Tokenizer& tokenizer, const Token& token)
     if (const std::uint64_t count = dataLength(token, entry))
         readData(tokenizer, token, count);
     const bool isObeyed = entry && entry->handler && (!m_environment.isPlotterRaster || isOfPlotters(*entry));
-    if (isObeyed && !(raster().isOpen() && entry->raster == RasterRule::Waits)) {
-        if (entry->raster == RasterRule::Ends)
+    if (isObeyed && !isHeldBack(entry->raster)) {
+        const bool isSetting = entry->raster == RasterRule::BeforeRows
+            || (entry->raster == RasterRule::BeforeRowsOrEnds && !raster().hasData());
+        if (entry->raster == RasterRule::Ends || (entry->raster == RasterRule::BeforeRowsOrEnds && !isSetting))
             raster().finish();
         entry->handler(*this, { token.value, m_data, token.prefix, token.terminator });
+        if (isSetting && raster().isOpen())
+            raster().settingsChanged();
     }
     // What there is of the data has been drawn.
     if (m_inputWasCut)
@@ -259,6 +291,11 @@ void Machine::execute(Tokenizer& tokenizer, const Token& token)
         = token.prefix == '*' && token.group == 'b' && (token.terminator == 'Y' || token.terminator == 'V');
     if (raster().isOpen() && !token.chained && isWithinRows)
         tokenizer.resumeIfContinued('*', 'b', "vwym");
+}
+
+bool Machine::isHeldBack(RasterRule rule)
+{
+    return (rule == RasterRule::Waits && raster().isOpen()) || (rule == RasterRule::BeforeRows && raster().hasData());
 }
 
 void Machine::executeTwoCharacter(const Token& token)
@@ -368,9 +405,27 @@ void printerReset(Machine& machine, const Command& /*command*/)
         machine.reset();
 }
 
+void Machine::recogniseInkjet()
+{
+    if (m_environment.family != PrinterFamily::Laser || m_environment.isPlotterRaster)
+        return;
+    m_environment.family = PrinterFamily::Inkjet;
+    if (page().isOpen())
+        return;
+    const InternalUnits width = m_state.page.width(m_state.direction);
+    const InternalUnits length = m_state.page.length(m_state.direction);
+    m_state.page.changeFamily(PrinterFamily::Inkjet);
+    if (m_state.text.right == width)
+        m_state.text.right = m_state.page.width(m_state.direction);
+    if (m_state.page.length(m_state.direction) != length)
+        m_state.text.bottom = defaultTextBottom(m_state.text.top, m_state.page.length(m_state.direction));
+    page().geometryChanged();
+}
+
 void Machine::reset()
 {
     raster().finish();
+    m_hasJustReset = page().isMarked();
     ejectPage(false);
     fonts().library().softFonts().removeTemporary();
     fonts().library().removeTemporarySymbolSets();

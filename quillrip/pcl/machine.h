@@ -28,7 +28,7 @@ class PrintModel;
 class TextPrinter;
 class Tokenizer;
 class UnderlineRun;
-struct CommandEntry;
+enum class RasterRule : std::uint8_t;
 struct Token;
 
 /// The printer: reads commands and has them carried out by the handlers of the command table, which ask its rooms. Each
@@ -69,6 +69,8 @@ public:
     void closePage();
     /// ESC E and the universal exit.
     void reset();
+    /// The job has sent a command that only ink-jets have: their sheets and margins count, from an unmarked page on.
+    void recogniseInkjet();
     /// What a reset leaves, the default font included.
     State userDefaults();
     /// Runs a macro and brings the state back afterwards, the place on the page included. Ignored when null.
@@ -78,8 +80,10 @@ private:
     struct Rooms;
 
     Interpreter::End interpret(Tokenizer& tokenizer);
+    bool skipJobLanguageLine(Tokenizer& tokenizer, const Token& token);
     void interpretMacro(InputStream& stream);
     void execute(Tokenizer& tokenizer, const Token& token);
+    bool isHeldBack(RasterRule rule);
     void executeTwoCharacter(const Token& token);
     void readData(Tokenizer& tokenizer, const Token& token, std::uint64_t count);
     void printDisplayed(Tokenizer& tokenizer);
@@ -95,6 +99,8 @@ private:
     std::vector<std::uint8_t> m_data; ///< of the command in progress
     bool m_inputWasCut = false; ///< within those data
     bool m_isAtStart = true;
+    bool m_isWithinLine = false; ///< text came last
+    bool m_hasJustReset = false; ///< a reset ejected a page, and nothing came since
 };
 
 } // namespace quillrip::pcl

@@ -1,3 +1,4 @@
+#include "quillrip/base/units.h"
 #include "quillrip/pcl/command_handlers.h"
 #include "quillrip/pcl/cursor.h"
 #include "quillrip/pcl/font_slots.h"
@@ -32,6 +33,7 @@ void layOutPage(Machine& machine, const LogicalPage& page)
     state.page = page;
     machine.fonts().resourcesChanged(); // bitmap fonts are chosen by orientation, too
     state.text = turned(defaultTextArea(page), page, 0, state.direction);
+    state.isTopMarginSet = false;
     if (!machine.macros().isOverlayPlaying())
         machine.macros().clearOverlay();
     machine.page().applyRegistration();
@@ -48,18 +50,18 @@ void setPageSize(Machine& machine, const Command& command)
 {
     State& state = machine.state();
     const int code = command.value.integer();
-    const PageSize* size = findPageSize(code);
     const Environment& environment = machine.environment();
+    const PageSize* size = findPageSize(code, environment.family);
     const PageSize custom = customPageSize(environment.customWidth, environment.customLength);
-    if (code == 101 && custom.dotsWide > 150 && custom.dotsLong > 150)
+    if (code == kCustomPageSize && isPossible(custom))
         size = &custom;
     const Environment unsaid;
-    state.wantsCustomSheet = code == 101 && environment.customWidth == unsaid.customWidth
+    state.wantsCustomSheet = code == kCustomPageSize && environment.customWidth == unsaid.customWidth
         && environment.customLength == unsaid.customLength;
     if (!size)
         return;
     machine.ejectPage(false);
-    layOutPage(machine, LogicalPage(*size, state.page.orientation()));
+    layOutPage(machine, LogicalPage(*size, state.page.orientation(), environment.family));
 }
 
 void setPageLength(Machine& machine, const Command& command)
@@ -69,15 +71,15 @@ void setPageLength(Machine& machine, const Command& command)
         return;
     const LogicalPage standard = defaultState(machine.environment()).page;
     const InternalUnits length = inUnits(command.value.integer(), static_cast<double>(state.lineSpacing));
-    LogicalPage page(state.page.size(), state.page.orientation());
+    LogicalPage page(state.page.size(), state.page.orientation(), state.page.family());
     if (length == 0) {
-        page = LogicalPage(standard.size(), state.page.orientation());
+        page = LogicalPage(standard.size(), state.page.orientation(), state.page.family());
     } else if (std::llabs(page.length() - length) > kUnitsPerInch / 6) {
         const PageSize* size = state.page.orientation() & 1 ? nullptr : findPageSizeByLength(length);
         if (!size && state.wantsCustomSheet)
             size = findLargeSheetByLength(length);
         if (size)
-            page = LogicalPage(*size, state.page.orientation());
+            page = LogicalPage(*size, state.page.orientation(), state.page.family());
         else
             page.setLength(std::clamp<InternalUnits>(length, kUnitsPerInch, page.length()));
     }
@@ -93,7 +95,7 @@ void setOrientation(Machine& machine, const Command& command)
         return;
     machine.ejectPage(false);
     state.direction = 0;
-    const LogicalPage page(state.page.size(), orientation);
+    const LogicalPage page(state.page.size(), orientation, state.page.family());
     state.lineSpacing = defaultLineSpacing(machine.environment(), page);
     state.columnWidth = std::llround(machine.fonts().current().defaultHmiInches() * kUnitsPerInch);
     state.patternReference = {};
@@ -173,6 +175,7 @@ void setTopMargin(Machine& machine, const Command& command)
     if (state.lineSpacing == 0 || top < 0 || top > state.page.length(state.direction))
         return;
     const bool isAtHome = waitsAtHome(machine);
+    state.isTopMarginSet = true;
     state.text.top = top;
     state.text.bottom = defaultTextBottom(top, state.page.length(state.direction));
     if (isAtHome)
@@ -262,8 +265,10 @@ void setUnitOfMeasure(Machine& machine, const Command& command)
 {
     constexpr std::array kValues { 96, 100, 120, 144, 150, 160, 180, 200, 225, 240, 288, 300, 360, 400, 450, 480, 600,
         720, 800, 900, 1200, 1440, 1800, 2400, 3600, 7200 };
+    State& state = machine.state();
+    state.isUnitSet = true;
     const double wanted = std::clamp(command.value.number, 96.0, 7200.0);
-    machine.state().unitsPerInch = *std::min_element(kValues.begin(), kValues.end(),
+    state.unitsPerInch = *std::min_element(kValues.begin(), kValues.end(),
         [wanted](int a, int b) { return std::abs(a - wanted) / a < std::abs(b - wanted) / b; });
 }
 
@@ -281,16 +286,26 @@ void setWrap(Machine& machine, const Command& command)
         machine.state().wrapsLines = mode == 0;
 }
 
-// Ink-jet drivers announce a sheet of their own measure here, an edge at a time.
+// Ink-jet drivers give the measure of a sheet of their own here, an edge at a time, in dots of the job's resolution:
+// before or after they select that sheet, but before its first mark.
 void extendedSetting(Machine& machine, const Command& command)
 {
     const ByteView data = command.data;
     if (data.size != 5 || data[0] != 0x0E || data[2] != 0 || (data[1] != 5 && data[1] != 6))
         return;
+    machine.recogniseInkjet();
     Environment& environment = machine.environment();
-    const double decipoints = (data[3] * 256 + data[4]) * 720.0 / 300;
-    if (decipoints > 0)
-        (data[1] == 5 ? environment.customWidth : environment.customLength) = decipoints;
+    State& state = machine.state();
+    const double dotsPerInch = jobResolution(state).value_or(kDotsPerInch);
+    const double decipoints = (data[3] * 256 + data[4]) * kDecipointsPerInch / dotsPerInch;
+    if (decipoints <= 0)
+        return;
+    (data[1] == 5 ? environment.customWidth : environment.customLength) = decipoints;
+    const PageSize custom = customPageSize(environment.customWidth, environment.customLength);
+    if (state.page.size().code == kCustomPageSize && !machine.page().isOpen() && isPossible(custom)) {
+        state.wantsCustomSheet = false;
+        layOutPage(machine, LogicalPage(custom, state.page.orientation(), environment.family));
+    }
 }
 
 } // namespace quillrip::pcl

@@ -23,10 +23,17 @@ void setRasterResolution(Machine& machine, const Command& command)
     if (command.value.number < 1)
         return;
     state.raster.resolution = std::min(std::trunc(command.value.number), kLargestResolution);
+    state.raster.isResolutionSet = true;
+    if (isOfEarliestInkjets(state.raster.resolution))
+        machine.recogniseInkjet();
     // Plotters count moves in the raster's dots.
     if (machine.environment().isPlotterRaster)
         state.unitsPerInch = static_cast<int>(state.raster.resolution);
 }
+
+// Quality, depletion and seed rows: of no meaning for an image, but only PCL 3 ink-jets have them. (Shingling is known
+// to ink-jets of PCL 5 as well.)
+void noteInkjet(Machine& machine, const Command& /*command*/) { machine.recogniseInkjet(); }
 
 void setPresentation(Machine& machine, const Command& command)
 {
@@ -64,6 +71,7 @@ void setCompression(Machine& machine, const Command& command)
 
 void configureRasterData(Machine& machine, const Command& command)
 {
+    machine.recogniseInkjet();
     if (RasterLayout::forComponents(command.data, 1) && RasterLayout::resolutionOf(command.data))
         machine.state().raster.componentData.assign(command.data.begin(), command.data.end());
     else

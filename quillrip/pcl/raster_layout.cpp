@@ -284,6 +284,10 @@ void RasterLayout::composeComponents(const Planes& planes, int subRow, std::uint
         for (std::size_t plane = 0; plane < static_cast<std::size_t>(component.planes); ++plane)
             level |= std::size_t { bitAt(planes[first + plane], x / static_cast<std::size_t>(component.stepX)) }
                 << plane;
+        // Drops on one place cover less and less paper that the former ones left bare.
+        constexpr std::array<std::size_t, 4> kOfFourLevels { 0, 128, 191, 255 };
+        if (component.levels == 4)
+            return kOfFourLevels[level];
         const auto top = static_cast<std::size_t>(component.levels - 1);
         return 255 * std::min(level, top) / top;
     };

@@ -72,6 +72,7 @@ void RasterSession::clearSeeds()
 
 RasterSession::Outcome RasterSession::decodePlane(ByteView data, int method)
 {
+    m_hasBegun = true;
     if (m_nextTransfer >= m_planes.size())
         return Outcome::Fine;
     std::vector<std::uint8_t>& plane = m_planes[m_nextTransfer];
@@ -91,6 +92,7 @@ RasterSession::Outcome RasterSession::transferPlane(ByteView data, int method) {
 RasterSession::Outcome RasterSession::transferRow(ByteView data, int method)
 {
     if (method == kAdaptive && m_planes.size() == 1) {
+        m_hasBegun = true;
         m_hasData = m_hasData || !data.empty();
         const bool isWhole = decodeAdaptive(data, m_planes[0], [this](int count) {
             m_seedsAreFresh = false;
@@ -105,9 +107,10 @@ RasterSession::Outcome RasterSession::transferRow(ByteView data, int method)
         m_nextTransfer = 0;
         return outcome;
     }
-    // Planes that were not sent for this row are zero.
-    for (; m_nextTransfer < m_planes.size(); ++m_nextTransfer)
-        std::fill(m_planes[m_nextTransfer].begin(), m_planes[m_nextTransfer].end(), std::uint8_t { 0 });
+    // Planes that were not sent for this row count as empty transfers: white, or, where rows tell only what differs,
+    // the row above once more.
+    while (m_nextTransfer < m_planes.size())
+        decodePlane({}, method);
     m_seedsAreFresh = false;
     m_nextTransfer = 0;
     emitSet();

@@ -53,6 +53,8 @@ public:
     Position cursor() const;
     /// Rows were transferred.
     bool hasRows() const { return m_hasRows; }
+    /// Planes or rows were transferred.
+    bool hasBegun() const { return m_hasBegun; }
     /// Transfers were made that were not empty.
     bool hasData() const { return m_hasData; }
     /// Where the rows lie, in the raster's axes and decipoints: up to the cursor and not beyond the declared height.
@@ -80,6 +82,7 @@ private:
     std::size_t m_nextTransfer = 0;
     bool m_seedsAreFresh = true;
     bool m_hasRows = false;
+    bool m_hasBegun = false;
     bool m_hasData = false;
     std::int64_t m_row = 0; ///< rows done, painted or not
     std::unique_ptr<ImagePainter> m_image;

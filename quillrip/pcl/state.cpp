@@ -20,6 +20,8 @@ InternalUnits defaultTextBottom(InternalUnits top, InternalUnits pageLength)
 
 TextArea defaultTextArea(const LogicalPage& page)
 {
+    if (page.family() == PrinterFamily::InkjetRaster)
+        return { 0, 0, page.width(), page.length() };
     const InternalUnits top = std::min(kDefaultMargin, page.length());
     return { 0, top, page.width(), defaultTextBottom(top, page.length()) };
 }
@@ -29,6 +31,15 @@ InternalUnits defaultLineSpacing(const Environment& environment, const LogicalPa
     if (environment.formLines < 5 || environment.formLines > 128)
         return kSixLinesPerInch;
     return std::max<InternalUnits>(1, (page.length() - 2 * kDefaultMargin) / environment.formLines);
+}
+
+std::optional<double> jobResolution(const State& state)
+{
+    if (state.isUnitSet)
+        return state.unitsPerInch;
+    if (state.raster.isResolutionSet)
+        return state.raster.resolution;
+    return std::nullopt;
 }
 
 State defaultState(const Environment& environment)
@@ -41,12 +52,12 @@ State defaultState(const Environment& environment)
         state.raster.resolution = state.unitsPerInch = kPlotterDotsPerInch;
         return state;
     }
-    const PageSize* size = findPageSize(environment.pageSize);
+    const PageSize* size = findPageSize(environment.pageSize, environment.family);
     const PageSize custom = customPageSize(environment.customWidth, environment.customLength);
-    const bool isCustom = environment.pageSize == 101 && custom.dotsWide > 150 && custom.dotsLong > 150;
+    const bool isCustom = environment.pageSize == kCustomPageSize && isPossible(custom);
     if (!size)
         size = findPageSize(kLetter);
-    state.page = LogicalPage(isCustom ? custom : *size, environment.orientation);
+    state.page = LogicalPage(isCustom ? custom : *size, environment.orientation, environment.family);
     if (!environment.isPaperNamed && size->code == kLetter && !isCustom)
         state.page.setGuessed();
     state.text = defaultTextArea(state.page);

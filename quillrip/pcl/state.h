@@ -33,6 +33,7 @@ enum class Underline { Off, Fixed, Floating };
 /// What ESC*t, ESC*r and ESC*b set before a raster starts and what stays after it.
 struct RasterSettings {
     double resolution = 75; ///< dots per inch
+    bool isResolutionSet = false; ///< by the job
     int presentation = 3;
     std::optional<int> width; ///< source pixels
     std::optional<int> height; ///< source rows
@@ -61,10 +62,12 @@ struct State {
     InternalUnits registrationY = 0;
     int direction = 0; ///< print direction in quarter turns counter-clockwise
     TextArea text;
+    bool isTopMarginSet = false; ///< by the job, since the page was laid out
     bool skipsPerforation = true;
     InternalUnits lineSpacing = 1200; ///< VMI
     InternalUnits columnWidth = 720; ///< HMI
     int unitsPerInch = 300; ///< PCL units
+    bool isUnitSet = false; ///< by the job
     int lineTermination = 0;
     bool wrapsLines = false;
     bool isMonochrome = false; ///< ESC&b1M
@@ -75,6 +78,7 @@ struct State {
     std::shared_ptr<const Typeface> hmiFace; ///< the face that the column width was last set for
     double hmiHeight = 0;
     double hmiPitch = 0;
+    double hmiScale = 1;
     Underline underline = Underline::Off;
     int textParsing = 0;
     bool isVerticalText = false;
@@ -104,9 +108,13 @@ struct State {
     FrameSettings frame;
 };
 
+/// Resolutions that only the earliest colour ink-jets have, of 180 dots to the inch.
+inline bool isOfEarliestInkjets(double resolution) { return resolution == 90 || resolution == 180; }
+/// What the job has said of its resolution, dots per inch; nothing when it has said nothing.
+std::optional<double> jobResolution(const State& state);
 /// User defaults: what a reset leaves.
 State defaultState(const Environment& environment);
-/// The default text area of a page in direction 0: half an inch free above and below.
+/// The default text area of a page in direction 0: half an inch free above and below where there is text at all.
 TextArea defaultTextArea(const LogicalPage& page);
 /// What ESC&l#E leaves for text: down to half an inch above the end of the page, where there is that much.
 InternalUnits defaultTextBottom(InternalUnits top, InternalUnits pageLength);

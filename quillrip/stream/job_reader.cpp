@@ -15,7 +15,7 @@ constexpr std::size_t kSearchAfterData = 4096;
 constexpr std::size_t kShortestTrailingText = 16;
 constexpr std::size_t kLongestPrescribe = 1024 * 1024;
 
-enum class Speaks { Pcl, InkjetPcl, PclXl, Plot, PostScript, Pdf, Xps, Find };
+enum class Speaks { Pcl, Pcl3, InkjetPcl, PclXl, Plot, PostScript, Pdf, Xps, Find };
 
 struct LanguageName {
     const char* name;
@@ -28,7 +28,7 @@ const std::array s_languages {
     LanguageName { "PCL5", Speaks::Pcl },
     LanguageName { "PCL5E", Speaks::Pcl },
     LanguageName { "PCL5C", Speaks::Pcl },
-    LanguageName { "PCL3", Speaks::InkjetPcl },
+    LanguageName { "PCL3", Speaks::Pcl3 },
     LanguageName { "PCL3GUI", Speaks::InkjetPcl },
     LanguageName { "PCLXL", Speaks::PclXl },
     LanguageName { "PCL6", Speaks::PclXl },
@@ -203,7 +203,7 @@ std::optional<Part> JobReader::partOf(const Content& content)
 {
     m_input.skip(content.padding);
     const std::uint64_t offset = m_input.offset();
-    Part part { content.kind, offset, false };
+    Part part { content.kind, offset };
     if (m_isNamedPlot && content.kind == ContentKind::Pcl)
         part.kind = ContentKind::Plot; // what the plotter's raster language shares with PCL
     switch (content.kind) {
@@ -347,11 +347,14 @@ std::optional<Part> JobReader::enterLanguage(const std::string& name)
         return std::nullopt;
     }
     const Speaks speaks = entry == s_languages.end() ? Speaks::Find : entry->speaks;
-    Part part { content.kind, offset, false };
+    Part part { content.kind, offset };
+    part.isNamed = true;
     switch (speaks) {
     case Speaks::Pcl:
+    case Speaks::Pcl3:
     case Speaks::InkjetPcl:
         part.kind = ContentKind::Pcl;
+        part.isInkjet = speaks == Speaks::Pcl3;
         part.isInkjetRaster = speaks == Speaks::InkjetPcl;
         break;
     case Speaks::PclXl:

@@ -14,6 +14,8 @@ namespace quillrip::stream {
 struct Part {
     ContentKind kind = ContentKind::Pcl; ///< Pcl, PclXl, Plot, Emf, PostScript, Pdf or Xps
     std::uint64_t offset = 0;
+    bool isNamed = false; ///< the job language entered the language
+    bool isInkjet = false; ///< PCL 3
     bool isInkjetRaster = false; ///< PCL of an ink-jet driver, whose text is always a broken command
 };
 

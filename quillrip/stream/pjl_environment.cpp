@@ -152,6 +152,8 @@ void PjlEnvironment::set(const std::string& language, const std::string& name, c
             orientation = plain == "LANDSCAPE" ? 1 : 0;
     } else if (name == "FORMLINES") {
         assign(formLines, whole(value, 5, 128));
+    } else if (name == "RESOLUTION") {
+        assign(resolution, whole(value, 1, 9600));
     } else if (name == "RENDERMODE" || name == "COLORMODE") {
         isGray = plain == "GRAYSCALE" || plain == "GRAY" || plain == "MONO" || plain == "MONOCHROME";
     } else if (name == "PERSONALITY") {

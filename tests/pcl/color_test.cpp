@@ -254,7 +254,7 @@ TEST(PclColor, ComponentsOfDifferentResolutions)
             settings);
     EXPECT_EQ(printed.color(150, 0), kBlack);
     EXPECT_EQ(printed.color(151, 1), kBlack);
-    EXPECT_EQ(printed.color(152, 0), (Rgb { 85, 170, 255 })); // cyan 2 of 3, magenta 1 of 3
+    EXPECT_EQ(printed.color(152, 0), (Rgb { 64, 127, 255 })); // cyan 2 of 3, magenta 1 of 3
     EXPECT_EQ(printed.color(154, 0), kWhite);
 }
 

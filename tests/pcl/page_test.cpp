@@ -103,6 +103,31 @@ TEST(PclPages, FormFeedEjectsMarkedAndBlankPages)
     EXPECT_EQ(blank.blackPixels(0), 0u);
 }
 
+TEST(PclPages, FormFeedBehindAResetThatEjectedAddsNoSheet)
+{
+    EXPECT_EQ(print(kStart + kMark + e("E") + "\f").pages.size(), 1u);
+    EXPECT_EQ(print(kStart + kMark + e("E") + "\f\f").pages.size(), 2u);
+    EXPECT_EQ(print(kStart + kMark + e("E") + e("&l0H") + "\f").pages.size(), 2u);
+    EXPECT_EQ(print(kStart + "\f").pages.size(), 1u);
+}
+
+TEST(PclPages, JobLanguageLinesWithinTheirJobPrintNothing)
+{
+    PrinterSettings entered;
+    entered.environment.isLanguageNamed = true;
+    const std::string line = "@PJL COMMENT still the same page\r\n";
+    EXPECT_EQ(print(line, entered).pages.size(), 0u);
+    const Printed printed = print(kStart + line + at(0, 0) + kMark + line + kMark, entered);
+    EXPECT_EQ(printed.pages.size(), 1u);
+    EXPECT_EQ(printed.blackPixels(), print(kStart + at(0, 0) + kMark, entered).blackPixels());
+    // Nor do they end where a command begins behind them without a new line.
+    EXPECT_EQ(print("@PJL SET X=1" + e("&l26A") + kMark, entered).sheets.at(0).height,
+        print(e("&l26A") + kMark).sheets.at(0).height);
+    EXPECT_GT(
+        print("An address: me@PJL is text", entered).blackPixels(), print("An address: me", entered).blackPixels());
+    EXPECT_EQ(print(line).pages.size(), 1u); // a listing
+}
+
 TEST(PclPages, EndResetAndSizeEjectMarkedPagesOnly)
 {
     EXPECT_EQ(print(kStart).pages.size(), 0u);

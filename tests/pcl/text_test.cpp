@@ -24,6 +24,17 @@ public:
         word(18, 12 * 4);
     }
 
+    /// The header states a resolution.
+    BoxFont& at(int dotsPerInch)
+    {
+        m_header.resize(68, '\0');
+        m_header[2] = 20;
+        word(0, 68);
+        word(64, dotsPerInch);
+        word(66, dotsPerInch);
+        return *this;
+    }
+
     std::string download(int id) const { return e("*c" + std::to_string(id) + "D") + command(")s", "W", m_header); }
 
     static std::string letter(char code, int width)
@@ -64,6 +75,26 @@ TEST(PclText, ProportionalFontsAdvanceByTheGlyphFixedOnesByTheColumn)
     EXPECT_EQ(print(boxes(true) + at(100, 200) + "BA").ink().right, 175 + 6 + 8);
     EXPECT_EQ(print(boxes(false) + at(100, 200) + "BA").ink().right, 175 + 10 + 8);
     EXPECT_EQ(print(boxes(false) + e("&k12H") + at(100, 200) + "BA").ink().right, 175 + 30 + 8);
+}
+
+TEST(PclText, FontsByIdPrintDotForDotWhenTheirHeaderIsFinerThanTheJob)
+{
+    const auto job = [](bool isProportional) {
+        return BoxFont(isProportional).at(600).download(7) + BoxFont::letter('A', 8) + BoxFont::letter('B', 4)
+            + e("(7X") + at(100, 200) + "BA";
+    };
+    const PixelRect asStated { 175, 196, 175 + 3 + 4, 200 };
+    const PixelRect dotForDot { 175, 192, 175 + 6 + 8, 200 };
+    EXPECT_EQ(print(kStart + job(true)).ink(), asStated);
+    EXPECT_EQ(print(kStart + e("*t600R") + job(true)).ink(), asStated);
+    EXPECT_EQ(print(kStart + e("*t300R") + job(true)).ink(), dotForDot);
+    EXPECT_EQ(print(kStart + e("&u300D") + job(true)).ink(), dotForDot);
+    EXPECT_EQ(print(kStart + e("&u300D") + job(false)).ink().right, 175 + 10 + 8);
+    PrinterSettings settings;
+    settings.environment.resolution = 300;
+    EXPECT_EQ(print(kStart + job(true), settings).ink(), dotForDot);
+    settings.environment.resolution = 600;
+    EXPECT_EQ(print(kStart + e("&u300D") + job(true), settings).ink(), asStated);
 }
 
 TEST(PclText, FixedAdvancesDoNotDrift)
@@ -211,7 +242,7 @@ TEST(PclText, DefaultFontComesFromTheEnvironment)
 TEST(PclText, InkjetRasterLanguagesPrintNoText)
 {
     PrinterSettings settings;
-    settings.environment.rasterOnly = true;
+    settings.environment.family = quillrip::pcl::PrinterFamily::InkjetRaster;
     EXPECT_EQ(print(e("u300D") + "300D", settings).pages.size(), 0u);
 }
 

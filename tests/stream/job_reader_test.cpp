@@ -186,6 +186,23 @@ TEST(JobReader, InkjetDialectIsPclThatPrintsNoText)
     EXPECT_TRUE(part->isInkjetRaster);
 }
 
+TEST(JobReader, LinesBehindTheLanguagesNameLeaveItEntered)
+{
+    Reading reading(kExit + "@PJL ENTER LANGUAGE=PCL3GUI\n@PJL SET PAPER=A4\n@PJL COMMENT x\n\x1B&l0H");
+    const auto part = reading.reader.next();
+    ASSERT_TRUE(part);
+    EXPECT_TRUE(part->isInkjetRaster);
+    EXPECT_TRUE(part->isNamed);
+    EXPECT_EQ(reading.reader.environment().paperCode, 26);
+    EXPECT_EQ(reading.takePart(), "\x1B&l0H");
+    // The last one that enters counts, however many there are.
+    std::string many = kExit;
+    for (int i = 0; i < 100000; ++i)
+        many += "@PJL ENTER LANGUAGE=PCL3GUI\n";
+    Reading last(many + "@PJL ENTER LANGUAGE=PCL\n\x1B&l0H");
+    ASSERT_FALSE(last.reader.next()->isInkjetRaster);
+}
+
 TEST(JobReader, TextBehindTheLastJobIsLeftOutWhenItIsShort)
 {
     EXPECT_EQ(partsOf(kExit + "@PJL ENTER LANGUAGE=PCL\nabc" + kExit + "stray"), "pcl:abc|");

@@ -27,6 +27,10 @@ TEST(PjlEnvironment, ValuesOutsideTheirRangeAreIgnored)
     EXPECT_EQ(variables.formLines, 66);
     variables.set("", "FORMLINES", "200");
     EXPECT_EQ(variables.formLines, 66);
+    variables.set("", "RESOLUTION", "0");
+    EXPECT_FALSE(variables.resolution);
+    variables.set("", "RESOLUTION", "600");
+    EXPECT_EQ(variables.resolution, 600);
     variables.set("", "ORIENTATION", "UPSIDE");
     EXPECT_FALSE(variables.orientation);
     variables.set("PCL", "PITCH", "0.1");
