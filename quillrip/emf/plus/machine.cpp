@@ -25,7 +25,6 @@ std::string hexadecimal(std::uint16_t number)
 
 Machine::Machine(const Host& host)
     : m_host(host)
-    , m_paintedBefore(host.painter.page().paintedPixels())
     , m_canvas(m_host, m_states, [this](const char* kind, const std::string& message) { warn(kind, message); })
 {
 }
@@ -55,8 +54,8 @@ void Machine::comment(ByteView records, std::uint64_t offset, bool mayStart)
         execute(record);
         if (m_hasStopped)
             return;
-        if (isOverBudget())
-            return damage("emfplus.budget", "the page is painted over more often than any picture needs");
+        if (m_host.painter.work().isExhausted())
+            return;
     }
 }
 
@@ -115,13 +114,6 @@ bool Machine::letsRecordsThrough() const
     if (m_kind == Interpreter::Kind::None || m_hasHandedOver)
         return true;
     return m_isDamaged && m_kind == Interpreter::Kind::Dual && !m_canvas.hasMarked();
-}
-
-bool Machine::isOverBudget() const
-{
-    const PageBitmap& page = m_host.painter.page();
-    const std::uint64_t pixels = static_cast<std::uint64_t>(page.width()) * static_cast<std::uint64_t>(page.height());
-    return (page.paintedPixels() - m_paintedBefore) / m_host.limits.macroCoats > pixels;
 }
 
 bool Machine::takeEffect()

@@ -43,7 +43,6 @@ private:
     void start(const Record& header);
     void execute(const Record& record);
     void damage(const char* kind, const std::string& message);
-    bool isOverBudget() const;
 
     const Host m_host;
     Interpreter::Kind m_kind = Interpreter::Kind::None;
@@ -53,7 +52,6 @@ private:
     bool m_isDamaged = false;
     bool m_isWithinPasted = false;
     bool m_hasEffect = false;
-    std::uint64_t m_paintedBefore;
     StateStack m_states;
     ObjectStore m_objects;
     Canvas m_canvas;

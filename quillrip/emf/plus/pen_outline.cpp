@@ -70,10 +70,12 @@ private:
 /// Figures of a path: their ends get caps, what is left between is dashed and given on.
 class FigureBuilder final : public StrokeLineSink {
 public:
-    FigureBuilder(const PenStroke& stroke, const PenObject& object, const PixelRect& area, PieceCollector& sink)
+    FigureBuilder(
+        const PenStroke& stroke, const PenObject& object, const PixelRect& area, WorkMeter& work, PieceCollector& sink)
         : m_stroke(stroke)
         , m_object(object)
         , m_area(area)
+        , m_work(work)
         , m_pen(stroke.style.width, stroke.toDevice)
         , m_sink(sink)
         , m_bodyStyle(withButtEnds(stroke, object))
@@ -94,7 +96,7 @@ public:
         if (!Dasher::canDash(m_stroke.style, m_stroke.toDevice))
             return m_body.line(line);
         const double penWidth = std::max(m_pen.deviceWidth(), m_pen.deviceHeight());
-        Dasher dasher(m_stroke.style, m_stroke.toDevice, m_area, penWidth, m_body);
+        Dasher dasher(m_stroke.style, m_stroke.toDevice, m_area, penWidth, m_work, m_body);
         dasher.line(line);
     }
 
@@ -130,6 +132,7 @@ private:
     const PenStroke& m_stroke;
     const PenObject& m_object;
     PixelRect m_area;
+    WorkMeter& m_work;
     Pen m_pen;
     PieceCollector& m_sink;
     PenStroke m_bodyStyle;
@@ -140,11 +143,11 @@ private:
 
 } // namespace
 
-Path strokeOutline(const PenStroke& stroke, const PenObject& pen, const PixelRect& area)
+Path strokeOutline(const PenStroke& stroke, const PenObject& pen, const PixelRect& area, WorkMeter& work)
 {
     PieceCollector pieces;
     if (!stroke.path.empty() && stroke.toDevice.isInvertible()) {
-        FigureBuilder figures(stroke, pen, area, pieces);
+        FigureBuilder figures(stroke, pen, area, work, pieces);
         forEachStrokeLine(stroke.path, stroke.toDevice, figures);
     }
     return pieces.take();

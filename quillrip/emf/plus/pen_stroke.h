@@ -1,5 +1,6 @@
 #pragma once
 
+#include "quillrip/base/work_meter.h"
 #include "quillrip/emf/plus/pen_object.h"
 #include "quillrip/raster/painter.h"
 
@@ -28,6 +29,6 @@ PenStroke penStroke(const Path& worldPath, const PenObject& pen, const StrokeSpa
 
 /// The outline of the whole line in device pixels, for filling by the non-zero rule: dashes with their caps, compound
 /// lines, insets, anchors and custom caps. `area`: where marks can be seen.
-Path strokeOutline(const PenStroke& stroke, const PenObject& pen, const PixelRect& area);
+Path strokeOutline(const PenStroke& stroke, const PenObject& pen, const PixelRect& area, WorkMeter& work);
 
 } // namespace quillrip::emf::plus

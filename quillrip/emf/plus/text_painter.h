@@ -1,6 +1,7 @@
 #pragma once
 
 #include "quillrip/emf/plus/canvas.h"
+#include "quillrip/fonts/font_reporter.h"
 #include "quillrip/fonts/select/windows_fonts.h"
 
 #include <string>

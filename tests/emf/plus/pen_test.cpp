@@ -25,7 +25,8 @@ Rect outlined(const std::vector<Point>& points, bool isClosed, const PenObject& 
 {
     const PenStroke stroke = penStroke(polygonPath(points, isClosed), pen, {});
     EXPECT_TRUE(stroke.needsOutline);
-    return strokeOutline(stroke, pen, { 0, 0, 1000, 1000 }).bounds();
+    WorkMeter work;
+    return strokeOutline(stroke, pen, { 0, 0, 1000, 1000 }, work).bounds();
 }
 
 void expectNear(const Rect& rect, double left, double top, double right, double bottom)
