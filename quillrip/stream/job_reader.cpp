@@ -318,12 +318,11 @@ void JobReader::skipTransferredData(const PjlLine& line)
 }
 
 // An unmistakable beginning counts more than the name; drivers and people get the name wrong.
-std::optional<Part> JobReader::enterLanguage(const std::string& name)
+std::optional<Part> JobReader::enterLanguage(std::string name)
 {
-    const auto entry = std::find_if(
-        s_languages.begin(), s_languages.end(), [&](const LanguageName& language) { return name == language.name; });
     Content content = look(true);
-    // Some drivers write lines of the job language behind the one that enters: the language stays entered.
+    // Some drivers write lines of the job language behind the one that enters: the language stays entered, up to
+    // another one that enters.
     while (content.kind == ContentKind::Pjl
         && startsWithPrefix(m_input.window(content.padding + 5).sub(content.padding))) {
         m_input.skip(content.padding);
@@ -332,10 +331,13 @@ std::optional<Part> JobReader::enterLanguage(const std::string& name)
         const auto text = takeLine(m_input);
         const PjlLine line = text ? parsePjlLine(*text) : PjlLine {};
         if (line.command == "ENTER")
-            return enterLanguage(upper(line.option("LANGUAGE").value_or("AUTO")));
-        obey(line, lineOffset);
+            name = upper(line.option("LANGUAGE").value_or("AUTO"));
+        else
+            obey(line, lineOffset);
         content = look(true);
     }
+    const auto entry = std::find_if(
+        s_languages.begin(), s_languages.end(), [&](const LanguageName& language) { return name == language.name; });
     if (content.kind == ContentKind::Nothing || content.kind == ContentKind::Pjl) {
         m_isReadingPjl = content.kind == ContentKind::Pjl;
         m_input.skip(content.padding);

@@ -49,7 +49,7 @@ public:
 
 private:
     std::optional<Part> readPjl();
-    std::optional<Part> enterLanguage(const std::string& name);
+    std::optional<Part> enterLanguage(std::string name);
     std::optional<Part> partOf(const Content& content);
     void obey(const PjlLine& line, std::uint64_t offset);
     void skipTransferredData(const PjlLine& line);

@@ -133,9 +133,14 @@ TEST(EmfPlusPlayback, PaintingTheSamePageForEverEnds)
     Records records = header();
     for (int i = 0; i < 3000; ++i)
         fillRect(records, 0x01000000, 0, 0, 4, 4);
-    Sheet sheet(4, 4);
-    sheet.play(records);
-    EXPECT_TRUE(sheet.diagnostics().has("emfplus.budget"));
+    records.add(0x4038, 0,
+        Fields()
+            .u8({ 0xA4, 0x80, 0x3C, 0x63, 0x43, 0x18, 0x2B, 0x48, 0x9E, 0xF2, 0xBE, 0x28, 0x34, 0xC5, 0xFD, 0xD4 })
+            .u32({ 0 }));
+    EXPECT_TRUE(Sheet(4, 4).play(records).diagnostics().has("emfplus.effect"));
+    WorkBudget little;
+    little.page = 10'000;
+    EXPECT_FALSE(Sheet(4, 4, PixelFormat::Rgb24, little).play(records).diagnostics().has("emfplus.effect"));
 }
 
 TEST(EmfPlusPlayback, MetafilesInImagesFillTheirParallelogram)

@@ -108,9 +108,9 @@ bool CollectedDiagnostics::has(const std::string& kind) const
     return std::any_of(all.begin(), all.end(), [&kind](const Diagnostic& one) { return one.kind == kind; });
 }
 
-Sheet::Sheet(int width, int height, PixelFormat format)
+Sheet::Sheet(int width, int height, PixelFormat format, const WorkBudget& budget)
     : m_page(format, width, height, { 300, 300 })
-    , m_painter(m_page)
+    , m_painter(m_page, std::make_shared<WorkMeter>(budget))
 {
     const auto playMetafile
         = [this](ByteView metafile, const Matrix& matrix, const std::shared_ptr<const ClipRegion>&) {

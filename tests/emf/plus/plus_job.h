@@ -74,7 +74,8 @@ public:
 /// A page whose pixels are those of the recording device, and an interpreter that draws on it.
 class Sheet {
 public:
-    explicit Sheet(int width = 40, int height = 40, PixelFormat format = PixelFormat::Rgb24);
+    explicit Sheet(
+        int width = 40, int height = 40, PixelFormat format = PixelFormat::Rgb24, const WorkBudget& budget = {});
     Sheet(const Sheet&) = delete;
     Sheet& operator=(const Sheet&) = delete;
 
