@@ -163,6 +163,24 @@ TEST(GrayImage, WholeScaleMakesBlocksEvenWhenSmooth)
         (Rows { { 55, 55, 155, 155 }, { 55, 55, 155, 155 } }));
 }
 
+TEST(GrayImage, WholeScalesAreSmoothWhereThatIsAskedFor)
+{
+    PageBitmap page(PixelFormat::Gray8, 4, 1, {});
+    Painter painter(page);
+    ImageGeometry geometry;
+    geometry.format = ImageFormat::Gray8;
+    geometry.width = 2;
+    geometry.imageToDevice = Matrix::scaling(2, 1);
+    geometry.smoothsBlocks = true;
+    PaintState state;
+    state.sourceTransparent = false;
+    const auto image = painter.beginImage(geometry, state);
+    const std::uint8_t row[2] = { 255, 155 };
+    image->row(row);
+    image->finish();
+    EXPECT_EQ(std::vector<int>(page.row(0), page.row(0) + 4), (std::vector<int> { 0, 25, 75, 100 }));
+}
+
 TEST(GrayImage, SmoothEnlargingMixesNeighbours)
 {
     const auto rows = grayImage({ { 255, 5 }, { 255, 5 } }, Matrix::scaling(2.5, 2.5), true, 5, 5);

@@ -169,7 +169,7 @@ private:
     /// False if the sample is white.
     bool addSample(Point at, float* sums) const
     {
-        if (m_image.smooth && !m_isBilevelPage)
+        if ((m_image.smooth || m_image.smoothsBlocks) && !m_isBilevelPage)
             return addLinearSample(at, sums);
         return addWeighted(static_cast<std::int64_t>(at.x), static_cast<std::int64_t>(at.y), 1, sums);
     }

@@ -67,6 +67,7 @@ bool AlignedGeometry::find(
     aligned.width = image.width;
     aligned.height = image.height;
     aligned.smooth = image.smooth;
+    aligned.smoothsBlocks = image.smoothsBlocks;
     aligned.dropsPixels = image.dropsPixels;
     aligned.isTurned = !isUpright;
     ImageAxis& columns = aligned.columns;

@@ -15,6 +15,7 @@ struct AlignedGeometry {
     int width = 0;
     int height = -1;
     bool smooth = false;
+    bool smoothsBlocks = false;
     bool dropsPixels = false;
     ImageAxis columns;
     ImageAxis lines;

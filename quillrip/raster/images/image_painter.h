@@ -25,6 +25,8 @@ struct ImageGeometry {
     Matrix imageToDevice;
     /// In grey and RGB, enlarge smoothly instead of by blocks when the scale is no whole number.
     bool smooth = false;
+    /// As smooth, and when the scale is a whole number too.
+    bool smoothsBlocks = false;
     /// Shrink by leaving pixels out, as they lie under the device's, instead of averaging. Not for Mono.
     bool dropsPixels = false;
 };

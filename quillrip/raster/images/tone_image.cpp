@@ -17,11 +17,12 @@ enum class Resampling {
     Linear, ///< between the two nearest source pixels
 };
 
-Resampling resamplingFor(const ImageAxis& axis, bool smooth, bool dropsPixels)
+Resampling resamplingFor(const ImageAxis& axis, const AlignedGeometry& image)
 {
     if (axis.shrinks())
-        return dropsPixels ? Resampling::Blocks : Resampling::Average;
-    return smooth && !axis.isWhole() ? Resampling::Linear : Resampling::Blocks;
+        return image.dropsPixels ? Resampling::Blocks : Resampling::Average;
+    const bool isSmooth = image.smoothsBlocks ? !axis.isIdentity() : image.smooth && !axis.isWhole();
+    return isSmooth ? Resampling::Linear : Resampling::Blocks;
 }
 
 /// Source rows to rows of the device's columns, as floating point ink. What a column takes is neighbouring source
@@ -146,8 +147,8 @@ public:
         , m_isMono(aligned.format == ImageFormat::Mono)
         , m_isBlended(aligned.format == ImageFormat::Rgba32)
         , m_inkChannels(!m_isMono && compositor().format() == PixelFormat::Rgb24 ? 3 : 1)
-        , m_columnWay(resamplingFor(aligned.columns, aligned.smooth, aligned.dropsPixels))
-        , m_lineWay(resamplingFor(aligned.lines, aligned.smooth, aligned.dropsPixels))
+        , m_columnWay(resamplingFor(aligned.columns, aligned))
+        , m_lineWay(resamplingFor(aligned.lines, aligned))
         , m_isAllBlocks(m_columnWay == Resampling::Blocks && m_lineWay == Resampling::Blocks)
         // Where pixels are mixed, those of a transparent source's white leave a part of the page as it is.
         , m_hasAlpha(!m_isMono && !m_isAllBlocks
