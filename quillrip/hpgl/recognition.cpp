@@ -19,6 +19,8 @@ constexpr int kCommandsLookedAt = 12;
 constexpr int kFailuresAllowed = 1;
 /// So few commands must all be believable.
 constexpr int kShortPlot = 4;
+/// Plotter units: 64 inches, the widest roll that plotters take.
+constexpr double kWidestRoll = 64 * kPlotterUnitsPerInch;
 /// Plotter units; a little more than the long edge of the largest sheet that desktop printers take.
 constexpr double kLargeFormat = 17400;
 
@@ -93,10 +95,11 @@ public:
             } else if (!skipRasterSequence()) {
                 return false;
             }
-            // A coarse raster can be too wide by mistake, and printers cut it.
+            // A coarse raster can be too wide by mistake, and printers cut it; so can one that no roll of paper holds.
             constexpr double kFineDotsPerInch = 150;
-            const bool isWide = m_dotsPerInch >= kFineDotsPerInch
-                && m_rasterWidth / m_dotsPerInch * kPlotterUnitsPerInch > kLargeFormat;
+            const double width
+                = m_dotsPerInch >= kFineDotsPerInch ? m_rasterWidth / m_dotsPerInch * kPlotterUnitsPerInch : 0;
+            const bool isWide = width > kLargeFormat && width <= kWidestRoll;
             const bool asksForPage = m_page.hasBegun || m_page.hasSize || isWide;
             if ((asksForPage && m_hasRaster) || (m_page.hasBothEdges && (m_page.hasBegun || m_page.isLarge)))
                 return true;

@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdlib>
 #include <string>
 #include <utility>
 
@@ -54,8 +55,31 @@ void CurrentRaster::dropDefaultTopMargin()
     m_cursor.moveTo(m_cursor.x(), m_cursor.y() - top);
 }
 
+// Models of the raster language differ in what they keep free at the left: an eighth of an inch or a quarter. Their
+// drivers send rasters as wide as can be printed, which tells.
+void CurrentRaster::centreOnSheet()
+{
+    constexpr InternalUnits kWideMargin = kUnitsPerInch / 4;
+    constexpr InternalUnits kAllowance = kUnitsPerInch / 100;
+    const RasterSettings& settings = m_state.raster;
+    const bool canTell = m_environment.family == PrinterFamily::InkjetRaster && settings.width
+        && m_state.page.orientation() == 0 && !m_page.isOpen();
+    if (!canTell)
+        return;
+    const double dotsPerInch = settings.componentData.empty()
+        ? settings.resolution
+        : RasterLayout::resolutionOf(settings.componentData).value_or(Resolution { settings.resolution, 0 }).x;
+    const InternalUnits width = inUnits(*settings.width, static_cast<double>(kUnitsPerInch) / dotsPerInch);
+    const InternalUnits margin = (inUnits(m_state.page.size().width, kUnitsPerDecipoint) - width) / 2;
+    if (std::abs(margin - kWideMargin) > kAllowance)
+        return;
+    m_state.page.setLeftOffset(margin);
+    m_page.geometryChanged();
+}
+
 void CurrentRaster::start(int mode)
 {
+    centreOnSheet();
     dropDefaultTopMargin();
     const int direction = rowDirection();
     const LogicalPage& page = m_state.page;
@@ -72,6 +96,7 @@ void CurrentRaster::ensureOpen()
 {
     if (m_session)
         return;
+    centreOnSheet();
     dropDefaultTopMargin();
     m_isScaled = false;
     begin();
@@ -108,6 +133,10 @@ void CurrentRaster::begin()
     const InternalUnits room = std::max<InternalUnits>(end - settings.leftMargin, 1);
     const int roomPixels = static_cast<int>(std::ceil(static_cast<double>(room) / setup.pixelWidth - 1e-9));
     int width = settings.width.value_or(std::max(1, roomPixels));
+    // Drivers can declare widths that no sheet has; what lies beyond it, sent or not, is not seen.
+    const InternalUnits sheetEnd = page.reachRight(setup.direction) - settings.leftMargin;
+    if (!m_isScaled && !m_visit.isOn() && width * setup.pixelWidth > static_cast<double>(sheetEnd) + kUnitsPerInch)
+        width = std::max(1, roomPixels);
     setup.height = settings.height;
     setup.hasDeclaredArea = settings.width && settings.height;
     if (m_isScaled && setup.hasDeclaredArea && *settings.width > 0 && *settings.height > 0) {

@@ -47,6 +47,7 @@ public:
 
 private:
     void dropDefaultTopMargin();
+    void centreOnSheet();
     void begin();
     void ensureOpen();
     int rowDirection() const;

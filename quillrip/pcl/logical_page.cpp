@@ -43,6 +43,12 @@ LogicalPage::LogicalPage(const PageSize& size, int orientation, PrinterFamily fa
     m_length = down * kUnitsPerDot - m_topOffset;
 }
 
+void LogicalPage::setLeftOffset(InternalUnits offset)
+{
+    m_width += 2 * (m_leftOffset - offset);
+    m_leftOffset = offset;
+}
+
 void LogicalPage::changeFamily(PrinterFamily family)
 {
     const PageSize* size = findPageSize(m_size.code, family);

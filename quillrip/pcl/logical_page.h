@@ -29,6 +29,8 @@ public:
     InternalUnits width() const { return m_width; }
     InternalUnits length() const { return m_length; }
     InternalUnits leftOffset() const { return m_leftOffset; }
+    /// Another margin left and right of the logical page than the printer's family has.
+    void setLeftOffset(InternalUnits offset);
     PrinterFamily family() const { return m_family; }
     /// The job has shown whose sheets it counts on. A form length of its own stays.
     void changeFamily(PrinterFamily family);

@@ -236,7 +236,7 @@ void setColumnWidth(Machine& machine, const Command& command)
     if (command.value.number < 0 || command.value.number > 840)
         return;
     machine.fonts().current(); // a selection still to be made must not undo the new width
-    machine.state().columnWidth = inUnits(command.value.number, kUnitsPerInch / 120);
+    machine.state().columnWidth = inUnits(command.value.number, static_cast<double>(kUnitsPerInch) / 120);
 }
 
 void setLineSpacing(Machine& machine, const Command& command)
@@ -244,7 +244,7 @@ void setLineSpacing(Machine& machine, const Command& command)
     if (command.value.number < 0 || command.value.number > 336)
         return;
     const bool isAtHome = waitsAtHome(machine);
-    machine.state().lineSpacing = inUnits(command.value.number, kUnitsPerInch / 48);
+    machine.state().lineSpacing = inUnits(command.value.number, static_cast<double>(kUnitsPerInch) / 48);
     if (isAtHome)
         machine.cursor().home();
 }

@@ -161,7 +161,7 @@ void Tokenizer::readValue(Value& value)
 std::uint64_t Tokenizer::takeData(std::uint64_t count, std::vector<std::uint8_t>& data, std::size_t keep)
 {
     // Grown as the bytes arrive: a count from the stream is no reason yet to allocate.
-    constexpr std::uint64_t kStep = 256 * 1024;
+    constexpr std::uint64_t kStep = std::uint64_t { 256 } * 1024;
     std::uint64_t taken = 0;
     const std::uint64_t wanted = std::min<std::uint64_t>(count, keep);
     while (taken < wanted) {

@@ -113,6 +113,7 @@ TEST(HpglRecognition, RasterThatNoPrinterIsWideEnoughForIsAPlot)
 {
     EXPECT_TRUE(hasRaster(escaped("@E@*t300R@*r10200s1A@*b2W11")));
     EXPECT_FALSE(hasRaster(escaped("@E@*t600R@*r10200s1A@*b2W11")));
+    EXPECT_FALSE(hasRaster(escaped("@*rB@*t180R@*r12288S@*r3U@*r1A@*b2W11"))); // nor any plotter
     EXPECT_FALSE(hasRaster(escaped("@E@*t75R@*r2000s1A@*b2W11")));
     EXPECT_FALSE(hasRaster(escaped("@E@*r10200s1A@*b2W11")));
     EXPECT_FALSE(hasRaster(escaped("@E@&l8A@*t300R@*r10200s1A@*b2W11")));

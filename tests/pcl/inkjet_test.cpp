@@ -51,6 +51,19 @@ TEST(PclInkjet, RasterLanguageHasNoTextMargin)
     EXPECT_EQ(foot.ink().top, 3501);
 }
 
+TEST(PclInkjet, RastersOfTheWholePrintableWidthTellTheLeftMargin)
+{
+    const auto leftOf = [](int width) {
+        return printRaster(e("&l2A") + e("*t300R") + e("*r" + std::to_string(width) + "S") + e("*p0Y") + kDot)
+            .ink()
+            .left;
+    };
+    EXPECT_EQ(leftOf(2400), 75);
+    EXPECT_EQ(leftOf(2398), 76);
+    EXPECT_NEAR(leftOf(2475), 37.5, 1);
+    EXPECT_NEAR(leftOf(2000), 37.5, 1); // a picture's own width
+}
+
 TEST(PclInkjet, MetricSheetsHaveNarrowMarginsAtTheSides)
 {
     EXPECT_EQ(print(kA4 + kDot).ink().left, 71);
@@ -142,6 +155,18 @@ TEST(PclInkjet, LightPlanesWithoutAWidthEndAtTheLogicalPage)
     EXPECT_EQ(printed.color(75 + 2399, 0), kBlack);
     EXPECT_EQ(printed.color(75 + 2400, 0), kWhite);
     EXPECT_EQ(printed.ink(), (PixelRect { 75, 0, 2475, 1 }));
+}
+
+TEST(PclInkjet, AWidthThatNoSheetHasEndsAtTheLogicalPage)
+{
+    // 12288 dots of 180 to the inch; the rows are shorter than even the sheet, and their missing bytes black.
+    const std::string job = e("&l2A") + e("*t180R") + e("*r12288S") + e("*r3U") + e("&a0H") + e("&a0V") + e("*r1A")
+        + plane({ 0xFF }) + plane({ 0xFF }) + row({ 0xFF });
+    const Printed printed = printColor(job);
+    expectSheet(printed, 8.5, 11);
+    EXPECT_EQ(printed.color(75, 0), kWhite);
+    EXPECT_EQ(printed.color(75 + 2399, 0), kBlack);
+    EXPECT_EQ(printed.color(75 + 2401, 0), kWhite);
 }
 
 TEST(PclInkjet, DropsOfFourLevelInkAddUpLessAndLess)
