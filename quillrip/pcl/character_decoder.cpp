@@ -1,10 +1,10 @@
 #include "quillrip/pcl/character_decoder.h"
 
+#include "quillrip/base/escape_sequence.h"
+
 namespace quillrip::pcl {
 
 namespace {
-
-constexpr std::uint8_t kEscape = 0x1B;
 
 /// Whether a byte is the first of two, by text parsing method.
 bool isLeadByte(int method, std::uint8_t byte)

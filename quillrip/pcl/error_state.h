@@ -1,7 +1,6 @@
 #pragma once
 
-#include "quillrip/base/diagnostics.h"
-#include "quillrip/fonts/font_reporter.h"
+#include "quillrip/base/reporter.h"
 
 #include <cstdint>
 #include <string>
@@ -15,11 +14,12 @@ class ErrorState {
 public:
     explicit ErrorState(DiagnosticSink& sink)
         : m_sink(sink)
+        , m_reporter(&sink)
     {
     }
 
-    void warn(const char* kind, std::string message) { report(Severity::Warning, kind, std::move(message)); }
-    void damage(const char* kind, std::string message) { report(Severity::Damage, kind, std::move(message)); }
+    void warn(const char* kind, std::string message) const { m_reporter.warn(kind, std::move(message)); }
+    void damage(const char* kind, std::string message) const { m_reporter.damage(kind, std::move(message)); }
 
     /// Ends the run; the first reason stays. Done ends nothing.
     void fail(RunStatus status) { m_status = failed() ? m_status : status; }
@@ -27,18 +27,13 @@ public:
     RunStatus status() const { return m_status; }
 
     /// Where the command in progress stands in the job.
-    void setOffset(std::uint64_t offset) { m_offset = offset; }
+    void setOffset(std::uint64_t offset) { m_reporter.at(offset); }
+    const Reporter& reporter() const { return m_reporter; }
     DiagnosticSink& sink() const { return m_sink; }
-    FontReporter fontReporter() const { return { &m_sink, m_offset }; }
 
 private:
-    void report(Severity severity, const char* kind, std::string message)
-    {
-        m_sink.report({ severity, m_offset, kind, std::move(message) });
-    }
-
     DiagnosticSink& m_sink;
-    std::uint64_t m_offset = 0;
+    Reporter m_reporter;
     RunStatus m_status = RunStatus::Done;
 };
 

@@ -65,7 +65,7 @@ void LogicalPage::changeFamily(PrinterFamily family)
 LogicalPage LogicalPage::ofPlot(double width, double length)
 {
     LogicalPage layout;
-    layout.m_size = { kCustomPageSize, std::max(width, 1.0), std::max(length, 1.0), 0, 0, false };
+    layout.m_size = { kCustomPaperCode, std::max(width, 1.0), std::max(length, 1.0), 0, 0, false };
     layout.m_width = inUnits(layout.m_size.width, kUnitsPerDecipoint);
     layout.m_length = inUnits(layout.m_size.length, kUnitsPerDecipoint);
     layout.m_leftOffset = 0;

@@ -1,5 +1,6 @@
 #include "quillrip/pcl/machine.h"
 
+#include "quillrip/base/escape_sequence.h"
 #include "quillrip/pcl/character_decoder.h"
 #include "quillrip/pcl/command_handlers.h"
 #include "quillrip/pcl/current_raster.h"
@@ -28,7 +29,6 @@ namespace {
 constexpr std::uint64_t kUnitsPerToken = 50;
 
 constexpr std::uint8_t kEndOfFile = 0x1A; ///< of older systems
-constexpr int kEscape = 0x1B;
 constexpr std::uint8_t kFormFeed = 0x0C;
 
 } // namespace
@@ -271,6 +271,8 @@ void Machine::execute(Tokenizer& tokenizer, const Token& token)
     m_data.clear();
     if (const std::uint64_t count = dataLength(token, entry))
         readData(tokenizer, token, count);
+    if (errors().reporter().isTracing())
+        trace(token, entry);
     const bool isObeyed = entry && entry->handler && (!m_environment.isPlotterRaster || isOfPlotters(*entry));
     if (isObeyed && !isHeldBack(entry->raster)) {
         const bool isSetting = entry->raster == RasterRule::BeforeRows
@@ -293,6 +295,18 @@ void Machine::execute(Tokenizer& tokenizer, const Token& token)
         tokenizer.resumeIfContinued('*', 'b', "vwym");
 }
 
+void Machine::trace(const Token& token, const CommandEntry* entry) const
+{
+    std::string command = std::string("ESC") + token.prefix;
+    if (token.group)
+        command += token.group;
+    command += Reporter::spelled(token.value.number) + token.terminator;
+    command += std::string(", ") + (entry ? entry->name : "unknown");
+    if (!m_data.empty())
+        command += ", " + std::to_string(m_data.size()) + " bytes";
+    m_rooms->errors.reporter().trace(command);
+}
+
 bool Machine::isHeldBack(RasterRule rule)
 {
     return (rule == RasterRule::Waits && raster().isOpen()) || (rule == RasterRule::BeforeRows && raster().hasData());
@@ -301,6 +315,8 @@ bool Machine::isHeldBack(RasterRule rule)
 void Machine::executeTwoCharacter(const Token& token)
 {
     const TwoCharacterEntry* entry = findTwoCharacter(static_cast<char>(token.byte));
+    if (entry && errors().reporter().isTracing())
+        errors().reporter().trace(std::string("ESC") + entry->code + ", " + entry->name);
     if (entry && entry->handler)
         entry->handler(*this, {});
 }

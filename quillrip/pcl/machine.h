@@ -29,6 +29,7 @@ class TextPrinter;
 class Tokenizer;
 class UnderlineRun;
 enum class RasterRule : std::uint8_t;
+struct CommandEntry;
 struct Token;
 
 /// The printer: reads commands and has them carried out by the handlers of the command table, which ask its rooms. Each
@@ -83,6 +84,7 @@ private:
     bool skipJobLanguageLine(Tokenizer& tokenizer, const Token& token);
     void interpretMacro(InputStream& stream);
     void execute(Tokenizer& tokenizer, const Token& token);
+    void trace(const Token& token, const CommandEntry* entry) const;
     bool isHeldBack(RasterRule rule);
     void executeTwoCharacter(const Token& token);
     void readData(Tokenizer& tokenizer, const Token& token, std::uint64_t count);

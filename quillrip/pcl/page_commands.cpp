@@ -53,10 +53,10 @@ void setPageSize(Machine& machine, const Command& command)
     const Environment& environment = machine.environment();
     const PageSize* size = findPageSize(code, environment.family);
     const PageSize custom = customPageSize(environment.customWidth, environment.customLength);
-    if (code == kCustomPageSize && isPossible(custom))
+    if (code == kCustomPaperCode && isPossible(custom))
         size = &custom;
     const Environment unsaid;
-    state.wantsCustomSheet = code == kCustomPageSize && environment.customWidth == unsaid.customWidth
+    state.wantsCustomSheet = code == kCustomPaperCode && environment.customWidth == unsaid.customWidth
         && environment.customLength == unsaid.customLength;
     if (!size)
         return;
@@ -302,7 +302,7 @@ void extendedSetting(Machine& machine, const Command& command)
         return;
     (data[1] == 5 ? environment.customWidth : environment.customLength) = decipoints;
     const PageSize custom = customPageSize(environment.customWidth, environment.customLength);
-    if (state.page.size().code == kCustomPageSize && !machine.page().isOpen() && isPossible(custom)) {
+    if (state.page.size().code == kCustomPaperCode && !machine.page().isOpen() && isPossible(custom)) {
         state.wantsCustomSheet = false;
         layOutPage(machine, LogicalPage(custom, state.page.orientation(), environment.family));
     }

@@ -78,20 +78,20 @@ constexpr std::array kInkjetPageSizes {
 
 /// Sheets of large-format printers, which have no code of their own.
 constexpr std::array kLargeSheets {
-    inches(kCustomPageSize, 12, 18, 3600, 5400), // architects' B
-    millimetres(kCustomPageSize, 329, 483, 3886, 5705), // A3+
-    inches(kCustomPageSize, 17, 22, 5100, 6600), // C
-    millimetres(kCustomPageSize, 420, 594, 4960, 7016), // A2
-    inches(kCustomPageSize, 18, 24, 5400, 7200), // architects' C
-    millimetres(kCustomPageSize, 500, 707, 5906, 8350), // B2
-    millimetres(kCustomPageSize, 594, 841, 7016, 9933), // A1
-    inches(kCustomPageSize, 22, 34, 6600, 10200), // D
-    inches(kCustomPageSize, 24, 36, 7200, 10800), // architects' D
-    millimetres(kCustomPageSize, 707, 1000, 8350, 11811), // B1
-    inches(kCustomPageSize, 30, 42, 9000, 12600), // architects' E1
-    inches(kCustomPageSize, 34, 44, 10200, 13200), // E
-    millimetres(kCustomPageSize, 841, 1189, 9933, 14043), // A0
-    inches(kCustomPageSize, 36, 48, 10800, 14400), // architects' E
+    inches(kCustomPaperCode, 12, 18, 3600, 5400), // architects' B
+    millimetres(kCustomPaperCode, 329, 483, 3886, 5705), // A3+
+    inches(kCustomPaperCode, 17, 22, 5100, 6600), // C
+    millimetres(kCustomPaperCode, 420, 594, 4960, 7016), // A2
+    inches(kCustomPaperCode, 18, 24, 5400, 7200), // architects' C
+    millimetres(kCustomPaperCode, 500, 707, 5906, 8350), // B2
+    millimetres(kCustomPaperCode, 594, 841, 7016, 9933), // A1
+    inches(kCustomPaperCode, 22, 34, 6600, 10200), // D
+    inches(kCustomPaperCode, 24, 36, 7200, 10800), // architects' D
+    millimetres(kCustomPaperCode, 707, 1000, 8350, 11811), // B1
+    inches(kCustomPaperCode, 30, 42, 9000, 12600), // architects' E1
+    inches(kCustomPaperCode, 34, 44, 10200, 13200), // E
+    millimetres(kCustomPaperCode, 841, 1189, 9933, 14043), // A0
+    inches(kCustomPaperCode, 36, 48, 10800, 14400), // architects' E
 };
 
 /// Sizes that a page length in lines may choose, the common ones first.
@@ -141,7 +141,7 @@ const PageSize* findLargeSheetByLength(InternalUnits length)
 
 PageSize customPageSize(double width, double length)
 {
-    return { kCustomPageSize, width, length, static_cast<int>(std::lround(width * 300 / 720)),
+    return { kCustomPaperCode, width, length, static_cast<int>(std::lround(width * 300 / 720)),
         static_cast<int>(std::lround(length * 300 / 720)), false };
 }
 

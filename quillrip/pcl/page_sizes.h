@@ -1,5 +1,6 @@
 #pragma once
 
+#include "quillrip/base/paper.h"
 #include "quillrip/pcl/environment.h"
 
 #include <cstdint>
@@ -33,9 +34,7 @@ const PageSize* findPageSize(int code, PrinterFamily family = PrinterFamily::Las
 const PageSize* findPageSizeByLength(InternalUnits length);
 /// The sheet of a large-format printer that holds so many inches of lines and hardly more; null when there is none.
 const PageSize* findLargeSheetByLength(InternalUnits length);
-/// The number of the size that job control, panel or driver give; and that size, of which a logical page may be
-/// nothing.
-constexpr int kCustomPageSize = 101;
+/// The size that job control, panel or driver give under kCustomPaperCode; a logical page may be nothing of it.
 PageSize customPageSize(double width, double length);
 /// Something is left between the margins at its edges.
 bool isPossible(const PageSize& size);

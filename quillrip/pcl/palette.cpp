@@ -7,7 +7,6 @@ namespace quillrip::pcl {
 
 namespace {
 
-constexpr Rgb kWhite { 255, 255, 255 };
 constexpr Rgb kBlack { 0, 0, 0 };
 /// More stored palettes than any job has; a copy of the store stays cheap.
 constexpr std::size_t kStoredPalettes = 512;

@@ -1,5 +1,6 @@
 #include "quillrip/pcl/plot_host.h"
 
+#include "quillrip/base/units.h"
 #include "quillrip/pcl/cursor.h"
 #include "quillrip/pcl/error_state.h"
 #include "quillrip/pcl/font_slots.h"
@@ -120,8 +121,8 @@ hpgl::PictureFrame PlotHost::pictureFrame() const
     frame.top = corner.y;
     frame.width = decipoints(width);
     frame.height = decipoints(height);
-    frame.plotWidth = settings.plotWidth * 720;
-    frame.plotHeight = settings.plotHeight * 720;
+    frame.plotWidth = settings.plotWidth * kDecipointsPerInch;
+    frame.plotHeight = settings.plotHeight * kDecipointsPerInch;
     frame.clipLeft = clipFrom.x;
     frame.clipTop = clipFrom.y;
     frame.clipRight = clipTo.x;

@@ -1,5 +1,6 @@
 #include "quillrip/pcl/plot_visit.h"
 
+#include "quillrip/base/escape_sequence.h"
 #include "quillrip/pcl/cursor.h"
 #include "quillrip/pcl/page.h"
 #include "quillrip/pcl/state.h"
@@ -12,8 +13,6 @@
 namespace quillrip::pcl {
 
 namespace {
-
-constexpr int kEscape = 0x1B;
 
 std::vector<Rgb> colorsOf(const Palette& palette)
 {

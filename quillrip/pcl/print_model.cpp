@@ -6,7 +6,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdint>
 
 namespace quillrip::pcl {
 
@@ -17,13 +16,7 @@ PrintModel::PrintModel(const State& state, const Page& page, PatternCache& patte
 {
 }
 
-Rgb PrintModel::shown(Rgb color) const
-{
-    if (!m_state.isMonochrome)
-        return color;
-    const std::uint8_t light = luminance(color);
-    return { light, light, light };
-}
+Rgb PrintModel::shown(Rgb color) const { return m_state.isMonochrome ? grayOf(color) : color; }
 
 PaintState PrintModel::paintState(PatternChoice choice)
 {

@@ -1,5 +1,6 @@
 // Patterns, transparency, logical operations and rectangles.
 
+#include "quillrip/base/units.h"
 #include "quillrip/pcl/command_handlers.h"
 #include "quillrip/pcl/cursor.h"
 #include "quillrip/pcl/error_state.h"
@@ -120,7 +121,7 @@ void setRectangleSize(Machine& machine, const Command& command)
         // A part of a dot counts as a whole one; the dots are those of the device, 1/300 inch where it is coarser.
         const Resolution resolution = machine.page().canvas().resolution;
         const double perInch = std::max(300.0, command.terminator == 'H' ? resolution.x : resolution.y);
-        const double dots = std::ceil(std::min(command.value.number, 32767.0) * perInch / 720 - 1e-6);
+        const double dots = std::ceil(std::min(command.value.number, 32767.0) * perInch / kDecipointsPerInch - 1e-6);
         size = inUnits(dots, static_cast<double>(kUnitsPerInch) / perInch);
     } else {
         size
@@ -153,7 +154,7 @@ void fillRectangle(Machine& machine, const Command& command)
     if (fill == 1) {
         // A white rectangle erases, whatever the transparency modes.
         paint.texture = {};
-        paint.texture.color = { 255, 255, 255 };
+        paint.texture.color = kWhite;
     }
     paint.clip = machine.page().logicalPageClip();
     painter->fillRect(rect, paint);

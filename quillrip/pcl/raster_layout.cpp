@@ -14,12 +14,6 @@ std::size_t packedBytes(int width, int bits)
 
 unsigned bitAt(const std::vector<std::uint8_t>& plane, std::size_t x) { return (plane[x / 8] >> (7 - x % 8)) & 1u; }
 
-Rgb gray(Rgb color)
-{
-    const std::uint8_t light = luminance(color);
-    return { light, light, light };
-}
-
 void put(std::uint8_t*& out, Rgb color)
 {
     *out++ = color.red;
@@ -75,10 +69,10 @@ RasterLayout RasterLayout::forPalette(const Palette& palette, int width, bool is
             color = palette.color(i);
         }
         const bool mixesChannels = layout.m_kind == Kind::DirectByPixel;
-        layout.m_colors.push_back(isMonochrome && !mixesChannels ? gray(color) : color);
+        layout.m_colors.push_back(isMonochrome && !mixesChannels ? grayOf(color) : color);
     }
     const Rgb zero = layout.m_kind == Kind::DirectByPixel ? layout.directColor(0, 0, 0) : layout.m_colors[0];
-    layout.m_zeroIsWhite = zero == Rgb { 255, 255, 255 };
+    layout.m_zeroIsWhite = zero == kWhite;
     return layout;
 }
 
@@ -86,7 +80,7 @@ Rgb RasterLayout::directColor(std::uint8_t first, std::uint8_t second, std::uint
 {
     const Rgb color = m_isSeparable ? Rgb { m_colors[first].red, m_colors[second].green, m_colors[third].blue }
                                     : m_palette.directColor(first, second, third);
-    return m_isMonochrome ? gray(color) : color;
+    return m_isMonochrome ? grayOf(color) : color;
 }
 
 std::optional<Resolution> RasterLayout::resolutionOf(ByteView componentData)

@@ -30,8 +30,8 @@ void downloadFontHeader(Machine& machine, const Command& command)
     SoftFontStore& store = machine.fonts().library().softFonts();
     // A header replaces the font of that number even when it turns out to be none.
     store.remove(state.fontKey);
-    const std::shared_ptr<SoftFont> font = SoftFont::fromPclHeader(command.data, machine.errors().fontReporter());
-    if (font && !store.put(state.fontKey, font, machine.errors().fontReporter()))
+    const std::shared_ptr<SoftFont> font = SoftFont::fromPclHeader(command.data, machine.errors().reporter());
+    if (font && !store.put(state.fontKey, font, machine.errors().reporter()))
         machine.errors().fail(RunStatus::LimitExceeded);
     machine.fonts().resourcesChanged();
 }
@@ -47,7 +47,7 @@ void downloadCharacter(Machine& machine, const Command& command)
         machine.errors().fail(RunStatus::LimitExceeded);
         return;
     }
-    font->addPclCharacter(state.characterCode, command.data, machine.errors().fontReporter());
+    font->addPclCharacter(state.characterCode, command.data, machine.errors().reporter());
 }
 
 void controlFonts(Machine& machine, const Command& command)
@@ -80,7 +80,7 @@ void controlFonts(Machine& machine, const Command& command)
             machine.errors().warn("pcl.copy-of-built-in-font", "a copy of a built-in font under a number is not made");
             return;
         }
-        if (!store.put(state.fontKey, inUse->copy(), machine.errors().fontReporter()))
+        if (!store.put(state.fontKey, inUse->copy(), machine.errors().reporter()))
             machine.errors().fail(RunStatus::LimitExceeded);
         break;
     }
@@ -97,7 +97,7 @@ void setSymbolSetCode(Machine& machine, const Command& command)
 
 void defineSymbolSet(Machine& machine, const Command& command)
 {
-    const std::shared_ptr<const SymbolSet> set = SymbolSet::parse(command.data, machine.errors().fontReporter());
+    const std::shared_ptr<const SymbolSet> set = SymbolSet::parse(command.data, machine.errors().reporter());
     if (!set)
         return;
     if (set->number() != machine.state().symbolSetCode) {

@@ -54,7 +54,7 @@ State defaultState(const Environment& environment)
     }
     const PageSize* size = findPageSize(environment.pageSize, environment.family);
     const PageSize custom = customPageSize(environment.customWidth, environment.customLength);
-    const bool isCustom = environment.pageSize == kCustomPageSize && isPossible(custom);
+    const bool isCustom = environment.pageSize == kCustomPaperCode && isPossible(custom);
     if (!size)
         size = findPageSize(kLetter);
     state.page = LogicalPage(isCustom ? custom : *size, environment.orientation, environment.family);

@@ -6,6 +6,7 @@
 #include "quillrip/pcl/macro_store.h"
 #include "quillrip/pcl/palette.h"
 #include "quillrip/pcl/pattern_store.h"
+#include "quillrip/raster/compose/raster_operation.h"
 
 #include <array>
 #include <optional>
@@ -92,7 +93,7 @@ struct State {
     PatternChoice pattern;
     bool sourceTransparent = true;
     bool patternTransparent = true;
-    std::uint8_t rasterOperation = 252;
+    std::uint8_t rasterOperation = rop::kTextureOrSource;
     bool isGridCentred = false;
     Position patternReference; ///< direction 0
     bool patternFollowsDirection = true;

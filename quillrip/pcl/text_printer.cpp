@@ -70,8 +70,7 @@ void TextPrinter::printCode(const Font& font, std::uint32_t code, bool isTranspa
 
 void TextPrinter::drawGlyph(const Font& font, const Font::Lookup& found, Position at, InternalUnits width)
 {
-    Painter* painter = m_page.painterForMark();
-    if (!painter)
+    if (!m_page.painterForMark())
         return;
     const Matrix& toDevice = m_page.unitsToDevice();
     const double unit = font.unitInches() * static_cast<double>(kUnitsPerInch);
@@ -91,20 +90,7 @@ void TextPrinter::drawGlyph(const Font& font, const Font::Lookup& found, Positio
     // Characters stand on whole device pixels, so equal ones look alike.
     glyphToDevice.e = std::floor(reference.x + 0.5 + 1e-6) + offset.x;
     glyphToDevice.f = std::floor(reference.y + 0.5 + 1e-6) + offset.y;
-    if (!std::isfinite(glyphToDevice.e) || std::abs(glyphToDevice.e) > 1e7 || std::abs(glyphToDevice.f) > 1e7)
-        return;
-    const PaintState state = m_printModel.paintState(m_state.pattern);
-    if (GlyphCache::isTooLarge(*font.face, glyphToDevice)) {
-        Path path;
-        if (font.face->outline(glyph, path))
-            painter->fillPath(path.transformed(glyphToDevice), FillRule::NonZero, state);
-        return;
-    }
-    const GlyphMask::Depth depth
-        = m_page.canvas().format == PixelFormat::Bilevel ? GlyphMask::Depth::Bits : GlyphMask::Depth::Coverage;
-    const PlacedGlyph placed = m_glyphs.place(*font.face, glyph, glyphToDevice, depth);
-    if (placed.mask)
-        painter->drawMask(*placed.mask, placed.x, placed.y, state);
+    m_glyphs.draw(m_page.canvas(), *font.face, glyph, glyphToDevice, m_printModel.paintState(m_state.pattern));
 }
 
 } // namespace quillrip::pcl

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "quillrip/fonts/font.h"
-#include "quillrip/fonts/pixels/glyph_cache.h"
+#include "quillrip/fonts/glyph_painter.h"
 #include "quillrip/pcl/character_decoder.h"
 #include "quillrip/pcl/logical_page.h"
 
@@ -49,7 +49,7 @@ private:
     PrintModel& m_printModel;
     UnderlineRun& m_underline;
     CharacterDecoder m_decoder;
-    GlyphCache m_glyphs;
+    GlyphPainter m_glyphs;
 };
 
 } // namespace quillrip::pcl

@@ -1,38 +1,21 @@
 #include "quillrip/pcl/tokenizer.h"
 
 #include <algorithm>
-#include <cmath>
 #include <cstring>
 
 namespace quillrip::pcl {
 
 namespace {
 
-constexpr int kEscape = 0x1B;
-constexpr std::uint8_t kUniversalExit[] = { 0x1B, '%', '-', '1', '2', '3', '4', '5', 'X' };
-/// Larger numbers mean nothing more, but must neither wrap nor lose their digits' place.
-constexpr double kLargestValue = 4294967295.0;
-
-bool isParameterised(int c) { return c >= 0x21 && c <= 0x2F; }
-bool isTwoCharacter(int c) { return c >= 0x30 && c <= 0x7E; }
-bool isGroup(int c) { return c >= 0x60 && c <= 0x7E; }
-bool isChaining(int c) { return c >= 0x60 && c <= 0x7E; }
-bool isTermination(int c) { return c >= 0x40 && c <= 0x5E; }
-bool isDigit(int c) { return c >= '0' && c <= '9'; }
 /// Codes that act in every symbol set. The others may be printable, which the current font decides.
 bool isControl(int c) { return c == 0 || (c >= 0x07 && c <= 0x0F); }
 
 bool standsOnUniversalExit(InputStream& stream)
 {
-    if (stream.peek() != kEscape)
-        return false;
-    const ByteView ahead = stream.window(sizeof kUniversalExit);
-    return ahead.size >= sizeof kUniversalExit && std::memcmp(ahead.data, kUniversalExit, sizeof kUniversalExit) == 0;
+    return stream.peek() == kEscape && startsWithUniversalExit(stream.window(kUniversalExitLength));
 }
 
 } // namespace
-
-int Value::integer() const { return static_cast<int>(std::clamp(std::trunc(number), -2147483647.0, 2147483647.0)); }
 
 int Tokenizer::take()
 {
@@ -88,15 +71,15 @@ Token Tokenizer::escape()
     Token token;
     token.offset = m_stream.offset() - 1;
     const int byte = m_stream.peek();
-    if (isTwoCharacter(byte)) {
+    if (isTwoCharacterSequence(byte)) {
         take();
         token.kind = Token::Kind::TwoCharacter;
         token.byte = static_cast<std::uint8_t>(byte);
-    } else if (isParameterised(byte)) {
+    } else if (isParameterisedCharacter(byte)) {
         take();
         m_prefix = static_cast<char>(byte);
         m_group = 0;
-        if (isGroup(m_stream.peek()))
+        if (isGroupCharacter(m_stream.peek()))
             m_group = static_cast<char>(take());
         m_inSequence = true;
         m_isFirstParameter = true;
@@ -113,12 +96,12 @@ Token Tokenizer::parameter()
     m_isFirstParameter = false;
     token.prefix = m_prefix;
     token.group = m_group;
-    readValue(token.value);
+    token.value = readValue();
     const int byte = m_stream.peek();
-    if (isChaining(byte) || isTermination(byte)) {
+    if (isCombiningCharacter(byte) || isTerminationCharacter(byte)) {
         take();
         token.kind = Token::Kind::Command;
-        token.chained = isChaining(byte);
+        token.chained = isCombiningCharacter(byte);
         token.terminator = static_cast<char>(token.chained ? byte - 0x20 : byte);
         m_inSequence = token.chained;
         return token;
@@ -128,34 +111,12 @@ Token Tokenizer::parameter()
     return token;
 }
 
-void Tokenizer::readValue(Value& value)
+Value Tokenizer::readValue()
 {
-    bool negative = false;
-    bool inFraction = false;
-    double place = 0.1;
-    while (true) {
-        const int byte = m_stream.peek();
-        if (byte == '+' || byte == '-') {
-            value.hasSign = true;
-            negative = byte == '-';
-        } else if (byte == '.') {
-            inFraction = true;
-        } else if (isDigit(byte)) {
-            value.hasDigits = true;
-            if (!inFraction) {
-                value.number = std::min(value.number * 10 + (byte - '0'), kLargestValue);
-            } else if (place > 0.00005) {
-                // Four decimals count, further digits are discarded.
-                value.number += place * (byte - '0');
-                place /= 10;
-            }
-        } else {
-            break;
-        }
+    EscapeValueReader reader;
+    while (reader.add(m_stream.peek()))
         take();
-    }
-    if (negative)
-        value.number = -value.number;
+    return reader.value();
 }
 
 std::uint64_t Tokenizer::takeData(std::uint64_t count, std::vector<std::uint8_t>& data, std::size_t keep)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "quillrip/base/escape_sequence.h"
 #include "quillrip/base/input_stream.h"
 
 #include <cstdint>
@@ -7,15 +8,7 @@
 
 namespace quillrip::pcl {
 
-/// The value field of a command. A missing field is 0; a sign makes the value relative where that has a meaning.
-struct Value {
-    double number = 0;
-    bool hasSign = false;
-    bool hasDigits = false;
-
-    /// The fraction is cut off, as commands that need a whole number ask for.
-    int integer() const;
-};
+using Value = EscapeValue;
 
 struct Token {
     enum class Kind {
@@ -76,7 +69,7 @@ private:
     int take();
     Token parameter();
     Token escape();
-    void readValue(Value& value);
+    Value readValue();
 
     InputStream& m_stream;
     bool m_inSequence = false;
