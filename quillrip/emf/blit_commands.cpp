@@ -64,6 +64,7 @@ Pixels readPixels(
         record.part(record.u32(at + 8), record.u32(at + 12)), context, problem);
     if (!problem.empty())
         machine.warn("emf.bitmap", "a bitmap: " + problem);
+    machine.spend(static_cast<std::uint64_t>(pixels.width) * static_cast<std::uint64_t>(pixels.height));
     return pixels;
 }
 
@@ -130,7 +131,7 @@ Mask readMask(Machine& machine, const Record& record, std::size_t position, Bitm
 Blit gridOver(const Blit& blit)
 {
     Blit grid;
-    constexpr double kMost = 16384;
+    constexpr double kMost = 4096;
     grid.pixels.width = static_cast<int>(std::clamp(std::abs(blit.source.width), 1.0, kMost));
     grid.pixels.height = static_cast<int>(std::clamp(std::abs(blit.source.height), 1.0, kMost));
     grid.source = { 0, 0, double(grid.pixels.width), double(grid.pixels.height) };
@@ -159,6 +160,7 @@ void drawMasked(Machine& machine, const Blit& blit, const Mask& mask, std::uint8
 {
     constexpr std::uint8_t kKeep = 0xAA;
     const Blit grid = gridOver(blit);
+    machine.spend(static_cast<std::uint64_t>(grid.pixels.width) * static_cast<std::uint64_t>(grid.pixels.height));
     Canvas& canvas = machine.canvas();
     if (whereSet != kKeep)
         drawThrough(

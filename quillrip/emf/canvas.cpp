@@ -178,8 +178,12 @@ Region Canvas::regionOf(const Path& devicePath, FillRule rule) const
 void Canvas::fill(const Path& path, FillRule rule, PaintState state)
 {
     const Path devicePath = path.transformed(m_toDevice);
-    if (needsDestination(state.rop))
-        return fillRegion(regionOf(devicePath, rule), std::move(state));
+    if (needsDestination(state.rop)) {
+        const auto rect = asRectangle(devicePath);
+        return fillRegion(rect ? ClipRegion::ofRect(rect->intersected(bounds()))
+                               : ClipRegion::ofPath(devicePath, rule, bounds(), &m_painter.work()),
+            std::move(state));
+    }
     state.clip = clip();
     if (const auto rect = asRectangle(devicePath)) {
         // What is thinner than a pixel still shows.

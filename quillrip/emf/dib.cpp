@@ -10,7 +10,9 @@ namespace quillrip::emf {
 namespace {
 
 constexpr std::int64_t kLongestSide = 65535;
-constexpr std::uint64_t kMostPixels = std::uint64_t { 1 } << 28;
+constexpr std::uint64_t kMostPixels = std::uint64_t { 1 } << 27;
+/// Of what a few bytes can claim.
+constexpr std::uint64_t kMostPixelsOfRuns = std::uint64_t { 1 } << 26;
 
 enum : std::uint32_t {
     kRgb = 0,
@@ -328,6 +330,10 @@ Pixels decodeDib(ByteView headerBytes, ByteView bits, const DibContext& context,
         = (header.compression == kRle8 && header.bits == 8) || (header.compression == kRle4 && header.bits == 4);
     std::vector<std::uint8_t> unpacked;
     int depth = header.bits;
+    if (isRuns && static_cast<std::uint64_t>(header.width * header.height) > kMostPixelsOfRuns) {
+        problem = "its size is impossible";
+        return {};
+    }
     if (isRuns) {
         unpacked = unpackRuns(bits, width, static_cast<std::size_t>(stored), header.compression == kRle4);
         bits = unpacked;

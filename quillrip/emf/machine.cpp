@@ -115,10 +115,21 @@ void Machine::runRecord(const Record& record)
 
 void Machine::save()
 {
-    if (m_saved.size() >= kMostSavedContexts)
+    if (m_saved.size() >= kMostSavedContexts) {
         ++m_unsaved;
-    else
+        return;
+    }
+    const std::size_t points = m_dc.path.path.pointCount();
+    if (m_savedPoints + points > m_job.limits.pathPoints) {
+        // The context as it is, but for its path, which few programs save.
+        PathState path = std::move(m_dc.path);
+        m_dc.path = {};
         m_saved.push_back(m_dc);
+        m_dc.path = std::move(path);
+        return;
+    }
+    m_savedPoints += points;
+    m_saved.push_back(m_dc);
 }
 
 void Machine::restore(std::int32_t level)
@@ -131,6 +142,7 @@ void Machine::restore(std::int32_t level)
             --m_unsaved;
             continue;
         }
+        m_savedPoints -= std::min(m_savedPoints, m_saved.back().path.path.pointCount());
         if (left == 1)
             m_dc = std::move(m_saved.back());
         m_saved.pop_back();
@@ -142,23 +154,25 @@ void Machine::figure(const Path& logical, Draw draw)
     const Path path = logical.transformed(m_dc.coordinates.toReference());
     if (draw == Draw::FillAndStroke)
         return figure(path, path);
-    if (m_dc.path.isRecording) {
-        m_dc.path.path.append(path);
-        m_dc.path.needsMove = true;
-        return;
-    }
+    if (m_dc.path.isRecording)
+        return addToPath(path);
     m_canvas.strokeWithPen(path);
 }
 
 void Machine::figure(const Path& fill, const Path& stroke)
 {
-    if (m_dc.path.isRecording) {
-        m_dc.path.path.append(fill);
-        m_dc.path.needsMove = true;
-        return;
-    }
+    if (m_dc.path.isRecording)
+        return addToPath(fill);
     m_canvas.fillWithBrush(fill, m_canvas.fillRule(), true);
     m_canvas.strokeWithPen(stroke);
+}
+
+void Machine::addToPath(const Path& path)
+{
+    if (m_dc.path.path.pointCount() + path.pointCount() > m_job.limits.pathPoints)
+        return warn("emf.path", "a path of too many points, cut");
+    m_dc.path.path.append(path);
+    m_dc.path.needsMove = true;
 }
 
 void Machine::segments(const Path& logical, Point end)

@@ -64,6 +64,8 @@ public:
     void figure(const Path& logical, Draw draw);
     /// The same where fill and stroke are of different sizes (boxes): reference pixels.
     void figure(const Path& fill, const Path& stroke);
+    /// Figures of its own, reference pixels, for the path that is being recorded.
+    void addToPath(const Path& path);
     /// A segment from the current position on, logical units: the path starts there. Moves the position.
     void segments(const Path& logical, Point end);
     /// Ends the path that stands ready; empty, with a warning, when there is none.
@@ -71,6 +73,9 @@ public:
 
     /// The face for the selected font; it stays until the next call. `usesIndices`: the text is glyph numbers.
     const WindowsFont& font(bool usesIndices);
+
+    /// Pixels that a record has been through besides those it paints.
+    void spend(std::uint64_t pixels) { m_job.limits.work->charge(Work::Images, pixels); }
 
     /// Shown once for each kind.
     void warn(const char* kind, const std::string& message);
@@ -91,6 +96,7 @@ private:
     DeviceContext m_dc;
     std::vector<DeviceContext> m_saved;
     std::uint64_t m_unsaved = 0; ///< levels beyond the limit: counted, not kept
+    std::size_t m_savedPoints = 0; ///< of the paths in m_saved
     ObjectTable m_objects;
     Canvas m_canvas;
     plus::Interpreter m_plus;

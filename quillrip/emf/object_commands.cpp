@@ -26,8 +26,8 @@ enum : std::uint32_t { kBrushSolid, kBrushNull, kBrushHatched, kBrushPattern, kB
 
 void put(Machine& machine, const Record& record, Object object)
 {
-    if (!machine.objects().put(record.u32(8), std::move(object)))
-        machine.warn("emf.handle", "an object with a number beyond the metafile's table, left out");
+    if (!machine.objects().put(record.u32(8), std::move(object), machine.job().limits.patternBytes))
+        machine.warn("emf.handle", "an object beyond the metafile's table or the room for patterns, left out");
 }
 
 std::vector<Rgb> readEntries(const Record& record, std::size_t at, std::size_t count)
@@ -53,6 +53,11 @@ std::shared_ptr<const Pattern> readPattern(
         machine.warn("emf.pattern", "pattern of a brush: " + problem);
     if (pattern->pixels.isNull())
         return nullptr;
+    machine.spend(pattern->pixels.bytes.size());
+    if (pattern->pixels.bytes.size() > machine.job().limits.patternBytes) {
+        machine.warn("emf.pattern-size", "pattern of a brush too large, left out");
+        return nullptr;
+    }
     pattern->takesTextColors = takesTextColors && pattern->pixels.format == Pixels::Format::Mono;
     return pattern;
 }

@@ -100,6 +100,14 @@ std::shared_ptr<const Object> stockObject(std::uint32_t number, std::int32_t fon
     }
 }
 
+std::size_t patternBytesOf(const Object& object)
+{
+    const Brush* brush = std::get_if<Brush>(&object);
+    if (const Pen* const pen = std::get_if<Pen>(&object))
+        brush = &pen->brush;
+    return brush && brush->pattern ? brush->pattern->pixels.bytes.size() : 0;
+}
+
 } // namespace
 
 ObjectTable::ObjectTable(std::uint32_t slots, std::int32_t stockFontHeight)
@@ -108,10 +116,14 @@ ObjectTable::ObjectTable(std::uint32_t slots, std::int32_t stockFontHeight)
 {
 }
 
-bool ObjectTable::put(std::uint32_t handle, Object object)
+bool ObjectTable::put(std::uint32_t handle, Object object, std::size_t patternBytes)
 {
     if (handle == 0 || handle >= m_slotCount)
         return false;
+    remove(handle);
+    if (m_patternBytes + patternBytesOf(object) > patternBytes)
+        return false;
+    m_patternBytes += patternBytesOf(object);
     if (handle >= m_slots.size())
         m_slots.resize(handle + std::size_t { 1 });
     m_slots[handle] = std::make_shared<Object>(std::move(object));
@@ -120,8 +132,10 @@ bool ObjectTable::put(std::uint32_t handle, Object object)
 
 void ObjectTable::remove(std::uint32_t handle)
 {
-    if (handle < m_slots.size())
-        m_slots[handle] = nullptr;
+    if (handle >= m_slots.size() || !m_slots[handle])
+        return;
+    m_patternBytes -= patternBytesOf(*m_slots[handle]);
+    m_slots[handle] = nullptr;
 }
 
 std::shared_ptr<const Object> ObjectTable::find(std::uint32_t handle) const

@@ -90,8 +90,8 @@ public:
     /// `stockFontHeight` as in LogicalFont.
     ObjectTable(std::uint32_t slots, std::int32_t stockFontHeight);
 
-    /// False when the number has no slot.
-    bool put(std::uint32_t handle, Object object);
+    /// False when the number has no slot, or when all patterns together would need more than `patternBytes`.
+    bool put(std::uint32_t handle, Object object, std::size_t patternBytes);
     void remove(std::uint32_t handle);
     /// Stock objects have bit 31 set. Null when there is none.
     std::shared_ptr<const Object> find(std::uint32_t handle) const;
@@ -101,6 +101,7 @@ public:
 private:
     std::uint32_t m_slotCount;
     std::int32_t m_stockFontHeight;
+    std::size_t m_patternBytes = 0; ///< of all slots
     std::vector<std::shared_ptr<Object>> m_slots; ///< grows as they are used
 };
 

@@ -80,8 +80,12 @@ void closeFigure(Machine& machine, const Record&)
 void widenPath(Machine& machine, const Record&)
 {
     PathState& path = machine.dc().path;
-    if (!path.isDefined)
+    // A line becomes an area of many times its points, and stays that.
+    constexpr std::size_t kGrowth = 32;
+    if (!path.isDefined || path.isWidened)
         return;
+    if (path.path.pointCount() > machine.job().limits.pathPoints / kGrowth)
+        return machine.warn("emf.path", "a path of too many points, not widened");
     path.path = machine.canvas().widened(path.path);
     path.isWidened = true;
 }

@@ -41,6 +41,8 @@ void addBox(Path& path, const Box& box, const Matrix& toDevice)
 Region regionOf(Machine& machine, const std::vector<Box>& boxes, const Matrix& toDevice)
 {
     Canvas& canvas = machine.canvas();
+    // Rows are gone through, not pixels: a fraction of painting them.
+    machine.spend(static_cast<std::uint64_t>(canvas.bounds().bottom) * 16);
     Path path;
     const bool isAligned = toDevice.b == 0 && toDevice.c == 0;
     for (const Box& box : boxes) {

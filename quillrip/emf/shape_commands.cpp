@@ -229,6 +229,7 @@ void floodFill(Machine& machine, const Record& record)
         const std::uint8_t tone = luminance(wanted) < 128 ? 0 : 255;
         wanted = { tone, tone, tone };
     }
+    machine.spend(static_cast<std::uint64_t>(bounds.right) * static_cast<std::uint64_t>(bounds.bottom));
     const bool goesToBorder = record.u32(20) == kToBorder;
     const auto spreadsOver = [&](int x, int y) { return (page.pixel(x, y) == wanted) != goesToBorder; };
 

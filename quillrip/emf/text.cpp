@@ -240,14 +240,8 @@ private:
 
     void addOutlines()
     {
-        PathState& path = m_dc.path;
-        for (const Placed& placed : m_placed) {
-            const Path outline = outlineOf(placed);
-            if (path.path.pointCount() + outline.pointCount() > m_machine.job().limits.pathPoints)
-                return m_machine.warn("emf.path", "a path of too many points, cut");
-            path.path.append(outline.transformed(matrixOf(placed)));
-        }
-        path.needsMove = true;
+        for (const Placed& placed : m_placed)
+            m_machine.addToPath(outlineOf(placed).transformed(matrixOf(placed)));
     }
 
     void drawBars(const PaintState& ink)

@@ -44,10 +44,8 @@ constexpr std::array<CharsetPage, 18> kPages { {
 class Decoder {
 public:
     explicit Decoder(std::uint8_t charset)
+        : m_charset(charset)
     {
-        const auto page = std::find_if(
-            kPages.begin(), kPages.end(), [&](const CharsetPage& entry) { return entry.charset == charset; });
-        m_handle = iconv_open("UCS-4LE", page == kPages.end() ? "CP1252" : page->page);
     }
     ~Decoder()
     {
@@ -59,6 +57,22 @@ public:
 
     /// The character at the start of the bytes and how many of them it has; a byte that is none stands for itself.
     char32_t next(ByteView bytes, std::size_t& used)
+    {
+        if (!m_wasTried)
+            open();
+        return read(bytes, used);
+    }
+
+private:
+    void open()
+    {
+        m_wasTried = true;
+        const auto page = std::find_if(
+            kPages.begin(), kPages.end(), [&](const CharsetPage& entry) { return entry.charset == m_charset; });
+        m_handle = iconv_open("UCS-4LE", page == kPages.end() ? "CP1252" : page->page);
+    }
+
+    char32_t read(ByteView bytes, std::size_t& used)
     {
         constexpr std::size_t kLongest = 2;
         for (used = 1; isOpen() && used <= std::min(kLongest, bytes.size); ++used) {
@@ -80,10 +94,12 @@ public:
         return bytes[0];
     }
 
-private:
-    bool isOpen() const { return m_handle != reinterpret_cast<iconv_t>(-1); }
+    bool isOpen() const { return m_handle != kNone; }
 
-    iconv_t m_handle;
+    const iconv_t kNone = reinterpret_cast<iconv_t>(-1);
+    std::uint8_t m_charset;
+    bool m_wasTried = false;
+    iconv_t m_handle = kNone; ///< opened when the first character beyond ASCII comes
 };
 
 bool isRightToLeft(char32_t c)

@@ -43,6 +43,44 @@ TEST(EmfCommandTable, RecordsOfAnySizeAndContentsAreSurvived)
     }
 }
 
+TEST(EmfCommandTable, SavedPathsDoNotPileUp)
+{
+    Bytes job = record(0x3B);
+    for (int i = 0; i < 2000; ++i)
+        job = job + record(0x2A, { 0, 0, i, i });
+    Bytes saves;
+    for (int i = 0; i < 5000; ++i)
+        saves = saves + record(0x21);
+    const Played played(metafile(
+        job + saves + record(0x22, { -5000 }) + record(0x3C) + nullPen() + blackBrush() + boundedRecord(0x3E, {})));
+    ASSERT_EQ(played.pages(), 1u);
+    EXPECT_FALSE(played.report.hasDamage());
+}
+
+TEST(EmfCommandTable, APageThatIsPaintedOverForEverIsCut)
+{
+    Bytes job = blackBrush() + nullPen();
+    for (int i = 0; i < 1100; ++i)
+        job = job + rectangle(0, 0, 40, 40);
+    Limits limits;
+    WorkBudget budget;
+    budget.page = 100000;
+    limits.work = std::make_shared<WorkMeter>(budget);
+    const Played played(
+        metafile(job, { 40, 40, 4, 4, 3387, 3387, 338, 338, true, 4 }), PixelFormat::Rgb24, 300, limits);
+    EXPECT_EQ(played.status, RunStatus::LimitExceeded);
+    EXPECT_TRUE(played.report.has("emf.work"));
+}
+
+TEST(EmfCommandTable, PatternsHaveAnEnd)
+{
+    // A bitmap of runs that claims far more pixels than it has bytes.
+    const Bytes header = bitmapHeader(8192, 8192, 8, 1, words({ 0, 0xFF }));
+    const Bytes brush = record(0x5E, { 1, 0, 32, 48, 80, 4 }, header + Bytes { 0, 1, 0, 1 });
+    const Played played(metafile(brush + record(0x25, { 1 })));
+    EXPECT_TRUE(played.report.has("emf.pattern-size"));
+}
+
 TEST(EmfCommandTable, SizesThatCannotBeEndThePage)
 {
     for (const std::int64_t size : { 0, 4, 9, 0x7FFFFFF0 }) {

@@ -119,11 +119,10 @@ bool Report::has(const std::string& kind) const
     return std::any_of(all.begin(), all.end(), [&](const Diagnostic& d) { return d.kind == kind; });
 }
 
-Played::Played(const Bytes& job, PixelFormat format, double dotsPerInch)
+Played::Played(const Bytes& job, PixelFormat format, double dotsPerInch, const Limits& limits)
     : device(format, dotsPerInch)
 {
     MemoryInputStream input { ByteView(job) };
-    const Limits limits;
     emf::Interpreter interpreter(device, report, limits);
     end = interpreter.run(input);
     status = interpreter.status();

@@ -70,7 +70,8 @@ public:
 /// Plays a job at 300 dpi.
 class Played {
 public:
-    explicit Played(const Bytes& job, PixelFormat format = PixelFormat::Rgb24, double dotsPerInch = 300);
+    explicit Played(
+        const Bytes& job, PixelFormat format = PixelFormat::Rgb24, double dotsPerInch = 300, const Limits& limits = {});
 
     std::size_t pages() const { return device.pages().size(); }
     Rgb pixel(int x, int y, std::size_t page = 0) const { return device.pages().at(page).pixel(x, y); }
