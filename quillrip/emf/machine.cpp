@@ -1,6 +1,7 @@
 #include "quillrip/emf/machine.h"
 
 #include "quillrip/emf/command_table.h"
+#include "quillrip/emf/plus/dual_choice.h"
 #include "quillrip/emf/record.h"
 
 #include <algorithm>
@@ -70,6 +71,8 @@ Machine::End Machine::play(ByteView metafile, std::uint64_t offset)
         m_job.diagnostics.report({ Severity::Damage, offset, "emf.header", "the metafile ends within its header" });
         return End::Damaged;
     }
+    if (plus::isPlainHalfFuller(metafile.sub(at)))
+        m_plus.standBack();
     while (metafile.size - at >= Record::kSmallest) {
         const Fields head(metafile.sub(at, Record::kSmallest));
         const std::uint32_t size = head.u32(4);

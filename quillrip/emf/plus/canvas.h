@@ -25,12 +25,15 @@ public:
 
 private:
     static constexpr std::size_t kMostBytes = std::size_t { 256 } << 20;
+    /// Of all images of a metafile, however often: many large ones in turn would take for ever.
+    static constexpr std::uint64_t kMostDecodedBytes = std::uint64_t { 64 } << 30;
     struct Entry {
         std::shared_ptr<const ImageObject> image;
         std::shared_ptr<const Pixels> pixels;
     };
     std::list<Entry> m_entries; ///< the one used last comes first
     std::size_t m_bytes = 0;
+    std::uint64_t m_decodedBytes = 0;
 };
 
 /// Draws in world units on the page, with paints, pens and clips of EMF+.

@@ -18,7 +18,7 @@ enum FormatFlag : std::uint32_t {
     kNoClip = 0x4000,
 };
 
-constexpr std::uint32_t kMostTabs = 65536;
+constexpr std::uint32_t kMostTabs = 256;
 constexpr std::uint32_t kFirstEllipsis = 3; ///< of the trimming modes
 
 StringAlignment alignmentOf(std::uint32_t number)

@@ -25,6 +25,8 @@ void Interpreter::comment(ByteView records, std::uint64_t offset, bool mayStart)
     m_implementation->machine.comment(records, offset, mayStart);
 }
 
+void Interpreter::standBack() { m_implementation->machine.standBack(); }
+
 Interpreter::Kind Interpreter::kind() const { return m_implementation->machine.kind(); }
 
 bool Interpreter::letsRecordsThrough() const { return m_implementation->machine.letsRecordsThrough(); }

@@ -58,6 +58,9 @@ public:
     /// headers of pictures pasted into the middle of a page do not.
     void comment(ByteView records, std::uint64_t offset, bool mayStart);
 
+    /// From now on plain records draw everything, as in a metafile without EMF+.
+    void standBack();
+
     Kind kind() const;
     /// Whether plain records that draw are to be painted at this point: no EMF+ header has come, or a GetDC record
     /// handed the page to them, or EMF+ turned out damaged before it marked anything and a dual file can do without.

@@ -80,16 +80,16 @@ void Machine::start(const Record& header)
 
 void Machine::execute(const Record& record)
 {
-    m_hasHandedOver = false;
     if (m_isWithinPasted) {
         m_isWithinPasted = record.type != kEndOfFileRecord;
         return;
     }
     if (record.type == kHeaderRecord) {
-        // A picture pasted into this one; what it shows stands in the records around it.
+        // A picture pasted into this one, mostly by plain records behind a GetDC: they show it too, and go on to draw.
         m_isWithinPasted = true;
         return;
     }
+    m_hasHandedOver = false;
     if (record.type == kEndOfFileRecord) {
         m_hasStopped = true;
         return;

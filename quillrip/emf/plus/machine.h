@@ -20,6 +20,11 @@ public:
 
     /// As Interpreter says.
     void comment(ByteView records, std::uint64_t offset, bool mayStart);
+    void standBack()
+    {
+        m_kind = Interpreter::Kind::None;
+        m_hasStopped = true;
+    }
     Interpreter::Kind kind() const { return m_kind; }
     bool letsRecordsThrough() const;
     PixelSet clipForRecords() const { return m_canvas.clip(); }

@@ -50,8 +50,13 @@ Piece pieceOf(const Record& record)
     const std::uint32_t first = fields.u32();
     const std::uint32_t second = fields.u32();
     constexpr std::size_t sizes = 8;
-    const bool dataSizeComesFirst = std::uint64_t { first } + 4 == record.body.size;
-    return { dataSizeComesFirst ? second : first, record.body.sub(sizes) };
+    constexpr std::size_t total = 4; // counts as data where it comes behind the size
+    constexpr std::size_t padding = 4;
+    const std::uint64_t room = record.body.size;
+    const bool dataSizeComesFirst = first >= total && first + total <= room && room - first - total < padding;
+    if (dataSizeComesFirst)
+        return { second, record.body.sub(sizes, first - total) };
+    return { first, record.body.sub(sizes, second) };
 }
 
 } // namespace

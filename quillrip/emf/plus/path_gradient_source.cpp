@@ -73,6 +73,9 @@ public:
         sortEdges();
     }
 
+    /// Its edges cross so many directions each that every pixel would be held against many: no shape, but noise.
+    bool isTangled() const { return m_sorted > kMostSorted; }
+
     void row(int y, int left, int right, Rgba* pixels) const override
     {
         for (int x = left; x < right; ++x) {
@@ -83,6 +86,7 @@ public:
 
 private:
     static constexpr std::size_t kSectors = 1024;
+    static constexpr std::size_t kMostSorted = kSectors * 128;
 
     static std::size_t sectorOf(double direction)
     {
@@ -92,7 +96,7 @@ private:
     void sortEdges()
     {
         m_sectors.resize(kSectors);
-        for (std::size_t i = 0; i < m_corners.size(); ++i) {
+        for (std::size_t i = 0; i < m_corners.size() && !isTangled(); ++i) {
             const Point a = m_corners[i].at;
             const Point b = m_corners[(i + 1) % m_corners.size()].at;
             double from = directionOf(a);
@@ -105,6 +109,7 @@ private:
             const std::size_t last = sectorOf(to);
             for (std::size_t sector = first;; sector = (sector + 1) % kSectors) {
                 m_sectors[sector].push_back(static_cast<std::uint32_t>(i));
+                ++m_sorted;
                 if (sector == last)
                     break;
             }
@@ -191,13 +196,14 @@ private:
     std::vector<Corner> m_corners;
     Rect m_bounds = Rect::nothing();
     std::vector<std::vector<std::uint32_t>> m_sectors; ///< numbers of the edges that each direction may meet
+    std::size_t m_sorted = 0; ///< of all sectors
 };
 
 } // namespace
 
 std::shared_ptr<const ColorSource> pathGradientSource(const PathGradientBrush& brush, const Matrix& worldToDevice)
 {
-    constexpr std::size_t mostCorners = 65536;
+    constexpr std::size_t mostCorners = 16384;
     const Matrix brushToDevice = brush.toWorld * worldToDevice;
     if (!brushToDevice.isInvertible() || brush.surroundColors.empty())
         return nullptr;
@@ -207,7 +213,8 @@ std::shared_ptr<const ColorSource> pathGradientSource(const PathGradientBrush& b
         bounds.include(corner);
     if (boundary.size() < 3 || boundary.size() > mostCorners || bounds.empty())
         return nullptr;
-    return std::make_shared<const PathGradientSource>(brush, boundary, brushToDevice);
+    auto source = std::make_shared<const PathGradientSource>(brush, boundary, brushToDevice);
+    return source->isTangled() ? nullptr : source;
 }
 
 } // namespace quillrip::emf::plus

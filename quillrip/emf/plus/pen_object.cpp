@@ -85,7 +85,9 @@ std::vector<double> usable(std::vector<double> dashes)
 std::vector<double> usableCompound(std::vector<double> parts)
 {
     const bool isInRange = std::all_of(parts.begin(), parts.end(), [](double part) { return part >= 0 && part <= 1; });
-    if (parts.size() % 2 != 0 || parts.size() > kMostDashes || !isInRange
+    // Office says of every line that it is one line.
+    const bool isWhole = parts.size() == 2 && parts[0] == 0 && parts[1] == 1;
+    if (isWhole || parts.size() % 2 != 0 || parts.size() > kMostDashes || !isInRange
         || !std::is_sorted(parts.begin(), parts.end()))
         parts.clear();
     return parts;

@@ -104,14 +104,15 @@ void wrap(const Characters& paragraph, double width, const SizedFont& font, cons
 
 void shorten(Characters& line, double width, const SizedFont& font, const StringFormatObject& format)
 {
-    if (lengthOf(line, font, format) <= width)
+    double length = lengthOf(line, font, format);
+    if (length <= width)
         return;
     Character dots;
     dots.code = kEllipsis;
     dots.glyph = font.font.glyphOfCharacter(kEllipsis);
     dots.advance = dots.glyph.advance * font.font.stretch() * font.em;
-    while (!line.empty() && lengthOf(line, font, format) + dots.advance > width)
-        line.pop_back();
+    for (; !line.empty() && length + dots.advance > width; line.pop_back())
+        length -= line.back().advance;
     line.push_back(dots);
 }
 

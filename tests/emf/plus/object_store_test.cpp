@@ -75,6 +75,19 @@ TEST(EmfPlusObjects, TheLastPieceMayCarryTheFlagAndTheTotalToo)
     }
 }
 
+TEST(EmfPlusObjects, PaddingIsNoPartOfAPiece)
+{
+    const std::vector<std::uint8_t> brush = longBrush();
+    Records records;
+    addPiece(records, 100, part(brush, 0, 5));
+    addPiece(records, 100, part(brush, 5, 2));
+    addPiece(records, 100, part(brush, 7, 52));
+    records.add(0x4008, kBrush5, part(brush, 59, 41));
+    ObjectStore store;
+    EXPECT_EQ(define(store, records.get()), "");
+    EXPECT_TRUE(hasBrush(store));
+}
+
 TEST(EmfPlusObjects, TheTotalMayStandBeforeTheSizeOfTheData)
 {
     const std::vector<std::uint8_t> brush = longBrush();

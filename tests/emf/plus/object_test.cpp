@@ -190,6 +190,19 @@ TEST(EmfPlusPen, DashesThatMakeNoLineAreLeftOut)
     EXPECT_EQ(dashed({ -1, 2 })->dashes, (std::vector<double> { 0, 2 }));
 }
 
+TEST(EmfPlusPen, ACompoundOfTheWholeWidthIsNone)
+{
+    const auto compound = [](std::initializer_list<double> parts) {
+        Fields fields;
+        fields.u32({ kVersion, 0, 0x0400, 0 }).f32({ 3 }).u32({ static_cast<std::uint32_t>(parts.size()) }).f32(parts);
+        return readPen(fields.bytes(solidBrush(0xFF000000)))->compound.size();
+    };
+    EXPECT_EQ(compound({ 0, 1 }), 0U);
+    EXPECT_EQ(compound({ 0, 0.3, 0.6, 1 }), 4U);
+    EXPECT_EQ(compound({ 0, 0.3, 0.6 }), 0U);
+    EXPECT_EQ(compound({ 0.6, 0.3 }), 0U);
+}
+
 TEST(EmfPlusBrush, LinearGradientsKeepTheirBlend)
 {
     Fields fields;

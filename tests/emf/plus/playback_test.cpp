@@ -1,3 +1,4 @@
+#include "quillrip/emf/plus/dual_choice.h"
 #include "tests/emf/plus/plus_job.h"
 
 #include <gtest/gtest.h>
@@ -18,7 +19,42 @@ Records rectangle()
     return fillRect(records, kInk, 0, 0, 5, 5);
 }
 
+/// Records of a metafile: one of another kind, and comments.
+std::vector<std::uint8_t> metafile(const std::vector<Records>& comments)
+{
+    Fields fields;
+    fields.u32({ 0x21, 8 });
+    for (const Records& records : comments) {
+        const auto size = static_cast<std::uint32_t>(records.get().size());
+        fields.u32({ 0x46, 16 + size, 4 + size, 0x2B464D45 }).bytes(records.get());
+    }
+    return fields;
+}
+
+Records oldPicture() { return Records().object(5, 2, Fields().u32({ kVersion, 2, 2, 4, 0 })); }
+
 } // namespace
+
+TEST(EmfPlusPlayback, OldPicturesLeaveADualFileToItsPlainHalf)
+{
+    EXPECT_TRUE(isPlainHalfFuller(metafile({ header(Header::Dual), oldPicture() })));
+    EXPECT_FALSE(isPlainHalfFuller(metafile({ header(Header::Only), oldPicture() })));
+    EXPECT_FALSE(isPlainHalfFuller(metafile({ header(Header::Dual), rectangle() })));
+    EXPECT_FALSE(isPlainHalfFuller(metafile({ oldPicture() })));
+    // One that comes in pieces too.
+    Records pieces;
+    pieces.add(0x4008, 0x8502, Fields().u32({ 5000, kVersion, 2, 1, 4980 }));
+    EXPECT_TRUE(isPlainHalfFuller(metafile({ header(Header::Dual), pieces })));
+    const std::vector<std::uint8_t> whole = metafile({ header(Header::Dual), oldPicture() });
+    for (std::size_t size = 0; size < whole.size(); ++size)
+        isPlainHalfFuller(ByteView(whole).sub(0, size));
+
+    Sheet sheet;
+    sheet.interpreter().standBack();
+    sheet.play(header(Header::Dual)).play(rectangle(), false);
+    EXPECT_TRUE(sheet.interpreter().letsRecordsThrough());
+    EXPECT_EQ(sheet.markedCount(), 0U);
+}
 
 TEST(EmfPlusPlayback, WithoutAHeaderPlainRecordsDraw)
 {
@@ -87,6 +123,18 @@ TEST(EmfPlusPlayback, APastedPicturesOwnRecordsArePassedOver)
     fillRect(pasted, kInk, 10, 10, 2, 2);
     sheet.play(header()).play(pasted, false);
     EXPECT_EQ(sheet.marked(), (PixelRect { 10, 10, 12, 12 }));
+}
+
+TEST(EmfPlusPlayback, PlainRecordsGoOnToDrawWhereAPictureIsPastedAmongThem)
+{
+    Sheet sheet;
+    sheet.play(header()).play(Records().add(kGetDc, 0), false);
+    sheet.play(header(Header::Dual), false);
+    EXPECT_TRUE(sheet.interpreter().letsRecordsThrough());
+    sheet.play(rectangle().add(kEndOfFile, 0), false);
+    EXPECT_TRUE(sheet.interpreter().letsRecordsThrough());
+    sheet.play(rectangle(), false);
+    EXPECT_FALSE(sheet.interpreter().letsRecordsThrough());
 }
 
 TEST(EmfPlusPlayback, DamageLetsADualFileDrawItsOtherHalf)
