@@ -11,11 +11,13 @@ namespace quillrip::hpgl {
 namespace {
 
 constexpr std::size_t kMostHatchCrossings = std::size_t { 4 } << 20;
+/// Work of a polygon's corner each time that it is taken from the buffer.
+constexpr std::uint64_t kUnitsPerCorner = 20;
 
 } // namespace
 
 AreaFiller::AreaFiller(Surface& surface, State& state, const Coordinates& coordinates, const Pens& pens, Inks& inks,
-    PlotClip& clip, LinePen& linePen)
+    PlotClip& clip, LinePen& linePen, WorkMeter& work)
     : m_surface(surface)
     , m_state(state)
     , m_coordinates(coordinates)
@@ -23,12 +25,13 @@ AreaFiller::AreaFiller(Surface& surface, State& state, const Coordinates& coordi
     , m_inks(inks)
     , m_clip(clip)
     , m_linePen(linePen)
+    , m_work(work)
 {
 }
 
 void AreaFiller::fill(const Polygon& polygon, FillRule rule)
 {
-    if (polygon.empty())
+    if (polygon.empty() || !m_work.allows(Work::Shapes, kUnitsPerCorner * polygon.size()))
         return;
     const FillType& type = m_inks.fillType();
     constexpr double kRightAngle = 90;
@@ -83,7 +86,7 @@ void AreaFiller::hatch(const Polygon& polygon, FillRule rule, const Hatching& ha
     const bool isSolid
         = m_linePen.type().isSolid && spacingOnPage <= std::max(m_pens.widthDecipoints(), kFinestSpacing);
     if (isSolid || !m_surface.needsDetail() || spacingOnPage <= kFinestSpacing
-        || !hpgl::hatch(polygon, request, lines)) {
+        || !hpgl::hatch(polygon, request, m_work, lines)) {
         std::optional<PenInk> ink = m_inks.ofLines();
         if (!ink)
             return;
@@ -99,7 +102,7 @@ void AreaFiller::hatch(const Polygon& polygon, FillRule rule, const Hatching& ha
 
 void AreaFiller::edge(const Polygon& polygon)
 {
-    if (!m_pens.hasPen())
+    if (!m_pens.hasPen() || !m_work.allows(Work::Shapes, kUnitsPerCorner * polygon.size()))
         return;
     std::vector<LineVertex> line;
     for (std::size_t i = 0; i < polygon.subpolygonCount(); ++i) {

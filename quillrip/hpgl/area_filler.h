@@ -1,5 +1,6 @@
 #pragma once
 
+#include "quillrip/base/work_meter.h"
 #include "quillrip/hpgl/coordinates.h"
 #include "quillrip/hpgl/inks.h"
 #include "quillrip/hpgl/line_pen.h"
@@ -14,7 +15,7 @@ namespace quillrip::hpgl {
 class AreaFiller {
 public:
     AreaFiller(Surface& surface, State& state, const Coordinates& coordinates, const Pens& pens, Inks& inks,
-        PlotClip& clip, LinePen& linePen);
+        PlotClip& clip, LinePen& linePen, WorkMeter& work);
 
     void fill(const Polygon& polygon, FillRule rule);
     /// Fills a shape of the page with anything but hatch lines.
@@ -32,6 +33,7 @@ private:
     Inks& m_inks;
     PlotClip& m_clip;
     LinePen& m_linePen;
+    WorkMeter& m_work;
 };
 
 } // namespace quillrip::hpgl

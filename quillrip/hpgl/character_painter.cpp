@@ -12,6 +12,9 @@ namespace {
 
 /// Width of character edges in ems.
 constexpr double kEdgeWidth = 1.0 / 40;
+/// Work of a character without its painting, and of taking its outline from the face.
+constexpr std::uint64_t kUnitsPerCharacter = 300;
+constexpr std::uint64_t kUnitsPerOutline = 10000;
 
 /// Curves as lines, for hatching.
 Polygon flattened(const Path& path)
@@ -48,7 +51,7 @@ Polygon flattened(const Path& path)
 } // namespace
 
 CharacterPainter::CharacterPainter(Surface& surface, State& state, const TextState& text,
-    const Coordinates& coordinates, const Pens& pens, Inks& inks, PlotClip& clip, AreaFiller& areas)
+    const Coordinates& coordinates, const Pens& pens, Inks& inks, PlotClip& clip, AreaFiller& areas, WorkMeter& work)
     : m_surface(surface)
     , m_state(state)
     , m_text(text)
@@ -57,12 +60,13 @@ CharacterPainter::CharacterPainter(Surface& surface, State& state, const TextSta
     , m_inks(inks)
     , m_clip(clip)
     , m_areas(areas)
+    , m_work(work)
 {
 }
 
 void CharacterPainter::draw(const LabelMetrics& metrics, std::uint32_t glyph, Point at)
 {
-    if (!m_pens.hasPen())
+    if (!m_pens.hasPen() || !m_work.allows(Work::Glyphs, kUnitsPerCharacter))
         return;
     m_state.hasDrawn = true;
     const Point x = metrics.along * metrics.unitWidth;
@@ -108,6 +112,7 @@ void CharacterPainter::drawTypeface(const Font& font, GlyphId glyph, const Matri
             m_surface.drawGlyph(*font.face, glyph, toPage, *ink);
         return;
     }
+    m_work.charge(Work::Glyphs, kUnitsPerOutline);
     const Path onPage = outline.transformed(toPage);
     if (m_text.fill == CharacterFill::Pen) {
         if (const std::optional<PenInk> ink = m_inks.ofSelectedPen())

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "quillrip/base/geometry.h"
+#include "quillrip/base/work_meter.h"
 #include "quillrip/fonts/font.h"
 #include "quillrip/hpgl/area_filler.h"
 #include "quillrip/hpgl/coordinates.h"
@@ -19,7 +20,7 @@ namespace quillrip::hpgl {
 class CharacterPainter {
 public:
     CharacterPainter(Surface& surface, State& state, const TextState& text, const Coordinates& coordinates,
-        const Pens& pens, Inks& inks, PlotClip& clip, AreaFiller& areas);
+        const Pens& pens, Inks& inks, PlotClip& clip, AreaFiller& areas, WorkMeter& work);
 
     /// With the character's reference point at a place in plotter units. `glyph`: see LabelItem.
     void draw(const LabelMetrics& metrics, std::uint32_t glyph, Point at);
@@ -36,6 +37,7 @@ private:
     Inks& m_inks;
     PlotClip& m_clip;
     AreaFiller& m_areas;
+    WorkMeter& m_work;
 };
 
 } // namespace quillrip::hpgl

@@ -10,6 +10,10 @@ namespace quillrip::hpgl {
 
 namespace {
 
+/// Work of an edge of the polygon, and of its crossing with a line: finding, sorting, pairing.
+constexpr std::uint64_t kUnitsPerEdge = 30;
+constexpr std::uint64_t kUnitsPerCrossing = 150;
+
 struct Crossing {
     std::int64_t line; ///< how many spacings from the anchor
     double along;
@@ -18,7 +22,7 @@ struct Crossing {
 
 } // namespace
 
-bool hatch(const Polygon& polygon, const HatchRequest& request, std::vector<HatchLine>& lines)
+bool hatch(const Polygon& polygon, const HatchRequest& request, WorkMeter& work, std::vector<HatchLine>& lines)
 {
     // In the hatching's own axes the lines are v = k * spacing and run along u.
     const double radians = request.angle * kRadiansPerDegree;
@@ -49,6 +53,8 @@ bool hatch(const Polygon& polygon, const HatchRequest& request, std::vector<Hatc
         const Polygon::Vertex* const first = polygon.begin(i);
         const Polygon::Vertex* const end = polygon.end(i);
         for (const Polygon::Vertex* vertex = first; vertex != end; ++vertex) {
+            if (!work.allows(Work::Lines, kUnitsPerEdge))
+                return false;
             Point a = toHatch(vertex->at);
             Point b = toHatch((vertex + 1 == end ? first : vertex + 1)->at);
             const int direction = a.y < b.y ? 1 : -1;
@@ -60,7 +66,7 @@ bool hatch(const Polygon& polygon, const HatchRequest& request, std::vector<Hatc
             if (!(from < to))
                 continue;
             for (auto k = static_cast<std::int64_t>(from); k < static_cast<std::int64_t>(to); ++k) {
-                if (crossings.size() >= request.atMost)
+                if (crossings.size() >= request.atMost || !work.allows(Work::Lines, kUnitsPerCrossing))
                     return false;
                 const double share = (static_cast<double>(k) * request.spacing - a.y) / (b.y - a.y);
                 crossings.push_back({ k, a.x + (b.x - a.x) * share, direction });

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "quillrip/base/work_meter.h"
 #include "quillrip/hpgl/polygon.h"
 #include "quillrip/raster/paths/path.h"
 
@@ -24,7 +25,7 @@ struct HatchRequest {
 };
 
 /// The parallel lines that fill a polygon, from edge to edge, in the order of their distance from the anchor. False
-/// (and no lines) when there would be too many.
-bool hatch(const Polygon& polygon, const HatchRequest& request, std::vector<HatchLine>& lines);
+/// (and no lines) when there would be too many, or the meter is exhausted by finding them.
+bool hatch(const Polygon& polygon, const HatchRequest& request, WorkMeter& work, std::vector<HatchLine>& lines);
 
 } // namespace quillrip::hpgl

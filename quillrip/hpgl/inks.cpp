@@ -188,6 +188,7 @@ std::optional<PenInk> Inks::rasterFill(int index, bool usesCurrentPen) const
     PenInk ink;
     ink.color = m_palette.color(usesCurrentPen ? m_pens.selected() : 1);
     ink.tile = std::make_shared<const PatternTile>(tile.turned(turns & 3).scaled(dotX, dotY));
+    charge(*ink.tile);
     usePatternAnchor(ink);
     return ink;
 }
@@ -205,9 +206,17 @@ std::optional<PenInk> Inks::storedPattern(AreaPattern kind, int id) const
         ink = PenInk {};
         ink->color = m_palette.color(m_pens.selected());
     }
+    charge(*tile);
     ink->tile = tile;
     usePatternAnchor(*ink);
     return ink;
+}
+
+/// Tiles are made anew for every mark, and marks may be smaller by far.
+void Inks::charge(const PatternTile& tile) const
+{
+    constexpr std::uint64_t kUnitsPerByte = 4;
+    m_work.charge(Work::Pixels, kUnitsPerByte * tile.pixels.size());
 }
 
 } // namespace quillrip::hpgl

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "quillrip/base/work_meter.h"
 #include "quillrip/hpgl/coordinates.h"
 #include "quillrip/hpgl/host.h"
 #include "quillrip/hpgl/palette.h"
@@ -18,11 +19,12 @@ namespace quillrip::hpgl {
 /// mark would leave nothing: no pen is selected, or it is white and white is transparent.
 class Inks {
 public:
-    Inks(Host& host, const Palette& palette, const Coordinates& coordinates, const Pens& pens)
+    Inks(Host& host, const Palette& palette, const Coordinates& coordinates, const Pens& pens, WorkMeter& work)
         : m_host(host)
         , m_palette(palette)
         , m_coordinates(coordinates)
         , m_pens(pens)
+        , m_work(work)
     {
     }
 
@@ -56,11 +58,13 @@ private:
     std::optional<PenInk> rasterFill(int index, bool usesCurrentPen) const;
     std::optional<PenInk> storedPattern(AreaPattern kind, int id) const;
     void usePatternAnchor(PenInk& ink) const;
+    void charge(const PatternTile& tile) const;
 
     Host& m_host;
     const Palette& m_palette;
     const Coordinates& m_coordinates;
     const Pens& m_pens;
+    WorkMeter& m_work;
     FillType m_fill;
     ScreenedVectors m_screened;
     std::array<RasterFill, 9> m_rasterFills; ///< by index 1 to 8; empty: solid

@@ -17,6 +17,8 @@ constexpr std::uint8_t kCarriageReturn = 13;
 constexpr std::uint8_t kShiftOut = 14;
 constexpr std::uint8_t kShiftIn = 15;
 constexpr int kTabCells = 8;
+/// Work of finding where the ink of a character begins.
+constexpr std::uint64_t kUnitsPerBearing = 10000;
 
 /// LO as a place in the label's box: 0, 1/2, 1 from left to right and from the baseline to the top.
 struct OriginPlace {
@@ -275,8 +277,10 @@ void LabelSetter::setLine(LabelLine& line)
         shift.y += (1 - 2 * place.high) * first.originOffset;
     }
     // The ink of the line's first character starts at the point, not its bearing; 21 keeps that.
-    if (m_text.origin <= 3 && m_text.path == TextPath::Right)
+    if (m_text.origin <= 3 && m_text.path == TextPath::Right) {
+        m_work.charge(Work::Glyphs, kUnitsPerBearing);
         shift.x -= leftBearing(first, line.items.front());
+    }
     for (const LabelItem& item : line.items) {
         if (item.glyph == kNoGlyph)
             continue;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "quillrip/base/work_meter.h"
 #include "quillrip/hpgl/character_painter.h"
 #include "quillrip/hpgl/label.h"
 #include "quillrip/hpgl/label_fonts.h"
@@ -14,12 +15,14 @@ namespace quillrip::hpgl {
 /// LB: from bytes to characters in their places. Moves the pen and the carriage return point.
 class LabelSetter {
 public:
-    LabelSetter(const Surface& surface, State& state, TextState& text, LabelFonts& fonts, CharacterPainter& characters)
+    LabelSetter(const Surface& surface, State& state, TextState& text, LabelFonts& fonts, CharacterPainter& characters,
+        WorkMeter& work)
         : m_surface(surface)
         , m_state(state)
         , m_text(text)
         , m_fonts(fonts)
         , m_characters(characters)
+        , m_work(work)
     {
     }
 
@@ -45,6 +48,7 @@ private:
     TextState& m_text;
     LabelFonts& m_fonts;
     CharacterPainter& m_characters;
+    WorkMeter& m_work;
 };
 
 } // namespace quillrip::hpgl

@@ -1,7 +1,10 @@
 #include "quillrip/hpgl/line_pattern.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
+#include <cstddef>
+#include <cstdint>
 
 namespace quillrip::hpgl {
 
@@ -12,13 +15,16 @@ constexpr double kShortestPattern = 0.5; // decipoints
 /// More dashes of one line than anybody could tell apart. Wide ones take longer to draw, and fewer make sense.
 constexpr double kMostDashes = 1000000;
 constexpr double kWideDash = 20; // decipoints
+/// Work of a dash, of a gap, or of a vector.
+constexpr std::uint64_t kUnitsPerStep = 50;
 
 /// Walks the pattern along a line and collects what the pen draws.
 class Dasher {
 public:
-    Dasher(const LinePattern& pattern, std::size_t mostDashes, DashedLine& result)
+    Dasher(const LinePattern& pattern, std::size_t mostDashes, WorkMeter& work, DashedLine& result)
         : m_pattern(pattern)
         , m_dashesLeft(mostDashes)
+        , m_work(work)
         , m_result(result)
     {
     }
@@ -49,7 +55,7 @@ public:
         if (length == 0)
             return;
         double done = 0;
-        while (done < length) {
+        while (done < length && m_work.allows(Work::Lines, kUnitsPerStep)) {
             const Point here = from + (to - from) * (done / length);
             if (m_dashesLeft == 0 && !m_isDrawing)
                 return drawRest(here, to);
@@ -96,6 +102,7 @@ private:
 
     const LinePattern& m_pattern;
     std::size_t m_dashesLeft;
+    WorkMeter& m_work;
     DashedLine& m_result;
     double m_length = 0;
     std::size_t m_slot = 0;
@@ -145,7 +152,7 @@ const std::vector<double>& builtInLinePattern(int type)
 }
 
 DashedLine cutIntoDashes(const std::vector<LineVertex>& line, const LinePattern& pattern, const Rect& visible,
-    double penWidth, double& phase)
+    double penWidth, WorkMeter& work, double& phase)
 {
     DashedLine result;
     const double length = std::max(pattern.length, kShortestPattern);
@@ -153,11 +160,11 @@ DashedLine cutIntoDashes(const std::vector<LineVertex>& line, const LinePattern&
     const Rect shown { visible.left - length - 100, visible.top - length - 100, visible.right + length + 100,
         visible.bottom + length + 100 };
     const double mostDashes = kMostDashes / (1 + std::max(0.0, penWidth) / kWideDash);
-    Dasher dasher(pattern, std::max<std::size_t>(1, static_cast<std::size_t>(mostDashes)), result);
+    Dasher dasher(pattern, std::max<std::size_t>(1, static_cast<std::size_t>(mostDashes)), work, result);
     double at = pattern.isAdaptive ? 0 : std::fmod(phase, length);
     dasher.enter(at, length);
 
-    for (std::size_t i = 1; i < line.size(); ++i) {
+    for (std::size_t i = 1; i < line.size() && work.allows(Work::Lines, kUnitsPerStep); ++i) {
         double patternLength = length;
         const bool startsVector = i == 1 || line[i - 1].endsVector;
         if (pattern.isAdaptive && startsVector) {

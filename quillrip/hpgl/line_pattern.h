@@ -1,5 +1,6 @@
 #pragma once
 
+#include "quillrip/base/work_meter.h"
 #include "quillrip/hpgl/surface.h"
 
 #include <vector>
@@ -31,8 +32,9 @@ struct DashedLine {
 
 /// Cuts a line of at least two vertices. `phase` is how far into the pattern it starts and, afterwards, ends
 /// (decipoints; untouched by adaptive patterns). Dashes far outside `visible` are left out. A line that would need
-/// absurdly many dashes, fewer the wider the pen is (decipoints), is solid behind those.
+/// absurdly many dashes, fewer the wider the pen is (decipoints), is solid behind those. Every dash is charged; there
+/// are none when the meter is exhausted.
 DashedLine cutIntoDashes(const std::vector<LineVertex>& line, const LinePattern& pattern, const Rect& visible,
-    double penWidth, double& phase);
+    double penWidth, WorkMeter& work, double& phase);
 
 } // namespace quillrip::hpgl

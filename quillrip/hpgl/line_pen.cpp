@@ -204,8 +204,7 @@ void LinePen::gatherDashes(std::vector<LineVertex> line, double& phase)
     pattern.isAdaptive = m_type.type < 0;
     for (LineVertex& vertex : line)
         vertex.at = withinReach(vertex.at);
-    const DashedLine dashed = cutIntoDashes(line, pattern, m_clip.area(), m_pens.widthDecipoints(), phase);
-    m_work.charge(Work::Lines, kUnitsPerPoint * (dashed.dashes.pointCount() + dashed.dots.size()));
+    const DashedLine dashed = cutIntoDashes(line, pattern, m_clip.area(), m_pens.widthDecipoints(), m_work, phase);
     m_strokes.append(dashed.dashes);
     for (const Point dot : dashed.dots)
         drawDot(dot);

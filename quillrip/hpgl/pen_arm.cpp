@@ -9,6 +9,8 @@ namespace {
 
 /// Where positions end: what the language defines for integers.
 constexpr double kFarthest = 1073741823;
+/// Work of a point that stands for a curve.
+constexpr std::uint64_t kUnitsPerCurvePoint = 100;
 
 } // namespace
 
@@ -37,7 +39,9 @@ void PenArm::travelToPoint(Point to)
 
 std::vector<LineVertex> PenArm::pointsOf(const Arc& arc) const
 {
-    return arcPoints(m_coordinates, arc, m_linePen.type().isDotsAtPoints());
+    std::vector<LineVertex> points = arcPoints(m_coordinates, arc, m_linePen.type().isDotsAtPoints());
+    m_work.charge(Work::Lines, kUnitsPerCurvePoint * points.size());
+    return points;
 }
 
 void PenArm::follow(const Arc& arc)
@@ -76,7 +80,9 @@ void PenArm::circle(double radius, double chord)
 
 void PenArm::bezier(Point control1, Point control2, Point end)
 {
-    for (const LineVertex& vertex : bezierPoints(m_coordinates, m_state.pen, control1, control2, end))
+    const std::vector<LineVertex> points = bezierPoints(m_coordinates, m_state.pen, control1, control2, end);
+    m_work.charge(Work::Lines, kUnitsPerCurvePoint * points.size());
+    for (const LineVertex& vertex : points)
         travel(vertex.at, m_state.isPenDown, vertex.endsVector);
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "quillrip/base/work_meter.h"
 #include "quillrip/hpgl/coordinates.h"
 #include "quillrip/hpgl/curves.h"
 #include "quillrip/hpgl/label_setter.h"
@@ -16,12 +17,14 @@ namespace quillrip::hpgl {
 /// Moves the pen: on the page, or through the polygon buffer while that is open.
 class PenArm {
 public:
-    PenArm(State& state, const Coordinates& coordinates, LinePen& linePen, PolygonBuffer& polygon, LabelSetter& labels)
+    PenArm(State& state, const Coordinates& coordinates, LinePen& linePen, PolygonBuffer& polygon, LabelSetter& labels,
+        WorkMeter& work)
         : m_state(state)
         , m_coordinates(coordinates)
         , m_linePen(linePen)
         , m_polygon(polygon)
         , m_labels(labels)
+        , m_work(work)
     {
     }
 
@@ -49,6 +52,7 @@ private:
     LinePen& m_linePen;
     PolygonBuffer& m_polygon;
     LabelSetter& m_labels;
+    WorkMeter& m_work;
 };
 
 } // namespace quillrip::hpgl

@@ -20,6 +20,7 @@
 #include "quillrip/hpgl/state.h"
 #include "quillrip/hpgl/surface.h"
 
+#include <memory>
 #include <string>
 
 namespace quillrip::hpgl {
@@ -64,6 +65,7 @@ public:
     Host& host;
     Surface& surface;
     PlotListener* const listener;
+    const std::shared_ptr<WorkMeter> account; ///< the job's, kept as long as the plotter
     WorkMeter& work;
     Reporter reporter;
     State state;

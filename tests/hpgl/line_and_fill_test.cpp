@@ -10,6 +10,13 @@ using hpgl::DashedLine;
 using hpgl::LinePattern;
 using hpgl::LineVertex;
 
+/// A meter that these lines do not exhaust.
+WorkMeter& plenty()
+{
+    static WorkMeter s_meter;
+    return s_meter;
+}
+
 const Rect kEverything { -1e6, -1e6, 1e6, 1e6 };
 constexpr double kThin = 1;
 
@@ -33,7 +40,7 @@ TEST(HpglLinePattern, RepeatsAndGoesOnInTheNextVector)
     double phase = 0;
     const LinePattern pattern { { .5, .5 }, 10, false };
     const DashedLine line
-        = cutIntoDashes({ { { 0, 0 } }, { { 12, 0 } }, { { 20, 0 } } }, pattern, kEverything, kThin, phase);
+        = cutIntoDashes({ { { 0, 0 } }, { { 12, 0 } }, { { 20, 0 } } }, pattern, kEverything, kThin, plenty(), phase);
     const auto dashes = dashesOf(line);
     ASSERT_EQ(dashes.size(), 2u);
     EXPECT_NEAR(dashes[0].second, 5, 1e-9);
@@ -46,9 +53,10 @@ TEST(HpglLinePattern, ThePhaseIsCarriedToTheNextLine)
 {
     double phase = 0;
     const LinePattern pattern { { .5, .5 }, 10, false };
-    cutIntoDashes({ { { 0, 0 } }, { { 7, 0 } } }, pattern, kEverything, kThin, phase);
+    cutIntoDashes({ { { 0, 0 } }, { { 7, 0 } } }, pattern, kEverything, kThin, plenty(), phase);
     EXPECT_NEAR(phase, 7, 1e-9);
-    const auto dashes = dashesOf(cutIntoDashes({ { { 7, 0 } }, { { 20, 0 } } }, pattern, kEverything, kThin, phase));
+    const auto dashes
+        = dashesOf(cutIntoDashes({ { { 7, 0 } }, { { 20, 0 } } }, pattern, kEverything, kThin, plenty(), phase));
     ASSERT_FALSE(dashes.empty());
     EXPECT_NEAR(dashes[0].first, 10, 1e-9);
 }
@@ -58,8 +66,8 @@ TEST(HpglLinePattern, MoreDashesThanAPenOfThatWidthCanShowAreOneSolidLine)
     double phase = 0;
     const LinePattern pattern { { .5, .5 }, 10, false };
     constexpr double absurdlyWide = 1e7;
-    const DashedLine line
-        = cutIntoDashes({ { { 0, 0 } }, { { 500, 0 } }, { { 600, 0 } } }, pattern, kEverything, absurdlyWide, phase);
+    const DashedLine line = cutIntoDashes(
+        { { { 0, 0 } }, { { 500, 0 } }, { { 600, 0 } } }, pattern, kEverything, absurdlyWide, plenty(), phase);
     const auto dashes = dashesOf(line);
     ASSERT_EQ(dashes.size(), 3u);
     EXPECT_NEAR(dashes[0].second, 5, 1e-9);
@@ -72,7 +80,8 @@ TEST(HpglLinePattern, AdaptivePatternsFitEveryVector)
 {
     double phase = 3;
     const LinePattern pattern { { .5, .5 }, 10, true };
-    const auto dashes = dashesOf(cutIntoDashes({ { { 0, 0 } }, { { 24, 0 } } }, pattern, kEverything, kThin, phase));
+    const auto dashes
+        = dashesOf(cutIntoDashes({ { { 0, 0 } }, { { 24, 0 } } }, pattern, kEverything, kThin, plenty(), phase));
     ASSERT_EQ(dashes.size(), 2u);
     EXPECT_NEAR(dashes[0].second, 6, 1e-9);
     EXPECT_NEAR(dashes[1].first, 12, 1e-9);
@@ -83,7 +92,8 @@ TEST(HpglLinePattern, StretchesWithoutLengthAreDots)
 {
     double phase = 0;
     const LinePattern pattern { { .8, .1, 0, .1 }, 10, false };
-    const DashedLine line = cutIntoDashes({ { { 0, 0 } }, { { 20, 0 } } }, pattern, kEverything, kThin, phase);
+    const DashedLine line
+        = cutIntoDashes({ { { 0, 0 } }, { { 20, 0 } } }, pattern, kEverything, kThin, plenty(), phase);
     ASSERT_EQ(line.dots.size(), 2u);
     EXPECT_NEAR(line.dots[0].x, 9, 1e-9);
     EXPECT_NEAR(line.dots[1].x, 19, 1e-9);
@@ -94,7 +104,7 @@ TEST(HpglLinePattern, WhatCannotBeSeenCostsNothingAndKeepsThePhase)
     double phase = 0;
     const LinePattern pattern { { .5, .5 }, 10, false };
     const DashedLine line
-        = cutIntoDashes({ { { -1e9, 0 } }, { { 1e9, 0 } } }, pattern, { 0, 0, 100, 100 }, kThin, phase);
+        = cutIntoDashes({ { { -1e9, 0 } }, { { 1e9, 0 } } }, pattern, { 0, 0, 100, 100 }, kThin, plenty(), phase);
     EXPECT_LT(line.dashes.pointCount(), 200u);
     const auto dashes = dashesOf(line);
     ASSERT_FALSE(dashes.empty());
