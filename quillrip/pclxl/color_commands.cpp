@@ -1,9 +1,9 @@
 #include "quillrip/base/color.h"
+#include "quillrip/base/reporter.h"
 #include "quillrip/pclxl/commands.h"
 #include "quillrip/pclxl/drawing.h"
 #include "quillrip/pclxl/machine.h"
 #include "quillrip/pclxl/pattern_store.h"
-#include "quillrip/pclxl/reporter.h"
 #include "quillrip/pclxl/state.h"
 
 #include <algorithm>

@@ -1,10 +1,10 @@
 #pragma once
 
 #include "quillrip/base/limits.h"
+#include "quillrip/base/reporter.h"
 #include "quillrip/pclxl/graphics_stack.h"
 #include "quillrip/pclxl/page.h"
 #include "quillrip/pclxl/pixel_converter.h"
-#include "quillrip/pclxl/reporter.h"
 #include "quillrip/raster/compose/paint_state.h"
 #include "quillrip/raster/paths/path.h"
 #include "quillrip/raster/paths/stroke_style.h"

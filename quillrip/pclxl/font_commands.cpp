@@ -1,6 +1,6 @@
+#include "quillrip/base/reporter.h"
 #include "quillrip/pclxl/commands.h"
 #include "quillrip/pclxl/machine.h"
-#include "quillrip/pclxl/reporter.h"
 #include "quillrip/pclxl/soft_fonts.h"
 #include "quillrip/pclxl/state.h"
 
@@ -39,7 +39,7 @@ Status endFontHeader(Machine& machine)
 {
     machine.endDefinition();
     bool isReplaced = false;
-    const Status status = machine.softFonts().endHeader(machine.reporter().forFonts(), isReplaced);
+    const Status status = machine.softFonts().endHeader(machine.fontReporter(), isReplaced);
     if (isReplaced)
         machine.reporter().warn(
             "pclxl.font-replaced", "a soft font is defined again and takes the place of the former one");
@@ -63,8 +63,8 @@ Status readChar(Machine& machine)
     const int code = operands.integer(Attribute::CharCode);
     if (code < 0 || code > 0xFFFF)
         return { Error::IllegalAttributeValue, Attribute::CharCode };
-    return machine.softFonts().addCharacter(static_cast<std::uint16_t>(code), machine.data(),
-        static_cast<std::size_t>(length), machine.reporter().forFonts());
+    return machine.softFonts().addCharacter(
+        static_cast<std::uint16_t>(code), machine.data(), static_cast<std::size_t>(length), machine.fontReporter());
 }
 
 Status endChar(Machine& machine)

@@ -1,10 +1,10 @@
+#include "quillrip/base/reporter.h"
 #include "quillrip/pclxl/commands.h"
 #include "quillrip/pclxl/drawing.h"
 #include "quillrip/pclxl/machine.h"
 #include "quillrip/pclxl/page_image.h"
 #include "quillrip/pclxl/pattern_in_progress.h"
 #include "quillrip/pclxl/pattern_store.h"
-#include "quillrip/pclxl/reporter.h"
 #include "quillrip/pclxl/session.h"
 
 #include <algorithm>

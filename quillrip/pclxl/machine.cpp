@@ -1,19 +1,22 @@
 #include "quillrip/pclxl/machine.h"
 
+#include "quillrip/base/reporter.h"
 #include "quillrip/pclxl/drawing.h"
 #include "quillrip/pclxl/graphics_stack.h"
+#include "quillrip/pclxl/held_diagnostics.h"
 #include "quillrip/pclxl/page.h"
 #include "quillrip/pclxl/page_image.h"
 #include "quillrip/pclxl/pattern_in_progress.h"
 #include "quillrip/pclxl/pattern_store.h"
-#include "quillrip/pclxl/reporter.h"
 #include "quillrip/pclxl/session.h"
 #include "quillrip/pclxl/soft_fonts.h"
 #include "quillrip/pclxl/stream_header.h"
 #include "quillrip/pclxl/text_setter.h"
+#include "quillrip/pclxl/trace.h"
 #include "quillrip/pclxl/user_streams.h"
 #include "quillrip/pclxl/vendor_image.h"
 
+#include <cstdint>
 #include <string>
 
 namespace quillrip::pclxl {
@@ -27,7 +30,8 @@ constexpr std::uint64_t kUnitsPerOperator = 200;
 
 struct Machine::Rooms {
     Rooms(PageDevice& device, DiagnosticSink& diagnostics, const Limits& limits)
-        : reporter(diagnostics)
+        : sink(diagnostics)
+        , reporter(&diagnostics)
         , page(device)
         , drawing(page, graphics, limits, reporter)
         , textSetter(page, graphics, drawing, limits, reporter)
@@ -37,6 +41,8 @@ struct Machine::Rooms {
     {
     }
 
+    DiagnosticSink& sink;
+    HeldDiagnostics fontDiagnostics;
     Reporter reporter;
     Session session;
     DataSource dataSource;
@@ -65,6 +71,8 @@ Machine::Machine(PageDevice& device, DiagnosticSink& diagnostics, const Limits& 
 Machine::~Machine() = default;
 
 Reporter& Machine::reporter() { return m_rooms->reporter; }
+
+Reporter Machine::fontReporter() { return { &m_rooms->fontDiagnostics, m_rooms->reporter.offset() }; }
 
 Session& Machine::session() { return m_rooms->session; }
 
@@ -105,7 +113,7 @@ Interpreter::End Machine::run(InputStream& input)
     while (input.peek() == ' ' || (input.peek() >= '\t' && input.peek() <= '\r') || input.peek() == 0)
         input.get();
     m_position = 0;
-    m_rooms->reporter.setOffset(input.offset());
+    m_rooms->reporter.at(input.offset());
     m_command = nullptr;
     if (standsOnStreamHeader(input))
         status = readStreamHeader(input, order);
@@ -118,7 +126,7 @@ Interpreter::End Machine::run(InputStream& input)
     if (status.isOk())
         status = interpret(reader, false);
     if (status.isOk() && m_rooms->page.isOpen()) {
-        m_rooms->reporter.setOffset(reader.offset());
+        m_rooms->reporter.at(reader.offset());
         m_command = nullptr;
         status = Error::PrematureEnd;
     }
@@ -145,10 +153,11 @@ Interpreter::End Machine::run(InputStream& input)
 /// Operators till the end of the stream, or of a user stream.
 Status Machine::interpret(TagReader& reader, bool isUserStream)
 {
+    std::uint32_t orphans = 0;
     for (;;) {
         const TagReader::Token token = reader.next(m_operands);
         if (!isUserStream)
-            m_rooms->reporter.setOffset(reader.offset());
+            m_rooms->reporter.at(reader.offset());
         switch (token) {
         case TagReader::Token::Operator: {
             const Status status = execute(reader);
@@ -198,8 +207,10 @@ Status Machine::interpret(TagReader& reader, bool isUserStream)
             m_command = nullptr;
             return Error::IllegalArraySize;
         }
-        if (reader.orphans() > 0)
+        if (reader.orphans() > orphans) {
+            orphans = reader.orphans();
             m_rooms->reporter.warn("pclxl.orphan", "a value without a name, or a name without a value, is ignored");
+        }
     }
 }
 
@@ -225,6 +236,9 @@ Status Machine::execute(TagReader& reader)
             std::string(command->name) + " has no attribute " + nameOf(ignored) + " ("
                 + std::to_string(static_cast<unsigned>(ignored)) + "), it is ignored");
 
+    if (m_rooms->reporter.isTracing())
+        m_rooms->reporter.trace(traceOf(*command, m_operands));
+
     EmbeddedData data(reader.input(), reader.byteOrder(), m_rooms->dataSource.order);
     EmbeddedData* const outer = m_data;
     m_data = &data;
@@ -235,7 +249,7 @@ Status Machine::execute(TagReader& reader)
             status = Error::PrematureEnd;
     }
     m_data = outer;
-    m_rooms->reporter.passOnFontReports(!status.isOk());
+    m_rooms->fontDiagnostics.passOn(m_rooms->sink, !status.isOk());
     // An error within a user stream has named its own operator.
     if (!status.isOk() && command->tag != Operator::ExecStream)
         m_command = command;
@@ -307,7 +321,8 @@ void Machine::reportError(const Status& status)
     if (status.attribute != Attribute::None)
         message += std::string(", attribute ") + nameOf(status.attribute);
     message += ", position " + std::to_string(m_position);
-    m_rooms->reporter.damage(std::string("pclxl.error.") + nameOf(status.error), message);
+    const std::string kind = std::string("pclxl.error.") + nameOf(status.error);
+    m_rooms->reporter.damage(kind.c_str(), message);
 }
 
 void Machine::endVendorImages()

@@ -17,6 +17,7 @@
 namespace quillrip {
 
 class FontLibrary;
+class Reporter;
 
 namespace pclxl {
 
@@ -26,7 +27,6 @@ class Page;
 class PageImage;
 class PatternInProgress;
 class PatternStore;
-class Reporter;
 class SoftFonts;
 class TextSetter;
 class UserStreams;
@@ -63,6 +63,8 @@ public:
 
     // The rooms.
     Reporter& reporter();
+    /// For the font code, whose reports wait for the operator's end.
+    Reporter fontReporter();
     Session& session();
     DataSource& dataSource();
     Page& page();

@@ -1,48 +1,52 @@
 #include "quillrip/pclxl/media.h"
 
+#include "quillrip/base/paper.h"
+#include "quillrip/base/units.h"
+
 #include <cctype>
 
 namespace quillrip::pclxl {
 
 namespace {
 
-constexpr double kInch = 720;
-constexpr double kMillimetre = 720 / 25.4;
-
 struct Entry {
     int number;
     const char* name; ///< capitals, without blanks
-    double width;
-    double height;
-    double unit;
+    PaperName paper;
 };
 
 constexpr Entry kMedia[] = {
-    { 0, "LETTER", 8.5, 11, kInch },
-    { 1, "LEGAL", 8.5, 14, kInch },
-    { 2, "A4", 210, 297, kMillimetre },
-    { 3, "EXEC", 7.25, 10.5, kInch },
-    { 4, "LEDGER", 11, 17, kInch },
-    { 5, "A3", 297, 420, kMillimetre },
-    { 6, "COM10", 4.125, 9.5, kInch },
-    { 7, "MONARCH", 3.875, 7.5, kInch },
-    { 8, "C5", 162, 229, kMillimetre },
-    { 9, "DL", 110, 220, kMillimetre },
-    { 10, "JISB4", 257, 364, kMillimetre },
-    { 11, "JISB5", 182, 257, kMillimetre },
-    { 12, "B5", 176, 250, kMillimetre },
-    { 13, "B5JIS", 182, 257, kMillimetre },
-    { 14, "JPOST", 100, 148, kMillimetre },
-    { 15, "JPOSTD", 200, 148, kMillimetre },
-    { 16, "A5", 148, 210, kMillimetre },
-    { 17, "A6", 105, 148, kMillimetre },
-    { 18, "JISB6", 128, 182, kMillimetre },
-    { 19, "JIS8K", 270, 390, kMillimetre },
-    { 20, "JIS16K", 195, 270, kMillimetre },
-    { 21, "JISEXEC", 216, 330, kMillimetre },
+    { 0, "LETTER", PaperName::Letter },
+    { 1, "LEGAL", PaperName::Legal },
+    { 2, "A4", PaperName::A4 },
+    { 3, "EXEC", PaperName::Executive },
+    { 4, "LEDGER", PaperName::Ledger },
+    { 5, "A3", PaperName::A3 },
+    { 6, "COM10", PaperName::Com10 },
+    { 7, "MONARCH", PaperName::Monarch },
+    { 8, "C5", PaperName::C5 },
+    { 9, "DL", PaperName::DL },
+    { 10, "JISB4", PaperName::JisB4 },
+    { 11, "JISB5", PaperName::JisB5 },
+    { 12, "B5", PaperName::IsoB5 },
+    { 13, "B5JIS", PaperName::JisB5 },
+    { 14, "JPOST", PaperName::Postcard },
+    { 15, "JPOSTD", PaperName::DoublePostcard },
+    { 16, "A5", PaperName::A5 },
+    { 17, "A6", PaperName::A6 },
+    { 18, "JISB6", PaperName::JisB6 },
+    { 19, "JIS8K", PaperName::Jis8K },
+    { 20, "JIS16K", PaperName::Jis16K },
+    { 21, "JISEXEC", PaperName::JisExecutive },
 };
 
-Medium sheetOf(const Entry& entry) { return { entry.width * entry.unit, entry.height * entry.unit }; }
+Medium sheetOf(const Entry& entry)
+{
+    const Paper& paper = paperOf(entry.paper);
+    const Medium medium { paper.width.count, paper.length.count };
+    // The double postcard is fed with its long edge first.
+    return entry.paper == PaperName::DoublePostcard ? Medium { medium.height, medium.width } : medium;
+}
 
 } // namespace
 
@@ -70,9 +74,9 @@ double inchesOfMeasure(int measure)
 {
     switch (measure) {
     case 1:
-        return 1 / 25.4;
+        return 1 / kMillimetresPerInch;
     case 2:
-        return 1 / 254.0;
+        return 1 / (10 * kMillimetresPerInch);
     default:
         return 1;
     }

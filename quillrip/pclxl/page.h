@@ -27,11 +27,11 @@ public:
     // The rest holds of an open page.
     const SheetRequest& sheet() const { return m_sheet; }
     Painter& painter() const { return *m_canvas.painter; }
+    const PageCanvas& canvas() const { return m_canvas; }
     PixelFormat format() const { return m_canvas.format; }
     Resolution resolution() const { return m_canvas.resolution; }
     const PixelRect& bounds() const { return m_bounds; }
     const Matrix& initialMatrix() const { return m_initialMatrix; } ///< user units to device pixels
-    /// Null when none is open.
 
     /// Gives the handler PCL 5 data to draw on this page.
     Status passThrough(PassThroughHandler& handler, EmbeddedData& data);

@@ -1,3 +1,4 @@
+#include "quillrip/base/reporter.h"
 #include "quillrip/base/units.h"
 #include "quillrip/pclxl/commands.h"
 #include "quillrip/pclxl/drawing.h"
@@ -7,7 +8,6 @@
 #include "quillrip/pclxl/media.h"
 #include "quillrip/pclxl/page.h"
 #include "quillrip/pclxl/pattern_store.h"
-#include "quillrip/pclxl/reporter.h"
 #include "quillrip/pclxl/session.h"
 
 #include <cmath>

@@ -1,10 +1,10 @@
+#include "quillrip/base/reporter.h"
 #include "quillrip/pclxl/command_table.h"
 #include "quillrip/pclxl/commands.h"
 #include "quillrip/pclxl/environment.h"
 #include "quillrip/pclxl/graphics_stack.h"
 #include "quillrip/pclxl/machine.h"
 #include "quillrip/pclxl/media.h"
-#include "quillrip/pclxl/reporter.h"
 #include "quillrip/pclxl/session.h"
 
 #include <string>

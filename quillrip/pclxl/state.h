@@ -6,6 +6,7 @@
 #include "quillrip/pclxl/clip.h"
 #include "quillrip/pclxl/current_path.h"
 #include "quillrip/pclxl/raster_pattern.h"
+#include "quillrip/raster/compose/raster_operation.h"
 #include "quillrip/raster/paths/path.h"
 #include "quillrip/raster/paths/stroke_style.h"
 
@@ -77,7 +78,7 @@ struct GraphicsState {
     Ink brush;
     Ink pen;
     StrokeStyle stroke;
-    std::uint8_t rop = 252;
+    std::uint8_t rop = rop::kTextureOrSource;
     bool sourceTransparent = false;
     bool paintTransparent = false;
 

@@ -1,6 +1,6 @@
+#include "quillrip/base/reporter.h"
 #include "quillrip/pclxl/commands.h"
 #include "quillrip/pclxl/machine.h"
-#include "quillrip/pclxl/reporter.h"
 #include "quillrip/pclxl/user_streams.h"
 
 #include <cstdint>

@@ -1,8 +1,9 @@
+#include "quillrip/base/reporter.h"
+#include "quillrip/base/units.h"
 #include "quillrip/fonts/font_library.h"
 #include "quillrip/pclxl/commands.h"
 #include "quillrip/pclxl/machine.h"
 #include "quillrip/pclxl/page.h"
-#include "quillrip/pclxl/reporter.h"
 #include "quillrip/pclxl/session.h"
 #include "quillrip/pclxl/soft_fonts.h"
 #include "quillrip/pclxl/state.h"
@@ -53,7 +54,7 @@ Status setFont(Machine& machine)
         context.orientation = machine.page().sheet().orientation;
         character.font
             = machine.fonts().selectByEscapeSequence(operands.array(Attribute::PCLSelectFont).bytes(), context);
-        character.size = character.font.height / 72 * machine.session().unitsPerInch.y;
+        character.size = character.font.height / kPointsPerInch * machine.session().unitsPerInch.y;
         return {};
     }
     for (const Attribute attribute : { Attribute::CharSize, Attribute::SymbolSet })
@@ -71,7 +72,7 @@ Status setFont(Machine& machine)
         character.font.face = font;
     } else {
         character.font
-            = machine.fonts().selectByName(name, static_cast<std::uint16_t>(symbolSet), machine.reporter().forFonts());
+            = machine.fonts().selectByName(name, static_cast<std::uint16_t>(symbolSet), machine.fontReporter());
     }
     if (!character.font)
         return { Error::FontUndefined, Attribute::FontName };

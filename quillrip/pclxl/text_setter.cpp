@@ -113,36 +113,18 @@ Status TextSetter::setCode(std::uint32_t code, const Matrix& upright, const Matr
 Status TextSetter::addOutline(GlyphId glyph, const Matrix& glyphToDevice)
 {
     Path outline;
-    if (!state().character.font.face->outline(glyph, outline))
+    const Matrix glyphToUser = glyphToDevice * state().userToDevice.inverted();
+    if (!GlyphPainter::appendOutline(*state().character.font.face, glyph, glyphToUser, outline))
         return {};
-    return state().path.append(
-        outline.transformed(glyphToDevice * state().userToDevice.inverted()), m_limits.pathPoints);
+    return state().path.append(outline, m_limits.pathPoints);
 }
 
 void TextSetter::drawGlyph(GlyphId glyph, const Matrix& glyphToDevice)
 {
-    const CharacterState& character = state().character;
-    const Typeface& face = *character.font.face;
-    if (face.traits().isScalable && GlyphCache::isTooLarge(face, glyphToDevice)) {
-        Path outline;
-        if (!face.outline(glyph, outline))
-            return;
-        m_drawing.fill(outline.transformed(glyphToDevice), FillRule::NonZero);
-        if (character.bold > 0) {
-            StrokeStyle pen;
-            pen.width = character.bold;
-            pen.join = LineJoin::Round;
-            m_page.painter().strokePath(outline, glyphToDevice, pen, m_drawing.brushPaint());
-        }
-        return;
-    }
-    const GlyphMask::Depth depth
-        = m_page.format() == PixelFormat::Bilevel ? GlyphMask::Depth::Bits : GlyphMask::Depth::Coverage;
     GlyphStyle style;
-    style.bold = character.bold;
-    const PlacedGlyph placed = m_glyphs.place(face, glyph, glyphToDevice, depth, style);
-    if (placed.mask)
-        m_page.painter().drawMask(*placed.mask, placed.x, placed.y, m_drawing.brushPaint());
+    style.bold = state().character.bold;
+    m_glyphs.draw(m_page.canvas(), *state().character.font.face, glyph, glyphToDevice, m_drawing.brushPaint(), style,
+        [this](const Path& devicePath) { m_drawing.fill(devicePath, FillRule::NonZero); });
 }
 
 } // namespace quillrip::pclxl

@@ -1,12 +1,12 @@
 #pragma once
 
 #include "quillrip/base/limits.h"
-#include "quillrip/fonts/pixels/glyph_cache.h"
+#include "quillrip/base/reporter.h"
+#include "quillrip/fonts/glyph_painter.h"
 #include "quillrip/pclxl/attribute_list.h"
 #include "quillrip/pclxl/drawing.h"
 #include "quillrip/pclxl/graphics_stack.h"
 #include "quillrip/pclxl/page.h"
-#include "quillrip/pclxl/reporter.h"
 #include "quillrip/pclxl/status.h"
 
 #include <cstdint>
@@ -38,7 +38,7 @@ public:
     Status set(const TextRun& run, Use use);
 
     /// Drops what is kept of the glyphs, as their fonts go.
-    void endSession() { m_glyphs.clear(); }
+    void endSession() { m_glyphs.cache().clear(); }
 
 private:
     GraphicsState& state() { return m_graphics.state(); }
@@ -52,7 +52,7 @@ private:
     Drawing& m_drawing;
     const Limits& m_limits;
     Reporter& m_reporter;
-    GlyphCache m_glyphs;
+    GlyphPainter m_glyphs;
 };
 
 } // namespace quillrip::pclxl

@@ -4,33 +4,14 @@
 #include "quillrip/pclxl/interpreter.h"
 #include "tests/pclxl/stream_builder.h"
 #include "tests/support/memory_page_device.h"
+#include "tests/support/recording_sink.h"
 
+#include <cstddef>
+#include <cstdint>
 #include <string>
 #include <vector>
 
 namespace quillrip::test {
-
-class RecordingSink final : public DiagnosticSink {
-public:
-    void report(const Diagnostic& diagnostic) override { diagnostics.push_back(diagnostic); }
-    bool has(const std::string& kind) const
-    {
-        for (const Diagnostic& d : diagnostics)
-            if (d.kind == kind)
-                return true;
-        return false;
-    }
-    /// The message of the first of a kind, or of the first damage when no kind is given.
-    std::string message(const std::string& kind = {}) const
-    {
-        for (const Diagnostic& d : diagnostics)
-            if (kind.empty() ? d.severity == Severity::Damage : d.kind == kind)
-                return d.message;
-        return {};
-    }
-
-    std::vector<Diagnostic> diagnostics;
-};
 
 /// One interpreter with all that it needs. The device has 100 pixels an inch, as sessions of XlStream have units.
 struct XlJob {
