@@ -22,6 +22,7 @@ struct Arguments {
     std::optional<int> mostPages;
     std::optional<int> mostOutput;
     int mostSeconds = 24 * 60 * 60;
+    bool isTraced = false;
 };
 
 constexpr int kHighestResolution = 2400;
@@ -196,6 +197,7 @@ Request conversionOf(const Arguments& arguments)
 
     Convert conversion;
     conversion.seconds = static_cast<std::uint32_t>(arguments.mostSeconds);
+    conversion.isTraced = arguments.isTraced;
     ConversionOptions& options = conversion.options;
     options.document.isDurable = arguments.isDurable;
     options.limits.pages = static_cast<std::uint32_t>(arguments.mostPages.value_or(kMostPages));
@@ -241,6 +243,10 @@ Request parseCommandLine(const std::vector<std::string>& arguments)
             return ShowHelp {};
         if (name == "--version")
             return ShowVersion {};
+        if (name == "--trace") {
+            parsed.isTraced = true;
+            continue;
+        }
         const Option* option = nullptr;
         for (const Option& candidate : s_options) {
             if (name == candidate.name)
@@ -263,7 +269,8 @@ std::string helpText()
     std::string text
         = "usage: quillrip [OPTIONS] -o OUT -i IN\n\n"
           "Draws the pages of a print job (PCL 5, PCL XL, HP-GL/2, EMF spool files and metafiles of Windows,\n"
-          "plain text; PostScript and PDF where Ghostscript is installed) and writes them as images.\n\n";
+          "plain text; PostScript and PDF where Ghostscript is installed, XPS where MuPDF is) and writes them as\n"
+          "images.\n\n";
     for (const Option& option : s_options) {
         std::string words = std::string("  ") + option.name + " " + option.value;
         words.resize(words.size() < 20 ? 20 : words.size() + 1, ' ');
@@ -271,7 +278,10 @@ std::string helpText()
         appendIndented(text, option.help, "                    ");
         text += '\n';
     }
-    text += "  --help            Shows this text.\n"
+    text += "  --trace           Names every command of the job on standard error as it is carried out: the byte of "
+            "the\n"
+            "                    input where it starts, its name and its values.\n"
+            "  --help            Shows this text.\n"
             "  --version         Shows the version.\n\n"
             "Exit status: 0 done, 1 wrong usage, 2 the input cannot be read or is no print job that quillrip knows,\n"
             "3 the output cannot be written, 4 the job is damaged (the whole pages before the damage are there),\n"
@@ -292,6 +302,9 @@ std::string manualOptionList()
         text += ".TP\n.BI \"" + escaped(option.name) + " \" \"" + escaped(option.value) + "\"\n";
         text += escaped(option.help) + "\n";
     }
+    text += ".TP\n.B \\-\\-trace\nNames every command of the job on standard error as it is carried out: the byte of "
+            "the\n"
+            "input where it starts, its name and its values.\n";
     text += ".TP\n.B \\-\\-help\nShows a summary of the options.\n";
     text += ".TP\n.B \\-\\-version\nShows the version.\n";
     return text;

@@ -18,6 +18,7 @@ struct UsageError {
 struct Convert {
     ConversionOptions options;
     std::uint32_t seconds = 0; ///< how long it may take in real time; 0: for ever
+    bool isTraced = false; ///< every command of the job is named as it is carried out
 };
 using Request = std::variant<Convert, ShowHelp, ShowVersion, UsageError>;
 

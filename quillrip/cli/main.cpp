@@ -5,6 +5,7 @@
 #include "quillrip/job/sandbox.h"
 
 #include <csignal>
+#include <cstdint>
 #include <cstdio>
 #include <new>
 #include <string>
@@ -25,11 +26,12 @@ void say(const std::string& line) { std::fprintf(stderr, "quillrip: %s\n", cli::
 
 std::string nameOf(const std::string& file) { return file == "-" ? "standard input" : file; }
 
-/// One line for each warning on standard error.
+/// One line on standard error for each warning and, where they are asked for, for each command.
 class WarningPrinter final : public DiagnosticSink {
 public:
-    explicit WarningPrinter(const std::string& file)
+    WarningPrinter(const std::string& file, bool isTracing)
         : m_file(file)
+        , m_isTracing(isTracing)
     {
     }
 
@@ -38,8 +40,15 @@ public:
         say(m_file + ": warning: " + diagnostic.message + " (offset " + std::to_string(diagnostic.offset) + ")");
     }
 
+    bool wantsTrace() const override { return m_isTracing; }
+    void trace(std::uint64_t offset, const std::string& command) override
+    {
+        std::fprintf(stderr, "%8llu %s\n", static_cast<unsigned long long>(offset), cli::printable(command).c_str());
+    }
+
 private:
     std::string m_file;
+    bool m_isTracing;
 };
 
 int exitCodeOf(ConversionStatus status)
@@ -76,10 +85,10 @@ int run(const std::vector<std::string>& words)
         std::printf("quillrip %s\nConfinement that this system offers: %s\n", cli::kVersion, sandboxSupport().c_str());
         return 0;
     }
-    auto [options, seconds] = std::get<cli::Convert>(request);
+    auto [options, seconds, isTraced] = std::get<cli::Convert>(request);
     options.isConfined = kCanBeConfined;
     const std::string input = nameOf(options.inputPath);
-    WarningPrinter warnings(input);
+    WarningPrinter warnings(input, isTraced);
     cli::Watchdog watchdog(seconds, cli::printable(input));
     const ConversionResult result = convert(options, warnings, [&watchdog] { watchdog.rest(); });
     watchdog.rest();

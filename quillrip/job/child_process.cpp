@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cmath>
 #include <csignal>
 #include <cstdint>
 #include <cstring>
@@ -23,7 +24,7 @@ namespace quillrip {
 namespace {
 
 constexpr rlim_t kMostMemory = rlim_t { 4 } << 30;
-constexpr rlim_t kMostSeconds = 1800;
+constexpr int kNotLoaded = 127; ///< exit status, as shells have it
 constexpr std::size_t kMostComplaint = 2000;
 
 void closeIfOpen(int& descriptor)
@@ -61,9 +62,10 @@ std::vector<char*> cleanEnvironment()
 /// Reads both pipes as they fill, so that the child never waits for a pipe that nobody reads.
 class ChildProcess::Output final : public InputStream {
 public:
-    Output(int output, int errors)
+    Output(int output, int errors, const RunBudget& budget)
         : m_pipe(output)
         , m_errors(errors)
+        , m_budget(budget)
     {
     }
     ~Output() override { close(); }
@@ -76,8 +78,14 @@ public:
 
     void drainErrors()
     {
-        while (m_errors >= 0)
-            takeErrors();
+        while (m_errors >= 0) {
+            struct pollfd errors = { m_errors, POLLIN, 0 };
+            const int ready = ::poll(&errors, 1, millisecondsLeft());
+            if (ready > 0)
+                takeErrors();
+            else if (m_budget.isSpent() || (ready < 0 && errno != EINTR))
+                closeIfOpen(m_errors);
+        }
     }
 
     const std::string& errors() const { return m_text; }
@@ -89,8 +97,13 @@ protected:
             if (m_pipe < 0)
                 return 0;
             struct pollfd both[2] = { { m_pipe, POLLIN, 0 }, { m_errors, POLLIN, 0 } };
-            if (::poll(both, 2, -1) < 0 && errno != EINTR)
+            const int ready = ::poll(both, 2, millisecondsLeft());
+            if (m_budget.isSpent() || (ready < 0 && errno != EINTR)) {
+                close();
                 return 0;
+            }
+            if (ready <= 0)
+                continue;
             if (m_errors >= 0 && both[1].revents != 0)
                 takeErrors();
             if (both[0].revents == 0)
@@ -106,6 +119,12 @@ protected:
     }
 
 private:
+    int millisecondsLeft() const
+    {
+        constexpr double kLongestWait = 60000;
+        return static_cast<int>(std::min(m_budget.realLeft().count() * 1000 + 1, kLongestWait));
+    }
+
     void takeErrors()
     {
         char text[1024];
@@ -119,16 +138,20 @@ private:
 
     int m_pipe;
     int m_errors;
+    const RunBudget& m_budget;
     std::string m_text;
 };
 
-ChildProcess::ChildProcess() = default;
+ChildProcess::ChildProcess(RunBudget& budget)
+    : m_budget(budget)
+{
+}
 
 ChildProcess::~ChildProcess()
 {
     if (m_process > 0) {
         ::kill(m_process, SIGKILL);
-        while (::waitpid(m_process, nullptr, 0) < 0 && errno == EINTR) { }
+        wait();
     }
 }
 
@@ -149,6 +172,21 @@ std::vector<std::string> ChildProcess::neededPaths(const std::string& program)
     return paths;
 }
 
+/// Returns its status and takes its time off the budget.
+int ChildProcess::wait()
+{
+    int status = 0;
+    struct rusage usage { };
+    pid_t ended = -1;
+    do {
+        ended = ::wait4(m_process, &status, 0, &usage);
+    } while (ended < 0 && errno == EINTR);
+    m_process = -1;
+    for (const timeval& time : { usage.ru_utime, usage.ru_stime })
+        m_budget.spendProcessor(std::chrono::seconds(time.tv_sec) + std::chrono::microseconds(time.tv_usec));
+    return status;
+}
+
 bool ChildProcess::start(const std::vector<std::string>& arguments, int input)
 {
     // Everything that allocates comes before the fork: other threads may hold the allocator's locks.
@@ -162,11 +200,10 @@ bool ChildProcess::start(const std::vector<std::string>& arguments, int input)
     rules.readableFiles = { 0 }; // what the input is then
     int output[2] = { -1, -1 };
     int errors[2] = { -1, -1 };
-    if (::lseek(input, 0, SEEK_SET) != 0 || ::pipe2(output, O_CLOEXEC) != 0)
-        return false;
-    if (::pipe2(errors, O_CLOEXEC) != 0) {
-        ::close(output[0]);
-        ::close(output[1]);
+    const auto processor = static_cast<rlim_t>(std::max(1.0, std::ceil(m_budget.processorLeft().count())));
+    if (::lseek(input, 0, SEEK_SET) != 0 || ::pipe2(output, O_CLOEXEC) != 0 || ::pipe2(errors, O_CLOEXEC) != 0) {
+        closeIfOpen(output[0]);
+        closeIfOpen(output[1]);
         return false;
     }
     const pid_t parent = ::getpid();
@@ -175,7 +212,7 @@ bool ChildProcess::start(const std::vector<std::string>& arguments, int input)
         ::prctl(PR_SET_PDEATHSIG, SIGKILL);
         ::signal(SIGPIPE, SIG_DFL);
         limit(RLIMIT_AS, kMostMemory);
-        limit(RLIMIT_CPU, kMostSeconds);
+        limit(RLIMIT_CPU, processor);
         // Its pages leave through a pipe; it has no file to write.
         limit(RLIMIT_FSIZE, 0);
         limit(RLIMIT_CORE, 0);
@@ -185,37 +222,41 @@ bool ChildProcess::start(const std::vector<std::string>& arguments, int input)
         static_cast<void>(confineCalls(true));
         if (isReady)
             ::execve(words[0], words.data(), environment.data());
-        ::_exit(127);
+        ::_exit(kNotLoaded);
     }
     ::close(output[1]);
     ::close(errors[1]);
-    m_output = std::make_unique<Output>(output[0], errors[0]);
+    m_output = std::make_unique<Output>(output[0], errors[0], m_budget);
     return m_process > 0;
 }
 
 InputStream& ChildProcess::output() { return *m_output; }
 
-bool ChildProcess::finish()
+ChildProcess::End ChildProcess::finish()
 {
     if (m_process <= 0)
-        return false;
+        return End::NotStarted;
     std::uint8_t rest[4096];
     while (m_output->read(rest, sizeof rest) > 0) { }
     m_output->drainErrors();
-    int status = 0;
-    pid_t ended = -1;
-    do {
-        ended = ::waitpid(m_process, &status, 0);
-    } while (ended < 0 && errno == EINTR);
-    m_process = -1;
-    return ended > 0 && WIFEXITED(status) && WEXITSTATUS(status) == 0;
+    if (m_budget.realLeft() == RunBudget::Seconds::zero())
+        ::kill(m_process, SIGKILL);
+    const int status = wait();
+    if (WIFEXITED(status) && WEXITSTATUS(status) == 0)
+        return End::Done;
+    if (m_budget.isSpent() || (WIFSIGNALED(status) && WTERMSIG(status) == SIGXCPU))
+        return End::OutOfTime;
+    return WIFEXITED(status) && WEXITSTATUS(status) == kNotLoaded ? End::NotStarted : End::Failed;
 }
 
 std::string ChildProcess::complaint() const
 {
+    const std::string text = m_output ? m_output->errors() : std::string();
+    // Warnings may come before what the program ended for.
+    const std::size_t error = text.rfind("\nerror:");
     std::string line;
-    const std::string& text = m_output ? m_output->errors() : line;
-    for (const char c : text) {
+    for (std::size_t at = error == std::string::npos ? 0 : error + 1; at < text.size(); ++at) {
+        const char c = text[at];
         if (c == '\n' && !line.empty())
             break;
         if (static_cast<unsigned char>(c) >= 0x20)

@@ -4,7 +4,7 @@
 #include "quillrip/fonts/faces/font_file.h"
 #include "quillrip/image/document_writer.h"
 #include "quillrip/job/child_process.h"
-#include "quillrip/job/ghostscript.h"
+#include "quillrip/job/document_program.h"
 #include "quillrip/job/job_runner.h"
 #include "quillrip/job/sandbox.h"
 #include "quillrip/job/spool_file.h"
@@ -111,19 +111,21 @@ std::unique_ptr<FileInputStream> openInput(const std::string& path, std::string&
 
 /// Fonts are opened when a job asks for them; the rest is open. A system that offers no confinement gets its pages
 /// without.
-void confine(const DocumentWriter& writer, const std::string& ghostscript)
+void confine(const DocumentWriter& writer, const DocumentPrograms& programs)
 {
     SandboxRules rules;
     rules.readable = systemPaths();
     const std::vector<std::string> fonts = fontFolders();
     rules.readable.insert(rules.readable.end(), fonts.begin(), fonts.end());
     rules.writableFolders = writer.folders();
-    if (!ghostscript.empty()) {
-        rules.executable = ChildProcess::neededPaths(ghostscript);
+    const std::vector<std::string> paths = programs.paths();
+    for (const std::string& path : paths) {
+        const std::vector<std::string> needed = ChildProcess::neededPaths(path);
+        rules.executable.insert(rules.executable.end(), needed.begin(), needed.end());
         rules.writablePaths = { SpoolFile::folder() };
     }
     static_cast<void>(confineFiles(rules));
-    static_cast<void>(confineCalls(!ghostscript.empty()));
+    static_cast<void>(confineCalls(!paths.empty()));
 }
 
 ConversionResult convertWithMemory(
@@ -154,34 +156,26 @@ ConversionResult convertWithMemory(
     if (!writer)
         return failed(ConversionStatus::OutputFailed, reason, outputPath);
     WriterSink sink(*writer, options, *input, identity);
-    const std::string ghostscript = findGhostscript();
+    const DocumentPrograms programs = DocumentPrograms::onPath();
     if (options.isConfined)
-        confine(*writer, ghostscript);
-    const JobResult job = runJob(*input, sink, options.page, options.limits, diagnostics, ghostscript);
+        confine(*writer, programs);
+    const ConversionResult job = runJob(*input, sink, options.page, options.limits, diagnostics, programs);
 
     if (input->failed())
         return failed(ConversionStatus::BadInput, "reading it failed", inputPath);
-    switch (job.outcome) {
-    case JobOutcome::NothingToPrint:
-        return failed(ConversionStatus::BadInput, job.reason, inputPath);
-    case JobOutcome::LimitExceeded:
+    if (job.status == ConversionStatus::OutputFailed && !sink.isLimitExceeded())
+        return failed(job.status, job.reason, outputPath);
+    if (job.status == ConversionStatus::OutputFailed)
         return failed(ConversionStatus::LimitExceeded, job.reason, inputPath);
-    case JobOutcome::OutputFailed:
-        if (sink.isLimitExceeded())
-            return failed(ConversionStatus::LimitExceeded, job.reason, inputPath);
-        return failed(ConversionStatus::OutputFailed, job.reason, outputPath);
-    case JobOutcome::Done:
-    case JobOutcome::Damaged:
-        break;
-    }
+    if (job.status != ConversionStatus::Done && job.status != ConversionStatus::Damaged)
+        return failed(job.status, job.reason, inputPath);
     beforePublishing();
     if (job.pages > 0 && !writer->commit()) {
         if (writer->isLimitExceeded())
             return failed(ConversionStatus::LimitExceeded, writer->reason(), inputPath);
         return failed(ConversionStatus::OutputFailed, writer->reason(), outputPath);
     }
-    return { job.outcome == JobOutcome::Done ? ConversionStatus::Done : ConversionStatus::Damaged, job.reason,
-        inputPath, job.pages };
+    return { job.status, job.reason, inputPath, job.pages };
 }
 
 } // namespace

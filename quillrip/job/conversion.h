@@ -3,6 +3,7 @@
 #include "quillrip/base/diagnostics.h"
 #include "quillrip/base/limits.h"
 #include "quillrip/image/document_options.h"
+#include "quillrip/job/conversion_status.h"
 #include "quillrip/job/page_layout.h"
 
 #include <functional>
@@ -18,22 +19,6 @@ struct ConversionOptions {
     /// Once the input and the output's folder are open, the process gives up what it does not need any more, for good:
     /// for programs that convert one job.
     bool isConfined = false;
-};
-
-enum class ConversionStatus {
-    Done,
-    BadOptions, ///< they contradict each other, or name the same file twice
-    BadInput, ///< cannot be read, or is no print job that quillrip knows
-    OutputFailed,
-    Damaged, ///< the whole pages before the damage are in the output
-    LimitExceeded,
-};
-
-struct ConversionResult {
-    ConversionStatus status = ConversionStatus::Done;
-    std::string reason; ///< a sentence without full stop; empty when Done
-    std::string file; ///< which of the two files the reason is about
-    int pages = 0; ///< in the output
 };
 
 /// One conversion from file to file. With BadOptions, BadInput, OutputFailed and LimitExceeded nothing of the output

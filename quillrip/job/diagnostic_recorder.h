@@ -2,6 +2,7 @@
 
 #include "quillrip/base/diagnostics.h"
 
+#include <cstdint>
 #include <optional>
 #include <set>
 #include <string>
@@ -27,6 +28,9 @@ public:
         if (m_seen.insert(diagnostic.kind).second)
             m_next.report(diagnostic);
     }
+
+    bool wantsTrace() const override { return m_next.wantsTrace(); }
+    void trace(std::uint64_t offset, const std::string& command) override { m_next.trace(offset, command); }
 
     const std::optional<Diagnostic>& damage() const { return m_damage; }
 

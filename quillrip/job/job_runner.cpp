@@ -5,8 +5,8 @@
 #include "quillrip/hpgl/plot_file.h"
 #include "quillrip/hpgl/recognition.h"
 #include "quillrip/job/diagnostic_recorder.h"
+#include "quillrip/job/document_renderer.h"
 #include "quillrip/job/environments.h"
-#include "quillrip/job/ghostscript.h"
 #include "quillrip/job/image_page_device.h"
 #include "quillrip/job/pass_through.h"
 #include "quillrip/pcl/interpreter.h"
@@ -27,26 +27,26 @@ bool isPlot(ByteView window) { return hpgl::looksLikePlot(window) || hpgl::looks
 class Runner {
 public:
     Runner(InputStream& input, ImagePageDevice& device, const Limits& limits, DiagnosticRecorder& diagnostics,
-        const std::string& ghostscript)
+        const DocumentPrograms& programs)
         : m_input(input)
         , m_device(device)
         , m_limits(limits)
         , m_diagnostics(diagnostics)
-        , m_ghostscript(ghostscript)
+        , m_programs(programs)
         , m_fonts(limits, &diagnostics)
         , m_reader(input, diagnostics, &isPlot)
     {
     }
 
-    JobResult run()
+    ConversionResult run()
     {
         while (const auto part = m_reader.next()) {
             const std::uint64_t before = m_input.offset();
             const RunStatus status = runPart(*part);
             if (status == RunStatus::LimitExceeded)
-                return result(JobOutcome::LimitExceeded, limitReason());
+                return result(ConversionStatus::LimitExceeded, limitReason());
             if (status == RunStatus::OutputFailed)
-                return result(JobOutcome::OutputFailed, m_device.reason());
+                return result(ConversionStatus::OutputFailed, m_device.reason());
             if (status == RunStatus::Damaged) {
                 noteDamage(before);
                 m_device.dropOpenPage();
@@ -60,9 +60,9 @@ public:
         }
         const RunStatus status = finishPcl();
         if (status == RunStatus::LimitExceeded)
-            return result(JobOutcome::LimitExceeded, limitReason());
+            return result(ConversionStatus::LimitExceeded, limitReason());
         if (status == RunStatus::OutputFailed)
-            return result(JobOutcome::OutputFailed, m_device.reason());
+            return result(ConversionStatus::OutputFailed, m_device.reason());
         if (status == RunStatus::Damaged)
             noteDamage(m_input.offset());
         return conclusion();
@@ -165,16 +165,19 @@ private:
 
     RunStatus runDocument(const stream::Part& part)
     {
-        const bool isPdf = part.kind == stream::ContentKind::Pdf;
-        if (m_ghostscript.empty()) {
+        const DocumentLanguage language = part.kind == stream::ContentKind::Pdf ? DocumentLanguage::Pdf
+            : part.kind == stream::ContentKind::Xps                             ? DocumentLanguage::Xps
+                                                                                : DocumentLanguage::PostScript;
+        const auto program = m_programs.find(language);
+        if (!program) {
             if (m_refusedDocument.empty())
-                m_refusedDocument = std::string("is a ") + (isPdf ? "PDF document" : "PostScript job")
-                    + ", which needs Ghostscript: install the package ghostscript, so that the program gs is on PATH";
+                m_refusedDocument
+                    = std::string("is ") + nameOf(language) + ", which needs " + DocumentPrograms::wanted(language);
             m_reader.skipRest();
             return RunStatus::Done;
         }
-        GhostscriptRenderer renderer(m_ghostscript, m_device, m_diagnostics, m_limits);
-        const RunStatus status = renderer.run(m_input, isPdf ? DocumentLanguage::Pdf : DocumentLanguage::PostScript);
+        DocumentRenderer renderer(*program, m_device, m_diagnostics, m_limits, m_budget);
+        const RunStatus status = renderer.run(m_input, language);
         if (status == RunStatus::LimitExceeded || status == RunStatus::OutputFailed)
             m_reason = renderer.reason();
         return status;
@@ -187,9 +190,9 @@ private:
                 { Severity::Damage, offset, "job.damaged", "the job cannot be understood from here on" });
     }
 
-    JobResult result(JobOutcome outcome, std::string reason) const
+    ConversionResult result(ConversionStatus status, std::string reason) const
     {
-        return { outcome, std::move(reason), m_device.pageCount() };
+        return { status, std::move(reason), {}, m_device.pageCount() };
     }
 
     std::string foreignReason() const
@@ -200,11 +203,11 @@ private:
         return place + m_reader.foreignName();
     }
 
-    JobResult conclusion()
+    ConversionResult conclusion()
     {
         const int pages = m_device.pageCount();
         if (const auto& damage = m_diagnostics.damage())
-            return result(JobOutcome::Damaged,
+            return result(ConversionStatus::Damaged,
                 "damaged at offset " + std::to_string(damage->offset) + ": " + damage->message + "; "
                     + std::to_string(pages) + (pages == 1 ? " page kept" : " pages kept"));
         const std::string passedOver = !m_refusedDocument.empty() ? m_refusedDocument
@@ -214,18 +217,19 @@ private:
             if (!passedOver.empty())
                 m_diagnostics.report({ Severity::Warning, m_reader.foreignOffset(), "job.passed-over",
                     "left out a part of the file: it " + passedOver });
-            return result(JobOutcome::Done, {});
+            return result(ConversionStatus::Done, {});
         }
         if (!passedOver.empty())
-            return result(JobOutcome::NothingToPrint, passedOver);
-        return result(JobOutcome::NothingToPrint, m_input.offset() == 0 ? "is empty" : "holds no page to print");
+            return result(ConversionStatus::BadInput, passedOver);
+        return result(ConversionStatus::BadInput, m_input.offset() == 0 ? "is empty" : "holds no page to print");
     }
 
     InputStream& m_input;
     ImagePageDevice& m_device;
     const Limits& m_limits;
     DiagnosticRecorder& m_diagnostics;
-    std::string m_ghostscript;
+    const DocumentPrograms& m_programs;
+    RunBudget m_budget;
     FontLibrary m_fonts;
     stream::JobReader m_reader;
     std::optional<pcl::Interpreter> m_pcl;
@@ -237,15 +241,15 @@ private:
 
 } // namespace
 
-JobResult runJob(InputStream& input, PageSink& sink, const PageSettings& settings, const Limits& limits,
-    DiagnosticSink& diagnostics, const std::string& ghostscriptPath)
+ConversionResult runJob(InputStream& input, PageSink& sink, const PageSettings& settings, const Limits& limits,
+    DiagnosticSink& diagnostics, const DocumentPrograms& programs)
 {
     DiagnosticRecorder recorder(diagnostics);
     ImagePageDevice device(sink, settings, limits);
     const stream::Container container = stream::unwrap(input);
     if (!container.refusal.empty())
-        return { JobOutcome::NothingToPrint, "is " + container.refusal, 0 };
-    Runner runner(container.job(input), device, limits, recorder, ghostscriptPath);
+        return { ConversionStatus::BadInput, "is " + container.refusal, {}, 0 };
+    Runner runner(container.job(input), device, limits, recorder, programs);
     return runner.run();
 }
 

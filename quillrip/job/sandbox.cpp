@@ -151,7 +151,7 @@ bool confineFiles(const SandboxRules& rules)
     for (const int descriptor : rules.writableFolders)
         ruleset.allow(descriptor, kWrite);
     for (const std::string& path : rules.writablePaths)
-        ruleset.allow(path, kWrite);
+        ruleset.allow(path, kWrite | LANDLOCK_ACCESS_FS_MAKE_SYM);
     return prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) == 0 && ruleset.restrictThisThread();
 }
 

@@ -11,7 +11,7 @@ struct SandboxRules {
     std::vector<std::string> executable; ///< to read and to run, likewise
     std::vector<int> readableFiles; ///< descriptors of files that are opened again through /proc/self/fd
     std::vector<int> writableFolders; ///< descriptors: files in them can be read, made, renamed and removed
-    std::vector<std::string> writablePaths; ///< folders, likewise
+    std::vector<std::string> writablePaths; ///< folders, likewise, and for symbolic links
 };
 
 /// Libraries, and what programs of the system read besides: "/usr", "/lib" and such.

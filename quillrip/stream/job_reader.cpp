@@ -10,6 +10,7 @@ namespace quillrip::stream {
 
 namespace {
 
+constexpr std::size_t kPrefixLength = 4; ///< of @PJL
 constexpr std::size_t kLongestLine = 64 * 1024;
 constexpr std::size_t kSearchAfterData = 4096;
 constexpr std::size_t kShortestTrailingText = 16;
@@ -104,14 +105,15 @@ std::optional<std::string> takeLine(InputStream& input)
 
 JobReader::JobReader(InputStream& input, DiagnosticSink& diagnostics, PlotTest isPlot)
     : m_input(input)
-    , m_diagnostics(diagnostics)
+    , m_reporter(&diagnostics)
     , m_isPlot(isPlot)
 {
 }
 
 void JobReader::warn(const char* kind, std::string message, std::uint64_t offset)
 {
-    m_diagnostics.report({ Severity::Warning, offset, kind, std::move(message) });
+    m_reporter.at(offset);
+    m_reporter.warn(kind, std::move(message));
 }
 
 void JobReader::resetEnvironment()
@@ -259,20 +261,30 @@ std::optional<Part> JobReader::readPjl()
             m_isReadingPjl = false;
             return std::nullopt;
         }
-        m_input.skip(4);
-        const auto text = takeLine(m_input);
-        if (!text) {
+        const auto line = takePjlLine();
+        if (!line) {
             warn("pjl.line-too-long", "a job language line of more than 64 KiB was left out", offset);
             skipRest();
             continue;
         }
-        const PjlLine line = parsePjlLine(*text);
-        if (line.command == "ENTER") {
+        if (line->command == "ENTER") {
             m_isReadingPjl = false;
-            return enterLanguage(upper(line.option("LANGUAGE").value_or("AUTO")));
+            return enterLanguage(upper(line->option("LANGUAGE").value_or("AUTO")));
         }
-        obey(line, offset);
+        obey(*line, offset);
     }
+}
+
+std::optional<PjlLine> JobReader::takePjlLine()
+{
+    m_reporter.at(m_input.offset());
+    m_input.skip(kPrefixLength);
+    const auto text = takeLine(m_input);
+    if (!text)
+        return std::nullopt;
+    if (m_reporter.isTracing())
+        m_reporter.trace("@PJL" + *text);
+    return parsePjlLine(*text);
 }
 
 void JobReader::obey(const PjlLine& line, std::uint64_t offset)
@@ -327,13 +339,11 @@ std::optional<Part> JobReader::enterLanguage(std::string name)
         && startsWithPrefix(m_input.window(content.padding + 5).sub(content.padding))) {
         m_input.skip(content.padding);
         const std::uint64_t lineOffset = m_input.offset();
-        m_input.skip(4);
-        const auto text = takeLine(m_input);
-        const PjlLine line = text ? parsePjlLine(*text) : PjlLine {};
-        if (line.command == "ENTER")
-            name = upper(line.option("LANGUAGE").value_or("AUTO"));
-        else
-            obey(line, lineOffset);
+        const auto line = takePjlLine();
+        if (line && line->command == "ENTER")
+            name = upper(line->option("LANGUAGE").value_or("AUTO"));
+        else if (line)
+            obey(*line, lineOffset);
         content = look(true);
     }
     const auto entry = std::find_if(

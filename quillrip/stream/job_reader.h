@@ -1,7 +1,7 @@
 #pragma once
 
-#include "quillrip/base/diagnostics.h"
 #include "quillrip/base/input_stream.h"
+#include "quillrip/base/reporter.h"
 #include "quillrip/stream/content.h"
 #include "quillrip/stream/pjl_environment.h"
 
@@ -49,6 +49,8 @@ public:
 
 private:
     std::optional<Part> readPjl();
+    /// Takes a line of the job language whose @PJL comes next; nothing when it is longer than any.
+    std::optional<PjlLine> takePjlLine();
     std::optional<Part> enterLanguage(std::string name);
     std::optional<Part> partOf(const Content& content);
     void obey(const PjlLine& line, std::uint64_t offset);
@@ -61,7 +63,7 @@ private:
     Content look(bool isNamed);
 
     InputStream& m_input;
-    DiagnosticSink& m_diagnostics;
+    Reporter m_reporter;
     PlotTest m_isPlot;
     PjlEnvironment m_environment;
     JobRange m_job;

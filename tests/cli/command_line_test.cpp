@@ -32,6 +32,17 @@ std::string errorOf(const std::string& line)
     return error ? error->message : "";
 }
 
+TEST(CommandLine, TracingNeedsNoValue)
+{
+    const auto isTraced = [](const std::string& line) {
+        const Request request = parsed(line);
+        return std::holds_alternative<Convert>(request) && std::get<Convert>(request).isTraced;
+    };
+    EXPECT_TRUE(isTraced("--trace -o out.png -i in.pcl"));
+    EXPECT_TRUE(isTraced("-o out.png -i in.pcl --trace"));
+    EXPECT_FALSE(isTraced("-o out.png -i in.pcl"));
+}
+
 TEST(CommandLine, DefaultsAreColourAt300Dpi)
 {
     const ConversionOptions options = optionsOf("-o out.png -i in.pcl");

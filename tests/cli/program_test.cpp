@@ -118,6 +118,19 @@ TEST(Program, InputThatIsNoPrintJobEndsWithTwoAndItsName)
     EXPECT_EQ(folder.names(), (Names { "job.prn", "out.png" }));
 }
 
+TEST(Program, TracesCommandsOnStandardErrorWhenAskedTo)
+{
+    const TemporaryFolder folder;
+    const std::string job = folder.file("job.prn", "\x1B%-12345X@PJL SET PAPER=A4\n@PJL ENTER LANGUAGE=PCL\n" + kPage);
+    const Outcome silent = runQuillrip({ "-o", folder.path("a.png"), "-i", job });
+    EXPECT_EQ(silent.exitCode, 0);
+    EXPECT_EQ(silent.errors, "");
+    const Outcome traced = runQuillrip({ "--trace", "-o", folder.path("a.png"), "-i", job });
+    EXPECT_EQ(traced.exitCode, 0);
+    EXPECT_NE(traced.errors.find("       9 @PJL SET PAPER=A4\n"), std::string::npos) << traced.errors;
+    EXPECT_NE(traced.errors.find("      27 @PJL ENTER LANGUAGE=PCL\n"), std::string::npos) << traced.errors;
+}
+
 TEST(Program, PostScriptWithoutGhostscriptSaysWhatToInstall)
 {
     const TemporaryFolder folder;

@@ -33,16 +33,18 @@ std::string allOf(InputStream& stream)
 TEST(ChildProcess, ReadsItsInputFromTheStart)
 {
     const Input input("hello\n");
-    ChildProcess child;
+    RunBudget budget;
+    ChildProcess child(budget);
     ASSERT_TRUE(child.start({ "/bin/cat" }, input.descriptor()));
     EXPECT_EQ(allOf(child.output()), "hello\n");
-    EXPECT_TRUE(child.finish());
+    EXPECT_EQ(child.finish(), ChildProcess::End::Done);
 }
 
 TEST(ChildProcess, ErrorsDoNotStopItsOutput)
 {
     const Input input("");
-    ChildProcess child;
+    RunBudget budget;
+    ChildProcess child(budget);
     // More than a pipe holds on both ways out.
     ASSERT_TRUE(
         child.start({ "/bin/sh", "-c",
@@ -50,7 +52,7 @@ TEST(ChildProcess, ErrorsDoNotStopItsOutput)
                         "echo 0123456789012345678901234567890123456789 >&2; i=$((i+1)); done; exit 3" },
             input.descriptor()));
     EXPECT_EQ(allOf(child.output()).size(), 3000u * 41);
-    EXPECT_FALSE(child.finish());
+    EXPECT_EQ(child.finish(), ChildProcess::End::Failed);
     EXPECT_EQ(child.complaint(), "first");
 }
 
@@ -58,10 +60,11 @@ TEST(ChildProcess, OptionsInTheEnvironmentDoNotReachIt)
 {
     ::setenv("GS_OPTIONS", "-dNOSAFER", 1);
     const Input input("");
-    ChildProcess child;
+    RunBudget budget;
+    ChildProcess child(budget);
     ASSERT_TRUE(child.start({ "/bin/sh", "-c", "echo \"[$GS_OPTIONS]\"; pwd" }, input.descriptor()));
     EXPECT_EQ(allOf(child.output()), "[]\n/\n");
-    EXPECT_TRUE(child.finish());
+    EXPECT_EQ(child.finish(), ChildProcess::End::Done);
     ::unsetenv("GS_OPTIONS");
 }
 
@@ -72,7 +75,8 @@ TEST(ChildProcess, ReadsNoFileButItsOwnAndWritesNone)
     const std::string secret = testing::TempDir() + "quillrip-secret";
     std::ofstream { secret } << "secret\n";
     const Input input("hello\n");
-    ChildProcess child;
+    RunBudget budget;
+    ChildProcess child(budget);
     ASSERT_TRUE(child.start(
         { "/bin/sh", "-c", "cat " + secret + "; echo more >" + secret + "; cat /proc/self/fd/0" }, input.descriptor()));
     EXPECT_EQ(allOf(child.output()), "hello\n");
@@ -86,16 +90,42 @@ TEST(ChildProcess, ReadsNoFileButItsOwnAndWritesNone)
 TEST(ChildProcess, AProgramThatIsNotThereFails)
 {
     const Input input("");
-    ChildProcess child;
+    RunBudget budget;
+    ChildProcess child(budget);
     EXPECT_TRUE(child.start({ "/no/such/program" }, input.descriptor()));
     EXPECT_EQ(allOf(child.output()), "");
-    EXPECT_FALSE(child.finish());
+    EXPECT_EQ(child.finish(), ChildProcess::End::NotStarted);
+}
+
+TEST(ChildProcess, EndsWhenTheBudgetIsSpent)
+{
+    const Input input("");
+    RunBudget budget(std::chrono::seconds(1000), std::chrono::milliseconds(1));
+    ChildProcess waits(budget);
+    // Nothing would end this program by itself within the test's time.
+    ASSERT_TRUE(waits.start({ "/bin/sh", "-c", "echo started; exec sleep 100000" }, input.descriptor()));
+    allOf(waits.output());
+    EXPECT_EQ(waits.finish(), ChildProcess::End::OutOfTime);
+    EXPECT_TRUE(budget.isSpent());
+}
+
+TEST(ChildProcess, ItsProcessorTimeIsTakenOffTheBudgetOfAll)
+{
+    const Input input("");
+    RunBudget budget;
+    const auto before = budget.processorLeft();
+    ChildProcess child(budget);
+    ASSERT_TRUE(
+        child.start({ "/bin/sh", "-c", "i=0; while [ $i -lt 20000 ]; do i=$((i+1)); done" }, input.descriptor()));
+    EXPECT_EQ(child.finish(), ChildProcess::End::Done);
+    EXPECT_LT(budget.processorLeft(), before);
 }
 
 TEST(ChildProcess, EndsWithItsOwner)
 {
     const Input input("");
-    ChildProcess child;
+    RunBudget budget;
+    ChildProcess child(budget);
     // Nothing would end this program by itself within the test's time.
     ASSERT_TRUE(child.start({ "/bin/sh", "-c", "echo started; sleep 100000" }, input.descriptor()));
     EXPECT_EQ(child.output().get(), 's');

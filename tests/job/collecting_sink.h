@@ -27,17 +27,17 @@ public:
 };
 
 struct Run {
-    JobResult result;
+    ConversionResult result;
     CollectingSink sink;
 };
 
-inline Run runBytes(const std::string& bytes, const PageSettings& settings = {}, const std::string& ghostscript = {},
+inline Run runBytes(const std::string& bytes, const PageSettings& settings = {}, const DocumentPrograms& programs = {},
     const Limits& limits = {}, int failsAfter = -1)
 {
     Run run;
     run.sink.failsAfter = failsAfter;
     MemoryInputStream input({ reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size() });
-    run.result = runJob(input, run.sink, settings, limits, run.sink, ghostscript);
+    run.result = runJob(input, run.sink, settings, limits, run.sink, programs);
     return run;
 }
 

@@ -49,7 +49,7 @@ TEST(JobRunner, JobsAndLanguagesComeInOrder)
     const auto run = runBytes(pclJob("\x1B&l26A" + kPclPage) + kExit + "@PJL ENTER LANGUAGE=PCLXL\n" + pclXlPage()
             + kExit + pclJob("\x1B&l1O" + kPclPage) + kExit,
         coarse());
-    EXPECT_EQ(run.result.outcome, JobOutcome::Done) << run.result.reason;
+    EXPECT_EQ(run.result.status, ConversionStatus::Done) << run.result.reason;
     ASSERT_EQ(run.sink.pages.size(), 3u);
     EXPECT_EQ(run.sink.pages[0].height(), 351);
     EXPECT_EQ(run.sink.pages[1].width(), 255);
@@ -119,7 +119,7 @@ TEST(JobRunner, ForeignPartsLeaveTheOthersAlone)
     const auto run = runBytes(pclJob(kPclPage) + kExit + "@PJL ENTER LANGUAGE=POSTSCRIPT\n%!PS\nshowpage\n" + kExit
             + "@PJL ENTER LANGUAGE=QPDL\n\0\1\2"s + kExit + pclJob(kPclPage),
         coarse());
-    EXPECT_EQ(run.result.outcome, JobOutcome::Done);
+    EXPECT_EQ(run.result.status, ConversionStatus::Done);
     EXPECT_EQ(run.result.pages, 2);
     ASSERT_EQ(run.sink.diagnostics.size(), 1u);
     EXPECT_EQ(run.sink.diagnostics[0].severity, Severity::Warning);
@@ -130,7 +130,7 @@ TEST(JobRunner, DamageInOneJobLeavesTheNextAlone)
 {
     const auto run = runBytes(
         kExit + "@PJL ENTER LANGUAGE=PCLXL\n) HP-PCL XL;1;1;\n\x01\x02\x03\xFF" + kExit + pclJob(kPclPage), coarse());
-    EXPECT_EQ(run.result.outcome, JobOutcome::Damaged);
+    EXPECT_EQ(run.result.status, ConversionStatus::Damaged);
     EXPECT_EQ(run.result.pages, 1);
     EXPECT_NE(run.result.reason.find("1 page kept"), std::string::npos) << run.result.reason;
 }
@@ -152,7 +152,7 @@ TEST(JobRunner, FilesWithoutAPageSaySo)
     EXPECT_EQ(runBytes("").result.reason, "is empty");
     for (const std::string& job : { kReset + kExit, kExit + "@PJL SET COPIES=2\n" + kExit, "\r\n\0\0"s, kReset }) {
         const auto run = runBytes(job);
-        EXPECT_EQ(run.result.outcome, JobOutcome::NothingToPrint);
+        EXPECT_EQ(run.result.status, ConversionStatus::BadInput);
         EXPECT_NE(run.result.reason.find("no page"), std::string::npos) << run.result.reason;
     }
     EXPECT_NE(runBytes("\x89PNG\r\n\x1A\n").result.reason.find("is a PNG image"), std::string::npos);
@@ -162,7 +162,7 @@ TEST(JobRunner, FilesWithoutAPageSaySo)
 TEST(JobRunner, FailuresOfTheOutputEndTheJob)
 {
     const auto run = runBytes(kPclPage + kPclPage + kPclPage, coarse(), {}, {}, 1);
-    EXPECT_EQ(run.result.outcome, JobOutcome::OutputFailed);
+    EXPECT_EQ(run.result.status, ConversionStatus::OutputFailed);
     EXPECT_EQ(run.result.reason, "the disk is full");
     EXPECT_EQ(run.sink.pages.size(), 1u);
 }
@@ -171,19 +171,20 @@ TEST(JobRunner, LimitsEndTheJob)
 {
     Limits limits;
     limits.pages = 2;
-    EXPECT_EQ(runBytes(kPclPage + kPclPage, coarse(), {}, limits).result.outcome, JobOutcome::Done);
-    EXPECT_EQ(runBytes(kPclPage + kPclPage + kPclPage, coarse(), {}, limits).result.outcome, JobOutcome::LimitExceeded);
+    EXPECT_EQ(runBytes(kPclPage + kPclPage, coarse(), {}, limits).result.status, ConversionStatus::Done);
+    EXPECT_EQ(
+        runBytes(kPclPage + kPclPage + kPclPage, coarse(), {}, limits).result.status, ConversionStatus::LimitExceeded);
     limits = {};
     limits.pageBytes = 10000;
     const auto run = runBytes(kPclPage, coarse(), {}, limits);
-    EXPECT_EQ(run.result.outcome, JobOutcome::LimitExceeded);
+    EXPECT_EQ(run.result.status, ConversionStatus::LimitExceeded);
     // An interpreter's own limit is named, too.
     limits = {};
     limits.work = std::make_shared<WorkMeter>(WorkBudget { 15'000 });
     const auto macros = runBytes("\x1b"
                                  "E\x1b&f0X \x1b&f1X\x1b&f2x2X",
         coarse(), {}, limits);
-    EXPECT_EQ(macros.result.outcome, JobOutcome::LimitExceeded);
+    EXPECT_EQ(macros.result.status, ConversionStatus::LimitExceeded);
     EXPECT_NE(macros.result.reason.find("macros"), std::string::npos);
     EXPECT_NE(run.result.reason, "");
 }

@@ -37,7 +37,7 @@ TEST(RasterPlot, SampleOfALargeFormatDriverIsDrawnInReadingOrder)
     const std::string job = sample();
     ASSERT_FALSE(job.empty());
     const auto run = runBytes(job);
-    EXPECT_EQ(run.result.outcome, JobOutcome::Done) << run.result.reason;
+    EXPECT_EQ(run.result.status, ConversionStatus::Done) << run.result.reason;
     EXPECT_TRUE(run.sink.diagnostics.empty());
     ASSERT_EQ(run.sink.pages.size(), 1u);
     const PageBitmap& page = run.sink.pages[0];
@@ -58,7 +58,7 @@ TEST(RasterPlot, EveryPageEndsWithAResetAndNoneIsBlank)
 {
     const std::string job = sample();
     const auto run = runBytes(job + job);
-    EXPECT_EQ(run.result.outcome, JobOutcome::Done) << run.result.reason;
+    EXPECT_EQ(run.result.status, ConversionStatus::Done) << run.result.reason;
     ASSERT_EQ(run.sink.pages.size(), 2u);
     EXPECT_EQ(inkCount(run.sink.pages[0]), inkCount(run.sink.pages[1]));
     EXPECT_EQ(run.sink.pages[1].height(), 900);
@@ -69,7 +69,7 @@ TEST(RasterPlot, JobLanguageMayNameIt)
     for (const std::string name : { "HPGL2", "HP-GL/2", "RTL", "HPRTL", "HP-GL2/RTL" }) {
         const auto run = runBytes("\x1B%-12345X@PJL ENTER LANGUAGE=" + name + "\r\n\x1B"
             + "E\x1B*t300R\x1B*r600s1A\x1B*b2m2W\xB6\xFF\x1B*rC\x1B%-12345X");
-        EXPECT_EQ(run.result.outcome, JobOutcome::Done) << name << ": " << run.result.reason;
+        EXPECT_EQ(run.result.status, ConversionStatus::Done) << name << ": " << run.result.reason;
         ASSERT_EQ(run.sink.pages.size(), 1u) << name;
         // 75 bytes of ink, and the page stands upright.
         EXPECT_EQ(inkCount(run.sink.pages[0]), 600) << name;
