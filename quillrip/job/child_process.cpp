@@ -191,6 +191,7 @@ bool ChildProcess::start(const std::vector<std::string>& arguments, int input)
 {
     // Everything that allocates comes before the fork: other threads may hold the allocator's locks.
     std::vector<char*> words;
+    words.reserve(arguments.size() + 1);
     for (const std::string& argument : arguments)
         words.push_back(const_cast<char*>(argument.c_str()));
     words.push_back(nullptr);

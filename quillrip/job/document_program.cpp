@@ -144,7 +144,7 @@ std::string locate(const std::string& folders, const std::string& executable)
 {
     for (std::size_t from = 0; from < folders.size();) {
         const std::size_t to = std::min(folders.find(':', from), folders.size());
-        const std::string candidate = folders.substr(from, to - from) + "/" + executable;
+        std::string candidate = folders.substr(from, to - from) + "/" + executable;
         if (candidate[0] == '/' && ::access(candidate.c_str(), X_OK) == 0)
             return candidate;
         from = to + 1;

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
 #include <map>
 #include <sys/random.h>
 #include <unistd.h>
@@ -18,7 +19,7 @@ constexpr std::size_t kLongestReport = 200;
 /// Programs that draw pages of different sizes side by side, each waiting for its turn.
 constexpr std::size_t kMostSideBySide = 8;
 /// One argument of a program may have 128 KiB; what the list of pages has no room for is drawn by another run.
-constexpr std::size_t kLongestPageList = 64 * 1024;
+constexpr std::size_t kLongestPageList = std::size_t { 64 } * 1024;
 
 const char kStandardInput[] = "/proc/self/fd/0"; // NOLINT(modernize-avoid-c-arrays)
 

@@ -7,6 +7,7 @@
 #include "quillrip/job/image_page_device.h"
 #include "quillrip/job/run_budget.h"
 
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>

@@ -3,6 +3,7 @@
 #include "quillrip/base/paper.h"
 
 #include <algorithm>
+#include <optional>
 
 namespace quillrip {
 

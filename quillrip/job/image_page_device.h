@@ -4,6 +4,7 @@
 #include "quillrip/job/page_layout.h"
 #include "quillrip/job/page_sink.h"
 
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>

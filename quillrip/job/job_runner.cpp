@@ -15,7 +15,10 @@
 #include "quillrip/stream/containers.h"
 #include "quillrip/stream/job_reader.h"
 
+#include <cstdint>
+#include <memory>
 #include <optional>
+#include <string>
 
 namespace quillrip {
 

@@ -1,7 +1,9 @@
 #include "quillrip/job/netpbm_reader.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <cstring>
+#include <vector>
 
 namespace quillrip {
 

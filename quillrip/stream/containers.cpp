@@ -6,6 +6,7 @@
 #include "quillrip/stream/signatures.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <cstring>
 
 namespace quillrip::stream {

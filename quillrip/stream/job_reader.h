@@ -5,6 +5,7 @@
 #include "quillrip/stream/content.h"
 #include "quillrip/stream/pjl_environment.h"
 
+#include <cstdint>
 #include <optional>
 #include <string>
 

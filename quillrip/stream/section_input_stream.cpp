@@ -1,6 +1,7 @@
 #include "quillrip/stream/section_input_stream.h"
 
 #include <algorithm>
+#include <cstdint>
 
 namespace quillrip::stream {
 

@@ -2,6 +2,8 @@
 
 #include "quillrip/base/input_stream.h"
 
+#include <cstdint>
+
 namespace quillrip::stream {
 
 /// The next `length` bytes of another stream as an input of their own; offsets stay those of the other stream, which
