@@ -18,7 +18,7 @@ namespace {
 constexpr std::uint64_t kPageBudget = 200'000'000;
 
 struct Spent {
-    JobResult result;
+    ConversionResult result;
     std::uint64_t units = 0;
 };
 
@@ -46,7 +46,7 @@ Spent run(const XlStream& contents, PixelFormat format = PixelFormat::Rgb24)
 /// The budget stopped it, soon after it was reached, and says why.
 void expectStopped(const Spent& spent)
 {
-    EXPECT_EQ(spent.result.outcome, JobOutcome::LimitExceeded);
+    EXPECT_EQ(spent.result.status, ConversionStatus::LimitExceeded);
     EXPECT_NE(spent.result.reason.find("asks for more drawing"), std::string::npos) << spent.result.reason;
     EXPECT_LT(spent.units, kPageBudget * 5 / 4);
 }
@@ -115,7 +115,7 @@ TEST(Work, RasterOperationsOverThePageCostLittleEach)
     for (int i = 0; i < 8; ++i)
         c.op(O::PaintPath);
     const Spent few = run(c);
-    EXPECT_EQ(few.result.outcome, JobOutcome::Done);
+    EXPECT_EQ(few.result.status, ConversionStatus::Done);
     EXPECT_LT(few.units, kPageBudget);
     for (int i = 0; i < 1000; ++i)
         c.op(O::PaintPath);
@@ -140,7 +140,7 @@ TEST(Work, EmptyRowsOfAWideRasterScaledDownAreStopped)
     std::string job = kReset + "\x1b*v6W" + std::string("\x00\x03\x00\x08\x08\x08", 6)
         + "\x1b*r65535s65535T\x1b*t2000h2400V\x1b*r3A\x1b*b2M" + repeated("\x1b*bW", 60000) + "\x1b*rC";
     const Spent spent = run(job);
-    EXPECT_TRUE(spent.result.outcome == JobOutcome::LimitExceeded || spent.units < kPageBudget);
+    EXPECT_TRUE(spent.result.status == ConversionStatus::LimitExceeded || spent.units < kPageBudget);
 }
 
 TEST(Work, RowsWiderThanAnyPageAreRefused)
@@ -150,7 +150,7 @@ TEST(Work, RowsWiderThanAnyPageAreRefused)
     c.uint16(A::SourceHeight, 1000).xy(A::DestinationSize, 2000, 1000).op(O::BeginImage);
     c.uint16(A::StartLine, 0).uint16(A::BlockHeight, 1000).ubyte(A::CompressMode, 3).op(O::ReadImage);
     c.data(std::vector<std::uint8_t>(2000));
-    EXPECT_EQ(run(c).result.outcome, JobOutcome::LimitExceeded);
+    EXPECT_EQ(run(c).result.status, ConversionStatus::LimitExceeded);
 }
 
 TEST(Work, AStarThroughATinyClipIsStopped)
@@ -187,7 +187,7 @@ TEST(Work, HonestPagesCostLittle)
         text += "The quick brown fox jumps over the lazy dog, and 1,234.56 more words to fill a line.\r\n";
     for (const PixelFormat format : { PixelFormat::Bilevel, PixelFormat::Rgb24 }) {
         const Spent spent = run(text, format);
-        EXPECT_EQ(spent.result.outcome, JobOutcome::Done);
+        EXPECT_EQ(spent.result.status, ConversionStatus::Done);
         EXPECT_LT(spent.units, 30'000'000u);
     }
 }
