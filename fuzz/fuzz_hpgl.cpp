@@ -1,4 +1,5 @@
 #include "fuzz/fuzz_page_device.h"
+#include "fuzz/token_mutator.h"
 
 #include "quillrip/fonts/font_library.h"
 #include "quillrip/hpgl/plot_file.h"
@@ -18,3 +19,5 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     });
     return static_cast<int>(plot.run(input)) * 0;
 }
+
+QUILLRIP_FUZZ_COMMANDS(quillrip::fuzz::hpglInstructions)

@@ -1,4 +1,5 @@
 #include "fuzz/fuzz_page_device.h"
+#include "fuzz/token_mutator.h"
 
 #include "quillrip/fonts/font_library.h"
 #include "quillrip/pcl/interpreter.h"
@@ -17,3 +18,5 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         input.skip(sizeof "\x1b%-12345X" - 1);
     return static_cast<int>(interpreter.finish()) * 0;
 }
+
+QUILLRIP_FUZZ_COMMANDS(quillrip::fuzz::pclCommands)

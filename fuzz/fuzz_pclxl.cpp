@@ -1,4 +1,5 @@
 #include "fuzz/fuzz_page_device.h"
+#include "fuzz/token_mutator.h"
 
 #include "quillrip/fonts/font_library.h"
 #include "quillrip/pclxl/interpreter.h"
@@ -16,3 +17,5 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     interpreter.run(input);
     return 0;
 }
+
+QUILLRIP_FUZZ_COMMANDS(quillrip::fuzz::pclXlTags)
