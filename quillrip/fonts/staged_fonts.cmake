@@ -26,8 +26,11 @@ set(staged_fonts_crosextra-caladea Caladea-Bold Caladea-BoldItalic Caladea-Itali
 set(staged_fonts_dejavu-core DejaVuSans DejaVuSans-Bold DejaVuSansMono)
 set(staged_fonts_symbola Symbola_hint)
 set(staged_fonts_tlwg-waree-ttf Waree)
+set(staged_fonts_ebgaramond EBGaramond12-Italic EBGaramond12-Regular)
+set(staged_fonts_linuxlibertine LinBiolinum_R LinBiolinum_RB LinBiolinum_RI)
 
-set(staged_packages urw-base35 liberation2 crosextra-carlito crosextra-caladea dejavu-core symbola tlwg-waree-ttf)
+set(staged_packages urw-base35 liberation2 crosextra-carlito crosextra-caladea dejavu-core symbola tlwg-waree-ttf
+    ebgaramond linuxlibertine)
 
 # First match wins.
 set(font_folders
@@ -38,6 +41,8 @@ set(font_folders
     /usr/share/fonts/truetype/dejavu
     /usr/share/fonts/truetype/ancient-scripts
     /usr/share/fonts/truetype/tlwg
+    /usr/share/fonts/opentype/ebgaramond
+    /usr/share/fonts/opentype/linux-libertine
 )
 
 set(staged_font_sources)

@@ -7,7 +7,11 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <map>
+#include <memory>
+#include <string>
+#include <vector>
 
 using namespace quillrip;
 
@@ -213,6 +217,45 @@ TEST(InternalFace, GlyphsStayWithinTheirAdvances)
             const Extent e = extent(path);
             EXPECT_GT(e.left, -0.13) << f->traits().name << ' ' << code;
             EXPECT_LT(e.right, f->advance(code) + 0.13) << f->traits().name << ' ' << code;
+        }
+    }
+}
+
+TEST(InternalFace, WideCellsAreFilledWithoutSwollenStems)
+{
+    // The original's t and f are a third wider than the look-alike's.
+    const FontLibrary library;
+    const auto univers = face(library, "Univers Medium");
+    const auto inkShare = [](const Typeface& f, char letter) {
+        Path path;
+        EXPECT_TRUE(f.outline(f.glyph(static_cast<unsigned char>(letter)), path));
+        const Extent e = extent(path);
+        return (e.right - e.left) / f.advance(f.glyph(static_cast<unsigned char>(letter)));
+    };
+    const auto stem = [](const Typeface& f, char letter) {
+        Path path;
+        EXPECT_TRUE(f.outline(f.glyph(static_cast<unsigned char>(letter)), path));
+        return uprightStrokeWidth(path, 1);
+    };
+    for (const char letter : { 't', 'f' }) {
+        EXPECT_GT(inkShare(*univers, letter), 0.85) << letter;
+        EXPECT_NEAR(stem(*univers, letter), stem(*univers, 'l'), 0.012) << letter;
+    }
+}
+
+TEST(InternalFace, FiguresAreAsHighAsCapitalsAndOfOneWidth)
+{
+    const FontLibrary library;
+    for (const auto& f : library.builtInFaces()) {
+        if (f->traits().isBoundToSet)
+            continue;
+        for (char digit = '0'; digit <= '9'; ++digit) {
+            Path path;
+            ASSERT_TRUE(f->outline(f->glyph(static_cast<unsigned char>(digit)), path)) << f->traits().name;
+            const Extent e = extent(path);
+            EXPECT_GT(e.bottom, -0.05) << f->traits().name << ' ' << digit;
+            EXPECT_GT(e.top, 0.5) << f->traits().name << ' ' << digit;
+            EXPECT_NEAR(f->advance(f->glyph(static_cast<unsigned char>(digit))), f->advance(f->glyph('0')), 0.001);
         }
     }
 }

@@ -100,6 +100,15 @@ int cubicTo(const FT_Vector* control1, const FT_Vector* control2, const FT_Vecto
     return 0;
 }
 
+/// Book faces map digits to figures with descenders; printers' faces have figures as high as capitals, of one width.
+/// 0 when the font has no second set, or does not name it.
+unsigned liningFigure(FT_Face face, unsigned digit)
+{
+    static constexpr const char* kFigures[] = { "zero.tablining", "one.tablining", "two.tablining", "three.tablining",
+        "four.tablining", "five.tablining", "six.tablining", "seven.tablining", "eight.tablining", "nine.tablining" };
+    return FT_HAS_GLYPH_NAMES(face) ? FT_Get_Name_Index(face, kFigures[digit]) : 0;
+}
+
 } // namespace
 
 bool appendSlotOutline(FT_FaceRec_* face, double unit, Path& path)
@@ -136,6 +145,10 @@ FontFile::~FontFile() { FT_Done_Face(m_face); }
 
 unsigned FontFile::glyphOfUnicode(char32_t unicode) const
 {
+    if (unicode >= '0' && unicode <= '9') {
+        if (const unsigned figure = liningFigure(m_face, static_cast<unsigned>(unicode - '0')))
+            return figure;
+    }
     return m_mapsUnicode ? FT_Get_Char_Index(m_face, unicode) : 0;
 }
 

@@ -16,10 +16,16 @@ namespace {
 
 using Make = InternalFaceSpec::Make;
 
-/// Glyphs are stretched no further than this, and centred in what is left: stretching thickens stems, and a letter
-/// looks better a little narrow in a wide cell than swollen.
-constexpr double kNarrowest = 0.80;
-constexpr double kWidest = 1.12;
+/// Glyphs are stretched no further than this, and centred in what is left.
+constexpr double kNarrowest = 0.75;
+constexpr double kWidest = 1.35;
+/// Stretching swells or starves stems, which are brought back to the face's own by moving the outline's sides. That
+/// also moves the sides of thin strokes: no further than this part of the level strokes, which tell how thin they are.
+constexpr double kSafeCorrection = 0.35;
+/// How much of its width a letter may get beyond that at most.
+constexpr double kMoreInk = 0.08;
+/// Differences of stems below this are not worth moving outlines, em.
+constexpr double kInvisible = 0.001;
 /// Differences below this are not worth a change of stem width.
 constexpr double kSameWidth = 0.02;
 
@@ -50,6 +56,24 @@ unsigned codeIn(std::uint16_t setNumber, char32_t unicode)
             return code;
     }
     return 0;
+}
+
+/// The width of the stroke that a level line at this height crosses first; 0 when it crosses none. Holds for slanted
+/// stems as well.
+double strokeWidthAt(const Path& path, double height)
+{
+    std::vector<double> crossings;
+    Point start;
+    Point from;
+    const auto line = [&](Point to) {
+        if ((from.y < height) != (to.y < height))
+            crossings.push_back(from.x + (to.x - from.x) * (height - from.y) / (to.y - from.y));
+        from = to;
+    };
+    path.forEach(
+        [&](Point to) { start = from = to; }, line, [&](Point, Point, Point to) { line(to); }, [&] { line(start); });
+    std::sort(crossings.begin(), crossings.end());
+    return crossings.size() < 2 ? 0 : crossings[1] - crossings[0];
 }
 
 /// Lowest and highest point; 0 for an empty path.
@@ -221,33 +245,44 @@ double InternalFace::advance(GlyphId glyph) const
     return source.file->advance(source.glyph) * (source.isOwn ? m_spec.scaleX : 1) * m_unit;
 }
 
-Matrix InternalFace::fit(GlyphId glyph, const Source& source) const
+double InternalFace::scaleY(GlyphId glyph, const Source& source) const
+{
+    if (!source.isOwn)
+        return 1;
+    // Scripts are narrowed, faces with a large x-height grow both ways.
+    return m_spec.lowerScale > 1 && isSmallLetterOrDigit(unicodeOf(glyph)) ? m_spec.lowerScale : m_spec.scaleY;
+}
+
+InternalFace::Fit InternalFace::fit(GlyphId glyph, const Source& source, const Rect& ink) const
 {
     const double own = source.file->advance(source.glyph);
     const double wanted = advance(glyph) / m_unit;
-    double scaleY = source.isOwn ? m_spec.scaleY : 1;
-    double middle = source.isOwn ? m_spec.scaleX : 1;
-    if (source.isOwn && m_spec.lowerScale > 0 && isSmallLetterOrDigit(unicodeOf(glyph))) {
-        middle = m_spec.lowerScale;
-        // Scripts are narrowed, faces with a large x-height grow both ways.
-        if (m_spec.lowerScale > 1)
-            scaleY = m_spec.lowerScale;
-    }
+    const bool isLower = source.isOwn && m_spec.lowerScale > 0 && isSmallLetterOrDigit(unicodeOf(glyph));
+    const double usual = isLower ? m_spec.lowerScale : source.isOwn ? m_spec.scaleX : 1;
+    const double high = scaleY(glyph, source);
     if (own <= 0 || wanted <= 0)
-        return Matrix::scaling(middle * m_unit, scaleY * m_unit);
-    double scaleX = wanted / own;
-    if (std::abs(scaleX - 1) < kSameWidth)
-        scaleX = 1;
-    scaleX = std::clamp(scaleX, middle * kNarrowest, middle * kWidest);
+        return { Matrix::scaling(usual * m_unit, high * m_unit), 0 };
     if (m_spec.boundSet == kWingdings) {
-        scaleX = std::clamp(wanted / own, 0.6, 1.3);
-        scaleY = scaleX;
+        const double scale = std::clamp(wanted / own, 0.6, 1.3);
+        return { Matrix { scale * m_unit, 0, 0, scale * m_unit, (wanted - own * scale) / 2 * m_unit, 0 }, 0 };
     }
+    double wide = wanted / own;
+    if (std::abs(wide - 1) < kSameWidth)
+        wide = 1;
+    wide = std::clamp(wide, usual * kNarrowest, usual * kWidest);
     // A fixed face's cell never lets a glyph stick out that would fit when narrowed.
     if (m_spec.fixedAdvance > 0)
-        scaleX = std::min(scaleX, source.isOwn ? middle : wanted / own);
-    const double shift = (wanted - own * scaleX) / 2;
-    return Matrix { scaleX * m_unit, 0, 0, scaleY * m_unit, shift * m_unit, 0 };
+        wide = std::min(wide, source.isOwn ? usual : wanted / own);
+    const double correction = source.isOwn ? stemCorrection(wide, usual) : 0;
+    // The space at a letter's sides goes with its height; what a wide cell has beyond that belongs to the letter, and
+    // so does what its stems lose.
+    const double spare = (own - ink.width()) * std::max(wide - high, 0.0);
+    const double more = ink.width() > 0 ? std::min(spare / ink.width(), wide * kMoreInk) : 0;
+    const double inkScale = wide + more - (correction < 0 && ink.width() > 0 ? correction / ink.width() : 0);
+    const double middle = ink.empty() ? own / 2 : (ink.left + ink.right) / 2;
+    const double shift = (wanted - own * wide) / 2 + middle * (wide - inkScale);
+    return { Matrix { inkScale * m_unit, 0, 0, high * m_unit, shift * m_unit, 0 },
+        (source.isOwn ? stemCorrection(inkScale, usual) : 0) * m_unit };
 }
 
 GlyphCell InternalFace::cell(GlyphId glyph) const
@@ -289,11 +324,24 @@ bool InternalFace::outline(GlyphId glyph, Path& path) const
     Path shape;
     if (!source.file->outline(source.glyph, shape))
         return false;
-    shape = shape.transformed(fit(glyph, source));
-    if (source.isOwn && (m_spec.boldX > 0 || m_spec.boldY > 0))
-        shape = emboldened(shape, m_spec.boldX * m_unit, m_spec.boldY * m_unit);
+    const Fit fitted = fit(glyph, source, shape.bounds());
+    shape = shape.transformed(fitted.toGlyph);
+    const double boldX = fitted.stemCorrection + (source.isOwn ? m_spec.boldX * m_unit : 0);
+    const double boldY = source.isOwn ? m_spec.boldY * m_unit : 0;
+    if (std::abs(boldX) > kInvisible || boldY > 0)
+        shape = emboldened(shape, boldX, boldY);
     path.append(shape);
     return true;
+}
+
+double InternalFace::stemCorrection(double wide, double usual) const
+{
+    if (m_boundSet)
+        return 0;
+    const FittingGuide& face = measures();
+    const double swollen = (wide - usual) * m_stem;
+    const double safe = kSafeCorrection * std::min(m_stem, face.bar);
+    return -std::clamp(swollen, -safe, safe);
 }
 
 const FittingGuide& InternalFace::measures() const
@@ -311,6 +359,7 @@ const FittingGuide& InternalFace::measures() const
     const auto bottom = [&](char32_t unicode) { return verticalExtent(shapeOf(unicode)).first; };
     m_measures.stem = uprightStrokeWidth(shapeOf('l'), 1);
     m_measures.bar = levelStrokeWidth(shapeOf('H'), 1);
+    m_stem = strokeWidthAt(shapeOf('l'), top('l') / 2);
     m_measures.zones = { { 0, bottom('o') }, { top('x'), top('o') }, { top('H'), top('O') }, { top('l'), top('f') },
         { bottom('p'), bottom('g') }, { top('1'), top('0') } };
     return m_measures;
@@ -319,14 +368,14 @@ const FittingGuide& InternalFace::measures() const
 FittingGuide InternalFace::guideFor(GlyphId glyph, const Source& source) const
 {
     const FittingGuide& face = measures();
-    const double scaleY = fit(glyph, source).d;
+    const double high = scaleY(glyph, source) * m_unit;
     const double boldY = m_spec.boldY * m_unit;
     FittingGuide guide;
     guide.em = 1;
     // All letters share the stems of the face, however far each was stretched.
     guide.stem = (face.stem * m_spec.scaleX + m_spec.boldX) * m_unit;
-    guide.bar = face.bar * scaleY + boldY;
-    const auto place = [&](double height) { return height * scaleY + (height > 0 ? boldY : -boldY) / 2; };
+    guide.bar = face.bar * high + boldY;
+    const auto place = [&](double height) { return height * high + (height > 0 ? boldY : -boldY) / 2; };
     for (const AlignmentZone& zone : face.zones)
         guide.zones.push_back({ place(zone.flat), place(zone.round) });
     return guide;

@@ -44,7 +44,17 @@ private:
     Source searchFor(char32_t unicode) const;
     double knownAdvance(GlyphId glyph) const;
     GlyphCell cell(GlyphId glyph) const;
-    Matrix fit(GlyphId glyph, const Source& source) const;
+    double scaleY(GlyphId glyph, const Source& source) const;
+    /// From the font file's em to glyph space, and how much the strokes' width changes after that. `ink` is the glyph's
+    /// box in em.
+    struct Fit {
+        Matrix toGlyph;
+        double stemCorrection = 0; ///< glyph space units, negative where stems are too wide
+    };
+    Fit fit(GlyphId glyph, const Source& source, const Rect& ink) const;
+    /// How much wider strokes have to become so that a glyph stretched by `wide` has the stems of one stretched as is
+    /// usual; em.
+    double stemCorrection(double wide, double usual) const;
     /// Strokes and heights of the font file, em.
     const FittingGuide& measures() const;
     /// The same as the glyph comes out, glyph space units.
@@ -61,6 +71,7 @@ private:
     mutable const FontFile* m_file = nullptr;
     mutable std::unordered_map<GlyphId, Source> m_sources;
     mutable FittingGuide m_measures;
+    mutable double m_stem = 0; ///< like m_measures.stem, of slanted faces too
 };
 
 } // namespace quillrip
