@@ -2,8 +2,10 @@
 
 #include "quillrip/base/bytes.h"
 
+#include <cstdint>
 #include <memory>
 #include <string>
+#include <vector>
 
 namespace quillrip {
 

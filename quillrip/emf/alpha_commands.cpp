@@ -6,6 +6,7 @@
 #include "quillrip/emf/record.h"
 
 #include <algorithm>
+#include <cstdint>
 
 namespace quillrip::emf {
 

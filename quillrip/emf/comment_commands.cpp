@@ -5,6 +5,8 @@
 #include "quillrip/emf/machine.h"
 #include "quillrip/emf/record.h"
 
+#include <cstdint>
+
 namespace quillrip::emf {
 
 namespace {

@@ -3,8 +3,10 @@
 #include "quillrip/emf/dib.h"
 
 #include <csetjmp>
+#include <cstdint>
 #include <cstdio>
 #include <cstring>
+#include <string>
 
 #include <png.h>
 

@@ -8,6 +8,11 @@
 #include "quillrip/emf/spool_reader.h"
 #include "quillrip/fonts/pixels/glyph_cache.h"
 
+#include <algorithm>
+#include <cstdint>
+#include <optional>
+#include <vector>
+
 namespace quillrip::emf {
 
 namespace {

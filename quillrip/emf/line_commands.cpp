@@ -5,6 +5,7 @@
 #include "quillrip/emf/record.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <vector>
 
 namespace quillrip::emf {

@@ -8,8 +8,11 @@
 #include "quillrip/fonts/font_reporter.h"
 #include "quillrip/fonts/select/windows_fonts.h"
 
+#include <cstdint>
+#include <memory>
 #include <set>
 #include <string>
+#include <vector>
 
 namespace quillrip::emf {
 

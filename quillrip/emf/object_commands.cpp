@@ -6,6 +6,10 @@
 #include "quillrip/emf/utf16.h"
 
 #include <algorithm>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
 
 namespace quillrip::emf {
 

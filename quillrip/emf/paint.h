@@ -3,6 +3,8 @@
 #include "quillrip/emf/state.h"
 #include "quillrip/raster/compose/paint_state.h"
 
+#include <cstdint>
+#include <memory>
 #include <optional>
 
 namespace quillrip::emf {

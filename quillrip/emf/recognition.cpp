@@ -2,6 +2,8 @@
 
 #include "quillrip/emf/record.h"
 
+#include <cstdint>
+
 namespace quillrip::emf {
 
 namespace {

@@ -4,6 +4,7 @@
 #include "quillrip/emf/record.h"
 
 #include <algorithm>
+#include <string>
 
 namespace quillrip::emf {
 

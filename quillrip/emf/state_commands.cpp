@@ -5,6 +5,7 @@
 #include "quillrip/emf/record.h"
 
 #include <cmath>
+#include <cstdint>
 
 namespace quillrip::emf {
 

@@ -4,6 +4,7 @@
 #include "quillrip/emf/state.h"
 #include "quillrip/fonts/select/windows_fonts.h"
 
+#include <cstdint>
 #include <vector>
 
 namespace quillrip::emf {

@@ -6,6 +6,8 @@
 #include "quillrip/emf/text.h"
 
 #include <algorithm>
+#include <cstdint>
+#include <vector>
 
 namespace quillrip::emf {
 

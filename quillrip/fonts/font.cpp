@@ -1,5 +1,7 @@
 #include "quillrip/fonts/font.h"
 
+#include <cstdint>
+
 namespace quillrip {
 
 Font::Lookup Font::find(std::uint32_t code) const

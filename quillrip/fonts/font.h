@@ -3,6 +3,7 @@
 #include "quillrip/fonts/faces/typeface.h"
 #include "quillrip/fonts/select/symbol_set.h"
 
+#include <cstdint>
 #include <memory>
 
 namespace quillrip {

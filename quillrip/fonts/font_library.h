@@ -5,8 +5,10 @@
 #include "quillrip/fonts/font_reporter.h"
 #include "quillrip/fonts/soft/soft_font.h"
 
+#include <cstdint>
 #include <functional>
 #include <map>
+#include <memory>
 #include <string>
 #include <vector>
 

@@ -3,6 +3,7 @@
 #include "quillrip/hpgl/hatching.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <optional>
 #include <vector>
 

@@ -3,6 +3,7 @@
 #include "quillrip/base/geometry.h"
 #include "quillrip/fonts/font.h"
 
+#include <cstdint>
 #include <vector>
 
 namespace quillrip::hpgl {

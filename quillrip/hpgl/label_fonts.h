@@ -7,6 +7,7 @@
 #include "quillrip/hpgl/state.h"
 
 #include <cstdint>
+#include <memory>
 
 namespace quillrip::hpgl {
 

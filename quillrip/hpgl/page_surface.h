@@ -4,6 +4,8 @@
 #include "quillrip/hpgl/host.h"
 #include "quillrip/hpgl/surface.h"
 
+#include <memory>
+
 namespace quillrip::hpgl {
 
 /// Draws on the host's page, which begins with the first mark that is not cut away.

@@ -1,5 +1,7 @@
 #include "quillrip/hpgl/plotter.h"
 
+#include <optional>
+
 namespace quillrip::hpgl {
 
 Plotter::Plotter(Host& hostOfPlot, Surface& page, FontLibrary& library, DiagnosticSink& sink, const Limits& limits,

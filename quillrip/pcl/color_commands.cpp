@@ -4,6 +4,7 @@
 #include "quillrip/pcl/state.h"
 
 #include <algorithm>
+#include <memory>
 
 namespace quillrip::pcl {
 

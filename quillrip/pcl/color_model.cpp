@@ -1,8 +1,12 @@
 #include "quillrip/pcl/palette.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
+#include <cstdint>
 #include <cstring>
+#include <memory>
+#include <optional>
 
 namespace quillrip::pcl {
 

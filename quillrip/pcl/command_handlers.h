@@ -2,6 +2,8 @@
 
 #include "quillrip/pcl/command_table.h"
 
+#include <cstdint>
+
 namespace quillrip::pcl {
 
 // The handlers that the command table names, by the file that holds them.

@@ -4,6 +4,8 @@
 #include "quillrip/pcl/state.h"
 
 #include <cmath>
+#include <cstdint>
+#include <optional>
 
 namespace quillrip::pcl {
 

@@ -2,6 +2,8 @@
 
 #include "quillrip/raster/compose/area_patterns.h"
 
+#include <cstdint>
+
 namespace quillrip::pcl {
 
 std::shared_ptr<const PatternTile> builtInTile(PatternKind kind, int id)

@@ -4,6 +4,7 @@
 #include "quillrip/pcl/palette.h"
 #include "quillrip/raster/compose/paint_state.h"
 
+#include <cstdint>
 #include <map>
 #include <memory>
 #include <vector>

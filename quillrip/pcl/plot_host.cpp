@@ -10,6 +10,7 @@
 #include "quillrip/pcl/state.h"
 
 #include <algorithm>
+#include <cstdint>
 
 namespace quillrip::pcl {
 

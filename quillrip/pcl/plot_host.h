@@ -4,6 +4,7 @@
 #include "quillrip/hpgl/host.h"
 #include "quillrip/hpgl/interpreter.h"
 
+#include <cstdint>
 #include <memory>
 
 namespace quillrip {

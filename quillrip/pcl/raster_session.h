@@ -5,6 +5,7 @@
 #include "quillrip/pcl/raster_layout.h"
 #include "quillrip/raster/painter.h"
 
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <optional>

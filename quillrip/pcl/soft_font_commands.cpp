@@ -6,6 +6,8 @@
 #include "quillrip/pcl/state.h"
 
 #include <algorithm>
+#include <cstdint>
+#include <memory>
 #include <string>
 
 namespace quillrip::pcl {

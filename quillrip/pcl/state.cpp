@@ -1,6 +1,7 @@
 #include "quillrip/pcl/state.h"
 
 #include <algorithm>
+#include <cstdint>
 
 namespace quillrip::pcl {
 

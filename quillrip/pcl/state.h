@@ -9,7 +9,10 @@
 #include "quillrip/raster/compose/raster_operation.h"
 
 #include <array>
+#include <cstdint>
+#include <memory>
 #include <optional>
+#include <vector>
 
 namespace quillrip::pcl {
 

@@ -8,6 +8,11 @@
 #include "quillrip/raster/scan/coverage_scan.h"
 #include "quillrip/raster/scan/span_union.h"
 
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <memory>
+
 namespace quillrip {
 
 namespace {

@@ -9,6 +9,8 @@
 #include "quillrip/raster/paths/stroke_style.h"
 #include "quillrip/raster/scan/clip_region.h"
 
+#include <memory>
+
 namespace quillrip {
 
 class Compositor;

@@ -1,6 +1,7 @@
 #include "quillrip/emf/plus/brush_object.h"
 
 #include <algorithm>
+#include <cstdint>
 
 namespace quillrip::emf::plus {
 

@@ -4,6 +4,7 @@
 #include "quillrip/emf/plus/image_object.h"
 #include "quillrip/emf/plus/path_object.h"
 
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <variant>

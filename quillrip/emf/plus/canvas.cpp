@@ -6,6 +6,9 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
+#include <string>
+#include <vector>
 
 namespace quillrip::emf::plus {
 
@@ -152,7 +155,8 @@ void Canvas::stroke(const Path& worldPath, const std::shared_ptr<const PenObject
     if (!painting)
         return;
     if (stroke.needsOutline)
-        m_host.painter.fillPath(strokeOutline(stroke, *pen, pageBounds(), m_host.painter.work()), FillRule::NonZero, *painting);
+        m_host.painter.fillPath(
+            strokeOutline(stroke, *pen, pageBounds(), m_host.painter.work()), FillRule::NonZero, *painting);
     else
         m_host.painter.strokePath(stroke.path, stroke.toDevice, stroke.style, *painting);
 }

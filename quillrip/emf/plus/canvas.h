@@ -4,10 +4,12 @@
 #include "quillrip/emf/plus/object_store.h"
 #include "quillrip/emf/plus/state.h"
 
+#include <cstdint>
 #include <functional>
 #include <list>
 #include <memory>
 #include <optional>
+#include <string>
 
 namespace quillrip::emf::plus {
 

@@ -2,8 +2,10 @@
 
 #include "quillrip/emf/plus/hatch_styles.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
+#include <cstdint>
 
 namespace quillrip::emf::plus {
 

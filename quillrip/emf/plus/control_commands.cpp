@@ -2,6 +2,8 @@
 #include "quillrip/emf/plus/handlers.h"
 #include "quillrip/emf/plus/operands.h"
 
+#include <string>
+
 namespace quillrip::emf::plus {
 
 void getDc(Machine& machine, const Record&, FieldReader&) { machine.handOver(); }

@@ -2,6 +2,9 @@
 #include "quillrip/emf/plus/operands.h"
 #include "quillrip/emf/plus/shapes.h"
 
+#include <cstdint>
+#include <vector>
+
 namespace quillrip::emf::plus {
 
 namespace {

@@ -4,6 +4,8 @@
 #include "quillrip/emf/plus/field_reader.h"
 #include "quillrip/emf/plus/record_reader.h"
 
+#include <cstdint>
+
 namespace quillrip::emf::plus {
 
 namespace {

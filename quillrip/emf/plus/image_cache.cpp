@@ -1,6 +1,8 @@
 #include "quillrip/emf/plus/canvas.h"
 
 #include <algorithm>
+#include <memory>
+#include <string>
 
 namespace quillrip::emf::plus {
 

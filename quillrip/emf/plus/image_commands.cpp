@@ -1,6 +1,9 @@
 #include "quillrip/emf/plus/handlers.h"
 #include "quillrip/emf/plus/operands.h"
 
+#include <cstdint>
+#include <vector>
+
 namespace quillrip::emf::plus {
 
 namespace {

@@ -3,9 +3,11 @@
 #include "quillrip/emf/plus/pixel_formats.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <cstring>
 #include <limits>
 #include <memory>
+#include <vector>
 
 #include <gif_lib.h>
 #include <tiffio.h>

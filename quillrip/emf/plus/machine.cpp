@@ -2,6 +2,7 @@
 
 #include "quillrip/emf/plus/command_table.h"
 
+#include <cstdint>
 #include <cstdio>
 
 namespace quillrip::emf::plus {

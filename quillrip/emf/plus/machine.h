@@ -7,6 +7,7 @@
 #include "quillrip/emf/plus/state.h"
 #include "quillrip/fonts/font_reporter.h"
 
+#include <cstdint>
 #include <set>
 #include <string>
 

@@ -1,6 +1,9 @@
 #include "quillrip/emf/plus/object_store.h"
 
 #include <algorithm>
+#include <cstdint>
+#include <optional>
+#include <vector>
 
 namespace quillrip::emf::plus {
 

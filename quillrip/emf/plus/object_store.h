@@ -9,9 +9,11 @@
 #include "quillrip/emf/plus/region_object.h"
 
 #include <array>
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <variant>
+#include <vector>
 
 namespace quillrip::emf::plus {
 

@@ -1,5 +1,8 @@
 #include "quillrip/emf/plus/operands.h"
 
+#include <cstdint>
+#include <string>
+
 namespace quillrip::emf::plus {
 
 namespace {

@@ -5,6 +5,7 @@
 #include "quillrip/emf/plus/machine.h"
 #include "quillrip/emf/plus/record_reader.h"
 
+#include <cstdint>
 #include <memory>
 #include <optional>
 

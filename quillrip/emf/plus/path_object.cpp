@@ -3,6 +3,8 @@
 #include "quillrip/emf/plus/field_reader.h"
 
 #include <algorithm>
+#include <cstdint>
+#include <vector>
 
 namespace quillrip::emf::plus {
 

@@ -3,7 +3,10 @@
 #include "quillrip/emf/plus/brush_object.h"
 #include "quillrip/emf/plus/units.h"
 
+#include <cstdint>
 #include <memory>
+#include <optional>
+#include <vector>
 
 namespace quillrip::emf::plus {
 

@@ -2,7 +2,9 @@
 #include "quillrip/emf/plus/pen_stroke.h"
 #include "quillrip/emf/plus/stroke_pieces.h"
 
+#include <algorithm>
 #include <cmath>
+#include <vector>
 
 namespace quillrip::emf::plus {
 

@@ -1,5 +1,6 @@
 #include "quillrip/emf/plus/pen_stroke.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace quillrip::emf::plus {

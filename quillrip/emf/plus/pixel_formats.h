@@ -2,6 +2,7 @@
 
 #include "quillrip/emf/plus/image_object.h"
 
+#include <cstdint>
 #include <string>
 
 namespace quillrip::emf::plus {

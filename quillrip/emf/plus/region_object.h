@@ -3,6 +3,7 @@
 #include "quillrip/emf/plus/field_reader.h"
 #include "quillrip/emf/plus/path_object.h"
 
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <vector>

@@ -3,6 +3,7 @@
 #include "quillrip/emf/plus/field_reader.h"
 #include "quillrip/raster/paths/path.h"
 
+#include <cstdint>
 #include <vector>
 
 namespace quillrip::emf::plus {

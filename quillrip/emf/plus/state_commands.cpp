@@ -1,6 +1,8 @@
 #include "quillrip/emf/plus/handlers.h"
 #include "quillrip/emf/plus/operands.h"
 
+#include <cstdint>
+
 namespace quillrip::emf::plus {
 
 namespace {

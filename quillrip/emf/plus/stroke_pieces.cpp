@@ -1,5 +1,6 @@
 #include "quillrip/emf/plus/stroke_pieces.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace quillrip::emf::plus {

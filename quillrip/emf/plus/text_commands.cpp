@@ -5,6 +5,9 @@
 #include "quillrip/emf/utf16.h"
 
 #include <cmath>
+#include <cstdint>
+#include <string>
+#include <vector>
 
 namespace quillrip::emf::plus {
 

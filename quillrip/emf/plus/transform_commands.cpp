@@ -3,6 +3,7 @@
 #include "quillrip/emf/plus/operands.h"
 
 #include <cmath>
+#include <cstdint>
 
 namespace quillrip::emf::plus {
 

@@ -3,6 +3,7 @@
 #include "quillrip/fonts/pixels/outline_raster.h"
 
 #include <algorithm>
+#include <cstdint>
 
 namespace quillrip {
 

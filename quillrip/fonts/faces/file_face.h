@@ -4,6 +4,7 @@
 #include "quillrip/fonts/faces/typeface.h"
 #include "quillrip/fonts/pixels/grid_fitting.h"
 
+#include <cstdint>
 #include <unordered_map>
 
 namespace quillrip {

@@ -8,6 +8,7 @@
 #include "quillrip/fonts/pixels/grid_fitting.h"
 #include "quillrip/fonts/select/symbol_set.h"
 
+#include <cstdint>
 #include <memory>
 #include <unordered_map>
 

@@ -1,6 +1,7 @@
 #include "quillrip/fonts/pixels/glyph_cache.h"
 
 #include <cmath>
+#include <cstdint>
 #include <cstring>
 
 namespace quillrip {

@@ -3,6 +3,7 @@
 #include "quillrip/fonts/faces/typeface.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <list>
 #include <memory>
 #include <unordered_map>

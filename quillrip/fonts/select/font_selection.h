@@ -2,6 +2,7 @@
 
 #include "quillrip/fonts/font_library.h"
 
+#include <cstdint>
 #include <vector>
 
 namespace quillrip {

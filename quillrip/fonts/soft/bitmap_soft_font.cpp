@@ -4,6 +4,9 @@
 #include "quillrip/fonts/soft/header_fields.h"
 
 #include <algorithm>
+#include <cstdint>
+#include <memory>
+#include <vector>
 
 namespace quillrip {
 

@@ -4,7 +4,10 @@
 #include "quillrip/fonts/soft/soft_font.h"
 #include "quillrip/fonts/soft/soft_font_header.h"
 
+#include <cstdint>
 #include <map>
+#include <memory>
+#include <vector>
 
 namespace quillrip {
 

@@ -4,6 +4,7 @@
 #include "quillrip/fonts/soft/header_fields.h"
 
 #include <algorithm>
+#include <cstdint>
 
 #include <ft2build.h>
 #include FT_FREETYPE_H

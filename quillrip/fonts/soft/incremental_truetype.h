@@ -4,6 +4,7 @@
 #include "quillrip/fonts/soft/truetype_soft_font.h"
 #include "quillrip/raster/paths/path.h"
 
+#include <cstdint>
 #include <map>
 #include <memory>
 #include <vector>

@@ -4,6 +4,8 @@
 #include "quillrip/fonts/soft/header_fields.h"
 
 #include <algorithm>
+#include <cstdint>
+#include <memory>
 
 namespace quillrip {
 

@@ -4,6 +4,8 @@
 #include "quillrip/fonts/soft/intellifont_soft_font.h"
 #include "quillrip/fonts/soft/truetype_soft_font.h"
 
+#include <optional>
+
 namespace quillrip {
 
 namespace {

@@ -5,6 +5,7 @@
 #include "quillrip/base/reporter.h"
 #include "quillrip/fonts/faces/typeface.h"
 
+#include <cstdint>
 #include <memory>
 
 namespace quillrip {

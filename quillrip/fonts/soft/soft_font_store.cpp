@@ -1,5 +1,7 @@
 #include "quillrip/fonts/font_library.h"
 
+#include <memory>
+
 namespace quillrip {
 
 SoftFontStore::SoftFontStore(std::size_t limitBytes)

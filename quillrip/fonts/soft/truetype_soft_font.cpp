@@ -5,6 +5,7 @@
 #include "quillrip/fonts/soft/incremental_truetype.h"
 
 #include <algorithm>
+#include <cstdint>
 
 namespace quillrip {
 

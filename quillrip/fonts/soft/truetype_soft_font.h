@@ -4,6 +4,7 @@
 #include "quillrip/fonts/soft/soft_font.h"
 #include "quillrip/fonts/soft/soft_font_header.h"
 
+#include <cstdint>
 #include <map>
 #include <memory>
 #include <vector>

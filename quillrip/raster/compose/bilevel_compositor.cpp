@@ -2,6 +2,10 @@
 
 #include "quillrip/raster/compose/mixing.h"
 
+#include <algorithm>
+#include <cstdint>
+#include <memory>
+
 namespace quillrip {
 
 BilevelCompositor::BilevelCompositor(

@@ -2,6 +2,9 @@
 
 #include "quillrip/raster/compose/compositor.h"
 
+#include <cstdint>
+#include <memory>
+
 namespace quillrip {
 
 /// The print model on packed pixels, 64 at a time. Tones are screened before the raster operation, as a monochrome

@@ -2,6 +2,11 @@
 
 #include "quillrip/raster/compose/mixing.h"
 
+#include <algorithm>
+#include <cstdint>
+#include <cstring>
+#include <memory>
+
 namespace quillrip {
 
 namespace {

@@ -2,6 +2,10 @@
 
 #include "quillrip/raster/compose/compositor.h"
 
+#include <array>
+#include <cstdint>
+#include <memory>
+
 namespace quillrip {
 
 /// The print model on pages of one or three bytes a pixel. Coverage and opacity mix the operation's result with the

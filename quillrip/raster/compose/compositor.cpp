@@ -3,6 +3,8 @@
 #include "quillrip/raster/compose/bilevel_compositor.h"
 #include "quillrip/raster/compose/byte_compositor.h"
 
+#include <cstdint>
+
 namespace quillrip {
 
 namespace {

@@ -8,6 +8,9 @@
 #include "quillrip/raster/compose/raster_operation.h"
 #include "quillrip/raster/scan/clip_region.h"
 
+#include <algorithm>
+#include <cstdint>
+#include <cstring>
 #include <memory>
 
 namespace quillrip {

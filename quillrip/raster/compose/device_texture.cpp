@@ -5,6 +5,7 @@
 #include "quillrip/raster/compose/mixing.h"
 
 #include <algorithm>
+#include <cstring>
 
 namespace quillrip {
 

@@ -3,6 +3,10 @@
 #include "quillrip/raster/paths/flatten.h"
 
 #include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <memory>
+#include <vector>
 
 namespace quillrip {
 

@@ -1,6 +1,9 @@
 #include "quillrip/raster/images/aligned_image.h"
 
 #include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <cstring>
 
 namespace quillrip {
 

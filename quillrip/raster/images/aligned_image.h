@@ -4,6 +4,7 @@
 #include "quillrip/raster/images/image_lines.h"
 #include "quillrip/raster/images/image_painter.h"
 
+#include <cstdint>
 #include <memory>
 #include <vector>
 

@@ -1,6 +1,10 @@
 #include "quillrip/raster/images/aligned_image.h"
 
 #include <algorithm>
+#include <cstdint>
+#include <cstring>
+#include <memory>
+#include <vector>
 
 namespace quillrip {
 

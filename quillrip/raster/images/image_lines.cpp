@@ -1,6 +1,7 @@
 #include "quillrip/raster/images/image_lines.h"
 
 #include <algorithm>
+#include <cstring>
 
 namespace quillrip {
 

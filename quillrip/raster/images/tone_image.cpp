@@ -2,6 +2,10 @@
 #include "quillrip/raster/images/image_source.h"
 
 #include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <memory>
+#include <vector>
 
 namespace quillrip {
 

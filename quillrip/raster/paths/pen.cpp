@@ -1,5 +1,8 @@
 #include "quillrip/raster/paths/pen.h"
 
+#include <algorithm>
+#include <cmath>
+
 namespace quillrip {
 
 namespace {

@@ -4,6 +4,7 @@
 #include "quillrip/raster/paths/stroke_outline.h"
 
 #include <algorithm>
+#include <cstdint>
 
 namespace quillrip {
 

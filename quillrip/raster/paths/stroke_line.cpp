@@ -3,6 +3,10 @@
 #include "quillrip/raster/paths/flatten.h"
 #include "quillrip/raster/scan/hairline.h"
 
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+
 namespace quillrip {
 
 void forEachStrokeLine(const Path& userPath, const Matrix& userToDevice, StrokeLineSink& sink)

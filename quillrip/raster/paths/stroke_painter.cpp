@@ -7,6 +7,11 @@
 #include "quillrip/raster/scan/hairline.h"
 #include "quillrip/raster/scan/span_union.h"
 
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <vector>
+
 namespace quillrip {
 
 namespace {

@@ -4,6 +4,9 @@
 #include "quillrip/raster/scan/sort_nearly.h"
 
 #include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <vector>
 
 namespace quillrip {
 

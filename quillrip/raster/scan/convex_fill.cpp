@@ -3,6 +3,8 @@
 #include "quillrip/raster/paths/flatten.h"
 #include "quillrip/raster/scan/edge_list.h"
 
+#include <algorithm>
+#include <cmath>
 #include <cstdint>
 
 namespace quillrip {

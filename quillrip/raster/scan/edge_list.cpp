@@ -2,6 +2,9 @@
 
 #include "quillrip/raster/paths/flatten.h"
 
+#include <algorithm>
+#include <cmath>
+
 namespace quillrip {
 
 namespace {

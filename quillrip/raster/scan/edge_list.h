@@ -3,6 +3,7 @@
 #include "quillrip/base/geometry.h"
 #include "quillrip/raster/paths/path.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <vector>

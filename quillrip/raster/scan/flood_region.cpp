@@ -1,5 +1,6 @@
 #include "quillrip/raster/scan/flood_region.h"
 
+#include <cstdint>
 #include <vector>
 
 namespace quillrip {

@@ -2,6 +2,8 @@
 
 #include "quillrip/raster/paths/flatten.h"
 
+#include <algorithm>
+#include <cmath>
 #include <cstdint>
 
 namespace quillrip {

@@ -3,6 +3,7 @@
 #include "quillrip/raster/compose/compositor.h"
 #include "quillrip/raster/scan/span_sink.h"
 
+#include <cstdint>
 #include <vector>
 
 namespace quillrip {
