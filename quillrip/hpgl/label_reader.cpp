@@ -42,7 +42,7 @@ void LabelReader::skip()
 bool LabelReader::standsOnExit() const
 {
     const ByteView window = m_input.window(16);
-    if (isUniversalExit(window))
+    if (startsWithUniversalExit(window))
         return true;
     if (m_text.isTransparent || window.size < 2)
         return false;

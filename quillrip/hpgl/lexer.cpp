@@ -19,8 +19,6 @@ bool readNumber(InputStream& input, double& number)
     return reader.hasDigits();
 }
 
-bool isDigit(int byte) { return byte >= '0' && byte <= '9'; }
-
 } // namespace
 
 bool isLetter(int byte) { return (byte >= 'A' && byte <= 'Z') || (byte >= 'a' && byte <= 'z'); }
@@ -106,12 +104,6 @@ std::string Lexer::readText(std::size_t atMost)
     }
 }
 
-bool isUniversalExit(ByteView window)
-{
-    static constexpr char kExit[] = "\x1b%-12345X";
-    return window.size >= 9 && std::memcmp(window.data, kExit, 9) == 0;
-}
-
 namespace {
 
 /// The rest of a PCL command behind its ESC and parameterised character, chained parts and binary data included.
@@ -154,7 +146,7 @@ void skipDeviceControlOperands(InputStream& input, char control)
 EscapeSequence readEscape(InputStream& input)
 {
     const ByteView window = input.window(16);
-    if (isUniversalExit(window))
+    if (startsWithUniversalExit(window))
         return { EscapeSequence::Kind::UniversalExit, 0, 0 };
     EscapeSequence sequence;
     input.get();

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "quillrip/base/escape_sequence.h"
 #include "quillrip/base/input_stream.h"
 #include "quillrip/hpgl/mnemonics.h"
 
@@ -8,8 +9,6 @@
 #include <vector>
 
 namespace quillrip::hpgl {
-
-constexpr std::uint8_t kEscape = 0x1B;
 
 bool isLetter(int byte);
 
@@ -68,8 +67,5 @@ EscapeSequence readEscape(InputStream& input);
 /// Whether the commands of an escape sequence that begins with these two characters behind its ESC transfer rows of
 /// raster: of those, V has data too.
 inline bool isRasterTransfer(int prefix, int group) { return prefix == '*' && group == 'b'; }
-
-/// Whether `window` begins with the Universal Exit Language command.
-bool isUniversalExit(ByteView window);
 
 } // namespace quillrip::hpgl

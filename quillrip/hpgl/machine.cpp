@@ -3,6 +3,7 @@
 #include "quillrip/hpgl/command_table.h"
 
 #include <cstddef>
+#include <string>
 
 namespace quillrip::hpgl {
 
@@ -122,6 +123,12 @@ void Machine::reportUnknown(Mnemonic mnemonic)
             "hpgl.not-a-plot", "many unknown commands and no drawing: the data are hardly HP-GL/2");
 }
 
+void Machine::trace(const MnemonicEntry& entry, const std::vector<double>& operands) const
+{
+    if (m_plotter.reporter.isTracing())
+        m_plotter.reporter.trace(toString(entry.mnemonic) + " (" + entry.name + ")", operands);
+}
+
 void Machine::execute(Mnemonic mnemonic, Lexer& lexer, Command& command)
 {
     const MnemonicEntry* const entry = findMnemonic(mnemonic);
@@ -137,6 +144,7 @@ void Machine::execute(Mnemonic mnemonic, Lexer& lexer, Command& command)
         m_plotter.linePen.restartPattern();
     const Handler handler = findHandler(mnemonic);
     if (!handler) {
+        trace(*entry, {});
         lexer.skipOperands();
         return;
     }
@@ -145,17 +153,20 @@ void Machine::execute(Mnemonic mnemonic, Lexer& lexer, Command& command)
     const bool isIgnored = m_plotter.polygon.isOpen() && !entry->isLegalInPolygon();
     switch (entry->reading()) {
     case Reading::ByHandler:
+        trace(*entry, {});
         handler(m_plotter, command);
         return;
     case Reading::AtOnce:
         if (!lexer.readNumbers(command.operands, kMostOperands))
             lexer.skipOperands();
+        trace(*entry, command.operands);
         if (!isIgnored)
             handler(m_plotter, command);
         return;
     case Reading::InBatches:
         for (;;) {
             const bool hasEnded = lexer.readNumbers(command.operands, kCoordinateBatch);
+            trace(*entry, command.operands);
             if (!isIgnored && !(command.isContinued && command.empty()))
                 handler(m_plotter, command);
             if (hasEnded)

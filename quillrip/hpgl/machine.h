@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <optional>
 #include <set>
+#include <vector>
 
 namespace quillrip::hpgl {
 
@@ -33,6 +34,7 @@ private:
     void obeyDeviceControl(char control);
     void execute(Mnemonic mnemonic, Lexer& lexer, Command& command);
     void reportUnknown(Mnemonic mnemonic);
+    void trace(const MnemonicEntry& entry, const std::vector<double>& operands) const;
 
     Plotter m_plotter;
     int m_enterPclValue = 0;

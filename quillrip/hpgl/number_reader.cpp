@@ -1,14 +1,10 @@
 #include "quillrip/hpgl/number_reader.h"
 
+#include "quillrip/base/escape_sequence.h"
+
 #include <algorithm>
 
 namespace quillrip::hpgl {
-
-namespace {
-
-bool isDigit(int byte) { return byte >= '0' && byte <= '9'; }
-
-} // namespace
 
 bool NumberReader::isStart(int byte) { return isDigit(byte) || byte == '.' || byte == '-' || byte == '+'; }
 

@@ -3,6 +3,7 @@
 #include "quillrip/base/diagnostics.h"
 
 #include <cstdint>
+#include <string>
 
 namespace quillrip::hpgl {
 
@@ -21,6 +22,9 @@ public:
         moved.offset += m_start;
         m_sink.report(moved);
     }
+
+    bool wantsTrace() const override { return m_sink.wantsTrace(); }
+    void trace(std::uint64_t offset, const std::string& command) override { m_sink.trace(offset + m_start, command); }
 
 private:
     DiagnosticSink& m_sink;

@@ -97,20 +97,7 @@ void PageSurface::drawGlyph(const Typeface& face, GlyphId glyph, const Matrix& g
     // Two ems all round hold every glyph.
     if (!isVisible(glyphToPage.boundsOf({ -2, -2, 3, 3 }), m_areaClip) || !begin())
         return;
-    const Matrix glyphToDevice = glyphToPage * m_canvas.pageToDevice;
-    const PaintState& state = paintState(ink, m_areaClip);
-    if (GlyphCache::isTooLarge(face, glyphToDevice)) {
-        Path outline;
-        if (face.outline(glyph, outline)) {
-            m_canvas.painter->fillPath(outline.transformed(glyphToDevice), FillRule::NonZero, state);
-            return;
-        }
-    }
-    const GlyphMask::Depth depth
-        = m_canvas.format == PixelFormat::Bilevel ? GlyphMask::Depth::Bits : GlyphMask::Depth::Coverage;
-    const PlacedGlyph placed = m_glyphs.place(face, glyph, glyphToDevice, depth);
-    if (placed.mask)
-        m_canvas.painter->drawMask(*placed.mask, placed.x, placed.y, state);
+    m_glyphs.draw(m_canvas, face, glyph, glyphToPage * m_canvas.pageToDevice, paintState(ink, m_areaClip));
 }
 
 } // namespace quillrip::hpgl

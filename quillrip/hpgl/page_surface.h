@@ -1,6 +1,6 @@
 #pragma once
 
-#include "quillrip/fonts/pixels/glyph_cache.h"
+#include "quillrip/fonts/glyph_painter.h"
 #include "quillrip/hpgl/host.h"
 #include "quillrip/hpgl/surface.h"
 
@@ -44,7 +44,7 @@ private:
     Clip m_areaClip;
     Clip m_lineClip;
     PaintState m_state;
-    GlyphCache m_glyphs;
+    GlyphPainter m_glyphs;
     RunStatus m_status = RunStatus::Done;
 };
 

@@ -1,5 +1,6 @@
 #include "quillrip/hpgl/plot_page.h"
 
+#include "quillrip/base/paper.h"
 #include "quillrip/hpgl/state.h"
 
 #include <algorithm>
@@ -19,15 +20,21 @@ constexpr double kMostSlack = 80;
 constexpr double kLeastSlack = 10;
 constexpr double kMargin = 400;
 
-/// Long edge first.
-constexpr std::array<Point, 5> kMetricSheets { Point { 11880, 8400 }, Point { 16800, 11880 }, Point { 23760, 16800 },
-    Point { 33640, 23760 }, Point { 47560, 33640 } };
-constexpr std::array<Point, 5> kInchSheets { Point { 11176, 8636 }, Point { 17272, 11176 }, Point { 22352, 17272 },
-    Point { 34544, 22352 }, Point { 44704, 34544 } };
+/// Plotter units, long edge first.
+Point sheetOf(PaperName name)
+{
+    const Paper& paper = paperOf(name);
+    return { std::round(paper.length.millimetres() * kPlotterUnitsPerMillimetre),
+        std::round(paper.width.millimetres() * kPlotterUnitsPerMillimetre) };
+}
+
+constexpr std::array<PaperName, 5> kMetricSheets { PaperName::A4, PaperName::A3, PaperName::A2, PaperName::A1,
+    PaperName::A0 };
+constexpr std::array<PaperName, 5> kInchSheets { PaperName::Letter, PaperName::Ledger, PaperName::AnsiC,
+    PaperName::AnsiD, PaperName::AnsiE };
 /// By length, for PS with one operand.
-constexpr std::array<Point, 8> kSheetsByLength { Point { 11176, 8636 }, Point { 11880, 8400 }, Point { 14224, 8636 },
-    Point { 16800, 11880 }, Point { 17272, 11176 }, Point { 23760, 16800 }, Point { 33640, 23760 },
-    Point { 47560, 33640 } };
+constexpr std::array<PaperName, 8> kSheetsByLength { PaperName::Letter, PaperName::A4, PaperName::Legal, PaperName::A3,
+    PaperName::Ledger, PaperName::A2, PaperName::A1, PaperName::A0 };
 
 /// A sheet in the plot's own directions and where the rotated system's origin lies on it.
 struct Placed {
@@ -56,7 +63,8 @@ double slackOf(const Rect& extent)
 Point snapped(Point size)
 {
     for (const auto* sheets : { &kMetricSheets, &kInchSheets }) {
-        for (const Point sheet : *sheets) {
+        for (const PaperName name : *sheets) {
+            const Point sheet = sheetOf(name);
             if (isNear(size.x, sheet.x) && isNear(size.y, sheet.y))
                 return sheet;
             if (isNear(size.x, sheet.y) && isNear(size.y, sheet.x))
@@ -69,7 +77,8 @@ Point snapped(Point size)
 /// The smallest standard sheet of at least that size, along the x axis first.
 std::optional<Point> smallestSheet(Point size, bool isMetric)
 {
-    for (const Point sheet : isMetric ? kMetricSheets : kInchSheets) {
+    for (const PaperName name : isMetric ? kMetricSheets : kInchSheets) {
+        const Point sheet = sheetOf(name);
         if (size.x <= sheet.x && size.y <= sheet.y)
             return sheet;
         if (size.x <= sheet.y && size.y <= sheet.x)
@@ -145,11 +154,12 @@ Placed place(const PlotFacts& facts, const Environment& environment)
     if (facts.plotLength && facts.plotWidth)
         return upright(*facts.plotLength, *facts.plotWidth);
     if (facts.plotLength) {
-        for (const Point sheet : kSheetsByLength) {
+        for (const PaperName name : kSheetsByLength) {
+            const Point sheet = sheetOf(name);
             if (*facts.plotLength <= sheet.x)
                 return upright(sheet.x, sheet.y);
         }
-        return upright(*facts.plotLength, kSheetsByLength.back().x);
+        return upright(*facts.plotLength, sheetOf(kSheetsByLength.back()).x);
     }
     const Rect extent = facts.extent.isNothing() ? Rect {} : facts.extent;
     const bool isMetric = environment.prefersMetricPaper;
@@ -171,7 +181,7 @@ Point assumedPaper(const Environment& environment)
     if (environment.paperWidth > 0 && environment.paperHeight > 0)
         return { environment.paperWidth / kDecipointsPerPlotterUnit,
             environment.paperHeight / kDecipointsPerPlotterUnit };
-    return environment.prefersMetricPaper ? kMetricSheets[0] : kInchSheets[0];
+    return sheetOf(environment.prefersMetricPaper ? kMetricSheets.front() : kInchSheets.front());
 }
 
 PlotPage plotPage(const PlotFacts& facts, const Environment& environment)
@@ -184,7 +194,7 @@ PlotPage plotPage(const PlotFacts& facts, const Environment& environment)
     double reduction = 1;
     if (placed.size.x > kLargestSheet || placed.size.y > kLargestSheet) {
         page.isReduced = true;
-        const Point largest = kMetricSheets.back();
+        const Point largest = sheetOf(kMetricSheets.back());
         reduction = std::min(largest.x / placed.size.x, largest.y / placed.size.y);
     }
     Point plot = placed.size * kDecipointsPerPlotterUnit;

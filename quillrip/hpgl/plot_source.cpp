@@ -22,7 +22,7 @@ std::size_t PlotSource::pull(std::uint8_t* to, std::size_t count)
     if (m_opaque == 0 && m_isInSequence)
         m_opaque = escapeLength();
     if (m_opaque == 0 && window[0] == kEscape) {
-        if (isUniversalExit(window)) {
+        if (startsWithUniversalExit(window)) {
             m_isOver = true;
             m_end = End::UniversalExit;
             return 0;

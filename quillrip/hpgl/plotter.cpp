@@ -11,7 +11,7 @@ Plotter::Plotter(Host& hostOfPlot, Surface& page, FontLibrary& library, Diagnost
     , listener(pageListener)
     , account(limits.work)
     , work(*account)
-    , reporter(sink)
+    , reporter(&sink)
     , palette(host)
     , pens(palette, coordinates)
     , inks(host, palette, coordinates, pens, work)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "quillrip/base/limits.h"
+#include "quillrip/base/reporter.h"
 #include "quillrip/hpgl/area_filler.h"
 #include "quillrip/hpgl/character_painter.h"
 #include "quillrip/hpgl/coordinates.h"
@@ -16,7 +17,6 @@
 #include "quillrip/hpgl/plot_listener.h"
 #include "quillrip/hpgl/polygon_buffer.h"
 #include "quillrip/hpgl/raster_visit.h"
-#include "quillrip/hpgl/reporter.h"
 #include "quillrip/hpgl/state.h"
 #include "quillrip/hpgl/surface.h"
 

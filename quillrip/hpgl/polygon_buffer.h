@@ -1,7 +1,7 @@
 #pragma once
 
+#include "quillrip/base/reporter.h"
 #include "quillrip/hpgl/polygon.h"
-#include "quillrip/hpgl/reporter.h"
 
 #include <cstddef>
 #include <optional>

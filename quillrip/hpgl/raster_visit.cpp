@@ -117,7 +117,7 @@ void RasterVisit::skip(InputStream& input)
             continue;
         }
         const ByteView window = input.window(9);
-        if (isUniversalExit(window) || (window.size >= 2 && window[1] == 'E'))
+        if (startsWithUniversalExit(window) || (window.size >= 2 && window[1] == 'E'))
             return;
         if (readEscape(input).kind == EscapeSequence::Kind::EnterHpgl)
             return;

@@ -1,5 +1,6 @@
 #include "quillrip/hpgl/recognition.h"
 
+#include "quillrip/base/escape_sequence.h"
 #include "quillrip/hpgl/mnemonics.h"
 #include "quillrip/hpgl/number_reader.h"
 #include "quillrip/hpgl/plotter_units.h"
@@ -12,7 +13,6 @@ namespace quillrip::hpgl {
 
 namespace {
 
-constexpr std::uint8_t kEscape = 0x1B;
 constexpr std::size_t kWindow = 4096;
 /// Commands that have to be believable, and how many of them may not be.
 constexpr int kCommandsLookedAt = 12;
@@ -25,8 +25,6 @@ constexpr double kWidestRoll = 64 * kPlotterUnitsPerInch;
 constexpr double kLargeFormat = 17400;
 
 bool isSpace(int byte) { return byte == ' ' || byte == '\t' || byte == '\r' || byte == '\n' || byte == 0; }
-
-bool isDigit(int byte) { return byte >= '0' && byte <= '9'; }
 
 bool isUpper(int byte) { return byte >= 'A' && byte <= 'Z'; }
 

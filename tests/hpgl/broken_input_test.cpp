@@ -28,7 +28,7 @@ void print(const std::string& plot)
     MemoryPageDevice device(PixelFormat::Gray8, 20);
     MemoryInputStream input({ reinterpret_cast<const std::uint8_t*>(plot.data()), plot.size() });
     FontLibrary fonts;
-    DiagnosticList diagnostics;
+    RecordingSink diagnostics;
     Limits limits;
     limits.pageBytes = 1 << 24;
     hpgl::PlotFile file(device, fonts, diagnostics, limits, {});
@@ -91,7 +91,7 @@ TEST(HpglBrokenInput, APolygonBeyondTheLimitKeepsItsFirstCorners)
     MemoryPageDevice device(PixelFormat::Bilevel, 50);
     MemoryInputStream input({ reinterpret_cast<const std::uint8_t*>(plot.data()), plot.size() });
     FontLibrary fonts;
-    DiagnosticList diagnostics;
+    RecordingSink diagnostics;
     hpgl::PlotFile file(device, fonts, diagnostics, limits, {});
     EXPECT_EQ(file.run(input), hpgl::PlotFile::End::InputEnded);
     ASSERT_EQ(device.pages().size(), 1u);
@@ -103,7 +103,7 @@ TEST(HpglBrokenInput, EachUnknownCommandIsToldOnce)
 {
     PlotSheet sheet;
     sheet.run("IN;SP1;QQ1,2;QQ3;ZZ;PU0,500;PD900,500;PU;");
-    EXPECT_EQ(sheet.diagnostics().all.size(), 2u);
+    EXPECT_EQ(sheet.diagnostics().diagnostics.size(), 2u);
     EXPECT_TRUE(sheet.hasLine(500, 505));
 }
 

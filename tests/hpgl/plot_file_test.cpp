@@ -50,7 +50,7 @@ public:
     }
 
     MemoryPageDevice device;
-    DiagnosticList diagnostics;
+    RecordingSink diagnostics;
     PlotFile::End end = PlotFile::End::InputEnded;
     std::uint64_t rest = 0;
     RunStatus status = RunStatus::Done;
@@ -282,7 +282,7 @@ TEST(HpglPlotFile, ARefusedPageEndsTheJob)
     device.refuseAfter(0);
     MemoryInputStream input({ reinterpret_cast<const std::uint8_t*>(plot.data()), plot.size() });
     FontLibrary fonts;
-    DiagnosticList diagnostics;
+    RecordingSink diagnostics;
     PlotFile file(device, fonts, diagnostics, Limits {}, {});
     EXPECT_EQ(file.run(input), PlotFile::End::Failed);
     EXPECT_EQ(file.status(), RunStatus::LimitExceeded);

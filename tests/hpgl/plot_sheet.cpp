@@ -15,11 +15,6 @@ constexpr int kPixels = 102;
 
 } // namespace
 
-bool DiagnosticList::has(const std::string& kind) const
-{
-    return std::any_of(all.begin(), all.end(), [&](const Diagnostic& d) { return d.kind == kind; });
-}
-
 PlotSheet::PlotSheet(PixelFormat format)
     : m_format(format)
     , m_page(format, kPixels, kPixels, { kDpi, kDpi })

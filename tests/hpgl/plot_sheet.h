@@ -1,23 +1,15 @@
 #pragma once
 
-#include "quillrip/base/diagnostics.h"
 #include "quillrip/fonts/font_library.h"
 #include "quillrip/hpgl/host.h"
 #include "quillrip/hpgl/interpreter.h"
 #include "tests/support/memory_page_device.h"
+#include "tests/support/recording_sink.h"
 
 #include <string>
 #include <vector>
 
 namespace quillrip::test {
-
-/// Keeps what was reported.
-class DiagnosticList final : public DiagnosticSink {
-public:
-    void report(const Diagnostic& diagnostic) override { all.push_back(diagnostic); }
-    bool has(const std::string& kind) const;
-    std::vector<Diagnostic> all;
-};
 
 /// A page of one inch by one inch, all picture frame, at ten plotter units the pixel: 1016 units are 102 pixels.
 class PlotSheet : public hpgl::Host {
@@ -38,7 +30,7 @@ public:
     bool isPageBegun() const { return m_painter != nullptr; }
 
     hpgl::Interpreter& interpreter() { return m_interpreter; }
-    const DiagnosticList& diagnostics() const { return m_diagnostics; }
+    const RecordingSink& diagnostics() const { return m_diagnostics; }
 
     hpgl::PictureFrame frame;
     std::vector<Rgb> palette { { 255, 255, 255 }, { 0, 0, 0 } };
@@ -65,7 +57,7 @@ private:
     PixelFormat m_format;
     PageBitmap m_page;
     std::unique_ptr<Painter> m_painter;
-    DiagnosticList m_diagnostics;
+    RecordingSink m_diagnostics;
     FontLibrary m_fonts;
     hpgl::Interpreter m_interpreter;
 };

@@ -29,7 +29,7 @@ struct Charged {
         MemoryPageDevice device(format, 100);
         device.useMeter(work);
         FontLibrary fonts;
-        DiagnosticList diagnostics;
+        RecordingSink diagnostics;
         MemoryInputStream input({ reinterpret_cast<const std::uint8_t*>(plot.data()), plot.size() });
         hpgl::PlotFile file(device, fonts, diagnostics, limits, {});
         end = file.run(input);
