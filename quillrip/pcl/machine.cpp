@@ -249,7 +249,9 @@ void Machine::interpretMacro(InputStream& stream)
 
 void Machine::readData(Tokenizer& tokenizer, const Token& token, std::uint64_t count)
 {
-    const std::uint64_t taken = tokenizer.takeData(count, m_data, m_limits.imageRowBytes);
+    // What is not a row of raster can be as long as the longest thing that is downloaded, a soft font.
+    const bool isRow = token.prefix == '*' && token.group == 'b';
+    const std::uint64_t taken = tokenizer.takeData(count, m_data, isRow ? m_limits.imageRowBytes : m_limits.fontBytes);
     if (taken == count)
         return;
     tokenizer.abandonSequence();

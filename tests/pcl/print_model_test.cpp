@@ -143,6 +143,17 @@ TEST(PclPrintModel, InvalidPatternsDrawNothing)
         print(kStart + e("*c5G") + command("*c", "W", bytes({ 9, 0, 1, 0, 0, 4, 0, 4 }))).warnedOf("pcl.bad-pattern"));
 }
 
+TEST(PclPrintModel, DownloadsMayBeLongerThanRows)
+{
+    constexpr std::size_t kWidth = 2000;
+    constexpr std::size_t kHeight = 2500;
+    std::string data = bytes({ 1, 0, 8, 0, kHeight >> 8, kHeight & 255, kWidth >> 8, kWidth & 255 });
+    data += std::string(kWidth * (kHeight - 1), '\0') + std::string(kWidth, '\1');
+    const Printed printed
+        = printColor(kStart + e("*r3U") + e("*c5G") + command("*c", "W", data) + at(0, 0) + e("*c4a2500b5g4P"));
+    EXPECT_EQ(printed.color(75, kHeight - 1), (Rgb { 255, 0, 0 }));
+}
+
 TEST(PclPrintModel, CurrentPatternFillsRectanglesAndIsDeletedWithItsData)
 {
     const std::string fill = at(0, 0) + e("*c4a4b5P");
