@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <set>
 #include <utility>
 
 #include <sys/resource.h>
@@ -113,13 +112,17 @@ bool OutputFiles::prepareAll()
 
 bool OutputFiles::syncFolders()
 {
-    std::set<const OutputFolder*> folders;
+    // Nothing here asks for memory: files have appeared, and what fails now has to leave either all or none of them.
+    const OutputFolder* last = nullptr;
     for (std::size_t i = 0; i < m_files.size(); ++i) {
         if (!m_options.areDurable && !m_files[i]->replacesFile())
             continue;
         const OutputFolder* folder = m_files[i]->place().folder.get();
-        if (folders.insert(folder).second && !folder->sync())
+        if (folder == last)
+            continue;
+        if (!folder->sync())
             return fail(m_targets[i], writeReason(errno));
+        last = folder;
     }
     return true;
 }

@@ -169,13 +169,15 @@ ConversionResult convertWithMemory(
         return failed(ConversionStatus::LimitExceeded, job.reason, inputPath);
     if (job.status != ConversionStatus::Done && job.status != ConversionStatus::Damaged)
         return failed(job.status, job.reason, inputPath);
+    // Made before the files appear: nothing may ask for memory, and fail, once they are there.
+    ConversionResult result { job.status, job.reason, inputPath, job.pages };
     beforePublishing();
     if (job.pages > 0 && !writer->commit()) {
         if (writer->isLimitExceeded())
             return failed(ConversionStatus::LimitExceeded, writer->reason(), inputPath);
         return failed(ConversionStatus::OutputFailed, writer->reason(), outputPath);
     }
-    return { job.status, job.reason, inputPath, job.pages };
+    return result;
 }
 
 } // namespace
