@@ -8,6 +8,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     MemoryInputStream input({ data, size });
     fuzz::NoDiagnostics diagnostics;
     fuzz::NoPages pages;
-    runJob(input, pages, fuzz::smallPages(size), fuzz::smallLimits(), diagnostics, {});
+    ConversionObserver observer;
+    runJob(input, pages, fuzz::smallPages(size), fuzz::smallLimits(), diagnostics, {}, observer);
     return 0;
 }

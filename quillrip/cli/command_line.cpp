@@ -22,6 +22,8 @@ struct Arguments {
     std::optional<int> mostPages;
     std::optional<int> mostOutput;
     int mostSeconds = 24 * 60 * 60;
+    std::string report;
+    bool isQuiet = false;
     bool isTraced = false;
 };
 
@@ -128,9 +130,28 @@ bool takeInput(Arguments& arguments, const std::string& value)
     return !value.empty();
 }
 
+bool takeReport(Arguments& arguments, const std::string& value)
+{
+    // An image of that name would take the report's place.
+    arguments.report = value;
+    return !value.empty() && !fileTypeOfPath(value);
+}
+
+bool takeQuiet(Arguments& arguments, const std::string&)
+{
+    arguments.isQuiet = true;
+    return true;
+}
+
+bool takeTrace(Arguments& arguments, const std::string&)
+{
+    arguments.isTraced = true;
+    return true;
+}
+
 struct Option {
     const char* name;
-    const char* value; ///< what stands for the value in help texts
+    const char* value; ///< what stands for the value in help texts; null: the option takes none
     const char* wanted; ///< completes "-r needs ..."
     const char* help; ///< sentences, one line of help for each line
     bool (*take)(Arguments&, const std::string& value);
@@ -177,8 +198,18 @@ constexpr std::array s_options {
         takeLimitOutput },
     Option { "-limit-seconds", "S", "a whole number of seconds from 1 to 10000000",
         "A job that takes longer, in real time, ends likewise. Default 86400, a day.", takeLimitSeconds },
+    Option { "--report", "FILE", "the path of a file that is no image",
+        "Appends one line of JSON about the conversion to FILE, also when it fails: input, output, bytes,\n"
+        "languages, pages with their sizes, warnings, exit code, message, seconds, memory.",
+        takeReport },
+    Option { "-q", nullptr, nullptr,
+        "No warnings, and no line on a terminal that tells how far a long conversion is. Errors are told.", takeQuiet },
     Option { "-writelocal", "y|n", "y or n", "Accepted for the window's sake: no job ever writes any other file.",
         takeWriteLocal },
+    Option { "--trace", nullptr, nullptr,
+        "Names every command of the job on standard error as it is carried out: the byte of the input\n"
+        "where it starts, its name and its values.",
+        takeTrace },
 };
 
 PixelFormat formatOf(int depth)
@@ -197,6 +228,8 @@ Request conversionOf(const Arguments& arguments)
 
     Convert conversion;
     conversion.seconds = static_cast<std::uint32_t>(arguments.mostSeconds);
+    conversion.reportPath = arguments.report;
+    conversion.isQuiet = arguments.isQuiet;
     conversion.isTraced = arguments.isTraced;
     ConversionOptions& options = conversion.options;
     options.document.isDurable = arguments.isDurable;
@@ -243,10 +276,6 @@ Request parseCommandLine(const std::vector<std::string>& arguments)
             return ShowHelp {};
         if (name == "--version")
             return ShowVersion {};
-        if (name == "--trace") {
-            parsed.isTraced = true;
-            continue;
-        }
         const Option* option = nullptr;
         for (const Option& candidate : s_options) {
             if (name == candidate.name)
@@ -255,6 +284,10 @@ Request parseCommandLine(const std::vector<std::string>& arguments)
         if (!option)
             return UsageError { name.empty() || name[0] != '-' ? "unexpected argument '" + name + "'"
                                                                : "unknown option " + name };
+        if (!option->value) {
+            option->take(parsed, {});
+            continue;
+        }
         if (at + 1 == arguments.size())
             return UsageError { name + " needs " + option->wanted };
         const std::string& value = arguments[++at];
@@ -272,16 +305,13 @@ std::string helpText()
           "plain text; PostScript and PDF where Ghostscript is installed, XPS where MuPDF is) and writes them as\n"
           "images.\n\n";
     for (const Option& option : s_options) {
-        std::string words = std::string("  ") + option.name + " " + option.value;
+        std::string words = std::string("  ") + option.name + (option.value ? std::string(" ") + option.value : "");
         words.resize(words.size() < 20 ? 20 : words.size() + 1, ' ');
         text += words;
         appendIndented(text, option.help, "                    ");
         text += '\n';
     }
-    text += "  --trace           Names every command of the job on standard error as it is carried out: the byte of "
-            "the\n"
-            "                    input where it starts, its name and its values.\n"
-            "  --help            Shows this text.\n"
+    text += "  --help            Shows this text.\n"
             "  --version         Shows the version.\n\n"
             "Exit status: 0 done, 1 wrong usage, 2 the input cannot be read or is no print job that quillrip knows,\n"
             "3 the output cannot be written, 4 the job is damaged (the whole pages before the damage are there),\n"
@@ -299,12 +329,10 @@ std::string manualOptionList()
         return result;
     };
     for (const Option& option : s_options) {
-        text += ".TP\n.BI \"" + escaped(option.name) + " \" \"" + escaped(option.value) + "\"\n";
+        text += option.value ? ".TP\n.BI \"" + escaped(option.name) + " \" \"" + escaped(option.value) + "\"\n"
+                             : ".TP\n.B " + escaped(option.name) + "\n";
         text += escaped(option.help) + "\n";
     }
-    text += ".TP\n.B \\-\\-trace\nNames every command of the job on standard error as it is carried out: the byte of "
-            "the\n"
-            "input where it starts, its name and its values.\n";
     text += ".TP\n.B \\-\\-help\nShows a summary of the options.\n";
     text += ".TP\n.B \\-\\-version\nShows the version.\n";
     return text;

@@ -17,13 +17,15 @@ struct UsageError {
 };
 struct Convert {
     ConversionOptions options;
-    std::uint32_t seconds = 0; ///< how long it may take in real time; 0: for ever
+    std::uint32_t seconds = 0; ///< how long it may take in real time
+    std::string reportPath; ///< what the line about the conversion is appended to; empty: nothing
+    bool isQuiet = false; ///< no warnings, no progress
     bool isTraced = false; ///< every command of the job is named as it is carried out
 };
 using Request = std::variant<Convert, ShowHelp, ShowVersion, UsageError>;
 
 /// `arguments` without the program's name. Numbers are read completely or refused; the last of several equal options
-/// counts; every option has its value in the next argument.
+/// counts; an option that takes a value has it in the next argument.
 Request parseCommandLine(const std::vector<std::string>& arguments);
 
 /// The text of --help.

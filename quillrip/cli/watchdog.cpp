@@ -1,7 +1,7 @@
 #include "quillrip/cli/watchdog.h"
 
-#include <algorithm>
 #include <csignal>
+#include <utility>
 
 #include <sys/time.h>
 #include <unistd.h>
@@ -13,27 +13,23 @@ namespace {
 constexpr int kExitLimitExceeded = 5;
 
 // What the handler needs, made beforehand: it may neither allocate nor format.
-char s_message[1024]; // NOLINT(modernize-avoid-c-arrays)
-std::size_t s_length = 0;
+std::vector<Watchdog::LastWords> s_lastWords;
 
 void endProcess(int)
 {
-    // Nothing can be done about a standard error that is closed.
-    const ssize_t written = write(STDERR_FILENO, s_message, s_length);
-    static_cast<void>(written);
+    for (const Watchdog::LastWords& words : s_lastWords) {
+        // Nothing can be done about a descriptor that takes no more.
+        const ssize_t written = write(words.descriptor, words.bytes.data(), words.bytes.size());
+        static_cast<void>(written);
+    }
     _exit(kExitLimitExceeded);
 }
 
 } // namespace
 
-Watchdog::Watchdog(std::uint32_t seconds, const std::string& subject)
+Watchdog::Watchdog(std::uint32_t seconds, std::vector<LastWords> lastWords)
 {
-    if (seconds == 0)
-        return;
-    const std::string message = "quillrip: " + subject.substr(0, sizeof s_message - 100) + ": takes more than "
-        + std::to_string(seconds) + " seconds (-limit-seconds)\n";
-    s_length = std::min(message.size(), sizeof s_message);
-    std::copy_n(message.begin(), s_length, s_message);
+    s_lastWords = std::move(lastWords);
     struct sigaction action { };
     action.sa_handler = endProcess;
     sigaction(SIGALRM, &action, nullptr);

@@ -47,8 +47,9 @@ bool isSameFile(const std::string& path, const FileIdentity& identity)
 class WriterSink final : public PageSink {
 public:
     WriterSink(DocumentWriter& writer, const ConversionOptions& options, const InputStream& input,
-        const FileIdentity& inputIdentity)
+        const FileIdentity& inputIdentity, ConversionObserver& observer)
         : m_writer(writer)
+        , m_observer(observer)
         , m_options(options.document)
         , m_outputBytes(options.limits.outputBytes)
         , m_input(input)
@@ -71,7 +72,13 @@ public:
             return false;
         }
         m_writer.setMostBytes(outputBytes());
-        return m_writer.addPage(std::move(page));
+        const int width = page.width();
+        const int height = page.height();
+        const Resolution resolution = page.resolution();
+        if (!m_writer.addPage(std::move(page)))
+            return false;
+        m_observer.pageAdded(width, height, resolution);
+        return true;
     }
 
     void waitForRoom(std::uint64_t bytes, std::uint64_t mostBytes) override { m_writer.waitForRoom(bytes, mostBytes); }
@@ -87,6 +94,7 @@ private:
     }
 
     DocumentWriter& m_writer;
+    ConversionObserver& m_observer;
     const DocumentOptions& m_options;
     std::uint64_t m_outputBytes;
     const InputStream& m_input;
@@ -129,7 +137,7 @@ void confine(const DocumentWriter& writer, const DocumentPrograms& programs)
 }
 
 ConversionResult convertWithMemory(
-    const ConversionOptions& options, DiagnosticSink& diagnostics, const std::function<void()>& beforePublishing)
+    const ConversionOptions& options, DiagnosticSink& diagnostics, ConversionObserver& observer)
 {
     const std::string& inputPath = options.inputPath;
     const std::string& outputPath = options.document.path;
@@ -155,11 +163,13 @@ ConversionResult convertWithMemory(
     const auto writer = DocumentWriter::create(options.document, reason);
     if (!writer)
         return failed(ConversionStatus::OutputFailed, reason, outputPath);
-    WriterSink sink(*writer, options, *input, identity);
+    WriterSink sink(*writer, options, *input, identity, observer);
     const DocumentPrograms programs = DocumentPrograms::onPath();
     if (options.isConfined)
         confine(*writer, programs);
-    const ConversionResult job = runJob(*input, sink, options.page, options.limits, diagnostics, programs);
+    observer.readingBegins(input->descriptor());
+    const ConversionResult job = runJob(*input, sink, options.page, options.limits, diagnostics, programs, observer);
+    observer.readingEnded(input->offset());
 
     if (input->failed())
         return failed(ConversionStatus::BadInput, "reading it failed", inputPath);
@@ -171,7 +181,7 @@ ConversionResult convertWithMemory(
         return failed(job.status, job.reason, inputPath);
     // Made before the files appear: nothing may ask for memory, and fail, once they are there.
     ConversionResult result { job.status, job.reason, inputPath, job.pages };
-    beforePublishing();
+    observer.publishing();
     if (job.pages > 0 && !writer->commit()) {
         if (writer->isLimitExceeded())
             return failed(ConversionStatus::LimitExceeded, writer->reason(), inputPath);
@@ -182,14 +192,13 @@ ConversionResult convertWithMemory(
 
 } // namespace
 
-ConversionResult convert(
-    const ConversionOptions& options, DiagnosticSink& diagnostics, const std::function<void()>& beforePublishing)
+ConversionResult convert(const ConversionOptions& options, DiagnosticSink& diagnostics, ConversionObserver& observer)
 {
     const auto outOfMemory = [&] {
         return ConversionResult { ConversionStatus::LimitExceeded, "there is not enough memory", options.inputPath, 0 };
     };
     try {
-        return convertWithMemory(options, diagnostics, beforePublishing);
+        return convertWithMemory(options, diagnostics, observer);
     } catch (const std::bad_alloc&) {
         return outOfMemory();
     } catch (const std::length_error&) { // more than any memory

@@ -3,10 +3,10 @@
 #include "quillrip/base/diagnostics.h"
 #include "quillrip/base/limits.h"
 #include "quillrip/image/document_options.h"
+#include "quillrip/job/conversion_observer.h"
 #include "quillrip/job/conversion_status.h"
 #include "quillrip/job/page_layout.h"
 
-#include <functional>
 #include <string>
 
 namespace quillrip {
@@ -22,10 +22,7 @@ struct ConversionOptions {
 };
 
 /// One conversion from file to file. With BadOptions, BadInput, OutputFailed and LimitExceeded nothing of the output
-/// is there, and a former file of its name is as it was. `beforePublishing` is called when all is drawn and the files
-/// are about to appear.
-ConversionResult convert(
-    const ConversionOptions& options, DiagnosticSink& diagnostics,
-    const std::function<void()>& beforePublishing = [] {});
+/// is there, and a former file of its name is as it was.
+ConversionResult convert(const ConversionOptions& options, DiagnosticSink& diagnostics, ConversionObserver& observer);
 
 } // namespace quillrip

@@ -26,16 +26,38 @@ namespace {
 
 bool isPlot(ByteView window) { return hpgl::looksLikePlot(window) || hpgl::looksLikeRasterPlot(window); }
 
+/// The name that the language was published under.
+std::string languageOf(const stream::Part& part)
+{
+    switch (part.kind) {
+    case stream::ContentKind::Pcl:
+        return part.isInkjet ? "PCL 3" : "PCL 5";
+    case stream::ContentKind::PclXl:
+        return "PCL XL";
+    case stream::ContentKind::Plot:
+        return "HP-GL/2";
+    case stream::ContentKind::Emf:
+        return "EMF";
+    case stream::ContentKind::Pdf:
+        return "PDF";
+    case stream::ContentKind::Xps:
+        return "XPS";
+    default:
+        return "PostScript";
+    }
+}
+
 /// The interpreters of one input, made when the first job of their language comes.
 class Runner {
 public:
     Runner(InputStream& input, ImagePageDevice& device, const Limits& limits, DiagnosticRecorder& diagnostics,
-        const DocumentPrograms& programs)
+        const DocumentPrograms& programs, ConversionObserver& observer)
         : m_input(input)
         , m_device(device)
         , m_limits(limits)
         , m_diagnostics(diagnostics)
         , m_programs(programs)
+        , m_observer(observer)
         , m_fonts(limits, &diagnostics)
         , m_reader(input, diagnostics, &isPlot)
     {
@@ -44,6 +66,7 @@ public:
     ConversionResult run()
     {
         while (const auto part = m_reader.next()) {
+            m_observer.partFound(languageOf(*part));
             const std::uint64_t before = m_input.offset();
             const RunStatus status = runPart(*part);
             if (status == RunStatus::LimitExceeded)
@@ -232,6 +255,7 @@ private:
     const Limits& m_limits;
     DiagnosticRecorder& m_diagnostics;
     const DocumentPrograms& m_programs;
+    ConversionObserver& m_observer;
     RunBudget m_budget;
     FontLibrary m_fonts;
     stream::JobReader m_reader;
@@ -245,14 +269,14 @@ private:
 } // namespace
 
 ConversionResult runJob(InputStream& input, PageSink& sink, const PageSettings& settings, const Limits& limits,
-    DiagnosticSink& diagnostics, const DocumentPrograms& programs)
+    DiagnosticSink& diagnostics, const DocumentPrograms& programs, ConversionObserver& observer)
 {
     DiagnosticRecorder recorder(diagnostics);
     ImagePageDevice device(sink, settings, limits);
     const stream::Container container = stream::unwrap(input);
     if (!container.refusal.empty())
         return { ConversionStatus::BadInput, "is " + container.refusal, {}, 0 };
-    Runner runner(container.job(input), device, limits, recorder, programs);
+    Runner runner(container.job(input), device, limits, recorder, programs, observer);
     return runner.run();
 }
 

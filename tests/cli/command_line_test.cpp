@@ -43,6 +43,20 @@ TEST(CommandLine, TracingNeedsNoValue)
     EXPECT_FALSE(isTraced("-o out.png -i in.pcl"));
 }
 
+TEST(CommandLine, QuietNeedsNoValueAndAReportIsNoImage)
+{
+    const auto conversionOf = [](const std::string& line) {
+        const Request request = parsed(line);
+        return std::holds_alternative<Convert>(request) ? std::get<Convert>(request) : Convert {};
+    };
+    EXPECT_TRUE(conversionOf("-q -o out.png -i in.pcl").isQuiet);
+    EXPECT_FALSE(conversionOf("-o out.png -i in.pcl").isQuiet);
+    EXPECT_EQ(conversionOf("-o out.png -i in.pcl --report all.jsonl").reportPath, "all.jsonl");
+    EXPECT_EQ(conversionOf("-o out.png -i in.pcl").reportPath, "");
+    EXPECT_NE(errorOf("-o out.png -i in.pcl --report").find("--report"), std::string::npos);
+    EXPECT_NE(errorOf("-o out.png -i in.pcl --report out_p0002.png").find("no image"), std::string::npos);
+}
+
 TEST(CommandLine, DefaultsAreColourAt300Dpi)
 {
     const ConversionOptions options = optionsOf("-o out.png -i in.pcl");
@@ -132,11 +146,12 @@ TEST(CommandLine, HelpAndManualListEveryOption)
 {
     EXPECT_TRUE(std::holds_alternative<ShowHelp>(parsed("-b 1 --help")));
     EXPECT_TRUE(std::holds_alternative<ShowVersion>(parsed("--version")));
-    for (const char* option :
-        { "-gw", "-gh", "-r", "-b", "-c", "-faxtif", "-writelocal", "-o", "-i", "--help", "--version" }) {
+    for (const char* option : { "-gw", "-gh", "-r", "-b", "-c", "-faxtif", "-writelocal", "-o", "-i", "--report", "-q",
+             "--trace", "--help", "--version" }) {
         EXPECT_NE(helpText().find(std::string("  ") + option + " "), std::string::npos) << option;
     }
     EXPECT_NE(manualOptionList().find(".BI \"\\-gw \" \"W\""), std::string::npos);
+    EXPECT_NE(manualOptionList().find(".B \\-q\n"), std::string::npos);
 }
 
 } // namespace

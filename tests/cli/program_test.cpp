@@ -3,15 +3,19 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstdlib>
 #include <fcntl.h>
 #include <filesystem>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <nlohmann/json.hpp>
+
 namespace quillrip::test {
 namespace {
 
 using namespace std::string_literals;
+using nlohmann::json;
 using Names = std::vector<std::string>;
 
 // A raster of eight dots at 75 dpi, and a form feed.
@@ -195,17 +199,22 @@ TEST(Program, LimitsOfTheCommandLineEndWithFiveAndLeaveNothing)
     EXPECT_EQ(runQuillrip({ "-o", folder.path("a.tif"), "-i", job, "-limit-output", "100" }).exitCode, 0);
 }
 
+// And, though it takes longer than a second, without a word about progress: standard error is no terminal.
 TEST(Program, ARunThatTakesTooLongEndsWithFive)
 {
     const TemporaryFolder folder;
     ASSERT_EQ(mkfifo(folder.path("job").c_str(), 0600), 0);
     const int writer = open(folder.path("job").c_str(), O_RDWR | O_CLOEXEC); // a job that never comes
-    const Outcome outcome
-        = runQuillrip({ "-o", folder.path("a.png"), "-i", folder.path("job"), "-limit-seconds", "1" });
+    const Outcome outcome = runQuillrip({ "-o", folder.path("a.png"), "-i", folder.path("job"), "-limit-seconds", "2",
+        "--report", folder.path("report") });
     close(writer);
     EXPECT_EQ(outcome.exitCode, 5);
     expectMessage(outcome, folder.path("job"));
-    EXPECT_EQ(folder.names(), Names { "job" });
+    EXPECT_EQ(folder.names(), (Names { "job", "report" }));
+    const json line = json::parse(contentOf(folder.path("report")));
+    EXPECT_EQ(line.at("exitCode"), 5);
+    EXPECT_EQ(line.at("input"), folder.path("job"));
+    EXPECT_EQ(line.at("message"), "takes more than 2 seconds (-limit-seconds)");
 }
 
 TEST(Program, ThousandsOfBlankPagesAreNoJob)
@@ -265,6 +274,70 @@ TEST(Program, UnknownPartsBesideKnownOnesAreAWarning)
     EXPECT_EQ(outcome.exitCode, 0);
     EXPECT_NE(outcome.errors.find("warning"), std::string::npos);
     EXPECT_NE(outcome.errors.find("ZjStream"), std::string::npos);
+}
+
+TEST(Program, ReportsEveryConversionInALine)
+{
+    const TemporaryFolder folder;
+    const std::string report = folder.path("report.jsonl");
+    const std::string job = folder.file(
+        "job.prn", "\x1B%-12345X@PJL ENTER LANGUAGE=ZJS\nJZJZ...\x1B%-12345X@PJL ENTER LANGUAGE=PCL\n" + kPage + kPage);
+    const std::string damaged = folder.file("damaged.pcl", kPage + "\x1B*t75R\x1B*r1A\x1B*b999W\xFF");
+    const auto run = [&](const std::string& input, const std::string& output) {
+        const Outcome outcome
+            = runQuillrip({ "-r", "75x75", "-q", "--report", report, "-o", folder.path(output), "-i", input });
+        EXPECT_EQ(outcome.errors.find("warning"), std::string::npos) << outcome.errors;
+        const std::string text = contentOf(report);
+        return json::parse(text.substr(text.rfind('\n', text.size() - 2) + 1));
+    };
+    const json whole = run(job, "a.png");
+    EXPECT_EQ(whole.at("exitCode"), 0);
+    EXPECT_EQ(whole.at("message"), "");
+    EXPECT_EQ(whole.at("input"), job);
+    EXPECT_EQ(whole.at("output"), folder.path("a.png"));
+    EXPECT_EQ(whole.at("bytes"), contentOf(job).size());
+    EXPECT_EQ(whole.at("languages"), json::parse(R"([{"language":"PCL 5","parts":1}])"));
+    EXPECT_EQ(whole.at("pages"), 2);
+    EXPECT_EQ(whole.at("sizes").size(), 1u);
+    EXPECT_EQ(whole.at("warnings").size(), 1u);
+    EXPECT_EQ(whole.at("warnings").at(0).at("kind"), "job.passed-over");
+    EXPECT_GT(whole.at("peakMemoryBytes"), 1 << 20);
+    EXPECT_EQ(run(damaged, "b.png").at("exitCode"), 4);
+    EXPECT_EQ(run(damaged, "b.png").at("pages"), 1);
+    EXPECT_EQ(run(folder.path("missing"), "c.png").at("exitCode"), 2);
+    EXPECT_TRUE(run(folder.path("missing"), "c.png").at("bytes").is_null());
+    EXPECT_EQ(run(job, "missing/c.png").at("exitCode"), 3);
+    const std::string lines = contentOf(report);
+    EXPECT_EQ(std::count(lines.begin(), lines.end(), '\n'), 6);
+}
+
+TEST(Program, MessagesToAClosedStandardErrorGoIntoNoFile)
+{
+    const TemporaryFolder folder;
+    const std::string job = folder.file(
+        "job.prn", "\x1B%-12345X@PJL ENTER LANGUAGE=ZJS\nJZJZ...\x1B%-12345X@PJL ENTER LANGUAGE=PCL\n" + kPage);
+    const std::string command = std::string(QUILLRIP_PROGRAM) + " --report " + folder.path("report") + " -o "
+        + folder.path("a.png") + " -i " + job + " 2>&-";
+    EXPECT_EQ(std::system(command.c_str()), 0); // NOLINT(cert-env33-c,concurrency-mt-unsafe)
+    EXPECT_EQ(json::parse(contentOf(folder.path("report"))).at("warnings").size(), 1u);
+}
+
+TEST(Program, AReportThatCannotBeWrittenEndsWithThree)
+{
+    const TemporaryFolder folder;
+    const std::string job = folder.file("job.pcl", kPage);
+    const std::string image = folder.path("a.png");
+    // It is known before anything is drawn, or, for a disk that is full, when all is done: then the images stay.
+    const Outcome refused = runQuillrip({ "-o", image, "-i", job, "--report", folder.path("missing/report") });
+    EXPECT_EQ(refused.exitCode, 3);
+    expectMessage(refused, folder.path("missing/report"));
+    EXPECT_EQ(folder.names(), Names { "job.pcl" });
+    const Outcome full = runQuillrip({ "-r", "75x75", "-o", image, "-i", job, "--report", "/dev/full" });
+    EXPECT_EQ(full.exitCode, 3);
+    expectMessage(full, "/dev/full");
+    EXPECT_EQ(folder.names(), (Names { "a.png", "job.pcl" }));
+    // What failed anyway keeps its own code.
+    EXPECT_EQ(runQuillrip({ "-o", image, "-i", folder.path("x"), "--report", "/dev/full" }).exitCode, 2);
 }
 
 TEST(Program, HelpAndVersionGoToStandardOutput)

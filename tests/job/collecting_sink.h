@@ -8,8 +8,8 @@
 
 namespace quillrip::test {
 
-/// Keeps all pages and diagnostics.
-class CollectingSink final : public PageSink, public DiagnosticSink {
+/// Keeps all pages, diagnostics and names of languages.
+class CollectingSink final : public PageSink, public DiagnosticSink, public ConversionObserver {
 public:
     bool addPage(PageBitmap&& page) override
     {
@@ -21,7 +21,10 @@ public:
     std::string reason() const override { return "the disk is full"; }
     void report(const Diagnostic& diagnostic) override { diagnostics.push_back(diagnostic); }
 
+    void partFound(const std::string& language) override { languages.push_back(language); }
+
     std::vector<PageBitmap> pages;
+    std::vector<std::string> languages;
     std::vector<Diagnostic> diagnostics;
     int failsAfter = -1;
 };
@@ -37,7 +40,7 @@ inline Run runBytes(const std::string& bytes, const PageSettings& settings = {},
     Run run;
     run.sink.failsAfter = failsAfter;
     MemoryInputStream input({ reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size() });
-    run.result = runJob(input, run.sink, settings, limits, run.sink, programs);
+    run.result = runJob(input, run.sink, settings, limits, run.sink, programs, run.sink);
     return run;
 }
 

@@ -50,6 +50,7 @@ TEST(JobRunner, JobsAndLanguagesComeInOrder)
             + kExit + pclJob("\x1B&l1O" + kPclPage) + kExit,
         coarse());
     EXPECT_EQ(run.result.status, ConversionStatus::Done) << run.result.reason;
+    EXPECT_EQ(run.sink.languages, (std::vector<std::string> { "PCL 5", "PCL XL", "PCL 5" }));
     ASSERT_EQ(run.sink.pages.size(), 3u);
     EXPECT_EQ(run.sink.pages[0].height(), 351);
     EXPECT_EQ(run.sink.pages[1].width(), 255);
