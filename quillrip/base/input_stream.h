@@ -15,7 +15,7 @@ namespace quillrip {
 class InputStream {
 public:
     /// How far window() can look ahead, in bytes.
-    static constexpr std::size_t kLookAhead = 64 * 1024;
+    static constexpr std::size_t kLookAhead = std::size_t { 64 } << 10;
 
     virtual ~InputStream() = default;
     InputStream(const InputStream&) = delete;

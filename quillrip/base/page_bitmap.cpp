@@ -78,7 +78,8 @@ Rgb PageBitmap::pixel(int x, int y) const
     case PixelFormat::Rgb24:
         break;
     }
-    return { light(at[3 * x]), light(at[3 * x + 1]), light(at[3 * x + 2]) };
+    at += 3 * static_cast<std::size_t>(x);
+    return { light(at[0]), light(at[1]), light(at[2]) };
 }
 
 bool PageBitmap::hasInk(const PixelRect& rect) const

@@ -292,7 +292,7 @@ Request parseCommandLine(const std::vector<std::string>& arguments)
             return UsageError { name + " needs " + option->wanted };
         const std::string& value = arguments[++at];
         if (!option->take(parsed, value))
-            return UsageError { name + " needs " + option->wanted + ", not '" + value + "'" };
+            return UsageError { (name + " needs ").append(option->wanted).append(", not '").append(value).append("'") };
     }
     return conversionOf(parsed);
 }

@@ -14,7 +14,6 @@ namespace quillrip::emf {
 namespace {
 
 /// Dash lengths of cosmetic pens are those of a screen.
-constexpr double kScreenResolution = 96;
 
 /// Half a pixel of the reference device, or of the page where its pixels are smaller: coordinates name the pixels that
 /// the picture is drawn with.
@@ -110,18 +109,18 @@ Path shiftedBack(const Path& path, double half)
     return result;
 }
 
-std::vector<double> patternOf(Pen::Style style, bool isGeometric)
+std::vector<double> patternOf(LogicalPen::Style style, bool isGeometric)
 {
     switch (style) {
-    case Pen::Style::Dash:
+    case LogicalPen::Style::Dash:
         return isGeometric ? std::vector<double> { 3, 1 } : std::vector<double> { 18, 6 };
-    case Pen::Style::Dot:
+    case LogicalPen::Style::Dot:
         return isGeometric ? std::vector<double> { 1, 1 } : std::vector<double> { 3, 3 };
-    case Pen::Style::DashDot:
+    case LogicalPen::Style::DashDot:
         return isGeometric ? std::vector<double> { 3, 1, 1, 1 } : std::vector<double> { 9, 6, 3, 6 };
-    case Pen::Style::DashDotDot:
+    case LogicalPen::Style::DashDotDot:
         return isGeometric ? std::vector<double> { 3, 1, 1, 1, 1, 1 } : std::vector<double> { 9, 3, 3, 3, 3, 3 };
-    case Pen::Style::Alternate:
+    case LogicalPen::Style::Alternate:
         return { 1, 1 };
     default:
         return {};
@@ -204,7 +203,8 @@ void Canvas::fillWithBrush(const Path& path, FillRule rule, bool isOutlined)
     if (!state)
         return;
     // Under a pen that follows the same path the area reaches to the middle of the line, half a pixel further.
-    const bool hasLine = isOutlined && pen().style != Pen::Style::Null && pen().brush.style != Brush::Style::Null;
+    const bool hasLine
+        = isOutlined && pen().style != LogicalPen::Style::Null && pen().brush.style != Brush::Style::Null;
     fill(hasLine ? path.transformed(m_half) : path, rule, std::move(*state));
 }
 
@@ -216,7 +216,7 @@ void Canvas::fillRegion(const Region& region, PaintState state)
     m_painter.fillRect(state.clip->bounds(), state);
 }
 
-bool Canvas::isHairline(const Pen& pen) const
+bool Canvas::isHairline(const LogicalPen& pen) const
 {
     if (pen.isGeometric)
         return false;
@@ -228,13 +228,13 @@ bool Canvas::isHairline(const Pen& pen) const
 
 double Canvas::insetOfPen() const
 {
-    return pen().style == Pen::Style::InsideFrame && !isHairline(pen()) ? pen().width / 2 : 0;
+    return pen().style == LogicalPen::Style::InsideFrame && !isHairline(pen()) ? pen().width / 2 : 0;
 }
 
 bool Canvas::makeStroke(Stroke& stroke) const
 {
-    const Pen& pen = this->pen();
-    if (pen.style == Pen::Style::Null || pen.brush.style == Brush::Style::Null)
+    const LogicalPen& pen = this->pen();
+    if (pen.style == LogicalPen::Style::Null || pen.brush.style == Brush::Style::Null)
         return false;
     StrokeStyle& style = stroke.style;
     style.miterLimit = m_dc.miterLimit;
@@ -242,12 +242,12 @@ bool Canvas::makeStroke(Stroke& stroke) const
         style.width = 1;
         style.cap = LineCap::Butt;
         style.join = LineJoin::Miter;
-        if (pen.style == Pen::Style::User) {
+        if (pen.style == LogicalPen::Style::User) {
             style.dashes = pen.dashes;
         } else {
             style.dashes = patternOf(pen.style, false);
             // A device of many dots per inch would show a grey line.
-            const double unit = std::max(1.0, m_dc.coordinates.dotsPerInch() / kScreenResolution);
+            const double unit = std::max(1.0, m_dc.coordinates.dotsPerInch() / kScreenDotsPerInch);
             for (double& length : style.dashes)
                 length *= unit;
         }
@@ -269,14 +269,14 @@ bool Canvas::makeStroke(Stroke& stroke) const
     style.join = LineJoin::Round;
     if (pen.isSimple)
         return true;
-    style.cap = pen.cap == Pen::Cap::Round ? LineCap::Round
-        : pen.cap == Pen::Cap::Square      ? LineCap::Square
-                                           : LineCap::Butt;
-    style.join = pen.join == Pen::Join::Round ? LineJoin::Round
-        : pen.join == Pen::Join::Bevel        ? LineJoin::Bevel
-                                              : LineJoin::Miter;
-    style.dashes = pen.style == Pen::Style::User ? pen.dashes : patternOf(pen.style, true);
-    if (pen.style != Pen::Style::User) {
+    style.cap = pen.cap == LogicalPen::Cap::Round ? LineCap::Round
+        : pen.cap == LogicalPen::Cap::Square      ? LineCap::Square
+                                                  : LineCap::Butt;
+    style.join = pen.join == LogicalPen::Join::Round ? LineJoin::Round
+        : pen.join == LogicalPen::Join::Bevel        ? LineJoin::Bevel
+                                                     : LineJoin::Miter;
+    style.dashes = pen.style == LogicalPen::Style::User ? pen.dashes : patternOf(pen.style, true);
+    if (pen.style != LogicalPen::Style::User) {
         for (double& length : style.dashes)
             length *= style.width;
     }

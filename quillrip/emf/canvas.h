@@ -41,7 +41,7 @@ public:
     Path widened(const Path& path) const;
     void fillRegion(const Region& region, PaintState state);
 
-    const Pen& pen() const { return std::get<Pen>(*m_dc.pen); }
+    const LogicalPen& pen() const { return std::get<LogicalPen>(*m_dc.pen); }
     const Brush& brush() const { return std::get<Brush>(*m_dc.brush); }
     FillRule fillRule() const { return m_dc.fillsAlternate ? FillRule::EvenOdd : FillRule::NonZero; }
     /// How far half of the selected pen reaches, logical units: what PS_INSIDEFRAME shrinks boxes by.
@@ -55,7 +55,7 @@ private:
         bool fillsGaps = false; ///< with the background colour
     };
     bool makeStroke(Stroke& stroke) const;
-    bool isHairline(const Pen& pen) const;
+    bool isHairline(const LogicalPen& pen) const;
 
     Painter& m_painter;
     PixelFormat m_format;

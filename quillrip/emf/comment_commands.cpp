@@ -11,7 +11,6 @@ namespace quillrip::emf {
 
 namespace {
 
-constexpr std::uint32_t kEmfPlus = 0x2B464D45; // "EMF+"
 constexpr std::uint32_t kSpool = 0;
 constexpr std::uint32_t kFonts = 0x544F4E46; // "FNOT", as it lies in the file
 
@@ -54,7 +53,7 @@ void comment(Machine& machine, const Record& record)
     if (data.size < 4)
         return;
     switch (fields.u32(0)) {
-    case kEmfPlus:
+    case kEmfPlusIdentifier:
         return machine.plus().comment(data.sub(4), record.offset() + kData + 4, !machine.hasDrawn());
     case kSpool:
         if (fields.u32(4) == kFonts)

@@ -1,12 +1,13 @@
 #include "quillrip/emf/coordinates.h"
 
+#include "quillrip/base/units.h"
+
 #include <cmath>
 
 namespace quillrip::emf {
 
 namespace {
 
-constexpr double kMillimetersPerInch = 25.4;
 /// No picture needs numbers beyond it, and sums of it stay exact enough.
 constexpr double kLargest = 1e9;
 
@@ -44,13 +45,13 @@ void Coordinates::setMapMode(std::uint32_t mode)
         setFixed(0.01);
         break;
     case MapMode::LowEnglish:
-        setFixed(0.01 * kMillimetersPerInch);
+        setFixed(0.01 * kMillimetresPerInch);
         break;
     case MapMode::HighEnglish:
-        setFixed(0.001 * kMillimetersPerInch);
+        setFixed(0.001 * kMillimetresPerInch);
         break;
     case MapMode::Twips:
-        setFixed(kMillimetersPerInch / 1440);
+        setFixed(kMillimetresPerInch / 1440);
         break;
     case MapMode::Isotropic:
         if (old != MapMode::Isotropic)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "quillrip/base/geometry.h"
+#include "quillrip/base/units.h"
 #include "quillrip/emf/metafile_header.h"
 
 #include <cstdint>
@@ -42,7 +43,7 @@ public:
     bool multiplyWorld(const Matrix& factor, bool first);
 
     /// Of the reference device, across.
-    double dotsPerInch() const { return m_pixelsPerMillimeter.width * 25.4; }
+    double dotsPerInch() const { return m_pixelsPerMillimeter.width * kMillimetresPerInch; }
     const Matrix& world() const { return m_world; }
     /// May not be invertible.
     const Matrix& toReference() const { return m_toReference; }

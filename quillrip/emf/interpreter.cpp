@@ -17,10 +17,6 @@ namespace quillrip::emf {
 
 namespace {
 
-constexpr std::uint32_t kEndOfFile = 0x0E;
-constexpr std::uint32_t kComment = 0x46;
-constexpr std::uint32_t kEmfPlus = 0x2B464D45;
-
 /// A single metafile, record by record up to its last one: what follows is another job's.
 std::vector<std::uint8_t> readMetafile(InputStream& input, const Limits& limits, bool& isTooLarge)
 {
@@ -45,7 +41,7 @@ std::vector<std::uint8_t> readMetafile(InputStream& input, const Limits& limits,
             if (got < step || isTooLarge)
                 return bytes;
         }
-        if (type == kEndOfFile)
+        if (type == kEndOfFileRecord)
             return bytes;
     }
 }
@@ -59,9 +55,9 @@ bool draws(ByteView metafile)
         const std::uint32_t type = fields.u32(at);
         const std::uint32_t size = fields.u32(at + 4);
         const Command* const command = findCommand(type);
-        if ((command && command->draws) || (type == kComment && fields.u32(at + 12) == kEmfPlus))
+        if ((command && command->draws) || (type == kCommentRecord && fields.u32(at + 12) == kEmfPlusIdentifier))
             return true;
-        if (size < Record::kSmallest || type == kEndOfFile || size > metafile.size - at)
+        if (size < Record::kSmallest || type == kEndOfFileRecord || size > metafile.size - at)
             return false;
         at += size;
     }

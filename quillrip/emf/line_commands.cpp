@@ -12,20 +12,20 @@ namespace quillrip::emf {
 
 namespace {
 
-enum class Coding { Long, Short };
+enum class PointSize { Long, Short };
 
 constexpr std::size_t kCount = 24;
 constexpr std::size_t kPoints = 28;
 
-constexpr std::size_t sizeOf(Coding coding) { return coding == Coding::Long ? 8 : 4; }
+constexpr std::size_t sizeOf(PointSize coding) { return coding == PointSize::Long ? 8 : 4; }
 
-Point pointAt(const Record& record, std::size_t at, Coding coding)
+Point pointAt(const Record& record, std::size_t at, PointSize coding)
 {
-    return coding == Coding::Long ? record.point(at) : record.shortPoint(at);
+    return coding == PointSize::Long ? record.point(at) : record.shortPoint(at);
 }
 
 /// As many points as are there, at most `count`.
-std::vector<Point> readPoints(const Record& record, std::size_t at, std::uint64_t count, Coding coding)
+std::vector<Point> readPoints(const Record& record, std::size_t at, std::uint64_t count, PointSize coding)
 {
     const std::size_t room = record.size() > at ? (record.size() - at) / sizeOf(coding) : 0;
     std::vector<Point> points(static_cast<std::size_t>(std::min<std::uint64_t>(count, room)));
@@ -34,7 +34,7 @@ std::vector<Point> readPoints(const Record& record, std::size_t at, std::uint64_
     return points;
 }
 
-std::vector<Point> readPoints(const Record& record, Coding coding)
+std::vector<Point> readPoints(const Record& record, PointSize coding)
 {
     return readPoints(record, kPoints, record.u32(kCount), coding);
 }
@@ -52,7 +52,7 @@ void addCurves(Path& path, const std::vector<Point>& points, std::size_t from)
         path.cubicTo(points[i], points[i + 1], points[i + 2]);
 }
 
-void drawLine(Machine& machine, const Record& record, Coding coding)
+void drawLine(Machine& machine, const Record& record, PointSize coding)
 {
     const std::vector<Point> points = readPoints(record, coding);
     if (points.size() < 2)
@@ -63,7 +63,7 @@ void drawLine(Machine& machine, const Record& record, Coding coding)
     machine.figure(path, Machine::Draw::Stroke);
 }
 
-void drawPolygon(Machine& machine, const Record& record, Coding coding)
+void drawPolygon(Machine& machine, const Record& record, PointSize coding)
 {
     const std::vector<Point> points = readPoints(record, coding);
     if (points.size() < 2)
@@ -75,7 +75,7 @@ void drawPolygon(Machine& machine, const Record& record, Coding coding)
     machine.figure(path, Machine::Draw::FillAndStroke);
 }
 
-void drawBezier(Machine& machine, const Record& record, Coding coding)
+void drawBezier(Machine& machine, const Record& record, PointSize coding)
 {
     const std::vector<Point> points = readPoints(record, coding);
     if (points.size() < 4)
@@ -86,7 +86,7 @@ void drawBezier(Machine& machine, const Record& record, Coding coding)
     machine.figure(path, Machine::Draw::Stroke);
 }
 
-void continueLine(Machine& machine, const Record& record, Coding coding)
+void continueLine(Machine& machine, const Record& record, PointSize coding)
 {
     const std::vector<Point> points = readPoints(record, coding);
     if (points.empty())
@@ -97,7 +97,7 @@ void continueLine(Machine& machine, const Record& record, Coding coding)
     machine.segments(path, points.back());
 }
 
-void continueBezier(Machine& machine, const Record& record, Coding coding)
+void continueBezier(Machine& machine, const Record& record, PointSize coding)
 {
     const std::vector<Point> points = readPoints(record, coding);
     if (points.size() < 3)
@@ -108,7 +108,7 @@ void continueBezier(Machine& machine, const Record& record, Coding coding)
     machine.segments(path, path.current());
 }
 
-void drawMany(Machine& machine, const Record& record, Coding coding, bool isPolygon)
+void drawMany(Machine& machine, const Record& record, PointSize coding, bool isPolygon)
 {
     constexpr std::size_t kCounts = 32;
     const std::uint64_t figures = record.u32(24);
@@ -135,7 +135,7 @@ void drawMany(Machine& machine, const Record& record, Coding coding, bool isPoly
         machine.figure(path, isPolygon ? Machine::Draw::FillAndStroke : Machine::Draw::Stroke);
 }
 
-void drawMixed(Machine& machine, const Record& record, Coding coding)
+void drawMixed(Machine& machine, const Record& record, PointSize coding)
 {
     enum : std::uint8_t { kClose = 1, kLine = 2, kBezier = 4, kMove = 6 };
     const std::uint64_t count = record.u32(kCount);
@@ -186,21 +186,21 @@ void lineTo(Machine& machine, const Record& record)
     machine.segments(path, to);
 }
 
-void polyline(Machine& machine, const Record& record) { drawLine(machine, record, Coding::Long); }
-void polyline16(Machine& machine, const Record& record) { drawLine(machine, record, Coding::Short); }
-void polygon(Machine& machine, const Record& record) { drawPolygon(machine, record, Coding::Long); }
-void polygon16(Machine& machine, const Record& record) { drawPolygon(machine, record, Coding::Short); }
-void polylineTo(Machine& machine, const Record& record) { continueLine(machine, record, Coding::Long); }
-void polylineTo16(Machine& machine, const Record& record) { continueLine(machine, record, Coding::Short); }
-void polyBezier(Machine& machine, const Record& record) { drawBezier(machine, record, Coding::Long); }
-void polyBezier16(Machine& machine, const Record& record) { drawBezier(machine, record, Coding::Short); }
-void polyBezierTo(Machine& machine, const Record& record) { continueBezier(machine, record, Coding::Long); }
-void polyBezierTo16(Machine& machine, const Record& record) { continueBezier(machine, record, Coding::Short); }
-void polyPolyline(Machine& machine, const Record& record) { drawMany(machine, record, Coding::Long, false); }
-void polyPolyline16(Machine& machine, const Record& record) { drawMany(machine, record, Coding::Short, false); }
-void polyPolygon(Machine& machine, const Record& record) { drawMany(machine, record, Coding::Long, true); }
-void polyPolygon16(Machine& machine, const Record& record) { drawMany(machine, record, Coding::Short, true); }
-void polyDraw(Machine& machine, const Record& record) { drawMixed(machine, record, Coding::Long); }
-void polyDraw16(Machine& machine, const Record& record) { drawMixed(machine, record, Coding::Short); }
+void polyline(Machine& machine, const Record& record) { drawLine(machine, record, PointSize::Long); }
+void polyline16(Machine& machine, const Record& record) { drawLine(machine, record, PointSize::Short); }
+void polygon(Machine& machine, const Record& record) { drawPolygon(machine, record, PointSize::Long); }
+void polygon16(Machine& machine, const Record& record) { drawPolygon(machine, record, PointSize::Short); }
+void polylineTo(Machine& machine, const Record& record) { continueLine(machine, record, PointSize::Long); }
+void polylineTo16(Machine& machine, const Record& record) { continueLine(machine, record, PointSize::Short); }
+void polyBezier(Machine& machine, const Record& record) { drawBezier(machine, record, PointSize::Long); }
+void polyBezier16(Machine& machine, const Record& record) { drawBezier(machine, record, PointSize::Short); }
+void polyBezierTo(Machine& machine, const Record& record) { continueBezier(machine, record, PointSize::Long); }
+void polyBezierTo16(Machine& machine, const Record& record) { continueBezier(machine, record, PointSize::Short); }
+void polyPolyline(Machine& machine, const Record& record) { drawMany(machine, record, PointSize::Long, false); }
+void polyPolyline16(Machine& machine, const Record& record) { drawMany(machine, record, PointSize::Short, false); }
+void polyPolygon(Machine& machine, const Record& record) { drawMany(machine, record, PointSize::Long, true); }
+void polyPolygon16(Machine& machine, const Record& record) { drawMany(machine, record, PointSize::Short, true); }
+void polyDraw(Machine& machine, const Record& record) { drawMixed(machine, record, PointSize::Long); }
+void polyDraw16(Machine& machine, const Record& record) { drawMixed(machine, record, PointSize::Short); }
 
 } // namespace quillrip::emf

@@ -13,7 +13,6 @@ namespace quillrip::emf {
 
 namespace {
 
-constexpr std::uint32_t kEndOfFile = 0x0E;
 constexpr int kDeepestMetafile = 8;
 /// Work of a record without what it draws.
 constexpr std::uint64_t kUnitsPerRecord = 200;
@@ -85,7 +84,7 @@ Machine::End Machine::play(ByteView metafile, std::uint64_t offset)
             return End::Damaged;
         }
         const Record record(metafile.sub(at, size), m_offset);
-        if (record.type() == kEndOfFile)
+        if (record.type() == kEndOfFileRecord)
             return End::Done;
         runRecord(record);
         if (!m_job.limits.work->allows(Work::Commands, kUnitsPerRecord)) {

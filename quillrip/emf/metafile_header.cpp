@@ -1,5 +1,7 @@
 #include "quillrip/emf/metafile_header.h"
 
+#include "quillrip/base/units.h"
+
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -12,9 +14,6 @@ constexpr std::uint32_t kSignature = 0x464D4520; // " EMF"
 constexpr std::size_t kBaseSize = 88;
 constexpr std::size_t kFirstExtension = 100;
 constexpr std::size_t kSecondExtension = 108;
-constexpr double kMillimetersPerInch = 25.4;
-/// What a header with impossible sizes is taken for.
-constexpr double kScreenResolution = 96;
 
 // How far the header reaches: what follows it lies behind its fixed part, and the fixed part has grown over time.
 std::size_t fixedSize(const Fields& fields, std::size_t recordSize)
@@ -71,8 +70,9 @@ std::optional<MetafileHeader> MetafileHeader::read(ByteView metafile)
     header.millimeters = { double(fields.i32(80)), double(fields.i32(84)) };
     if (header.device.width <= 0 || header.device.height <= 0 || header.millimeters.width <= 0
         || header.millimeters.height <= 0) {
-        header.device = { kScreenResolution * 10, kScreenResolution * 10 };
-        header.millimeters = { kMillimetersPerInch * 10, kMillimetersPerInch * 10 };
+        // A header with impossible sizes is taken for a screen.
+        header.device = { kScreenDotsPerInch * 10, kScreenDotsPerInch * 10 };
+        header.millimeters = { kMillimetresPerInch * 10, kMillimetresPerInch * 10 };
     }
     if (fixedSize(fields, std::min<std::size_t>(size, metafile.size)) >= kSecondExtension) {
         const Size micrometers { double(fields.i32(100)), double(fields.i32(104)) };
@@ -86,15 +86,15 @@ Size MetafileHeader::dotsPerInch() const
 {
     const bool isExact = micrometers.width > 0 && micrometers.height > 0;
     const Size length = isExact ? Size { micrometers.width / 1000, micrometers.height / 1000 } : Size { millimeters };
-    return { snapped(device.width * kMillimetersPerInch / length.width),
-        snapped(device.height * kMillimetersPerInch / length.height) };
+    return { snapped(device.width * kMillimetresPerInch / length.width),
+        snapped(device.height * kMillimetresPerInch / length.height) };
 }
 
 Size MetafileHeader::printableArea() const
 {
     const Size resolution = dotsPerInch();
-    return { device.width * kMillimetersPerInch / resolution.width,
-        device.height * kMillimetersPerInch / resolution.height };
+    return { device.width * kMillimetresPerInch / resolution.width,
+        device.height * kMillimetresPerInch / resolution.height };
 }
 
 Size MetafileHeader::pixelsPerMillimeter() const

@@ -7,6 +7,9 @@
 
 namespace quillrip::emf {
 
+/// Of the screens that metafiles are made on.
+constexpr double kScreenDotsPerInch = 96;
+
 struct Size {
     double width = 0;
     double height = 0;

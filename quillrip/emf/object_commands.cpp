@@ -82,7 +82,7 @@ void selectObject(Machine& machine, const Record& record)
     if (!object)
         return machine.warn("emf.select", "an object is selected that does not exist, ignored");
     DeviceContext& dc = machine.dc();
-    if (std::holds_alternative<Pen>(*object)) {
+    if (std::holds_alternative<LogicalPen>(*object)) {
         dc.pen = object;
     } else if (std::holds_alternative<Brush>(*object)) {
         dc.brush = object;
@@ -105,10 +105,10 @@ void deleteObject(Machine& machine, const Record& record) { machine.objects().re
 
 void createPen(Machine& machine, const Record& record)
 {
-    Pen pen;
+    LogicalPen pen;
     const std::uint32_t style = record.u32(12) & kStyleMask;
-    pen.style
-        = static_cast<Pen::Style>(std::min<std::uint32_t>(style, static_cast<std::uint32_t>(Pen::Style::Alternate)));
+    pen.style = static_cast<LogicalPen::Style>(
+        std::min<std::uint32_t>(style, static_cast<std::uint32_t>(LogicalPen::Style::Alternate)));
     pen.width = std::abs(double(record.i32(16)));
     pen.brush.color = record.u32(24);
     put(machine, record, pen);
@@ -116,20 +116,20 @@ void createPen(Machine& machine, const Record& record)
 
 void extCreatePen(Machine& machine, const Record& record)
 {
-    Pen pen;
+    LogicalPen pen;
     pen.isSimple = false;
     const std::uint32_t style = record.u32(28);
-    pen.style = static_cast<Pen::Style>(
-        std::min<std::uint32_t>(style & kStyleMask, static_cast<std::uint32_t>(Pen::Style::Alternate)));
+    pen.style = static_cast<LogicalPen::Style>(
+        std::min<std::uint32_t>(style & kStyleMask, static_cast<std::uint32_t>(LogicalPen::Style::Alternate)));
     pen.isGeometric = (style & kGeometric) != 0;
     pen.width = record.u32(32);
-    pen.cap = (style & kCapMask) == kCapSquare ? Pen::Cap::Square
-        : (style & kCapMask) == kCapFlat       ? Pen::Cap::Flat
-                                               : Pen::Cap::Round;
-    pen.join = (style & kJoinMask) == kJoinBevel ? Pen::Join::Bevel
-        : (style & kJoinMask) == kJoinMiter      ? Pen::Join::Miter
-                                                 : Pen::Join::Round;
-    if (pen.style == Pen::Style::User) {
+    pen.cap = (style & kCapMask) == kCapSquare ? LogicalPen::Cap::Square
+        : (style & kCapMask) == kCapFlat       ? LogicalPen::Cap::Flat
+                                               : LogicalPen::Cap::Round;
+    pen.join = (style & kJoinMask) == kJoinBevel ? LogicalPen::Join::Bevel
+        : (style & kJoinMask) == kJoinMiter      ? LogicalPen::Join::Miter
+                                                 : LogicalPen::Join::Round;
+    if (pen.style == LogicalPen::Style::User) {
         const std::size_t room = (record.size() - 52) / 4;
         const std::size_t count = std::min<std::size_t>(std::min(record.u32(48), kMostDashes), room);
         double sum = 0;

@@ -22,17 +22,17 @@ Brush hollowBrush()
     return brush;
 }
 
-Pen hairline(std::uint32_t color)
+LogicalPen hairline(std::uint32_t color)
 {
-    Pen pen;
+    LogicalPen pen;
     pen.brush.color = color;
     return pen;
 }
 
-Pen nullPen()
+LogicalPen nullPen()
 {
-    Pen pen;
-    pen.style = Pen::Style::Null;
+    LogicalPen pen;
+    pen.style = LogicalPen::Style::Null;
     return pen;
 }
 
@@ -103,7 +103,7 @@ std::shared_ptr<const Object> stockObject(std::uint32_t number, std::int32_t fon
 std::size_t patternBytesOf(const Object& object)
 {
     const Brush* brush = std::get_if<Brush>(&object);
-    if (const Pen* const pen = std::get_if<Pen>(&object))
+    if (const LogicalPen* const pen = std::get_if<LogicalPen>(&object))
         brush = &pen->brush;
     return brush && brush->pattern ? brush->pattern->pixels.bytes.size() : 0;
 }

@@ -32,7 +32,8 @@ struct Brush {
     std::shared_ptr<const Pattern> pattern; ///< Style::Pattern
 };
 
-struct Pen {
+/// A pen of the metafile; what it becomes on the page is a Stroke.
+struct LogicalPen {
     enum class Style : std::uint8_t {
         Solid,
         Dash,
@@ -81,7 +82,7 @@ struct Palette {
 /// Colour spaces, and whatever else has a slot and no meaning here.
 struct Placeholder { };
 
-using Object = std::variant<Brush, Pen, LogicalFont, Palette, Placeholder>;
+using Object = std::variant<Brush, LogicalPen, LogicalFont, Palette, Placeholder>;
 
 /// Objects by their numbers. What is selected stays alive when its slot is cleared or filled anew.
 class ObjectTable {

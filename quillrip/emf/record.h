@@ -71,6 +71,12 @@ private:
     ByteView m_bytes;
 };
 
+/// Record types that readers look out for; the others stand in the command table alone.
+constexpr std::uint32_t kEndOfFileRecord = 0x0E;
+constexpr std::uint32_t kCommentRecord = 0x46;
+/// What a comment with EMF+ records begins with: "EMF+".
+constexpr std::uint32_t kEmfPlusIdentifier = 0x2B464D45;
+
 /// One record of a metafile with its type and size; places count from the record's start.
 class Record : public Fields {
 public:

@@ -1,5 +1,7 @@
 #include "quillrip/emf/sheet.h"
 
+#include "quillrip/base/units.h"
+
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -9,8 +11,7 @@ namespace quillrip::emf {
 
 namespace {
 
-constexpr double kMillimetersPerInch = 25.4;
-constexpr double kDecipointsPerMillimeter = 720 / kMillimetersPerInch;
+constexpr double kDecipointsPerMillimeter = 720 / kMillimetresPerInch;
 /// Printable areas come in whole millimetres.
 constexpr double kRounding = 1;
 
@@ -106,7 +107,7 @@ SheetPlan planSheet(const MetafileHeader& header, const std::optional<Devmode>& 
     const double offsetY = std::max(0.0, (sheet->height - area.height) / 2);
     plan.request = requestOf(*sheet);
     plan.referenceToPage
-        = Matrix::scaling(kMillimetersPerInch / resolution.width, kMillimetersPerInch / resolution.height)
+        = Matrix::scaling(kMillimetresPerInch / resolution.width, kMillimetresPerInch / resolution.height)
         * Matrix::translation(offsetX, offsetY) * Matrix::scaling(kDecipointsPerMillimeter, kDecipointsPerMillimeter);
     return plan;
 }

@@ -35,7 +35,7 @@ struct DeviceContext {
     }
 
     Coordinates coordinates;
-    std::shared_ptr<const Object> pen; ///< always a Pen; likewise below
+    std::shared_ptr<const Object> pen; ///< always a LogicalPen; likewise below
     std::shared_ptr<const Object> brush;
     std::shared_ptr<const Object> font;
     std::shared_ptr<const Object> palette;

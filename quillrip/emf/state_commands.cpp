@@ -154,9 +154,9 @@ void setColorAdjustment(Machine& machine, const Record& record)
     constexpr unsigned kNoGamma = 10000;
     constexpr unsigned kWhite = 10000;
     bool isNeutral = record.u16(10) == 0 && record.u16(20) == 0 && record.u16(22) == kWhite;
-    for (const std::size_t gamma : { 14, 16, 18 })
+    for (const std::size_t gamma : { 14U, 16U, 18U })
         isNeutral = isNeutral && record.u16(gamma) == kNoGamma;
-    for (const std::size_t amount : { 24, 26, 28, 30 })
+    for (const std::size_t amount : { 24U, 26U, 28U, 30U })
         isNeutral = isNeutral && record.i16(amount) == 0;
     if (!isNeutral)
         machine.warn("emf.color-adjustment", "colour adjustment of stretched images is left out");

@@ -16,16 +16,16 @@ namespace {
 constexpr std::uint32_t kCompatible = 1;
 constexpr double kLargestAdvance = 1 << 27;
 
-enum class Coding { Bytes, Utf16 };
+enum class TextCoding { Bytes, Utf16 };
 
-std::vector<TextRun::Unit> readUnits(const DeviceContext& dc, ByteView bytes, Coding coding, bool isIndices)
+std::vector<TextRun::Unit> readUnits(const DeviceContext& dc, ByteView bytes, TextCoding coding, bool isIndices)
 {
-    if (coding == Coding::Bytes && !isIndices)
+    if (coding == TextCoding::Bytes && !isIndices)
         return unitsOfBytes(bytes, std::get<LogicalFont>(*dc.font).charset);
-    if (coding == Coding::Utf16 && !isIndices)
+    if (coding == TextCoding::Utf16 && !isIndices)
         return unitsOfUtf16(bytes);
     const Fields fields(bytes);
-    const std::size_t size = coding == Coding::Bytes ? 1 : 2;
+    const std::size_t size = coding == TextCoding::Bytes ? 1 : 2;
     std::vector<TextRun::Unit> units(bytes.size / size);
     for (std::size_t i = 0; i < units.size(); ++i)
         units[i].code = size == 1 ? fields.u8(i) : fields.u16(2 * i);
@@ -54,7 +54,7 @@ void order(Machine& machine, TextRun& run)
 }
 
 /// A string's fields from `at` on; its offsets count from the record's start.
-void drawString(Machine& machine, const Record& record, std::size_t at, Coding coding)
+void drawString(Machine& machine, const Record& record, std::size_t at, TextCoding coding)
 {
     TextRun run;
     run.reference = record.point(at);
@@ -62,7 +62,7 @@ void drawString(Machine& machine, const Record& record, std::size_t at, Coding c
     run.options = record.u32(at + 16);
     run.box = record.box(at + 20);
     run.isCompatible = record.u32(24) == kCompatible;
-    const ByteView bytes = record.part(record.u32(at + 12), count * (coding == Coding::Bytes ? 1 : 2));
+    const ByteView bytes = record.part(record.u32(at + 12), count * (coding == TextCoding::Bytes ? 1 : 2));
     if (bytes.empty() && count > 0)
         return machine.warn("emf.text", "text that goes beyond its record, left out");
     run.units = readUnits(machine.dc(), bytes, coding, (run.options & kTextGlyphIndex) != 0);
@@ -71,7 +71,7 @@ void drawString(Machine& machine, const Record& record, std::size_t at, Coding c
     drawText(machine, run);
 }
 
-void drawStrings(Machine& machine, const Record& record, Coding coding)
+void drawStrings(Machine& machine, const Record& record, TextCoding coding)
 {
     constexpr std::size_t kFirst = 40;
     constexpr std::size_t kEach = 40;
@@ -90,10 +90,10 @@ void setTextJustification(Machine& machine, const Record& record)
     machine.dc().justificationCount = record.i32(12);
 }
 
-void extTextOutA(Machine& machine, const Record& record) { drawString(machine, record, 36, Coding::Bytes); }
-void extTextOutW(Machine& machine, const Record& record) { drawString(machine, record, 36, Coding::Utf16); }
-void polyTextOutA(Machine& machine, const Record& record) { drawStrings(machine, record, Coding::Bytes); }
-void polyTextOutW(Machine& machine, const Record& record) { drawStrings(machine, record, Coding::Utf16); }
+void extTextOutA(Machine& machine, const Record& record) { drawString(machine, record, 36, TextCoding::Bytes); }
+void extTextOutW(Machine& machine, const Record& record) { drawString(machine, record, 36, TextCoding::Utf16); }
+void polyTextOutA(Machine& machine, const Record& record) { drawStrings(machine, record, TextCoding::Bytes); }
+void polyTextOutW(Machine& machine, const Record& record) { drawStrings(machine, record, TextCoding::Utf16); }
 
 void smallTextOut(Machine& machine, const Record& record)
 {
@@ -118,7 +118,7 @@ void smallTextOut(Machine& machine, const Record& record)
         for (const std::uint8_t byte : bytes)
             run.units.push_back({ byte, 0, 0 });
     } else {
-        run.units = readUnits(machine.dc(), bytes, Coding::Utf16, (run.options & kTextGlyphIndex) != 0);
+        run.units = readUnits(machine.dc(), bytes, TextCoding::Utf16, (run.options & kTextGlyphIndex) != 0);
     }
     order(machine, run);
     drawText(machine, run);

@@ -98,6 +98,7 @@ private:
 
     bool isOpen() const { return m_handle != kNone; }
 
+    // NOLINTNEXTLINE(performance-no-int-to-ptr): what iconv_open() returns where it fails
     const iconv_t kNone = reinterpret_cast<iconv_t>(-1);
     std::uint8_t m_charset;
     bool m_wasTried = false;

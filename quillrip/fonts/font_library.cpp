@@ -172,7 +172,7 @@ Font FontLibrary::select(const FontRequest& request, const SelectionContext& con
     if (known != m_selections.end())
         return known->font;
     Selection selection { request, context, selectAnew(request, context) };
-    const Font font = selection.font;
+    Font font = selection.font;
     if (m_selections.size() < kMostSelections) {
         m_selections.push_back(std::move(selection));
     } else {

@@ -20,7 +20,7 @@ constexpr std::size_t kMostGatheredPoints = 512;
 constexpr std::size_t kMostLineVertices = std::size_t { 1 } << 18;
 
 /// Work of a line's point before it is painted.
-constexpr std::uint64_t kUnitsPerPoint = 40;
+constexpr std::uint64_t kWorkPerPoint = 40;
 
 Point withinReach(Point page)
 {
@@ -159,7 +159,7 @@ StrokeStyle LinePen::strokeStyle() const
 void LinePen::draw(const std::vector<LineVertex>& line, double& phase)
 {
     m_state.hasDrawn = true;
-    if (!m_work.allows(Work::Lines, kUnitsPerPoint * line.size()))
+    if (!m_work.allows(Work::Lines, kWorkPerPoint * line.size()))
         return;
     if (m_type.isSolid) {
         gatherSolid(line);

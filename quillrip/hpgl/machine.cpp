@@ -12,7 +12,7 @@ namespace {
 /// Operands that are kept for a command; the longest, RF with the largest tile, needs 3 + 255 * 255.
 constexpr std::size_t kMostOperands = 65536;
 /// Operands that a command with any number of coordinates gets at a time: a multiple of two (points) and six (curves).
-constexpr std::size_t kCoordinateBatch = 6 * 512;
+constexpr std::size_t kCoordinateBatch = std::size_t { 6 } * 512;
 /// Work of a command without what it draws.
 constexpr std::uint64_t kUnitsPerCommand = 100;
 /// So many unknown commands before the first mark: then the data are hardly a plot.

@@ -147,6 +147,7 @@ const StickGlyph* stickGlyph(char32_t character)
 std::vector<char32_t> stickCharacters()
 {
     std::vector<char32_t> characters;
+    characters.reserve(std::size(kStickShapes));
     for (const StickShape& shape : kStickShapes)
         characters.push_back(shape.character);
     return characters;

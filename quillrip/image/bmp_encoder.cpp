@@ -11,7 +11,6 @@ namespace quillrip {
 
 namespace {
 
-constexpr std::size_t kBandBytes = std::size_t { 1 } << 20;
 constexpr std::uint32_t kHeaderBytes = 14 + 40;
 
 std::uint64_t strideOf(const PageBitmap& page) { return (page.rowBytes() + 3) / 4 * 4; }
@@ -31,7 +30,7 @@ class BmpEncoder final : public FileEncoder {
 public:
     BmpEncoder(PageBitmap&& bitmap, PageTarget target)
         : FileEncoder(std::move(bitmap), std::move(target))
-        , m_bands(page(), kBandBytes)
+        , m_bands(page(), RowBands::kUsualBytes)
     {
     }
 

@@ -22,7 +22,7 @@ constexpr int kOwners = 8;
 /// A new and a former file for each of the most pages that a job may have.
 constexpr std::uint32_t kMostNumbers = 200001;
 /// Lock files of systems without locks are believed abandoned after this long.
-constexpr std::time_t kAbandonedAfterSeconds = 24 * 60 * 60;
+constexpr std::time_t kAbandonedAfterSeconds = std::time_t { 24 } * 60 * 60;
 constexpr int kMostLinks = 40;
 
 /// FNV-1a, 64 bits: names of files are the same in every run, and cannot be made longer than names may be.

@@ -47,6 +47,8 @@ private:
 /// Rows of a page in bands of about the same number of bytes: the usual way to cut a page into pieces.
 class RowBands {
 public:
+    static constexpr std::size_t kUsualBytes = std::size_t { 1 } << 20;
+
     RowBands(const PageBitmap& page, std::size_t bytesPerBand)
         : m_height(page.height())
     {

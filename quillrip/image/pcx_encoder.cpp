@@ -14,7 +14,6 @@ namespace quillrip {
 
 namespace {
 
-constexpr std::size_t kBandBytes = std::size_t { 1 } << 20;
 constexpr int kLongestSide = 65535;
 constexpr std::size_t kLongestRun = 63;
 
@@ -52,7 +51,7 @@ class PcxEncoder final : public FileEncoder {
 public:
     PcxEncoder(PageBitmap&& bitmap, PageTarget target)
         : FileEncoder(std::move(bitmap), std::move(target))
-        , m_bands(page(), kBandBytes)
+        , m_bands(page(), RowBands::kUsualBytes)
         , m_planes(page().format() == PixelFormat::Rgb24 ? 3 : 1)
         , m_planeBytes((page().rowBytes() / m_planes + 1) / 2 * 2)
     {

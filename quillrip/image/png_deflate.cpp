@@ -8,7 +8,7 @@ namespace {
 
 constexpr int kWindowBits = 15;
 constexpr int kMemoryLevel = 9;
-constexpr std::size_t kOutputStep = std::size_t { 16 } << 10;
+constexpr std::size_t kDeflateStep = std::size_t { 16 } << 10;
 constexpr std::size_t kShortestWhiteRun = std::size_t { 128 } << 10;
 constexpr std::size_t kLongestWhiteRun = std::size_t { 1 } << 20;
 
@@ -41,8 +41,8 @@ void Deflater::add(const std::uint8_t* bytes, std::size_t count, int flush)
     m_stream.next_in = const_cast<std::uint8_t*>(bytes); // zlib only reads it
     m_stream.avail_in = static_cast<uInt>(count);
     do {
-        if (m_out.size() - m_used < kOutputStep)
-            m_out.resize(m_used + 4 * kOutputStep);
+        if (m_out.size() - m_used < kDeflateStep)
+            m_out.resize(m_used + 4 * kDeflateStep);
         const std::size_t room = m_out.size() - m_used;
         m_stream.next_out = &m_out[m_used];
         m_stream.avail_out = static_cast<uInt>(room);

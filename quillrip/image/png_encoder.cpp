@@ -21,8 +21,6 @@ namespace quillrip {
 
 namespace {
 
-constexpr std::size_t kBandBytes = std::size_t { 1 } << 20;
-
 void putU32BigEndian(std::uint8_t* at, std::uint32_t value)
 {
     for (int i = 0; i < 4; ++i)
@@ -163,7 +161,7 @@ private:
         std::size_t bytes = 0;
         m_bandTops.push_back(0);
         for (int y = 0; y < page().height();) {
-            if (bytes >= kBandBytes) {
+            if (bytes >= RowBands::kUsualBytes) {
                 m_bandTops.push_back(y);
                 bytes = 0;
             }

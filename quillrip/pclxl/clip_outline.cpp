@@ -20,7 +20,7 @@ struct Corner {
     bool isUsed = false;
 };
 
-constexpr std::size_t kNone = SIZE_MAX;
+constexpr std::size_t kNoCorner = SIZE_MAX;
 
 std::vector<int> edgesOfRow(const ClipRegion& region, int y)
 {
@@ -51,7 +51,7 @@ Path outlineOfRegion(const ClipRegion& region, std::size_t maxPoints)
         for (std::size_t i = 0; i < changes.size(); ++i) {
             const std::size_t self = corners.size();
             const auto edgesTill = std::upper_bound(below.begin(), below.end(), changes[i]) - below.begin();
-            corners.push_back({ changes[i], y, i % 2 == 0 ? self + 1 : self - 1, kNone, edgesTill % 2 != 0 });
+            corners.push_back({ changes[i], y, i % 2 == 0 ? self + 1 : self - 1, kNoCorner, edgesTill % 2 != 0 });
             const auto open = openColumns.find(changes[i]);
             if (open == openColumns.end()) {
                 openColumns.emplace(changes[i], self);
@@ -72,7 +72,7 @@ Path outlineOfRegion(const ClipRegion& region, std::size_t maxPoints)
         // Clockwise round ink, counter-clockwise round holes. The first corner of a polygon is its top left one.
         bool goesAcross = corners[first].hasInkBelow;
         bool isStart = true;
-        while (at != kNone && at < corners.size() && !corners[at].isUsed) {
+        while (at != kNoCorner && at < corners.size() && !corners[at].isUsed) {
             Corner& corner = corners[at];
             corner.isUsed = true;
             const Point p { static_cast<double>(corner.x), static_cast<double>(corner.y) };

@@ -6,6 +6,7 @@
 #include "quillrip/raster/paths/stroke_painter.h"
 #include "quillrip/raster/scan/bilevel_scan.h"
 #include "quillrip/raster/scan/coverage_scan.h"
+#include "quillrip/raster/scan/edge_list.h"
 #include "quillrip/raster/scan/span_union.h"
 
 #include <algorithm>
@@ -17,9 +18,8 @@ namespace quillrip {
 
 namespace {
 
-/// Work of a mark without its shape and pixels, and of a point of a path before it is an edge.
+/// Work of a mark without its shape and pixels.
 constexpr std::uint64_t kUnitsPerMark = 150;
-constexpr std::uint64_t kUnitsPerPathPoint = 20;
 
 /// Whether a path's points, and all within `reach` of them, miss an area, with a pixel to spare. Curves lie within
 /// their control points.

@@ -14,14 +14,14 @@ namespace quillrip::stream {
 namespace {
 
 constexpr std::size_t kMacBinaryHeader = 128;
-constexpr std::size_t kLongestLine = 1024;
+constexpr std::size_t kLongestHeaderLine = 1024;
 constexpr std::size_t kMostAttributes = 10000;
 
-std::string takeLine(InputStream& input)
+std::string takeHeaderLine(InputStream& input)
 {
     std::string line;
     for (int c = input.get(); c >= 0 && c != '\n'; c = input.get()) {
-        if (line.size() < kLongestLine)
+        if (line.size() < kLongestHeaderLine)
             line.push_back(static_cast<char>(c));
     }
     if (!line.empty() && line.back() == '\r')
@@ -59,7 +59,7 @@ bool unwrapMacBinary(InputStream& input, Container& container)
 // dfA...), each ended by a NUL, in either order. A count of 0 means up to the end.
 bool unwrapLpd(InputStream& input, Container& container)
 {
-    const ByteView head = input.window(kLongestLine);
+    const ByteView head = input.window(kLongestHeaderLine);
     if (head.empty() || (head[0] != 2 && head[0] != 3))
         return false;
     const auto* lineEnd = static_cast<const std::uint8_t*>(std::memchr(head.data, '\n', head.size));
@@ -78,13 +78,13 @@ bool unwrapLpd(InputStream& input, Container& container)
         const std::uint8_t next = head.sub(lineLength + 1).empty() ? std::uint8_t { 0xFF } : head[lineLength + 1];
         if (head[0] != 2 || next > 3 || next < 2)
             return false;
-        takeLine(input);
+        takeHeaderLine(input);
     }
     for (int files = 0; files < 1000; ++files) {
         const int kind = input.peek();
         if (kind != 2 && kind != 3)
             break;
-        const std::string line = takeLine(input);
+        const std::string line = takeHeaderLine(input);
         std::uint64_t count = 0;
         for (std::size_t at = 1; at < line.size() && line[at] >= '0' && line[at] <= '9' && count < (1ull << 40); ++at)
             count = count * 10 + static_cast<std::uint64_t>(line[at] - '0');
@@ -132,11 +132,11 @@ bool unwrapIpp(InputStream& input, Container& container)
     if (hasAt(input.window(5), 0, "POST ")) {
         bool isIpp = false;
         bool isChunked = false;
-        std::string line = lower(takeLine(input));
+        std::string line = lower(takeHeaderLine(input));
         for (int lines = 0; lines < 200 && !line.empty(); ++lines) {
             isIpp = isIpp || line.find("application/ipp") != std::string::npos;
             isChunked = isChunked || line.rfind("transfer-encoding: chunked", 0) == 0;
-            line = lower(takeLine(input));
+            line = lower(takeHeaderLine(input));
         }
         if (!isIpp) {
             container.refusal = "an HTTP request that carries no print job";

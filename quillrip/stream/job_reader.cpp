@@ -12,10 +12,10 @@ namespace quillrip::stream {
 namespace {
 
 constexpr std::size_t kPrefixLength = 4; ///< of @PJL
-constexpr std::size_t kLongestLine = 64 * 1024;
+constexpr std::size_t kLongestLine = std::size_t { 64 } << 10;
 constexpr std::size_t kSearchAfterData = 4096;
 constexpr std::size_t kShortestTrailingText = 16;
-constexpr std::size_t kLongestPrescribe = 1024 * 1024;
+constexpr std::size_t kLongestPrescribe = std::size_t { 1 } << 20;
 
 enum class Speaks { Pcl, Pcl3, InkjetPcl, PclXl, Plot, PostScript, Pdf, Xps, Find };
 

@@ -18,6 +18,9 @@ enum RecordNumber : std::uint16_t {
     kObjectRecord = 0x4008,
 };
 
+/// Of the header record: the same drawing stands in plain records as well.
+constexpr std::uint16_t kDualFlag = 1;
+
 /// What a record of one number does ([MS-EMFPLUS] 2.1.1.1, RecordType).
 struct Command {
     /// Reads its operands first and does nothing when that failed.

@@ -3,16 +3,13 @@
 #include "quillrip/emf/plus/command_table.h"
 #include "quillrip/emf/plus/field_reader.h"
 #include "quillrip/emf/plus/record_reader.h"
+#include "quillrip/emf/record.h"
 
 #include <cstdint>
 
 namespace quillrip::emf::plus {
 
 namespace {
-
-constexpr std::uint32_t kComment = 0x46; ///< the number of EMF's comment records
-constexpr std::uint32_t kIdentifier = 0x2B464D45; ///< "EMF+"
-constexpr std::uint16_t kDual = 1;
 
 bool isOldPicture(const Record& record)
 {
@@ -44,11 +41,11 @@ bool isPlainHalfFuller(ByteView records)
         const std::uint32_t dataSize = head.u32();
         if (size < 8 || size > records.size - at)
             return false;
-        if (type == kComment && size >= commentHead && head.u32() == kIdentifier && dataSize >= 4) {
+        if (type == kCommentRecord && size >= commentHead && head.u32() == kEmfPlusIdentifier && dataSize >= 4) {
             const ByteView comment = records.sub(at + commentHead, size - commentHead).sub(0, dataSize - 4);
             RecordReader reader(comment);
             for (Record record; reader.next(record) == RecordReader::Step::Record;) {
-                if (!hasHeader && (record.type != kHeaderRecord || !(record.flags & kDual)))
+                if (!hasHeader && (record.type != kHeaderRecord || !(record.flags & kDualFlag)))
                     return false;
                 hasHeader = true;
                 if (isOldPicture(record))

@@ -13,7 +13,7 @@ enum FontStyle : std::uint32_t { kBold = 1, kItalic = 2, kUnderline = 4, kStrike
 
 enum FormatFlag : std::uint32_t {
     kRightToLeft = 0x0001,
-    kVertical = 0x0002,
+    kVerticalFormat = 0x0002,
     kNoWrap = 0x1000,
     kNoClip = 0x4000,
 };
@@ -69,7 +69,7 @@ std::optional<StringFormatObject> readStringFormat(ByteView object)
         return std::nullopt;
     format.tabs = fields.numbers(tabs);
     format.isRightToLeft = flags & kRightToLeft;
-    format.isVertical = flags & kVertical;
+    format.isVertical = flags & kVerticalFormat;
     format.isWrapped = !(flags & kNoWrap);
     format.isClipped = !(flags & kNoClip);
     if (hotKeys == 1)

@@ -9,7 +9,6 @@ namespace quillrip::emf::plus {
 
 namespace {
 
-constexpr std::uint16_t kDual = 1;
 constexpr std::uint32_t kVideoDisplay = 1;
 /// Dots per inch that a header may give; others are mistakes.
 constexpr std::uint32_t kFewestDots = 10;
@@ -62,7 +61,7 @@ void Machine::comment(ByteView records, std::uint64_t offset, bool mayStart)
 
 void Machine::start(const Record& header)
 {
-    m_kind = header.flags & kDual ? Interpreter::Kind::Dual : Interpreter::Kind::Only;
+    m_kind = header.flags & kDualFlag ? Interpreter::Kind::Dual : Interpreter::Kind::Only;
     FieldReader fields(header.data);
     fields.u32(); // version
     LogicalDevice device;

@@ -12,7 +12,7 @@ namespace quillrip::emf::plus {
 namespace {
 
 /// A point of the boundary with its colour, relative to the gradient's centre.
-struct Corner {
+struct BoundaryCorner {
     Point at;
     Rgba color;
 };
@@ -143,8 +143,8 @@ private:
         double farthest = 0; // the boundary's distance, in that of the point
         Rgba surround {};
         for (const std::uint32_t edge : m_sectors[sectorOf(directionOf(p))]) {
-            const Corner& a = m_corners[edge];
-            const Corner& b = m_corners[(edge + 1) % m_corners.size()];
+            const BoundaryCorner& a = m_corners[edge];
+            const BoundaryCorner& b = m_corners[(edge + 1) % m_corners.size()];
             const Point way = b.at - a.at;
             const double slope = p.x * way.y - p.y * way.x;
             if (slope == 0)
@@ -196,7 +196,7 @@ private:
     double m_slack; ///< in the brush's space
     Blend m_blend;
     bool m_hasOwnColors = false;
-    std::vector<Corner> m_corners;
+    std::vector<BoundaryCorner> m_corners;
     Rect m_bounds = Rect::nothing();
     std::vector<std::vector<std::uint32_t>> m_sectors; ///< numbers of the edges that each direction may meet
     std::size_t m_sorted = 0; ///< of all sectors

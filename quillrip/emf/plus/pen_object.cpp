@@ -11,7 +11,7 @@ namespace quillrip::emf::plus {
 namespace {
 
 enum PenFlag : std::uint32_t {
-    kHasTransform = 0x0001,
+    kHasPenTransform = 0x0001,
     kHasStartCap = 0x0002,
     kHasEndCap = 0x0004,
     kHasJoin = 0x0008,
@@ -167,7 +167,7 @@ std::optional<PenObject> readPen(ByteView object)
     const std::uint32_t flags = fields.u32();
     pen.unit = unitOf(fields.u32());
     pen.width = std::abs(fields.f32());
-    if (flags & kHasTransform)
+    if (flags & kHasPenTransform)
         pen.shape = fields.matrix();
     if (flags & kHasStartCap)
         pen.startCap = capOf(fields.i32());

@@ -8,10 +8,10 @@ namespace quillrip::emf::plus {
 
 namespace {
 
-constexpr std::uint32_t kRectangle = 0x10000000;
-constexpr std::uint32_t kPath = 0x10000001;
-constexpr std::uint32_t kEmpty = 0x10000002;
-constexpr std::uint32_t kInfinite = 0x10000003;
+constexpr std::uint32_t kRectangleNode = 0x10000000;
+constexpr std::uint32_t kPathNode = 0x10000001;
+constexpr std::uint32_t kEmptyNode = 0x10000002;
+constexpr std::uint32_t kInfiniteNode = 0x10000003;
 constexpr std::size_t kMostNodes = 65536;
 /// Left operands that wait for their right ones: each holds pixels. Programs that add rectangle after rectangle make
 /// trees that are deep on the left, of which none has to wait.
@@ -87,22 +87,22 @@ std::optional<RegionObject> readRegion(ByteView object)
             return std::nullopt;
         RegionObject::Node node;
         const std::uint32_t type = fields.u32();
-        if (type == kRectangle) {
+        if (type == kRectangleNode) {
             node.kind = RegionObject::Kind::Rectangle;
             node.rect = fields.rectF();
-        } else if (type == kPath) {
+        } else if (type == kPathNode) {
             node.kind = RegionObject::Kind::Path;
             const auto path = readPath(fields.take(fields.u32()));
             if (!path)
                 return std::nullopt;
             node.path = *path;
-        } else if (type == kInfinite) {
+        } else if (type == kInfiniteNode) {
             node.kind = RegionObject::Kind::Infinite;
         } else if (type >= 1 && type <= 5) {
             node.kind = RegionObject::Kind::Combination;
             node.mode = modeOf(type);
             missing += 2;
-        } else if (type != kEmpty) {
+        } else if (type != kEmptyNode) {
             return std::nullopt;
         }
         if (fields.hasFailed())

@@ -28,12 +28,12 @@ double doubleArea(const Point* points, std::size_t count)
 
 /// Where the sides of two segments meet at a vertex, for a line at a distance of 1; two points where the corner is too
 /// sharp for one.
-struct Corner {
+struct Mitre {
     Point before;
     Point behind;
 };
 
-Corner cornerOf(Point direction0, Point direction1, double miterLimit)
+Mitre cornerOf(Point direction0, Point direction1, double miterLimit)
 {
     const Point normal0 = leftOf(direction0);
     const Point normal1 = leftOf(direction1);
@@ -97,7 +97,7 @@ void addBand(const std::vector<Point>& line, bool isClosed, double from, double 
     std::vector<Point> directions;
     for (std::size_t i = 0; i < segments; ++i)
         directions.push_back(unit(line[(i + 1) % count] - line[i]));
-    std::vector<Corner> corners(count);
+    std::vector<Mitre> corners(count);
     for (std::size_t i = 0; i < count; ++i) {
         const bool hasBefore = isClosed || i > 0;
         const bool hasBehind = isClosed || i + 1 < count;

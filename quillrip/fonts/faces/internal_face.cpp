@@ -29,16 +29,12 @@ constexpr double kMoreInk = 0.08;
 /// Differences of stems below this are not worth moving outlines, em.
 constexpr double kInvisible = 0.001;
 /// Differences below this are not worth a change of stem width.
-constexpr double kSameWidth = 0.02;
+constexpr double kSameStem = 0.02;
 
 /// The cell that rules and blocks fill, em: one em high, as the printer's own.
 constexpr double kCellBottom = -0.25;
 constexpr double kCellTop = 0.75;
 constexpr double kRuleWidth = 0.055;
-
-constexpr std::uint16_t kWingdings = symbolSetNumber(579, 'L');
-constexpr std::uint16_t kDingbats = symbolSetNumber(14, 'L');
-constexpr std::uint16_t kSymbol = symbolSetNumber(19, 'M');
 
 constexpr double kLinePrinterPitch = 16.67;
 constexpr double kLinePrinterHeight = 8.5;
@@ -158,7 +154,7 @@ GlyphId InternalFace::glyph(std::uint32_t code) const
         return code;
     // A frame stands for a character when no font was found at all, and in the pictorial face, whose signs are marks
     // on forms; else a missing character leaves a gap as wide as the space.
-    return m_file && m_spec.boundSet != kWingdings ? kNoGlyph : code;
+    return m_file && m_spec.boundSet != kWingdingsSet ? kNoGlyph : code;
 }
 
 InternalFace::Source InternalFace::find(GlyphId glyph) const
@@ -173,7 +169,7 @@ InternalFace::Source InternalFace::find(GlyphId glyph) const
 InternalFace::Source InternalFace::search(GlyphId glyph) const
 {
     const char32_t unicode = unicodeOf(glyph);
-    if (m_file && (m_spec.boundSet == kSymbol || m_spec.boundSet == kDingbats)) {
+    if (m_file && (m_spec.boundSet == kSymbolSet || m_spec.boundSet == kDingbatsSet)) {
         if (const unsigned own = m_file->glyphOfOwnCode(glyph))
             return { m_file, own, true };
     }
@@ -185,7 +181,7 @@ InternalFace::Source InternalFace::search(GlyphId glyph) const
 
 InternalFace::Source InternalFace::searchFor(char32_t unicode) const
 {
-    if (m_file && m_spec.boundSet != kWingdings) {
+    if (m_file && m_spec.boundSet != kWingdingsSet) {
         if (const unsigned own = m_file->glyphOfUnicode(unicode))
             return { m_file, own, true };
     }
@@ -205,9 +201,9 @@ InternalFace::Source InternalFace::searchFor(char32_t unicode) const
         std::uint16_t ownSet;
     };
     const Helper helpers[] = {
-        { "StandardSymbolsPS", kSymbol },
-        { "D050000L", kDingbats },
-        { m_spec.boundSet == kWingdings ? "Symbola_hint" : nullptr, 0 },
+        { "StandardSymbolsPS", kSymbolSet },
+        { "D050000L", kDingbatsSet },
+        { m_spec.boundSet == kWingdingsSet ? "Symbola_hint" : nullptr, 0 },
         { m_traits.isProportional ? "DejaVuSans" : "DejaVuSansMono", 0 },
         { "DejaVuSans", 0 },
         { "LiberationSans-Regular", 0 },
@@ -215,7 +211,7 @@ InternalFace::Source InternalFace::searchFor(char32_t unicode) const
         { "Waree", 0 },
     };
     for (const Helper& helper : helpers) {
-        if (!helper.stem || (m_spec.boundSet == kWingdings && helper.ownSet == kSymbol))
+        if (!helper.stem || (m_spec.boundSet == kWingdingsSet && helper.ownSet == kSymbolSet))
             continue;
         if (const Source source = tryFile(helper.stem, helper.ownSet); source.file)
             return source;
@@ -228,7 +224,7 @@ double InternalFace::knownAdvance(GlyphId glyph) const
     if (m_spec.fixedAdvance > 0)
         return m_spec.fixedAdvance;
     const char32_t unicode = unicodeOf(glyph);
-    if (m_spec.boundSet == kWingdings)
+    if (m_spec.boundSet == kWingdingsSet)
         return glyph < kWingdingsAdvances.size() ? kWingdingsAdvances[glyph] / kAdvanceUnits : 0;
     if (unicode == ' ' || unicode == 0xA0)
         return m_traits.spaceAdvance;
@@ -264,12 +260,12 @@ InternalFace::Fit InternalFace::fit(GlyphId glyph, const Source& source, const R
     const double high = scaleY(glyph, source);
     if (own <= 0 || wanted <= 0)
         return { Matrix::scaling(usual * m_unit, high * m_unit), 0 };
-    if (m_spec.boundSet == kWingdings) {
+    if (m_spec.boundSet == kWingdingsSet) {
         const double scale = std::clamp(wanted / own, 0.6, 1.3);
         return { Matrix { scale * m_unit, 0, 0, scale * m_unit, (wanted - own * scale) / 2 * m_unit, 0 }, 0 };
     }
     double wide = wanted / own;
-    if (std::abs(wide - 1) < kSameWidth)
+    if (std::abs(wide - 1) < kSameStem)
         wide = 1;
     wide = std::clamp(wide, usual * kNarrowest, usual * kWidest);
     // A fixed face's cell never lets a glyph stick out that would fit when narrowed.

@@ -8,10 +8,6 @@ namespace {
 
 using Make = InternalFaceSpec::Make;
 
-constexpr std::uint16_t kSymbolSet = symbolSetNumber(19, 'M');
-constexpr std::uint16_t kWingdingsSet = symbolSetNumber(579, 'L');
-constexpr std::uint16_t kDingbatsSet = symbolSetNumber(14, 'L');
-
 } // namespace
 
 // Order matters where a request leaves several faces: the first of the family list, then the first of all. The serif

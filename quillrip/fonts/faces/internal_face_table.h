@@ -17,7 +17,7 @@ struct InternalFaceSpec {
     const char* nameInPclXl; ///< without trailing blanks
     std::uint16_t family;
     std::uint16_t style;
-    std::int8_t weight;
+    std::int16_t weight;
     Make make;
     std::uint16_t boundSet; ///< number of the only symbol set, 0 for unbound faces
     double fixedAdvance; ///< em; 0 for proportional faces

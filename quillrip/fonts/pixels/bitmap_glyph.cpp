@@ -95,7 +95,10 @@ private:
         return column >= 0 && row >= 0 && column < m_glyph.width && row < m_glyph.height && m_glyph.ink(column, row);
     }
 
-    std::size_t index(int x, int y) const { return static_cast<std::size_t>(y * m_columns + x); }
+    std::size_t index(int x, int y) const
+    {
+        return static_cast<std::size_t>(y) * static_cast<std::size_t>(m_columns) + static_cast<std::size_t>(x);
+    }
 
     Point point(int x, int y) const
     {

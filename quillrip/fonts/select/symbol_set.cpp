@@ -69,7 +69,7 @@ std::shared_ptr<const SymbolSet> SymbolSet::parse(ByteView data, const Reporter&
     Table table {};
     std::vector<std::uint16_t> masterSymbols(format == kFormatMasterSymbolList ? table.size() : 0, kNoMasterSymbol);
     for (unsigned code = first; code <= last; ++code) {
-        const std::size_t at = headerSize + 2 * (code - first);
+        const std::size_t at = headerSize + std::size_t { 2 } * (code - first);
         if (at + 2 > data.size) {
             reporter.damage("symbolset.truncated", "symbol set definition shorter than its code range");
             break;
@@ -124,6 +124,7 @@ const std::vector<const SymbolSet*>& builtInSymbolSets()
     }();
     static const std::vector<const SymbolSet*> s_pointers = [] {
         std::vector<const SymbolSet*> pointers;
+        pointers.reserve(s_sets.size());
         for (const SymbolSet& set : s_sets)
             pointers.push_back(&set);
         return pointers;

@@ -74,6 +74,10 @@ constexpr std::uint16_t symbolSetNumber(unsigned number, char letter)
 
 constexpr std::uint16_t kRoman8 = symbolSetNumber(8, 'U');
 constexpr std::uint16_t kUnicodeSymbolSet = symbolSetNumber(18, 'N');
+/// Sets of faces that have no other.
+constexpr std::uint16_t kSymbolSet = symbolSetNumber(19, 'M');
+constexpr std::uint16_t kWingdingsSet = symbolSetNumber(579, 'L');
+constexpr std::uint16_t kDingbatsSet = symbolSetNumber(14, 'L');
 
 /// A set that the printer has built in, or null. The pointer lives as long as the program.
 const SymbolSet* findSymbolSet(std::uint16_t number);

@@ -18,7 +18,6 @@ constexpr int kBoldWeight = 600;
 constexpr double kMadeBold = 0.03; // em
 constexpr double kMadeSlant = 0.33;
 constexpr std::uint32_t kPrivateArea = 0xF000;
-constexpr std::uint16_t kWingdings = symbolSetNumber(579, 'L');
 
 // The order of the first glyphs in the classic faces: space is 3.
 constexpr std::uint32_t kClassicFirst = 3;
@@ -233,7 +232,7 @@ WindowsFont::Glyph WindowsFont::glyphOfCharacter(char32_t character) const
         = character >= kPrivateArea && character < kPrivateArea + 0x100 ? character - kPrivateArea : character;
     if (m_isSymbolic && code >= 0x20 && code < 0x100) {
         if (m_isWingdings) {
-            const SymbolSet* const set = findSymbolSet(kWingdings);
+            const SymbolSet* const set = findSymbolSet(kWingdingsSet);
             character = set ? set->unicode(code) : character;
         } else if (const unsigned glyph = own.file().glyphOfSymbolCode(code)) {
             return made(own, glyph);

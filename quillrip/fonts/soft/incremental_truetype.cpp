@@ -23,7 +23,7 @@ FT_Error glyphData(FT_Incremental source, FT_UInt glyph, FT_Data* data)
 {
     const ByteView bytes = source->font->glyphData(glyph);
     data->pointer = bytes.data;
-    data->length = static_cast<FT_Int>(bytes.size);
+    data->length = static_cast<FT_UInt>(bytes.size);
     return 0;
 }
 

@@ -21,7 +21,7 @@ public:
     void removeCharacter(std::uint32_t code) override;
     std::shared_ptr<SoftFont> copy() const override;
     std::size_t bytes() const override;
-    void lendShapes(std::shared_ptr<const Typeface> face) override { m_shapes = std::move(face); }
+    void lendShapes(const std::shared_ptr<const Typeface>& face) override { m_shapes = face; }
 
     GlyphId glyph(std::uint32_t code) const override;
     double advance(GlyphId glyph) const override;

@@ -29,7 +29,7 @@ public:
     virtual std::shared_ptr<SoftFont> copy() const = 0;
 
     /// The built-in face whose shapes stand for outlines that cannot be drawn; SoftFontStore::put() gives it.
-    virtual void lendShapes(std::shared_ptr<const Typeface> face) { (void)face; }
+    virtual void lendShapes(const std::shared_ptr<const Typeface>& face) { (void)face; }
 
     /// Memory held, for Limits::fontBytes.
     virtual std::size_t bytes() const = 0;

@@ -16,7 +16,7 @@ PatternTile tileOf(const Bitmap& bitmap)
 {
     PatternTile tile;
     tile.width = tile.height = bitmap.size;
-    tile.pixels.reserve(static_cast<std::size_t>(bitmap.size * bitmap.size));
+    tile.pixels.reserve(static_cast<std::size_t>(bitmap.size) * static_cast<std::size_t>(bitmap.size));
     for (int y = 0; y < bitmap.size; ++y) {
         const unsigned row = bitmap.rows[static_cast<std::size_t>(y)];
         for (int x = bitmap.size - 1; x >= 0; --x)

@@ -77,7 +77,7 @@ private:
 inline std::uint64_t packFlags(const std::uint8_t* flags)
 {
     std::uint64_t packed = 0;
-    for (int group = 0; group < 8; ++group) {
+    for (std::size_t group = 0; group < 8; ++group) {
         // The product moves flag i of eight to bit 7 - i of its highest byte, so the first flag comes out leftmost.
         const std::uint64_t eight = loadWord(flags + 8 * group);
         packed = packed << 8 | (eight * 0x0102040810204080) >> 56;

@@ -19,7 +19,7 @@ private:
     /// What a source of one colour does to the bytes of a row, with a solid texture: page = (page & keep) ^ flip. The
     /// bytes stand for 16 pixels, so that they are handled many at a time.
     struct Stencil {
-        static constexpr std::size_t kBytes = 16 * Channels;
+        static constexpr std::size_t kBytes = std::size_t { 16 } * Channels;
         std::array<std::uint8_t, kBytes> keep {};
         std::array<std::uint8_t, kBytes> flip {};
         bool isStored = false; ///< keep is 0: the page does not matter

@@ -179,8 +179,8 @@ DeviceTexture::MixedWords DeviceTexture::mixedWords(int y, int word, std::uint8_
         share = mixed(0, share, opacity);
     MixedWords words {};
     words.covered = screenMixed(screenRow(y), tones, alpha);
-    for (int x = 0; x < 64; ++x)
-        opaque[x] &= 1;
+    for (std::uint8_t& flag : opaque)
+        flag &= 1;
     words.ink = packFlags(tones);
     words.opaque = packFlags(opaque);
     return words;

@@ -66,7 +66,8 @@ public:
         m_samples = std::clamp(static_cast<int>(std::ceil(std::min(reach, 1.0 * most))), fewest, most);
         m_line.resize(static_cast<std::size_t>(box.width()) * m_inkChannels);
         m_coverage.resize(static_cast<std::size_t>(box.width()));
-        const auto samples = static_cast<std::uint64_t>(box.width() * m_samples * m_samples);
+        const auto samples
+            = static_cast<std::uint64_t>(box.width()) * static_cast<std::uint64_t>(m_samples * m_samples);
         for (int y = box.top; y < box.bottom; ++y) {
             if (!m_compositor->work().allows(Work::Images, samples * kUnitsPerSample))
                 break;

@@ -10,10 +10,10 @@ namespace quillrip {
 namespace {
 
 /// Positions beyond this are not those of an image.
-constexpr double kFarthest = 1e14;
+constexpr double kFarthestPixel = 1e14;
 constexpr int kMostRows = INT32_MAX;
 /// Work of a source row that nothing is seen of.
-constexpr std::uint64_t kUnitsPerRow = 20;
+constexpr std::uint64_t kUnitsPerImageRow = 20;
 
 /// A slant that moves no pixel by as much as this, in device pixels, is none.
 constexpr double kSlant = 1.0 / 64;
@@ -21,7 +21,7 @@ constexpr double kSlant = 1.0 / 64;
 bool isUsable(const ImageAxis& axis, std::int64_t count)
 {
     const double end = axis.position(static_cast<double>(count));
-    return std::abs(axis.origin) < kFarthest && std::abs(end) < kFarthest && axis.scale > 1 / kFarthest;
+    return std::abs(axis.origin) < kFarthestPixel && std::abs(end) < kFarthestPixel && axis.scale > 1 / kFarthestPixel;
 }
 
 /// Sets what can be seen of an axis. An image too small for a pixel gets one.
@@ -139,7 +139,7 @@ void AlignedImage::feed(const std::uint8_t* pixels, std::int64_t count, bool isB
 {
     const std::int64_t most = m_geometry.height < 0 ? kMostRows : m_geometry.height;
     count = std::min(count, most - m_nextRow);
-    if (count <= 0 || !m_compositor->work().allows(Work::Images, kUnitsPerRow))
+    if (count <= 0 || !m_compositor->work().allows(Work::Images, kUnitsPerImageRow))
         return;
     addRows(pixels, m_nextRow, count, isBlank);
     m_compositor->chargePixels();

@@ -130,7 +130,7 @@ private:
             for (int i = 0; i < lines; ++i) {
                 const std::size_t from = slot(m_first + i) * columns() + column;
                 if (hasColors && m_channels == 3)
-                    std::memcpy(across + 3 * i, m_pixels.data() + 3 * from, 3);
+                    std::memcpy(across + 3 * static_cast<std::size_t>(i), m_pixels.data() + 3 * from, 3);
                 else
                     across[i] = m_pixels[from];
                 if (m_hasCoverage)

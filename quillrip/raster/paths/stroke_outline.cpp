@@ -1,5 +1,6 @@
 #include "quillrip/raster/paths/stroke_outline.h"
 
+#include "quillrip/base/units.h"
 #include "quillrip/raster/paths/flatten.h"
 
 #include <algorithm>
@@ -15,7 +16,6 @@ Point leftOf(Point direction) { return { -direction.y, direction.x }; }
 double dotProduct(Point a, Point b) { return a.x * b.x + a.y * b.y; }
 double crossProduct(Point a, Point b) { return a.x * b.y - a.y * b.x; }
 
-constexpr double kPi = 3.14159265358979323846;
 /// Rounder than this only pens would need that are larger than pages.
 constexpr double kSmallestArcStep = kPi / 200;
 /// Where two directions of length 1 differ by less than this, there is no corner.

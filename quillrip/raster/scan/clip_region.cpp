@@ -4,6 +4,7 @@
 #include "quillrip/raster/compose/mixing.h"
 #include "quillrip/raster/scan/bilevel_scan.h"
 #include "quillrip/raster/scan/coverage_scan.h"
+#include "quillrip/raster/scan/edge_list.h"
 
 #include <algorithm>
 
@@ -11,7 +12,6 @@ namespace quillrip {
 
 namespace {
 
-constexpr std::uint64_t kUnitsPerPathPoint = 20;
 constexpr PixelRect kNothing { 0, 0, 0, 0 };
 
 PixelRect boundsOfBoth(const PixelRect& a, const PixelRect& b)

@@ -14,8 +14,6 @@ namespace {
 /// Fixed point numbers hold at least this many pixels.
 constexpr double kNear = 1 << 20;
 
-std::int32_t toFixed(double pixels) { return static_cast<std::int32_t>(std::floor(pixels * kSubpixels + 0.5)); }
-
 /// The part of a convex polygon with sign * coordinate <= sign * limit.
 template <typename Coordinate>
 void cutPolygon(
@@ -69,7 +67,7 @@ void ConvexFill::fillNear(const Point* points, std::size_t count)
     std::int32_t top = INT32_MAX;
     std::int32_t bottom = INT32_MIN;
     for (std::size_t i = 0; i < count; ++i) {
-        const std::int32_t y = toFixed(points[i].y);
+        const std::int32_t y = toSubpixels(points[i].y);
         top = std::min(top, y);
         bottom = std::max(bottom, y);
     }
@@ -79,11 +77,11 @@ void ConvexFill::fillNear(const Point* points, std::size_t count)
         return;
     m_rows.assign(static_cast<std::size_t>(endRow - firstRow), { INT32_MAX, INT32_MIN });
 
-    std::int32_t fromX = toFixed(points[count - 1].x);
-    std::int32_t fromY = toFixed(points[count - 1].y);
+    std::int32_t fromX = toSubpixels(points[count - 1].x);
+    std::int32_t fromY = toSubpixels(points[count - 1].y);
     for (std::size_t i = 0; i < count; ++i) {
-        const std::int32_t toX = toFixed(points[i].x);
-        const std::int32_t toY = toFixed(points[i].y);
+        const std::int32_t toX = toSubpixels(points[i].x);
+        const std::int32_t toY = toSubpixels(points[i].y);
         const bool isDown = fromY < toY;
         const std::int32_t upperX = isDown ? fromX : toX;
         const std::int32_t upperY = isDown ? fromY : toY;

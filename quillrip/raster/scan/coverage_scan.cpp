@@ -19,9 +19,9 @@ constexpr std::int32_t kSampleHeight = 16;
 /// every row (wide pens, short dashes): such rows are sampled on fewer lines.
 constexpr std::size_t kMostMeetings = 32768;
 
-constexpr std::uint64_t kUnitsPerEdge = 30;
-constexpr std::uint64_t kUnitsPerRow = 40;
-constexpr std::uint64_t kUnitsPerMeeting = 25;
+constexpr std::uint64_t kUnitsPerSmoothEdge = 30;
+constexpr std::uint64_t kUnitsPerSmoothRow = 40;
+constexpr std::uint64_t kUnitsPerSmoothMeeting = 25;
 
 /// Heights within a row, in 1/256 pixels, where it is cut.
 class Cuts {
@@ -74,14 +74,15 @@ public:
     void run()
     {
         const PixelRect& area = m_list.area();
-        m_work.charge(Work::Shapes, kUnitsPerEdge * m_list.edges().size());
+        m_work.charge(Work::Shapes, kUnitsPerSmoothEdge * m_list.edges().size());
         const std::vector<std::uint32_t> order = m_list.orderByRow(0);
         std::size_t next = 0;
         int y = area.top;
         while (next < order.size() || !m_active.empty()) {
             if (m_active.empty())
                 y = std::max(y, m_list.firstRow(m_list.edges()[order[next]], 0));
-            if (y >= area.bottom || !m_work.allows(Work::Shapes, kUnitsPerRow + kUnitsPerMeeting * m_meetings))
+            if (y >= area.bottom
+                || !m_work.allows(Work::Shapes, kUnitsPerSmoothRow + kUnitsPerSmoothMeeting * m_meetings))
                 return;
             m_meetings = 0;
             const std::int32_t top = y * kSubpixels;

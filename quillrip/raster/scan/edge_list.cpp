@@ -9,8 +9,6 @@ namespace quillrip {
 
 namespace {
 
-std::int32_t toFixed(double pixels) { return static_cast<std::int32_t>(std::floor(pixels * kSubpixels + 0.5)); }
-
 /// Areas end here: beyond is no page, and sums of fixed point numbers would not fit.
 constexpr int kFarthest = 1 << 20;
 /// Edges are cut only so far outside the area, since a cut edge runs a little differently: its new end is rounded.
@@ -132,10 +130,10 @@ void EdgeList::addFixed(Point from, Point to)
     if (!isFinite(from) || !isFinite(to))
         return;
     Edge edge;
-    edge.top = toFixed(from.y);
-    edge.bottom = toFixed(to.y);
-    edge.x = toFixed(from.x);
-    edge.bottomX = toFixed(to.x);
+    edge.top = toSubpixels(from.y);
+    edge.bottom = toSubpixels(to.y);
+    edge.x = toSubpixels(from.x);
+    edge.bottomX = toSubpixels(to.x);
     if (edge.top > edge.bottom) {
         std::swap(edge.top, edge.bottom);
         std::swap(edge.x, edge.bottomX);

@@ -4,6 +4,7 @@
 #include "quillrip/raster/paths/path.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <vector>
@@ -13,6 +14,15 @@ namespace quillrip {
 /// Coordinates of the scan converters: 24.8 fixed point.
 constexpr int kSubpixelBits = 8;
 constexpr std::int32_t kSubpixels = 1 << kSubpixelBits;
+
+/// The nearest; the caller sees to it that they fit.
+inline std::int32_t toSubpixels(double pixels)
+{
+    return static_cast<std::int32_t>(std::floor(pixels * kSubpixels + 0.5));
+}
+
+/// Work of a path's point before it is part of an edge.
+constexpr std::uint64_t kUnitsPerPathPoint = 20;
 
 /// A straight edge that runs downwards, in 1/256 pixels.
 struct Edge {
