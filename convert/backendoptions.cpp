@@ -10,9 +10,6 @@ using namespace vocabulary;
 
 namespace {
 
-constexpr uint kCompressMethods = 8;
-constexpr int kDefaultLength = 100;
-
 QString ReadText(const QSettings& settings, const char* chKey, const char* chDefault)
 {
     return settings.value(QLatin1String(chKey), QString::fromLatin1(chDefault)).toString();
@@ -61,7 +58,7 @@ QString MainWindow::GetCmdArg()
 
     // The index itself goes to the backend, whatever the output format is. As unsigned, -1 is out of range too.
     QString strCompressPiece;
-    if (iCompressMethod < kCompressMethods)
+    if (iCompressMethod < kCompressShortNames.size())
         strCompressPiece = QStringLiteral(" \"-c\" \"%1\" ").arg(iCompressMethod, 0, 10, QLatin1Char(' '));
 
     const bool bResizePage = ReadText(settings, settingkey::kResizePage, "FALSE") == QLatin1String("TRUE");

@@ -95,7 +95,6 @@ bool MainWindow::ExeCmd()
         ui->progressBarA->setValue(m_iCurrentRow + 1);
         ui->tableWidget->setCurrentCell(m_iCurrentRow, 1);
         connect(m_process, SIGNAL(finished(int, QProcess::ExitStatus)), this, SLOT(ExeCmd()));
-        ui->progressBarA->setValue(m_iCurrentRow + 1);
         ++m_iCurrentRow;
     }
     return true;

@@ -9,6 +9,9 @@ extern const char g_chSoftwareName[];
 // Whoever needs a setting opens the file for as long as that takes, and never longer.
 QString SettingsFilePath();
 
+// What a page size (in pixels) or a resolution (in dots per inch) is where the file has none.
+inline constexpr int kDefaultLength = 100;
+
 // The keys of the settings file. All values are texts: numbers in decimal, flags as TRUE and FALSE.
 namespace settingkey {
 inline constexpr char kFormat[] = "/SettingInfo/Format";

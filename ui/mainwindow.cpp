@@ -6,13 +6,6 @@
 #include <QPalette>
 #include <QPixmap>
 
-namespace {
-
-constexpr int kWindowWidth = 730;
-constexpr int kWindowHeight = 450;
-
-} // namespace
-
 MainWindow::MainWindow(QWidget* parent)
     : QMainWindow(parent)
     , ui(new Ui_MainWindow)
@@ -45,7 +38,7 @@ void MainWindow::SetBackground()
 
 void MainWindow::InitAllChoice()
 {
-    setFixedSize(kWindowWidth, kWindowHeight);
+    setFixedSize(kWindowSize);
 
     m_bRunning = false;
     m_strExtension = QStringLiteral(".PDF");

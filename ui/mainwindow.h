@@ -3,6 +3,7 @@
 #include "settings/settingdialog.h"
 
 #include <QMainWindow>
+#include <QSize>
 #include <QString>
 #include <QStringList>
 
@@ -15,6 +16,9 @@ class MainWindow : public QMainWindow {
     Q_OBJECT
 
 public:
+    // The window always has this size, in device-independent pixels.
+    static constexpr QSize kWindowSize { 730, 450 };
+
     explicit MainWindow(QWidget* parent = nullptr);
     ~MainWindow() override;
 
@@ -55,13 +59,8 @@ public slots:
     void ShowAbout();
     void Onkeyboard();
 
-private:
-    friend class MainWindowProbe; // the tests' view of the run's state
-
-    void SetBackground();
-    void SetConvertIcon(const QString& strResource);
-    void AppendFile(int iRow, const QString& strPath);
-
+protected:
+    // The run's state, which no widget shows.
     int m_iCurrentRow = 0; // next row to convert
     int m_iFileCount = 0; // rows at the last press of the button
     QString m_strOutputFolder; // what the folder dialog returned last; the line edit is what counts
@@ -71,4 +70,9 @@ private:
     Ui_MainWindow* ui;
     SettingDialog m_settingDialog;
     QProcess* m_process = nullptr; // the current backend; a new one per call of ExeCmd, none ever deleted
+
+private:
+    void SetBackground();
+    void SetConvertIcon(const QString& strResource);
+    void AppendFile(int iRow, const QString& strPath);
 };

@@ -17,17 +17,19 @@
 class QProcess;
 class QPushButton;
 
-// The run's state inside the main window, which no widget shows.
-class MainWindowProbe {
+// The run's state inside the main window, which no widget shows: what a class derived from it could name.
+class MainWindowProbe : public MainWindow {
 public:
-    static int& CurrentRow(MainWindow& window) { return window.m_iCurrentRow; }
-    static int FileCount(const MainWindow& window) { return window.m_iFileCount; }
-    static QString OutputFolder(const MainWindow& window) { return window.m_strOutputFolder; }
-    static QString Extension(const MainWindow& window) { return window.m_strExtension; }
-    static QStringList FileList(const MainWindow& window) { return window.m_fileList; }
-    static bool& Running(MainWindow& window) { return window.m_bRunning; }
-    static QProcess* Process(const MainWindow& window) { return window.m_process; }
-    static SettingDialog& Settings(MainWindow& window) { return window.m_settingDialog; }
+    MainWindowProbe() = delete;
+
+    static int& CurrentRow(MainWindow& window) { return window.*&MainWindowProbe::m_iCurrentRow; }
+    static int FileCount(const MainWindow& window) { return window.*&MainWindowProbe::m_iFileCount; }
+    static QString OutputFolder(const MainWindow& window) { return window.*&MainWindowProbe::m_strOutputFolder; }
+    static QString Extension(const MainWindow& window) { return window.*&MainWindowProbe::m_strExtension; }
+    static QStringList FileList(const MainWindow& window) { return window.*&MainWindowProbe::m_fileList; }
+    static bool& Running(MainWindow& window) { return window.*&MainWindowProbe::m_bRunning; }
+    static QProcess* Process(const MainWindow& window) { return window.*&MainWindowProbe::m_process; }
+    static SettingDialog& Settings(MainWindow& window) { return window.*&MainWindowProbe::m_settingDialog; }
 };
 
 namespace windowtest {
