@@ -1,5 +1,6 @@
 // Starts the application, lets its event loop begin, notes what the outside can see, and closes the window (or quits
-// with PRISMO_PROBE_EXIT as the loop's result). One line per note on standard output.
+// with PRISMO_PROBE_EXIT as the loop's result). One line per note on standard output. With PRISMO_PROBE_DARK the
+// desktop has a dark palette before the application looks at it.
 
 #include "app/startup.h"
 
@@ -33,6 +34,13 @@ void look()
     note("maximum", sizeText(window->maximumSize()));
     note("rows", QString::number(window->findChild<QTableWidget*>("tableWidget")->rowCount()));
     note("columns", QString::number(window->findChild<QTableWidget*>("tableWidget")->columnCount()));
+    for (const char* name : { "pushButton_Add", "label", "tableWidget", "lineEdit_OutPutPath" }) {
+        const QWidget* widget = window->findChild<QWidget*>(name);
+        note(name,
+            QString("%1 %2")
+                .arg(widget->palette().color(widget->foregroundRole()).lightness())
+                .arg(widget->palette().color(QPalette::Base).lightness()));
+    }
     note("icon", sizeText(window->findChild<QPushButton*>("pushButton_Convert")->iconSize()));
     std::fflush(stdout);
 
@@ -42,7 +50,12 @@ void look()
         window->close();
 }
 
-void whenTheApplicationExists() { QTimer::singleShot(0, look); }
+void whenTheApplicationExists()
+{
+    if (qEnvironmentVariableIsSet("PRISMO_PROBE_DARK"))
+        QGuiApplication::setPalette(QPalette(QColor(0x20, 0x20, 0x20)));
+    QTimer::singleShot(0, look);
+}
 
 } // namespace
 

@@ -22,6 +22,7 @@ private slots:
     void MissingPluginsFolderLeavesTheLevelAbove();
     void InitialisationRunsBeforeTheLoop();
     void CommandLineIsLeftToTheToolkit();
+    void TextsAreDarkOnLightOnADarkDesktop();
 
 private:
     struct Outcome {
@@ -101,6 +102,18 @@ void StartupTest::CommandLineIsLeftToTheToolkit()
     const Outcome outcome = Run({ "-style", "fusion", "job.pcl", "--whatever" });
     QCOMPARE(outcome.notes.at("rows"), QString("0"));
     QCOMPARE(outcome.exitCode, 0);
+}
+
+// The windows' own grounds are light whatever the desktop prefers, so their texts have to be dark.
+void StartupTest::TextsAreDarkOnLightOnADarkDesktop()
+{
+    const Outcome light = Run();
+    const Outcome dark = Run({}, { "PRISMO_PROBE_DARK=1" });
+    for (const char* name : { "pushButton_Add", "label", "tableWidget", "lineEdit_OutPutPath" }) {
+        QCOMPARE(dark.notes.at(name), light.notes.at(name));
+        QVERIFY(dark.notes.at(name).section(' ', 0, 0).toInt() < 64);
+        QVERIFY(dark.notes.at(name).section(' ', 1).toInt() > 192);
+    }
 }
 
 PRISMO_TEST_MAIN(StartupTest)
