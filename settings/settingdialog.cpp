@@ -3,10 +3,12 @@
 #include "settings/optionvocabulary.h"
 #include "ui_settingdialog.h"
 
+#include <QAbstractItemView>
 #include <QFontInfo>
 #include <QFontMetrics>
 #include <QPalette>
 #include <QPixmap>
+#include <QShowEvent>
 #include <QStyleOptionComboBox>
 
 #include <algorithm>
@@ -62,6 +64,7 @@ SettingDialog::SettingDialog(QWidget* parent)
     connect(ui->comboBox_FaxKind, SIGNAL(currentIndexChanged(int)), this, SLOT(ChangeFaxTiff()));
 
     SetBackground();
+    NameLists();
     FitFont();
 
     // Filling the lists already runs the slots above, so the connections come first.
@@ -78,6 +81,26 @@ void SettingDialog::SetBackground()
     windowPalette.setBrush(
         QPalette::Window, QBrush(background.scaled(size(), Qt::IgnoreAspectRatio, Qt::SmoothTransformation)));
     setPalette(windowPalette);
+}
+
+// The list that a combo box opens is a window of its own for a screen reader.
+void SettingDialog::NameLists()
+{
+    for (const QComboBox* pList :
+        { ui->comboBox_BitCount, ui->comboBox_Format, ui->comboBox_Compress, ui->comboBox_FaxKind })
+        pList->view()->setAccessibleName(pList->accessibleName());
+}
+
+void SettingDialog::showEvent(QShowEvent* event)
+{
+    QDialog::showEvent(event);
+    if (event->spontaneous())
+        return;
+    // A fax class leaves the upper controls disabled. OK never is, so there is an end.
+    QWidget* pFirst = ui->checkBox_PageSize;
+    while (!pFirst->isEnabled() || !(pFirst->focusPolicy() & Qt::TabFocus))
+        pFirst = pFirst->nextInFocusChain();
+    pFirst->setFocus(Qt::OtherFocusReason);
 }
 
 // Of the rows whose texts a font can make too wide for the form, this is the widest by far.
@@ -151,7 +174,7 @@ void SettingDialog::IniAllChoice()
 
 void SettingDialog::BitCountChanged(QString strBitCount)
 {
-    const int iBitCount = BitCounttoInt(strBitCount);
+    const int iBitCount = vocabulary::IndexOf(vocabulary::kBitCounts, strBitCount);
     if (iBitCount < 0)
         return;
     FillList(ui->comboBox_Compress, CompressNames(CompressOfBitCount(iBitCount)));
@@ -168,7 +191,7 @@ void SettingDialog::FormatChanged(QString strFormat)
     ui->comboBox_Compress->setEnabled(true);
     ui->comboBox_FaxKind->setEnabled(true);
 
-    const int iBitCount = BitCounttoInt(ui->comboBox_BitCount->currentText());
+    const int iBitCount = vocabulary::IndexOf(vocabulary::kBitCounts, ui->comboBox_BitCount->currentText());
     if (iBitCount >= 0)
         FillList(ui->comboBox_Compress, CompressNames(CompressOfBitCount(iBitCount)));
 }

@@ -27,6 +27,7 @@ public:
     void FormatChanged(QString strFormat);
 
     void LoadInfo();
+    // Writes the settings file. Where that fails, a message names the folder and the file counts as it was.
     void SaveInfo();
 
     // Conversions between stored index, shown text and short name. An unknown input yields the fallback in brackets.
@@ -49,8 +50,13 @@ public slots:
     void ChangeCompress();
     void ChangeFaxTiff();
 
+protected:
+    // Every opening begins at the first control that can be used.
+    void showEvent(QShowEvent* event) override;
+
 private:
     void SetBackground();
+    void NameLists();
     int FaxRowWidth(const QFont& rowFont) const;
     void FitFont();
     void FillList(QComboBox* pList, const QStringList& entries);

@@ -2,18 +2,20 @@
 
 #include "settings/settingdialog.h"
 
+#include "settings/optionvocabulary.h"
 #include "settings/settingsfile.h"
 #include "ui_settingdialog.h"
 
+#include <QCoreApplication>
+#include <QDir>
+#include <QMessageBox>
 #include <QSettings>
 
 #include <memory>
+#include <utility>
+#include <vector>
 
 namespace {
-
-constexpr int kDefaultLength = 100; // pixels of a page size, dots per inch of a resolution
-constexpr int kCompressMethods = 8;
-constexpr uint kLastFaxKind = 2;
 
 const QString& Flag(bool bOn)
 {
@@ -51,7 +53,7 @@ void SettingDialog::LoadInfo()
     QString strCompressIndex
         = settings.value(QLatin1String(settingkey::kCompressMethod), QStringLiteral("0")).toString();
     const int iCompressMethod = strCompressIndex.toInt();
-    if (iCompressMethod < 0 || iCompressMethod >= kCompressMethods)
+    if (iCompressMethod < 0 || static_cast<uint>(iCompressMethod) >= vocabulary::kCompressShortNames.size())
         strCompressIndex = QStringLiteral("0");
 
     const QString strFormat = iFormattoFormat(strFormatIndex);
@@ -79,7 +81,7 @@ void SettingDialog::LoadInfo()
     // As unsigned, the -1 of a disabled list is out of range too.
     const auto iFaxKind = static_cast<uint>(
         settings.value(QLatin1String(settingkey::kFaxTiff), QStringLiteral("0")).toString().toInt());
-    ui->comboBox_FaxKind->setCurrentIndex(iFaxKind <= kLastFaxKind ? static_cast<int>(iFaxKind) : 0);
+    ui->comboBox_FaxKind->setCurrentIndex(iFaxKind < vocabulary::kFaxKinds.size() ? static_cast<int>(iFaxKind) : 0);
 }
 
 void SettingDialog::SaveInfo()
@@ -102,11 +104,13 @@ void SettingDialog::SaveInfo()
     const int iResolutionX = AtLeast(1, ui->lineEdit_ResoX->text().toInt());
     const int iResolutionY = AtLeast(1, ui->lineEdit_ResoY->text().toInt());
 
-    const auto Write = [&pSettings](const char* chKey, const QString& strValue) {
+    std::vector<std::pair<QString, QVariant>> former;
+    const auto Write = [&pSettings, &former](const char* chKey, const QString& strValue) {
+        former.emplace_back(QLatin1String(chKey), pSettings->value(QLatin1String(chKey)));
         pSettings->setValue(QLatin1String(chKey), strValue);
     };
     Write(settingkey::kFormat, QString::number(FormattoInt(strFormat)));
-    Write(settingkey::kBitCount, QString::number(BitCounttoInt(strBitCount)));
+    Write(settingkey::kBitCount, QString::number(vocabulary::IndexOf(vocabulary::kBitCounts, strBitCount)));
     Write(settingkey::kResizePage, Flag(ui->checkBox_PageSize->isChecked()));
     Write(settingkey::kPageSizeX, QString::number(iPageSizeX));
     Write(settingkey::kPageSizeY, QString::number(iPageSizeY));
@@ -115,4 +119,20 @@ void SettingDialog::SaveInfo()
     Write(settingkey::kResolutionY, QString::number(iResolutionY));
     Write(settingkey::kCompressMethod, QString::number(CompressMethodtoInt(strCompressMethod)));
     Write(settingkey::kFaxTiff, strFaxTiff);
+
+    pSettings->sync();
+    if (pSettings->status() != QSettings::AccessError)
+        return;
+
+    // The toolkit keeps what it could not write, and would hand it to whoever opens the file next in this process. A
+    // conversion is to use what is stored.
+    for (const auto& [strKey, value] : former) {
+        if (value.isValid())
+            pSettings->setValue(strKey, value);
+        else
+            pSettings->remove(strKey);
+    }
+    QMessageBox::information(this, tr("Warning"),
+        tr("The settings could not be saved in this folder:\n%1\nConversions use those that were saved before.")
+            .arg(QDir::toNativeSeparators(QCoreApplication::applicationDirPath())));
 }

@@ -17,5 +17,7 @@ public slots:
     void VisitURL();
 
 private:
+    void FitText();
+
     Ui_AboutDlg* ui;
 };

@@ -44,8 +44,12 @@ void MainWindow::AppendFile(int iRow, const QString& strPath)
 
     // The size is a signed 32-bit count: of a larger file only the low 32 bits are shown, or nothing.
     const auto iSize = static_cast<qint32>(QFileInfo(strPath).size());
-    if (iSize > 0)
-        ui->tableWidget->setItem(iRow, 1, new QTableWidgetItem(QString::asprintf("%14.3f KB", iSize / 1000.0)));
+    if (iSize > 0) {
+        auto* pSize = new QTableWidgetItem(QString::asprintf("%14.3f KB", iSize / 1000.0));
+        // The blanks in front line numbers up in fixed pitch only.
+        pSize->setTextAlignment(Qt::AlignRight | Qt::AlignVCenter);
+        ui->tableWidget->setItem(iRow, 1, pSize);
+    }
 }
 
 void MainWindow::DeleteFile()

@@ -6,6 +6,7 @@
 #include "ui_aboutdlg.h"
 
 #include <QDesktopServices>
+#include <QFontDatabase>
 #include <QLineEdit>
 #include <QScrollBar>
 #include <QTemporaryDir>
@@ -40,6 +41,7 @@ private slots:
     void ParagraphsHaveTheirContentAndFonts();
     void HomePageIsALinkToItself();
     void TextIsEditableAndEditsVanish();
+    void AllLinesFitTheTextArea_data();
     void AllLinesFitTheTextArea();
     void EscapeClosesIt();
     void TextsAreAskedForInTheDialogsName();
@@ -229,9 +231,24 @@ void AboutDlgTest::TextIsEditableAndEditsVanish()
     QVERIFY(Child<QTextEdit>(dialog, "textEdit")->toPlainText().startsWith(strFirstLine));
 }
 
-// On a screen of any resolution: nothing is cut and no scroll bar comes up at the dialog's edge.
+void AboutDlgTest::AllLinesFitTheTextArea_data()
+{
+    QTest::addColumn<QString>("family");
+    QTest::newRow("the desktop's own") << QString();
+    for (const QString& strFamily : QFontDatabase::families())
+        QTest::newRow(qPrintable(strFamily)) << strFamily;
+}
+
+// On a screen of any resolution, in whatever font the desktop takes for those that the text names: nothing is cut and
+// no scroll bar comes up at the dialog's edge.
 void AboutDlgTest::AllLinesFitTheTextArea()
 {
+    QFETCH(QString, family);
+    const QStringList named { "SimSun", "MS Shell Dlg 2" };
+    if (!family.isEmpty()) {
+        for (const QString& strNamed : named)
+            QFont::insertSubstitution(strNamed, family);
+    }
     AboutDlg dialog;
     dialog.show();
     QCoreApplication::processEvents();
@@ -240,6 +257,8 @@ void AboutDlgTest::AllLinesFitTheTextArea()
     QCOMPARE(text->verticalScrollBar()->maximum(), 0);
     for (const QTextBlock& paragraph : Paragraphs(text->document()))
         QCOMPARE(paragraph.layout()->lineCount(), 1);
+    for (const QString& strNamed : named)
+        QFont::removeSubstitutions(strNamed);
 }
 
 void AboutDlgTest::EscapeClosesIt()

@@ -4,6 +4,7 @@
 #include <QDir>
 #include <QFile>
 #include <QFileDialog>
+#include <QHeaderView>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QTableWidget>
@@ -39,6 +40,9 @@ private slots:
     void ClearTakesAllRows();
     void PathUpToTheLastBackslashIsRemembered();
     void CellsCannotBeEdited();
+    void LongPathsKeepTheirEnds();
+    void SizesLineUpAtTheRight();
+    void HeaderStaysAsItIsWhenARowIsSelected();
 
 private:
     QTableWidget* Table() { return Child<QTableWidget>(*m_window, "tableWidget"); }
@@ -274,6 +278,38 @@ void FileListTest::CellsCannotBeEdited()
     QTest::mouseDClick(Table()->viewport(), Qt::LeftButton, {}, Table()->visualItemRect(Table()->item(0, 0)).center());
     QTest::keyClick(Table(), Qt::Key_F2);
     QVERIFY(Table()->viewport()->findChildren<QLineEdit*>().isEmpty());
+}
+
+// A path too long for its column is cut in the middle, on one line; the cell's text stays whole.
+void FileListTest::LongPathsKeepTheirEnds()
+{
+    QString strFolder = m_folder->path();
+    for (int i = 0; i < 6; ++i)
+        strFolder += "/a-folder-with-a-long-name";
+    QVERIFY(QDir().mkpath(strFolder));
+    const QString strPath = MakeFile(strFolder + "/invoice.pcl", 10);
+    AddRows(*m_window, { strPath });
+    QCOMPARE(Table()->item(0, 0)->text(), strPath);
+    QCOMPARE(Table()->textElideMode(), Qt::ElideMiddle);
+    QVERIFY(!Table()->wordWrap());
+}
+
+// Three decimals and the unit: with the ends in a line the points are too.
+void FileListTest::SizesLineUpAtTheRight()
+{
+    AddRows(*m_window, { MakeFile(Path("a.pcl"), 10), MakeFile(Path("b.pcl"), 12'345'678) });
+    for (const int row : { 0, 1 })
+        QCOMPARE(Table()->item(row, 1)->textAlignment(), static_cast<int>(Qt::AlignRight | Qt::AlignVCenter));
+}
+
+void FileListTest::HeaderStaysAsItIsWhenARowIsSelected()
+{
+    AddFiveFiles();
+    QHeaderView* header = Table()->horizontalHeader();
+    const QImage before = header->grab().toImage();
+    Table()->selectRow(2);
+    QCoreApplication::processEvents();
+    QCOMPARE(header->grab().toImage(), before);
 }
 
 PRISMO_TEST_MAIN(FileListTest)

@@ -1,15 +1,48 @@
 #include "settings/settingdialog.h"
 #include "settings/settingsfile.h"
+#include "tests/app/support/dialogdriver.h"
 #include "tests/app/support/windowtest.h"
 
 #include <QCheckBox>
 #include <QComboBox>
+#include <QDir>
 #include <QFile>
 #include <QLineEdit>
+#include <QMessageBox>
 #include <QPushButton>
 #include <QSettings>
 
+#include <unistd.h>
+
 using namespace windowtest;
+
+namespace {
+
+// A folder that this process cannot write in while the object lives: without the right, and, since root needs none, as
+// nobody.
+class LockedFolder {
+public:
+    explicit LockedFolder(const QString& strFolder)
+        : m_strFolder(strFolder)
+        , m_permissions(QFile::permissions(strFolder))
+    {
+        const QFile::Permissions write = QFile::WriteOwner | QFile::WriteUser | QFile::WriteGroup | QFile::WriteOther;
+        if (!QFile::setPermissions(strFolder, m_permissions & ~write) || (::geteuid() == 0 && ::seteuid(kNobody) != 0))
+            qFatal("cannot lock %s", qPrintable(strFolder));
+    }
+    ~LockedFolder()
+    {
+        if ((::getuid() == 0 && ::seteuid(0) != 0) || !QFile::setPermissions(m_strFolder, m_permissions))
+            qFatal("cannot unlock %s", qPrintable(m_strFolder));
+    }
+
+private:
+    static constexpr uid_t kNobody = 65534;
+    QString m_strFolder;
+    QFile::Permissions m_permissions;
+};
+
+} // namespace
 
 class SettingsFileTest : public QObject {
     Q_OBJECT
@@ -40,6 +73,8 @@ private slots:
     void OkAcceptsAndCancelSavesNothing();
     void SavingKeepsTheFolders();
     void WhatIsSavedLoadsAgain();
+    void SettingsThatCannotBeSavedAreReportedOnce();
+    void ConversionUsesWhatIsStoredWhenSavingFailed();
 
 private:
     static QString Shown(const SettingDialog& dialog, const char* name)
@@ -351,6 +386,47 @@ void SettingsFileTest::WhatIsSavedLoadsAgain()
     QCOMPARE(Child<QComboBox>(dialog, "comboBox_FaxKind")->currentIndex(), 2);
     QVERIFY(Child<QCheckBox>(dialog, "checkBox_Resolution")->isChecked());
     QCOMPARE(Text(dialog, "lineEdit_ResoX"), QString("600"));
+}
+
+void SettingsFileTest::SettingsThatCannotBeSavedAreReportedOnce()
+{
+    // A folder where the file should be: nobody can write that.
+    QVERIFY(QDir().mkdir(SettingsFilePath()));
+    SettingDialog dialog;
+    dialog.show();
+    DialogDriver driver;
+    driver.Expect([](QWidget* shown) {
+        auto* box = qobject_cast<QMessageBox*>(shown);
+        QVERIFY(box);
+        QVERIFY(box->text().contains("could not be saved"));
+        QVERIFY(box->text().contains(QCoreApplication::applicationDirPath()));
+        box->accept();
+    });
+    ClickButton(dialog, "pushButton_Ok");
+    QVERIFY(driver.AllShown());
+    QCOMPARE(driver.ShownCount(), 1);
+    QVERIFY(!dialog.isVisible());
+    QCOMPARE(dialog.result(), static_cast<int>(QDialog::Accepted));
+    QVERIFY(QDir().rmdir(SettingsFilePath()));
+}
+
+// The application's folder as an installation for everyone leaves it: to be read, not to be written.
+void SettingsFileTest::ConversionUsesWhatIsStoredWhenSavingFailed()
+{
+    WriteSetting("SettingInfo/Format", "3");
+    const LockedFolder locked(QCoreApplication::applicationDirPath());
+    SettingDialog dialog;
+    dialog.show();
+    Child<QComboBox>(dialog, "comboBox_BitCount")->setCurrentText("24 Bits");
+    Child<QComboBox>(dialog, "comboBox_Format")->setCurrentText(".tif");
+    DialogDriver driver;
+    driver.Expect([](QWidget* shown) { shown->close(); });
+    ClickButton(dialog, "pushButton_Ok");
+    QVERIFY(driver.AllShown());
+    QCOMPARE(ReadSetting("SettingInfo/Format"), QString("3"));
+    QVERIFY(ReadSetting("SettingInfo/BitCount").isNull());
+    // The dialog goes on showing what was chosen.
+    QCOMPARE(Shown(dialog, "comboBox_Format"), QString(".tif"));
 }
 
 PRISMO_TEST_MAIN(SettingsFileTest)
