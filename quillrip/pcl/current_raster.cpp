@@ -61,26 +61,68 @@ void CurrentRaster::centreOnSheet()
 {
     constexpr InternalUnits kWideMargin = kUnitsPerInch / 4;
     constexpr InternalUnits kAllowance = kUnitsPerInch / 100;
-    const RasterSettings& settings = m_state.raster;
-    const bool canTell = m_environment.family == PrinterFamily::InkjetRaster && settings.width
-        && m_state.page.orientation() == 0 && !m_page.isOpen();
-    if (!canTell)
+    if (m_environment.family != PrinterFamily::InkjetRaster || !m_state.raster.width)
         return;
-    const double dotsPerInch = settings.componentData.empty()
-        ? settings.resolution
-        : RasterLayout::resolutionOf(settings.componentData).value_or(Resolution { settings.resolution, 0 }).x;
-    const InternalUnits width = inUnits(*settings.width, static_cast<double>(kUnitsPerInch) / dotsPerInch);
-    const InternalUnits margin = (inUnits(m_state.page.size().width, kUnitsPerDecipoint) - width) / 2;
+    const InternalUnits margin = (inUnits(m_state.page.size().width, kUnitsPerDecipoint) - declaredWidth()) / 2;
     if (std::abs(margin - kWideMargin) > kAllowance)
         return;
     m_state.page.setLeftOffset(margin);
     m_page.geometryChanged();
 }
 
+// Of sheets that have no number some drivers tell only the length, in whole lines. A raster that fills the length fills
+// the width between the margins as well, which tells the width.
+void CurrentRaster::cutSheetToRaster()
+{
+    constexpr double kFilled = 0.85;
+    const RasterSettings& settings = m_state.raster;
+    if (m_state.customLength == 0 || !settings.width || !settings.height)
+        return;
+    const InternalUnits rows = inUnits(*settings.height, static_cast<double>(kUnitsPerInch) / resolution().y);
+    if (static_cast<double>(rows) < kFilled * static_cast<double>(m_state.customLength))
+        return;
+    const LogicalPage unnamed(
+        customPageSize(m_environment.customWidth, m_environment.customLength), 0, m_environment.family);
+    const InternalUnits width = declaredWidth() + 2 * unnamed.leftOffset();
+    const PageSize* named = findPageSizeByMeasure(width, m_state.customLength);
+    const PageSize size = named ? *named
+                                : customPageSize(static_cast<double>(width) / kUnitsPerDecipoint,
+                                    static_cast<double>(m_state.customLength) / kUnitsPerDecipoint);
+    if (!isPossible(size))
+        return;
+    m_state.page = LogicalPage(size, 0, m_environment.family);
+    m_state.text
+        = { 0, std::min(m_state.text.top, m_state.page.length()), m_state.page.width(), m_state.page.length() };
+    m_page.geometryChanged();
+}
+
+// What a raster tells of its sheet, as long as nothing is on it.
+void CurrentRaster::prepareSheet()
+{
+    if (!m_page.isOpen() && m_state.page.orientation() == 0) {
+        cutSheetToRaster();
+        centreOnSheet();
+    }
+    dropDefaultTopMargin();
+}
+
+Resolution CurrentRaster::resolution() const
+{
+    const RasterSettings& settings = m_state.raster;
+    const Resolution plain { settings.resolution, settings.resolution };
+    if (settings.componentData.empty())
+        return plain;
+    return RasterLayout::resolutionOf(settings.componentData, settings.unitResolution).value_or(plain);
+}
+
+InternalUnits CurrentRaster::declaredWidth() const
+{
+    return inUnits(m_state.raster.width.value_or(0), static_cast<double>(kUnitsPerInch) / resolution().x);
+}
+
 void CurrentRaster::start(int mode)
 {
-    centreOnSheet();
-    dropDefaultTopMargin();
+    prepareSheet();
     const int direction = rowDirection();
     const LogicalPage& page = m_state.page;
     const Position place = page.fromOrientation(page.toOrientation(m_cursor.position(), m_state.direction), direction);
@@ -96,8 +138,7 @@ void CurrentRaster::ensureOpen()
 {
     if (m_session)
         return;
-    centreOnSheet();
-    dropDefaultTopMargin();
+    prepareSheet();
     m_isScaled = false;
     begin();
 }
@@ -121,11 +162,9 @@ void CurrentRaster::begin()
     setup.origin = { settings.leftMargin, place.y };
     setup.pageEnd = page.reachDown(setup.direction);
 
-    Resolution resolution { settings.resolution, settings.resolution };
-    if (!settings.componentData.empty())
-        resolution = RasterLayout::resolutionOf(settings.componentData).value_or(resolution);
-    setup.pixelWidth = static_cast<double>(kUnitsPerInch) / resolution.x;
-    setup.pixelHeight = static_cast<double>(kUnitsPerInch) / resolution.y;
+    const Resolution dots = resolution();
+    setup.pixelWidth = static_cast<double>(kUnitsPerInch) / dots.x;
+    setup.pixelHeight = static_cast<double>(kUnitsPerInch) / dots.y;
     // Raster goes on beyond the logical page; but not where pixels that were never sent would be black.
     const bool zeroIsWhite = !settings.componentData.empty()
         || RasterLayout::forPalette(m_state.palettes.active(), 1, m_state.isMonochrome).zeroIsWhite();
@@ -157,7 +196,7 @@ void CurrentRaster::begin()
         setup.pageEnd = setup.origin.y;
     }
     if (!settings.componentData.empty()) {
-        if (auto layout = RasterLayout::forComponents(settings.componentData, width))
+        if (auto layout = RasterLayout::forComponents(settings.componentData, width, settings.unitResolution))
             setup.layout = std::move(*layout);
         setup.pixelWidth /= setup.layout.columnsPerUnit();
         setup.pixelHeight /= setup.layout.rowsPerSet();

@@ -46,8 +46,13 @@ public:
     void transferRow(ByteView data);
 
 private:
+    void prepareSheet();
     void dropDefaultTopMargin();
     void centreOnSheet();
+    void cutSheetToRaster();
+    /// Of the pixels that source width and row offsets count in.
+    Resolution resolution() const;
+    InternalUnits declaredWidth() const;
     void begin();
     void ensureOpen();
     int rowDirection() const;

@@ -8,8 +8,10 @@ namespace quillrip::pcl {
 
 namespace {
 
+constexpr int kA4 = 26;
+
 /// What else than Letter lies in the tray when nobody says so, the likeliest first.
-constexpr std::array kLongerThanLetter { 26, 3 };
+constexpr std::array kLongerThanLetter { kA4, 3 };
 
 /// What stays free left and right of the logical page.
 InternalUnits insetOf(const PageSize& size, int orientation, PrinterFamily family)
@@ -19,9 +21,10 @@ InternalUnits insetOf(const PageSize& size, int orientation, PrinterFamily famil
         return (size.isMetric ? 59 : 60) * kUnitsPerDot;
     if (family == PrinterFamily::InkjetRaster)
         return kUnitsPerInch / 8;
-    if (size.isMetric)
-        return (family == PrinterFamily::Inkjet ? 38 : 71) * kUnitsPerDot;
-    return 75 * kUnitsPerDot;
+    // The carriage prints eight inches: all but these of an A4 sheet.
+    if (family == PrinterFamily::Inkjet && size.code == kA4)
+        return 38 * kUnitsPerDot;
+    return (size.isMetric ? 71 : 75) * kUnitsPerDot;
 }
 
 /// The first row that those print who have no text margin, below the sheet's edge.
@@ -47,6 +50,13 @@ void LogicalPage::setLeftOffset(InternalUnits offset)
 {
     m_width += 2 * (m_leftOffset - offset);
     m_leftOffset = offset;
+}
+
+void LogicalPage::setBleed(InternalUnits left, InternalUnits top)
+{
+    setLeftOffset(-left);
+    m_length += m_topOffset + top;
+    m_topOffset = -top;
 }
 
 void LogicalPage::changeFamily(PrinterFamily family)

@@ -4,6 +4,8 @@
 #include "quillrip/pcl/page_sizes.h"
 #include "quillrip/raster/page_device.h"
 
+#include <algorithm>
+
 namespace quillrip::pcl {
 
 struct Position {
@@ -31,6 +33,10 @@ public:
     InternalUnits leftOffset() const { return m_leftOffset; }
     /// Another margin left and right of the logical page than the printer's family has.
     void setLeftOffset(InternalUnits offset);
+    /// The page is printed beyond the sheet's edges, so far at the left and at the top: nothing stays free.
+    void setBleed(InternalUnits left, InternalUnits top);
+    InternalUnits bleedLeft() const { return std::max<InternalUnits>(0, -m_leftOffset); }
+    InternalUnits bleedTop() const { return std::max<InternalUnits>(0, -m_topOffset); }
     PrinterFamily family() const { return m_family; }
     /// The job has shown whose sheets it counts on. A form length of its own stays.
     void changeFamily(PrinterFamily family);

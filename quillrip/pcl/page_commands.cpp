@@ -41,6 +41,33 @@ void layOutPage(Machine& machine, const LogicalPage& page)
     machine.plot().setDefaultFrame();
 }
 
+// An edge of the sheet that has no number of its own, decipoints.
+void setCustomEdge(Machine& machine, bool isWidth, double decipoints)
+{
+    Environment& environment = machine.environment();
+    State& state = machine.state();
+    if (decipoints <= 0)
+        return;
+    (isWidth ? environment.customWidth : environment.customLength) = decipoints;
+    const PageSize custom = customPageSize(environment.customWidth, environment.customLength);
+    if (state.page.size().code == kCustomPaperCode && !machine.page().isOpen() && isPossible(custom)) {
+        state.wantsCustomSheet = false;
+        layOutPage(machine, LogicalPage(custom, state.page.orientation(), environment.family));
+    }
+}
+
+// A borderless page begins beyond the sheet's left and upper edges, so that none of them can stay white.
+void setBleed(Machine& machine, bool isLeft, InternalUnits distance)
+{
+    LogicalPage& page = machine.state().page;
+    if (machine.page().isOpen() || page.orientation() != 0 || distance > kUnitsPerInch)
+        return;
+    const InternalUnits left = isLeft ? distance : page.bleedLeft();
+    page.setBleed(left, isLeft ? page.bleedTop() : distance);
+    machine.state().text = defaultTextArea(page);
+    machine.page().geometryChanged();
+}
+
 /// On an unmarked page a new top margin or line spacing takes the cursor along.
 bool waitsAtHome(Machine& machine) { return !machine.page().isMarked() && machine.cursor().isAtHome(); }
 
@@ -58,6 +85,7 @@ void setPageSize(Machine& machine, const Command& command)
     const Environment unsaid;
     state.wantsCustomSheet = code == kCustomPaperCode && environment.customWidth == unsaid.customWidth
         && environment.customLength == unsaid.customLength;
+    state.customLength = 0;
     if (!size)
         return;
     machine.ejectPage(false);
@@ -71,6 +99,8 @@ void setPageLength(Machine& machine, const Command& command)
         return;
     const LogicalPage standard = defaultState(machine.environment()).page;
     const InternalUnits length = inUnits(command.value.integer(), static_cast<double>(state.lineSpacing));
+    if (state.wantsCustomSheet)
+        state.customLength = length;
     LogicalPage page(state.page.size(), state.page.orientation(), state.page.family());
     if (length == 0) {
         page = LogicalPage(standard.size(), state.page.orientation(), state.page.family());
@@ -286,25 +316,34 @@ void setWrap(Machine& machine, const Command& command)
         machine.state().wrapsLines = mode == 0;
 }
 
-// Ink-jet drivers give the measure of a sheet of their own here, an edge at a time, in dots of the job's resolution:
-// before or after they select that sheet, but before its first mark.
+// Ink-jet drivers give the measure of a sheet of their own here, an edge at a time, and how far a borderless page goes
+// beyond the sheet, in dots of the job's resolution: before or after they select that sheet, but before its first mark.
 void extendedSetting(Machine& machine, const Command& command)
 {
     const ByteView data = command.data;
-    if (data.size != 5 || data[0] != 0x0E || data[2] != 0 || (data[1] != 5 && data[1] != 6))
+    if (data.size != 5 || data[0] != 0x0E || data[2] != 0)
         return;
-    machine.recogniseInkjet();
-    Environment& environment = machine.environment();
-    State& state = machine.state();
-    const double dotsPerInch = jobResolution(state).value_or(kDotsPerInch);
-    const double decipoints = (data[3] * 256 + data[4]) * kDecipointsPerInch / dotsPerInch;
-    if (decipoints <= 0)
-        return;
-    (data[1] == 5 ? environment.customWidth : environment.customLength) = decipoints;
-    const PageSize custom = customPageSize(environment.customWidth, environment.customLength);
-    if (state.page.size().code == kCustomPaperCode && !machine.page().isOpen() && isPossible(custom)) {
-        state.wantsCustomSheet = false;
-        layOutPage(machine, LogicalPage(custom, state.page.orientation(), environment.family));
+    const int number = data[3] * 256 + data[4];
+    const double inches = number / jobResolution(machine.state()).value_or(kDotsPerInch);
+    switch (data[1]) {
+    case 0x01:
+    case 0x02:
+        machine.recogniseInkjet();
+        setBleed(machine, data[1] == 0x01, inUnits(inches, kUnitsPerInch));
+        break;
+    case 0x05:
+    case 0x06:
+        machine.recogniseInkjet();
+        setCustomEdge(machine, data[1] == 0x05, inches * kDecipointsPerInch);
+        break;
+    case 0x0D:
+        // Borderless on models that enlarge the page themselves.
+        machine.recogniseInkjet();
+        if (number != 0)
+            setBleed(machine, true, 0);
+        break;
+    default:
+        break;
     }
 }
 

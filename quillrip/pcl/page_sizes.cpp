@@ -63,6 +63,7 @@ constexpr std::array kInkjetPageSizes {
     millimetres(43, 91, 128, 1075, 1512), // JIS B7
     millimetres(63, 88, 125, 1039, 1476), // B7
     millimetres(65, 176, 250, 2078, 2952), // B5
+    millimetres(72, 200, 148, 2362, 1748), // double postcard, fed unfolded
     millimetres(73, 105, 148, 1240, 1748), // A6
     inches(78, 3, 5, 900, 1500), // card
     inches(83, 3.625, 6.5, 1087, 1950), // No. 6 3/4 envelope
@@ -135,6 +136,24 @@ const PageSize* findLargeSheetByLength(InternalUnits length)
         const InternalUnits spare = size.dotsLong * kUnitsPerDot - length;
         if (spare >= -kUnitsPerDot && spare <= kUnitsPerInch / 6)
             return &size;
+    }
+    return nullptr;
+}
+
+const PageSize* findPageSizeByMeasure(InternalUnits width, InternalUnits length)
+{
+    const auto fits = [width, length](const PageSize& size) {
+        const InternalUnits spare = size.dotsLong * kUnitsPerDot - length;
+        return std::llabs(size.dotsWide * kUnitsPerDot - width) <= kUnitsPerInch / 20 && spare >= -kUnitsPerDot
+            && spare <= kUnitsPerInch / 6;
+    };
+    const auto in = [&fits](const auto& table) -> const PageSize* {
+        const auto found = std::find_if(table.begin(), table.end(), fits);
+        return found != table.end() ? &*found : nullptr;
+    };
+    for (const PageSize* size : { in(kPageSizes), in(kInkjetPageSizes), in(kLargeSheets) }) {
+        if (size)
+            return size;
     }
     return nullptr;
 }

@@ -34,6 +34,8 @@ const PageSize* findPageSize(int code, PrinterFamily family = PrinterFamily::Las
 const PageSize* findPageSizeByLength(InternalUnits length);
 /// The sheet of a large-format printer that holds so many inches of lines and hardly more; null when there is none.
 const PageSize* findLargeSheetByLength(InternalUnits length);
+/// The size as wide as this, to a twentieth of an inch, and as long or up to a sixth of an inch longer; null for none.
+const PageSize* findPageSizeByMeasure(InternalUnits width, InternalUnits length);
 /// The size that job control, panel or driver give under kCustomPaperCode; a logical page may be nothing of it.
 PageSize customPageSize(double width, double length);
 /// Something is left between the margins at its edges.

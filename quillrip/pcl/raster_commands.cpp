@@ -24,6 +24,8 @@ void setRasterResolution(Machine& machine, const Command& command)
         return;
     state.raster.resolution = std::min(std::trunc(command.value.number), kLargestResolution);
     state.raster.isResolutionSet = true;
+    if (!state.raster.componentData.empty())
+        state.raster.unitResolution = state.raster.resolution;
     if (isOfEarliestInkjets(state.raster.resolution))
         machine.recogniseInkjet();
     // Plotters count moves in the raster's dots.
@@ -32,8 +34,12 @@ void setRasterResolution(Machine& machine, const Command& command)
 }
 
 // Quality, depletion and seed rows: of no meaning for an image, but only PCL 3 ink-jets have them. (Shingling is known
-// to ink-jets of PCL 5 as well.)
-void noteInkjet(Machine& machine, const Command& /*command*/) { machine.recogniseInkjet(); }
+// to ink-jets of PCL 5 as well.) Drivers that serve both kinds send them to lasers, too, having entered plain PCL.
+void noteInkjet(Machine& machine, const Command& /*command*/)
+{
+    if (!machine.environment().isLanguageNamed)
+        machine.recogniseInkjet();
+}
 
 void setPresentation(Machine& machine, const Command& command)
 {
@@ -73,7 +79,7 @@ void configureRasterData(Machine& machine, const Command& command)
 {
     machine.recogniseInkjet();
     if (RasterLayout::forComponents(command.data, 1) && RasterLayout::resolutionOf(command.data))
-        machine.state().raster.componentData.assign(command.data.begin(), command.data.end());
+        machine.state().raster.setComponents(command.data);
     else
         machine.errors().warn(
             "pcl.raster-configuration", "a raster data configuration that is not understood was skipped");

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 
 namespace quillrip::pcl {
 
@@ -13,6 +14,16 @@ std::size_t packedBytes(int width, int bits)
 }
 
 unsigned bitAt(const std::vector<std::uint8_t>& plane, std::size_t x) { return (plane[x / 8] >> (7 - x % 8)) & 1u; }
+
+/// What rows and widths count in: whole pixels of the coarsest component, or coarser ones that hold several of its.
+double unitOf(double coarsest, double unitResolution)
+{
+    constexpr double kMost = 8;
+    if (unitResolution < 1 || unitResolution >= coarsest)
+        return coarsest;
+    const double pixels = coarsest / unitResolution;
+    return pixels <= kMost && pixels == std::floor(pixels) ? unitResolution : coarsest;
+}
 
 void put(std::uint8_t*& out, Rgb color)
 {
@@ -83,7 +94,7 @@ Rgb RasterLayout::directColor(std::uint8_t first, std::uint8_t second, std::uint
     return m_isMonochrome ? grayOf(color) : color;
 }
 
-std::optional<Resolution> RasterLayout::resolutionOf(ByteView componentData)
+std::optional<Resolution> RasterLayout::resolutionOf(ByteView componentData, double unitResolution)
 {
     ByteReader reader { componentData };
     const int format = reader.readU8().value_or(0);
@@ -101,10 +112,12 @@ std::optional<Resolution> RasterLayout::resolutionOf(ByteView componentData)
         coarsest = coarsest ? Resolution { std::min(coarsest->x, resolution.x), std::min(coarsest->y, resolution.y) }
                             : resolution;
     }
+    if (coarsest && format != 6)
+        coarsest = Resolution { unitOf(coarsest->x, unitResolution), unitOf(coarsest->y, unitResolution) };
     return coarsest;
 }
 
-std::optional<RasterLayout> RasterLayout::forComponents(ByteView data, int width)
+std::optional<RasterLayout> RasterLayout::forComponents(ByteView data, int width, double unitResolution)
 {
     RasterLayout layout;
     layout.m_width = width;
@@ -112,14 +125,15 @@ std::optional<RasterLayout> RasterLayout::forComponents(ByteView data, int width
     ByteReader reader { data };
     const int format = reader.readU8().value_or(0);
     const int second = reader.readU8().value_or(0);
-    const bool isWhole
-        = format == 6 ? layout.addBlocks(reader) : (format == 1 || format == 2) && layout.addComponents(reader, second);
+    const bool isWhole = format == 6
+        ? layout.addBlocks(reader)
+        : (format == 1 || format == 2) && layout.addComponents(reader, second, unitResolution);
     if (!isWhole)
         return std::nullopt;
     return layout;
 }
 
-bool RasterLayout::addComponents(ByteReader& reader, int count)
+bool RasterLayout::addComponents(ByteReader& reader, int count, double unitResolution)
 {
     if (count != 1 && count != 3 && count != 4)
         return false;
@@ -129,6 +143,7 @@ bool RasterLayout::addComponents(ByteReader& reader, int count)
     int finestX = 0;
     int finestY = 0;
     int coarsestX = 65535;
+    int coarsestY = 65535;
     for (std::size_t i = 0; i < static_cast<std::size_t>(count); ++i) {
         resolutionX[i] = reader.readU16BigEndian().value_or(0);
         resolutionY[i] = reader.readU16BigEndian().value_or(0);
@@ -143,12 +158,14 @@ bool RasterLayout::addComponents(ByteReader& reader, int count)
         finestX = std::max(finestX, resolutionX[i]);
         finestY = std::max(finestY, resolutionY[i]);
         coarsestX = std::min(coarsestX, resolutionX[i]);
+        coarsestY = std::min(coarsestY, resolutionY[i]);
         m_components.push_back(component);
     }
     if (finestX % coarsestX != 0)
         return false;
-    m_columnsPerUnit = finestX / coarsestX;
+    m_columnsPerUnit = finestX / static_cast<int>(unitOf(coarsestX, unitResolution));
     m_width *= m_columnsPerUnit;
+    m_rowsPerSet = finestY % coarsestY == 0 ? finestY / static_cast<int>(unitOf(coarsestY, unitResolution)) : 1;
     for (std::size_t i = 0; i < m_components.size(); ++i) {
         Component& component = m_components[i];
         component.stepX = finestX / resolutionX[i];

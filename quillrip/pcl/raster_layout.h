@@ -23,10 +23,11 @@ public:
     /// Rows of `width` pixels in the active palette.
     static RasterLayout forPalette(const Palette& palette, int width, bool isMonochrome);
     /// Rows of ink components of their own resolutions (ESC*g#W), `width` pixels of the coarsest of them: drivers count
-    /// source width and row offsets in those. Nothing for data that make no configuration.
-    static std::optional<RasterLayout> forComponents(ByteView data, int width);
+    /// source width and row offsets in those, or in coarser pixels where they say so (ESC*t#R behind it, dots per inch;
+    /// 0: unsaid). Nothing for data that make no configuration.
+    static std::optional<RasterLayout> forComponents(ByteView data, int width, double unitResolution = 0);
     /// The resolution that such data set: of the coarsest component, across and down.
-    static std::optional<Resolution> resolutionOf(ByteView componentData);
+    static std::optional<Resolution> resolutionOf(ByteView componentData, double unitResolution = 0);
 
     const std::vector<Transfer>& transfers() const { return m_transfers; }
     /// Rows of pixels that one set of transfers makes: more than 1 where components differ in vertical resolution.
@@ -68,7 +69,7 @@ private:
     void composeDirect(const std::vector<std::uint8_t>& plane, std::uint8_t* out) const;
     void composeComponents(const Planes& planes, int subRow, std::uint8_t* out) const;
     Rgb directColor(std::uint8_t first, std::uint8_t second, std::uint8_t third) const;
-    bool addComponents(ByteReader& reader, int count);
+    bool addComponents(ByteReader& reader, int count, double unitResolution);
     bool addBlocks(ByteReader& reader);
 
     Kind m_kind = Kind::Mono;

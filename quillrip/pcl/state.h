@@ -45,7 +45,14 @@ struct RasterSettings {
     InternalUnits destinationHeight = 0;
     int compression = 0;
     InternalUnits leftMargin = 0;
+    double unitResolution = 0; ///< ESC*t#R behind the component data: what widths and rows count in; 0: unsaid
     std::vector<std::uint8_t> componentData; ///< ESC*g#W: overrides resolution and colour planes; empty: none
+
+    void setComponents(ByteView data)
+    {
+        componentData.assign(data.begin(), data.end());
+        unitResolution = 0;
+    }
 };
 
 /// The HP-GL/2 picture frame, in the orientation's own axes.
@@ -62,6 +69,7 @@ struct FrameSettings {
 struct State {
     LogicalPage page;
     bool wantsCustomSheet = false; ///< page size 101 was selected and nothing said its size: the page length may yet
+    InternalUnits customLength = 0; ///< what the page length said then; 0: nothing
     InternalUnits registrationX = 0;
     InternalUnits registrationY = 0;
     int direction = 0; ///< print direction in quarter turns counter-clockwise

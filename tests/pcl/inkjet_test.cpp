@@ -179,3 +179,87 @@ TEST(PclInkjet, DropsOfFourLevelInkAddUpLessAndLess)
     EXPECT_EQ(printed.color(77, 0).red, 64);
     EXPECT_EQ(printed.color(78, 0), kBlack);
 }
+
+TEST(PclInkjet, JobsEnteredAsPclAreALasersWhateverQualityTheyAskFor)
+{
+    PrinterSettings named;
+    named.environment.isLanguageNamed = true;
+    for (const std::string quality : { "*o1M", "*b0S", "*r0Q" }) {
+        EXPECT_EQ(print(kA4 + e(quality) + kDot, named).ink().left, 71) << quality;
+        EXPECT_EQ(print(kA4 + e(quality) + kDot).ink().left, 38) << quality;
+    }
+}
+
+TEST(PclInkjet, OtherMetricSheetsThanA4KeepTheMarginsOfALaser)
+{
+    for (const std::string size : { "25", "45", "100" })
+        EXPECT_EQ(print(kInkjet + e("&l" + size + "A") + kDot).ink().left, 71) << size;
+}
+
+TEST(PclInkjet, DoublePostcardsAreFedUnfolded)
+{
+    expectSheet(print(kInkjet + e("&l72A") + kDot), 200 / 25.4, 148 / 25.4);
+    expectSheet(print(e("&l72A") + kDot), 148 / 25.4, 200 / 25.4);
+}
+
+TEST(PclInkjet, BorderlessPagesBeginBeyondTheSheet)
+{
+    // 30 dots beyond the left edge, 18 beyond the top.
+    const std::string start = e("E") + e("&l122A") + e("&u300D") + e("*t300R") + e("*r1560S") + sheetEdge(2, 18)
+        + sheetEdge(1, 30) + e("*r1A") + e("*p0Y");
+    const auto dotAt = [](int x, int y) {
+        std::string pixels(195, '\0');
+        pixels[static_cast<std::size_t>(x / 8)] = static_cast<char>(0x80 >> x % 8);
+        return e("*b" + std::to_string(y) + "Y") + command("*b", "W", pixels);
+    };
+    const Printed corner = printRaster(start + dotAt(30, 18));
+    EXPECT_EQ(corner.ink().left, 0);
+    EXPECT_EQ(corner.ink().top, 0);
+    EXPECT_EQ(printRaster(start + dotAt(29, 18)).blackPixels(), 0U);
+    EXPECT_EQ(printRaster(start + dotAt(30, 17)).blackPixels(), 0U);
+    EXPECT_EQ(printRaster(start + dotAt(30 + 1499, 18)).ink().left, 1499);
+    expectSheet(corner, 5, 7);
+}
+
+TEST(PclInkjet, BorderlessPagesOfModelsThatEnlargeThemBeginInTheCorner)
+{
+    const auto start = [](int isBorderless) {
+        return e("E") + e("&l122A") + e("&u300D") + sheetEdge(0x0D, isBorderless) + e("*p0Y") + kDot;
+    };
+    EXPECT_EQ(printRaster(start(1)).ink().left, 0);
+    EXPECT_EQ(printRaster(start(1)).ink().top, 0);
+    EXPECT_EQ(printRaster(start(0)).ink().top, 21);
+}
+
+TEST(PclInkjet, SheetsWithoutANumberAreAsLongAsThePageAndAsWideAsTheRasterAllows)
+{
+    // Lines of a sixth of an inch; the raster goes from margin to margin.
+    const auto job = [](int lines, int width, int height) {
+        return e("&l101A") + e("&l" + std::to_string(lines) + "P") + e("&l0L") + e("&l0E") + e("*t150R") + e("&a0H")
+            + e("&a0V") + e("*r" + std::to_string(width) + "S") + e("*r" + std::to_string(height) + "T") + e("*r1A")
+            + row({ 0x80 });
+    };
+    expectSheet(print(job(54, 825, 1275)), 6, 9);
+    expectSheet(print(job(155, 2475, 3800)), 17, 155 / 6.0);
+    expectSheet(print(job(34, 514, 797)), 100 / 25.4, 148 / 25.4); // a postcard, whose length is no whole line
+    expectSheet(print(job(40, 825, 300)), 8.5, 11); // a picture that does not fill the page
+    const Printed card = print(job(54, 825, 1275));
+    EXPECT_EQ(card.ink().left, 75);
+    EXPECT_EQ(card.ink().top, 0);
+}
+
+TEST(PclInkjet, RowsOfFinerInkCountInTheResolutionThatIsSaidBehindIt)
+{
+    // Black of 600 dots to the inch; widths, rows and offsets of 300: each row is two transfers of twice the pixels.
+    const std::string black = command("*g", "W", bytes({ 2, 1, 2, 88, 2, 88, 0, 2 }));
+    const std::string start = kStart + black + e("*t300R") + at(0, 0) + e("*r8s1A");
+    const std::string both = plane({ 0xFF, 0xFF }) + row({ 0xFF, 0xFF });
+    const PixelRect first = print(start + both).ink();
+    EXPECT_EQ(first.left, 75);
+    EXPECT_EQ(first.right - first.left, 8);
+    EXPECT_EQ(first.bottom - first.top, 1);
+    EXPECT_EQ(print(start + e("*b6Y") + both).ink().top, 6);
+    // What was said before the ink does not count: then a row is one transfer of the ink's own pixels.
+    const PixelRect fine = print(kStart + e("*t300R") + black + at(0, 0) + e("*r16s1A") + row({ 0xFF, 0xFF })).ink();
+    EXPECT_EQ(fine.right - fine.left, 8);
+}
