@@ -31,6 +31,29 @@ def similarity(a, b, resolution):
     return min(results)
 
 
+def moved(a, b, limit):
+    """How far the second page's ink lies right of and below the first's, in pixels, at most the limit."""
+    size = (max(a.height, b.height) + limit, max(a.width, b.width) + limit)
+    spectra = [np.fft.rfft2(1 - np.asarray(page, dtype=np.float32) / 255, size) for page in (a, b)]
+    match = np.fft.irfft2(np.conj(spectra[0]) * spectra[1], size)
+    near = np.concatenate((match[:limit + 1], match[-limit:]))
+    near = np.concatenate((near[:, :limit + 1], near[:, -limit:]), axis=1)
+    y, x = np.unravel_index(np.argmax(near), near.shape)
+    offsets = []
+    for line, at in ((near[y], x), (near[:, x], y)):
+        # The peak lies between pixels, where a parabola through its neighbours has its top.
+        before, here, after = np.take(line, (at - 1, at, at + 1), mode="wrap")
+        bend = before - 2 * here + after
+        whole = int(at) if at <= limit else int(at) - 2 * limit - 1
+        offsets.append(whole + (0.5 * float(before - after) / float(bend) if bend else 0.0))
+    return offsets
+
+
+def shifted(page, x, y):
+    """The grey or coloured page, so many pixels further left and up, which need not be whole."""
+    return page.transform(page.size, Image.AFFINE, (1, 0, x, 0, 1, y), Image.BICUBIC, fillcolor="white")
+
+
 def picture(a, b, path):
     factor = max(1, a.width // 850)
     a, b = a.reduce(factor), b.reduce(factor).crop((0, 0, a.width // factor, a.height // factor))
