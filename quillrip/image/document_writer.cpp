@@ -97,7 +97,7 @@ private:
         case FileType::Bmp:
             return makeBmpEncoder(std::move(page), target, m_reason);
         case FileType::Png:
-            return makePngEncoder(std::move(page), target, m_whiteRows);
+            return makePngEncoder(std::move(page), target);
         case FileType::Jpeg:
             return makeJpegEncoder(std::move(page), target, m_options.jpegQuality, m_reason);
         case FileType::Pcx:
@@ -119,7 +119,6 @@ private:
     DocumentOptions m_options;
     OutputFiles m_files;
     TiffDocument m_tiff;
-    std::shared_ptr<const WhiteRows> m_whiteRows;
     EncodingPipeline m_pipeline; // last: its threads end before what they use
     std::string m_reason;
     int m_pageCount = 0;

@@ -9,8 +9,6 @@
 
 namespace quillrip {
 
-class WhiteRows;
-
 /// Where a page goes that gets a file of its own.
 struct PageTarget {
     OutputFiles& files;
@@ -46,10 +44,8 @@ std::unique_ptr<PageEncoder> makeBmpEncoder(PageBitmap&& page, PageTarget target
 /// PCX version 5: 1 bit, 8 bits with the palette at the end, or three planes of 8 bits; run lengths.
 std::unique_ptr<PageEncoder> makePcxEncoder(PageBitmap&& page, PageTarget target, std::string& reason);
 
-/// PNG: grey of 1 or 8 bits, or RGB; not interlaced. What is compressed for one page is kept in `whiteRows` for the
-/// next. Holds every page.
-std::unique_ptr<PageEncoder> makePngEncoder(
-    PageBitmap&& page, PageTarget target, std::shared_ptr<const WhiteRows>& whiteRows);
+/// PNG: grey of 1 or 8 bits, or RGB; not interlaced. Holds every page.
+std::unique_ptr<PageEncoder> makePngEncoder(PageBitmap&& page, PageTarget target);
 
 /// Baseline JPEG (JFIF): grey, also for bilevel pages, or YCbCr without subsampling.
 std::unique_ptr<PageEncoder> makeJpegEncoder(PageBitmap&& page, PageTarget target, int quality, std::string& reason);

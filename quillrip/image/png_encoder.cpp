@@ -2,12 +2,11 @@
 //
 // The compressed data of a PNG is one zlib stream (RFC 1950). It is made here from raw deflate streams, one per band
 // of rows, that different threads compress: each but the last ends on a byte boundary by a flush and refers to nothing
-// before its start, so they can be joined as they are, and with long runs of white rows, which are compressed once
-// for all. Only the checksum at the end covers all of them.
+// before its start, so they can be joined as they are. Only the checksum at the end covers all of them.
 
+#include "quillrip/image/deflate_encoder.h"
 #include "quillrip/image/file_encoder.h"
 #include "quillrip/image/header_bytes.h"
-#include "quillrip/image/png_deflate.h"
 #include "quillrip/image/png_filter.h"
 
 #include <algorithm>
@@ -16,6 +15,8 @@
 #include <memory>
 #include <string>
 #include <vector>
+
+#include <zlib.h>
 
 namespace quillrip {
 
@@ -57,31 +58,28 @@ struct Method {
     DeflateMethod deflate;
 };
 
-/// Black and white: bytes are eight pixels, where no filter helps.
-constexpr Method kForBilevel { PngFilter::None, { 5, Z_DEFAULT_STRATEGY } };
-/// Text and drawings: few bytes differ from what the filter expects, so a thorough search costs little.
-constexpr Method kForSparse { PngFilter::Paeth, { 6, Z_DEFAULT_STRATEGY } };
+/// Text and drawings: most rows are like those above. Few bytes are left that differ, so a thorough search costs
+/// little.
+constexpr Method kForSparse { PngFilter::Up, { 32, 128 } };
 /// Pictures: what the filter leaves has no repetitions worth a search.
-constexpr Method kForPictures { PngFilter::Paeth, { 1, Z_RLE } };
+constexpr Method kForPictures { PngFilter::Paeth, { 0, 0 } };
 /// Patterns and dithered pictures: repetitions, but no smoothness.
-constexpr Method kForPatterns { PngFilter::None, { 1, Z_DEFAULT_STRATEGY } };
+constexpr Method kForPatterns { PngFilter::None, { 6, 32 } };
 
-/// Fewer non-zero bytes than one in this many, after the filter, make a band sparse.
+/// Fewer bytes than one in this many that differ from the one above make a band sparse.
 constexpr std::size_t kSparseness = 12;
 constexpr std::size_t kSampleBytes = std::size_t { 64 } << 10;
+/// White rows from this many bytes on are compressed without looking at them.
+constexpr std::size_t kLongWhiteRun = std::size_t { 128 } << 10;
 
 class PngEncoder final : public FileEncoder {
 public:
-    PngEncoder(PageBitmap&& bitmap, PageTarget target, std::shared_ptr<const WhiteRows>& whiteRows)
+    PngEncoder(PageBitmap&& bitmap, PageTarget target)
         : FileEncoder(std::move(bitmap), std::move(target))
         , m_rowBytes(page().rowBytes() + 1)
+        , m_pixelBytes(page().format() == PixelFormat::Rgb24 ? 3 : 1)
     {
-        const std::size_t longestRun = cutIntoBands();
-        if (longestRun > 0
-            && (!whiteRows || whiteRows->rowBytes() != m_rowBytes || whiteRows->longestRun() < longestRun))
-            whiteRows
-                = std::make_shared<const WhiteRows>(m_rowBytes, static_cast<std::uint8_t>(PngFilter::Up), longestRun);
-        m_whiteRows = whiteRows;
+        cutIntoBands();
     }
 
     int pieceCount() const override { return static_cast<int>(m_bandTops.size()) - 1; }
@@ -98,28 +96,28 @@ public:
         }
         PngRowFilter filter { page() };
         const Method method = methodFor(piece, filter);
-        Deflater deflater { out, method.deflate };
-        if (!deflater.isReady())
-            return "not enough memory to encode a page";
+        DeflateEncoder deflate { out, m_pixelBytes, method.deflate };
         const int top = m_bandTops[static_cast<std::size_t>(piece)];
         const int bottom = m_bandTops[static_cast<std::size_t>(piece) + 1];
-        encoded.checksum = static_cast<std::uint32_t>(adler32_z(0, nullptr, 0));
         for (int y = top; y < bottom;) {
             const int whiteRows = repeatedWhiteRows(y, bottom);
-            if (isJoined(whiteRows) && m_whiteRows->isReady()) {
-                deflater.add(nullptr, 0, Z_FULL_FLUSH);
-                m_whiteRows->join(static_cast<std::size_t>(whiteRows), deflater, encoded.checksum);
+            if (isLong(whiteRows)) {
+                deflate.addZeroRows(
+                    static_cast<std::uint8_t>(PngFilter::Up), m_rowBytes - 1, static_cast<std::size_t>(whiteRows));
                 y += whiteRows;
                 continue;
             }
             for (const int end = y + std::max(whiteRows, 1); y < end; ++y) {
-                const std::uint8_t* row = filter.filtered(y, method.filter);
-                encoded.checksum = static_cast<std::uint32_t>(adler32_z(encoded.checksum, row, m_rowBytes));
-                deflater.add(row, m_rowBytes, Z_NO_FLUSH);
+                filter.apply(y, method.filter, deflate.room(m_rowBytes));
+                deflate.commit(m_rowBytes);
             }
         }
-        encoded.plainSize = m_rowBytes * static_cast<std::size_t>(bottom - top);
-        deflater.add(nullptr, 0, bottom == page().height() ? Z_FINISH : Z_FULL_FLUSH);
+        if (bottom == page().height())
+            deflate.finish();
+        else
+            deflate.flush();
+        encoded.checksum = deflate.checksum();
+        encoded.plainSize = deflate.plainSize();
         closeChunk(out, chunk);
         return {};
     }
@@ -150,14 +148,11 @@ private:
         return y - first;
     }
 
-    /// Whether so many white rows are joined from what is compressed already.
-    bool isJoined(int rows) const { return WhiteRows::isWorthwhile(static_cast<std::size_t>(rows), m_rowBytes); }
+    bool isLong(int whiteRows) const { return static_cast<std::size_t>(whiteRows) * m_rowBytes >= kLongWhiteRun; }
 
-    /// Bands hold about the same number of bytes that have to be compressed. Returns the longest run of white rows
-    /// that have not.
-    std::size_t cutIntoBands()
+    /// Bands hold about the same number of bytes that have to be looked at.
+    void cutIntoBands()
     {
-        std::size_t longestRun = 0;
         std::size_t bytes = 0;
         m_bandTops.push_back(0);
         for (int y = 0; y < page().height();) {
@@ -167,40 +162,37 @@ private:
             }
             // A run of white rows stays in one band, short or long.
             const int whiteRows = repeatedWhiteRows(y, page().height());
-            const auto rows = static_cast<std::size_t>(std::max(whiteRows, 1));
-            if (isJoined(whiteRows))
-                longestRun = std::max(longestRun, rows);
-            else
-                bytes += rows * m_rowBytes;
-            y += static_cast<int>(rows);
+            const int rows = std::max(whiteRows, 1);
+            if (!isLong(whiteRows))
+                bytes += static_cast<std::size_t>(rows) * m_rowBytes;
+            y += rows;
         }
         m_bandTops.push_back(page().height());
-        return longestRun;
     }
 
     Method methodFor(int band, PngRowFilter& filter) const
     {
-        if (page().format() == PixelFormat::Bilevel)
-            return kForBilevel;
         constexpr int kStep = 8;
         const int top = m_bandTops[static_cast<std::size_t>(band)];
         const int bottom = m_bandTops[static_cast<std::size_t>(band) + 1];
+        std::vector<std::uint8_t> row(m_rowBytes);
         std::vector<int> seen;
         std::size_t nonZero = 0;
-        for (int y = top; y < bottom; y += kStep) {
+        for (int y = std::max(top, 1); y < bottom; y += kStep) {
             if (PngRowFilter::isRepeatedWhite(page(), y))
                 continue;
             seen.push_back(y);
-            const std::uint8_t* row = filter.filtered(y, PngFilter::Paeth) + 1;
-            nonZero += page().rowBytes() - static_cast<std::size_t>(std::count(row, row + page().rowBytes(), 0));
+            filter.apply(y, PngFilter::Up, row.data());
+            nonZero += m_rowBytes - static_cast<std::size_t>(std::count(row.begin(), row.end(), 0));
         }
-        if (nonZero <= seen.size() * page().rowBytes() / kSparseness)
+        if (nonZero <= seen.size() * m_rowBytes / kSparseness)
             return kForSparse;
-        // The thorough search takes several times as long as the others, so it has to be worth it.
         const int middle = seen[seen.size() / 2];
-        const std::size_t asPicture = sampleSize(middle, bottom, kForPictures, filter);
+        // Bytes of eight pixels have no neighbours to be foretold from.
+        const bool hasTones = page().format() != PixelFormat::Bilevel;
+        const std::size_t asPicture = hasTones ? sampleSize(middle, bottom, kForPictures, filter) : SIZE_MAX;
         const std::size_t asPattern = sampleSize(middle, bottom, kForPatterns, filter);
-        if (sampleSize(middle, bottom, kForSparse, filter) < std::min(asPicture, asPattern) / 4 * 3)
+        if (sampleSize(middle, bottom, kForSparse, filter) < std::min(asPicture, asPattern))
             return kForSparse;
         return asPattern < asPicture ? kForPatterns : kForPictures;
     }
@@ -209,13 +201,13 @@ private:
     std::size_t sampleSize(int top, int bottom, const Method& method, PngRowFilter& filter) const
     {
         std::vector<std::uint8_t> out;
-        Deflater deflater { out, method.deflate };
-        if (!deflater.isReady())
-            return 0;
+        DeflateEncoder deflate { out, m_pixelBytes, method.deflate };
         std::size_t bytes = 0;
-        for (int y = top; y < bottom && bytes < kSampleBytes; ++y, bytes += m_rowBytes)
-            deflater.add(filter.filtered(y, method.filter), m_rowBytes, Z_NO_FLUSH);
-        deflater.add(nullptr, 0, Z_FINISH);
+        for (int y = top; y < bottom && bytes < kSampleBytes; ++y, bytes += m_rowBytes) {
+            filter.apply(y, method.filter, deflate.room(m_rowBytes));
+            deflate.commit(m_rowBytes);
+        }
+        deflate.finish();
         return out.size();
     }
 
@@ -238,17 +230,16 @@ private:
     }
 
     std::size_t m_rowBytes; ///< with the filter's number
+    std::size_t m_pixelBytes;
     std::vector<int> m_bandTops; ///< and the page's height
-    std::shared_ptr<const WhiteRows> m_whiteRows;
     uLong m_checksum = adler32_z(0, nullptr, 0);
 };
 
 } // namespace
 
-std::unique_ptr<PageEncoder> makePngEncoder(
-    PageBitmap&& page, PageTarget target, std::shared_ptr<const WhiteRows>& whiteRows)
+std::unique_ptr<PageEncoder> makePngEncoder(PageBitmap&& page, PageTarget target)
 {
-    return std::make_unique<PngEncoder>(std::move(page), std::move(target), whiteRows);
+    return std::make_unique<PngEncoder>(std::move(page), std::move(target));
 }
 
 } // namespace quillrip

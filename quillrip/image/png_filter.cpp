@@ -1,7 +1,5 @@
 #include "quillrip/image/png_filter.h"
 
-#include "quillrip/image/light_rows.h"
-
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
@@ -40,52 +38,47 @@ PngRowFilter::PngRowFilter(const PageBitmap& page)
     : m_page(page)
     , m_rowBytes(page.rowBytes())
     , m_white(m_rowBytes)
-    , m_filtered(m_rowBytes + 1)
 {
 }
 
-void PngRowFilter::clear()
+void PngRowFilter::apply(int y, PngFilter filter, std::uint8_t* out)
 {
-    std::fill(m_filtered.begin() + static_cast<std::ptrdiff_t>(m_dirtyLeft),
-        m_filtered.begin() + static_cast<std::ptrdiff_t>(m_dirtyRight), std::uint8_t { 0 });
-    m_dirtyLeft = 0;
-    m_dirtyRight = 0;
-}
+    if (y == 0)
+        filter = PngFilter::None;
+    else if (isRepeatedWhite(m_page, y))
+        filter = PngFilter::Up;
+    *out++ = static_cast<std::uint8_t>(filter);
+    if (filter == PngFilter::None)
+        return lightRow(m_page, y, out);
 
-const std::uint8_t* PngRowFilter::filtered(int y, PngFilter filter)
-{
-    clear();
-    if (isRepeatedWhite(m_page, y)) {
-        m_filtered[0] = static_cast<std::uint8_t>(PngFilter::Up);
-    } else if (filter == PngFilter::Paeth && y > 0) {
-        m_filtered[0] = static_cast<std::uint8_t>(PngFilter::Paeth);
-        applyPaeth(y);
-    } else {
-        m_filtered[0] = static_cast<std::uint8_t>(PngFilter::None);
-        lightRow(m_page, y, &m_filtered[1]);
-        m_dirtyLeft = 1;
-        m_dirtyRight = m_filtered.size();
-    }
-    return m_filtered.data();
-}
-
-void PngRowFilter::applyPaeth(int y)
-{
+    if (m_knownRow != y - 1)
+        m_known = inkExtent(m_page, y - 1);
+    const ByteExtent there = m_known;
+    m_known = inkExtent(m_page, y);
+    m_knownRow = y;
+    const ByteExtent here = m_known;
     const std::size_t bytesPerPixel = m_page.format() == PixelFormat::Rgb24 ? 3 : 1;
-    const ByteExtent here = inkExtent(m_page, y);
-    const ByteExtent there = inkExtent(m_page, y - 1);
     const std::uint8_t* row = here.empty() ? m_white.data() : m_page.row(y);
     const std::uint8_t* above = there.empty() ? m_white.data() : m_page.row(y - 1);
     // Where this row, the one above and the pixels to their left are white, the result is 0.
     const std::size_t left = here.empty() ? there.left : there.empty() ? here.left : std::min(here.left, there.left);
-    const std::size_t right = std::min(std::max(here.right, there.right) + bytesPerPixel, m_rowBytes);
-    std::uint8_t* out = &m_filtered[1];
+    const bool isPaeth = filter == PngFilter::Paeth;
+    const std::size_t right = std::min(std::max(here.right, there.right) + (isPaeth ? bytesPerPixel : 0), m_rowBytes);
+    if (left >= right) {
+        std::memset(out, 0, m_rowBytes);
+        return;
+    }
+    std::memset(out, 0, left);
+    std::memset(out + right, 0, m_rowBytes - right);
+    if (!isPaeth) {
+        for (std::size_t i = left; i < right; ++i)
+            out[i] = static_cast<std::uint8_t>(above[i] - row[i]);
+        return;
+    }
     // What is left of the first pixel counts as black in both rows, so the one above it is the nearest.
     for (std::size_t i = left; i < bytesPerPixel; ++i)
         out[i] = static_cast<std::uint8_t>(above[i] - row[i]);
     paeth(row, above, std::max(left, bytesPerPixel), right, bytesPerPixel, out);
-    m_dirtyLeft = left + 1;
-    m_dirtyRight = right + 1;
 }
 
 } // namespace quillrip

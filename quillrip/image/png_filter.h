@@ -1,6 +1,7 @@
 #pragma once
 
 #include "quillrip/base/page_bitmap.h"
+#include "quillrip/image/light_rows.h"
 
 #include <cstdint>
 #include <vector>
@@ -15,9 +16,9 @@ class PngRowFilter {
 public:
     explicit PngRowFilter(const PageBitmap& page);
 
-    /// 1 + page.rowBytes() bytes; valid until the next call. Up is used for repeated white rows only, whatever
-    /// `filter` says: then all bytes behind the first are 0.
-    const std::uint8_t* filtered(int y, PngFilter filter);
+    /// 1 + page.rowBytes() bytes to `out`. The page's first row is never filtered. Repeated white rows have the filter
+    /// Up, whatever `filter` says: then all bytes behind the first are 0. Bilevel pages have no Paeth.
+    void apply(int y, PngFilter filter, std::uint8_t* out);
 
     /// True for a white row below another one.
     static bool isRepeatedWhite(const PageBitmap& page, int y)
@@ -26,15 +27,11 @@ public:
     }
 
 private:
-    void clear();
-    void applyPaeth(int y);
-
     const PageBitmap& m_page;
     std::size_t m_rowBytes;
     std::vector<std::uint8_t> m_white; ///< stands for rows that the bitmap need not be asked for
-    std::vector<std::uint8_t> m_filtered;
-    std::size_t m_dirtyLeft = 0; ///< the bytes of m_filtered that may differ from 0
-    std::size_t m_dirtyRight = 0;
+    int m_knownRow = -1; ///< whose ink m_known is: the next row asks for it again, as the one above
+    ByteExtent m_known;
 };
 
 } // namespace quillrip

@@ -83,12 +83,12 @@ void expectWholePng(const PageBitmap& page)
 
 } // namespace
 
-TEST(PngEncoder, WhiteRunsAreJoinedWhereverTheyLie)
+TEST(PngEncoder, LongWhiteRunsMayLieAnywhere)
 {
     PageBitmap page { PixelFormat::Rgb24, 2000, 1500, { 600, 600 } };
     drawBox(page, 10, 100, 1990, 101, 0x80); // one row between two runs
     drawBox(page, 0, 300, 2000, 420, 0x11);
-    drawBox(page, 500, 425, 600, 430, 0xFF); // after a run too short to be joined
+    drawBox(page, 500, 425, 600, 430, 0xFF); // after a short run
     drawBox(page, 0, 1499, 1, 1500, 0xFF); // the last row
     expectWholePng(page);
 }
@@ -144,10 +144,11 @@ TEST(PngRowFilter, PaethIsTheStandardsPredictor)
                 return x < 0 || y < 0 ? 0 : 255 - page.row(y)[x]; // outside counts as 0
             };
             PngRowFilter filter { page };
+            std::vector<std::uint8_t> row(1 + page.rowBytes());
             for (int y = 1; y < page.height(); ++y) {
                 if (PngRowFilter::isRepeatedWhite(page, y))
                     continue;
-                const std::uint8_t* row = filter.filtered(y, PngFilter::Paeth);
+                filter.apply(y, PngFilter::Paeth, row.data());
                 ASSERT_EQ(row[0], 4);
                 for (int x = 0; x < 77 * bytesPerPixel; ++x) {
                     const int a = light(x - bytesPerPixel, y);
@@ -158,8 +159,31 @@ TEST(PngRowFilter, PaethIsTheStandardsPredictor)
                     const int db = std::abs(estimate - b);
                     const int dc = std::abs(estimate - c);
                     const int predicted = da <= db && da <= dc ? a : db <= dc ? b : c;
-                    ASSERT_EQ(row[1 + x], static_cast<std::uint8_t>(light(x, y) - predicted)) << x << ", " << y;
+                    ASSERT_EQ(row[1 + static_cast<std::size_t>(x)], static_cast<std::uint8_t>(light(x, y) - predicted))
+                        << x << ", " << y;
                 }
+            }
+        }
+    }
+}
+
+TEST(PngRowFilter, UpIsWhatARowAddsToTheOneAbove)
+{
+    for (const PixelFormat format : { PixelFormat::Bilevel, PixelFormat::Gray8, PixelFormat::Rgb24 }) {
+        for (const Content content : { Content::Noise, Content::Text, Content::Picture }) {
+            const PageBitmap page = makePage(format, 77, 30, content);
+            PngRowFilter filter { page };
+            // What is not written shows.
+            std::vector<std::uint8_t> row(1 + page.rowBytes(), 0xEE);
+            std::vector<std::uint8_t> light(page.rowBytes());
+            std::vector<std::uint8_t> lightAbove(page.rowBytes());
+            for (const int y : { 1, 2, 3, 17, 16, 29 }) { // also out of order
+                filter.apply(y, PngFilter::Up, row.data());
+                lightRow(page, y, light.data());
+                lightRow(page, y - 1, lightAbove.data());
+                ASSERT_EQ(row[0], 2);
+                for (std::size_t i = 0; i < light.size(); ++i)
+                    ASSERT_EQ(static_cast<std::uint8_t>(lightAbove[i] + row[1 + i]), light[i]) << i << ", " << y;
             }
         }
     }
@@ -169,9 +193,11 @@ TEST(PngRowFilter, RepeatedWhiteRowsAreZeros)
 {
     const PageBitmap page { PixelFormat::Bilevel, 77, 3, {} };
     PngRowFilter filter { page };
-    EXPECT_EQ(filter.filtered(0, PngFilter::None)[0], 0);
-    const std::uint8_t* row = filter.filtered(1, PngFilter::None);
+    std::vector<std::uint8_t> row(11, 0xEE);
+    filter.apply(0, PngFilter::None, row.data());
+    EXPECT_EQ(row[0], 0);
+    filter.apply(1, PngFilter::None, row.data());
     EXPECT_EQ(row[0], 2);
-    for (int i = 1; i <= 10; ++i)
+    for (std::size_t i = 1; i <= 10; ++i)
         EXPECT_EQ(row[i], 0);
 }
