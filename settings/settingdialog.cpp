@@ -1,23 +1,18 @@
 #include "settings/settingdialog.h"
 
+#include "settings/fittingfont.h"
 #include "settings/optionvocabulary.h"
 #include "ui_settingdialog.h"
 
 #include <QAbstractItemView>
-#include <QFontInfo>
-#include <QFontMetrics>
 #include <QPalette>
 #include <QPixmap>
 #include <QShowEvent>
-#include <QStyleOptionComboBox>
-
-#include <algorithm>
 
 namespace {
 
 constexpr int kDialogWidth = 400;
 constexpr int kDialogHeight = 300;
-constexpr int kSmallestFontPixels = 8;
 
 template <std::size_t N> QStringList ListOf(const std::array<const char*, N>& table)
 {
@@ -65,10 +60,10 @@ SettingDialog::SettingDialog(QWidget* parent)
 
     SetBackground();
     NameLists();
-    FitFont();
 
-    // Filling the lists already runs the slots above, so the connections come first.
+    // Filling the lists already runs the slots above, so the connections come first. Then each has its longest entry.
     IniAllChoice();
+    FitFonts();
     LoadInfo();
 }
 
@@ -103,31 +98,17 @@ void SettingDialog::showEvent(QShowEvent* event)
     pFirst->setFocus(Qt::OtherFocusReason);
 }
 
-// Of the rows whose texts a font can make too wide for the form, this is the widest by far.
-int SettingDialog::FaxRowWidth(const QFont& rowFont) const
+// Blanks put the labels of the two lower lists in their places, so a label's size and its list's go together.
+void SettingDialog::FitFonts()
 {
-    const QFontMetrics metrics(rowFont);
-    int iLongest = 0;
-    for (const char* chFaxKind : vocabulary::kFaxKinds)
-        iLongest = std::max(iLongest, metrics.horizontalAdvance(QLatin1String(chFaxKind)));
-    QStyleOptionComboBox option;
-    option.initFrom(ui->comboBox_FaxKind);
-    option.fontMetrics = metrics;
-    const QSize list = style()->sizeFromContents(
-        QStyle::CT_ComboBox, &option, QSize(iLongest, metrics.height()), ui->comboBox_FaxKind);
-    return metrics.horizontalAdvance(ui->label_7->text()) + ui->horizontalLayout_6->spacing() + list.width();
-}
-
-// The form's places are pixels, and blanks put its labels there. Where the desktop's font is too wide for that, the
-// longest fax kind would lose its end; the dialog then takes the largest size that leaves it whole.
-void SettingDialog::FitFont()
-{
-    QFont fittingFont = font();
-    for (int iPixels = QFontInfo(fittingFont).pixelSize() - 1;
-         iPixels >= kSmallestFontPixels && FaxRowWidth(fittingFont) > ui->layoutWidget3->width(); --iPixels)
-        fittingFont.setPixelSize(iPixels);
-    if (fittingFont != font())
-        setFont(fittingFont);
+    FitFont({ ui->checkBox_PageSize, ui->label_3, ui->lineEdit_PageSizeX, ui->label_4, ui->lineEdit_PageSizeY,
+        ui->checkBox_Resolution, ui->label_5, ui->lineEdit_ResoX, ui->label_6, ui->lineEdit_ResoY });
+    FitFont({ ui->comboBox_BitCount });
+    FitFont({ ui->label_2, ui->label, ui->comboBox_Format });
+    FitFont({ ui->label_9, ui->comboBox_Compress });
+    FitFont({ ui->label_7, ui->comboBox_FaxKind });
+    FitFont({ ui->groupBox }); // its children have sizes of their own by now
+    FitFont({ ui->pushButton_Reset, ui->pushButton_Ok, ui->pushButton_Cancel });
 }
 
 // Clearing a list runs its slot with an empty text, the first entry runs it again; everything below counts on that.

@@ -57,8 +57,7 @@ protected:
 private:
     void SetBackground();
     void NameLists();
-    int FaxRowWidth(const QFont& rowFont) const;
-    void FitFont();
+    void FitFonts();
     void FillList(QComboBox* pList, const QStringList& entries);
     QStringList CompressNames(const QStringList& shortNames);
     void EnablePageSize();

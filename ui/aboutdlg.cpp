@@ -1,5 +1,6 @@
 #include "ui/aboutdlg.h"
 
+#include "settings/fittingfont.h"
 #include "ui_aboutdlg.h"
 
 #include <QAbstractTextDocumentLayout>
@@ -45,6 +46,7 @@ AboutDlg::AboutDlg(QWidget* parent)
 {
     ui->setupUi(this);
     FitText();
+    FitFont({ ui->pushButton_URL });
     setFixedSize(kDialogWidth, kDialogHeight);
     connect(ui->pushButton_URL, SIGNAL(clicked()), this, SLOT(VisitURL()));
 }

@@ -37,6 +37,8 @@ void MainWindow::AddFile()
         AppendFile(iRow++, strPath);
 }
 
+QString MainWindow::SizeText(qint32 iBytes) { return QString::asprintf("%14.3f KB", iBytes / 1000.0); }
+
 void MainWindow::AppendFile(int iRow, const QString& strPath)
 {
     ui->tableWidget->insertRow(iRow);
@@ -45,7 +47,7 @@ void MainWindow::AppendFile(int iRow, const QString& strPath)
     // The size is a signed 32-bit count: of a larger file only the low 32 bits are shown, or nothing.
     const auto iSize = static_cast<qint32>(QFileInfo(strPath).size());
     if (iSize > 0) {
-        auto* pSize = new QTableWidgetItem(QString::asprintf("%14.3f KB", iSize / 1000.0));
+        auto* pSize = new QTableWidgetItem(SizeText(iSize));
         // The blanks in front line numbers up in fixed pitch only.
         pSize->setTextAlignment(Qt::AlignRight | Qt::AlignVCenter);
         ui->tableWidget->setItem(iRow, 1, pSize);

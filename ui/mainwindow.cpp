@@ -1,10 +1,16 @@
 #include "ui/mainwindow.h"
 
+#include "settings/fittingfont.h"
 #include "ui/aboutdlg.h"
 #include "ui_mainwindow.h"
 
+#include <QFontMetrics>
+#include <QHeaderView>
 #include <QPalette>
 #include <QPixmap>
+#include <QStyle>
+
+#include <limits>
 
 MainWindow::MainWindow(QWidget* parent)
     : QMainWindow(parent)
@@ -58,6 +64,29 @@ void MainWindow::InitAllChoice()
     ui->pushButton_About->setText(tr("About     "));
 
     SetConvertIcon(QStringLiteral(":/MyIco/Image/media_playback_start.ico"));
+
+    FitFonts();
+}
+
+void MainWindow::FitFonts()
+{
+    layout()->activate(); // the widgets' parent has its size only then
+    FitFont({ ui->pushButton_Add, ui->pushButton_Remove, ui->pushButton_RemoveAll, ui->pushButton_Setting,
+        ui->pushButton_About });
+    FitFont({ ui->pushButton_Convert });
+    FitFont({ ui->label, ui->lineEdit_OutPutPath });
+
+    // The table cuts a long path, but never a size, and a row keeps its height. Below a style sheet a font does not
+    // reach the children, and the header paints in its viewport's.
+    const QTableWidget* pTable = ui->tableWidget;
+    QHeaderView* pHeader = pTable->horizontalHeader();
+    FitFont({ ui->tableWidget, pHeader, pHeader->viewport() }, [pTable] {
+        const QFontMetrics metrics = pTable->fontMetrics();
+        const int iMargin = pTable->style()->pixelMetric(QStyle::PM_FocusFrameHMargin, nullptr, pTable) + 1;
+        return metrics.horizontalAdvance(SizeText(std::numeric_limits<qint32>::max()))
+            < pTable->columnWidth(1) - 2 * iMargin
+            && metrics.height() < pTable->verticalHeader()->defaultSectionSize();
+    });
 }
 
 void MainWindow::ClearAllInfo() { }

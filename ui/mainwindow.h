@@ -22,7 +22,8 @@ public:
     explicit MainWindow(QWidget* parent = nullptr);
     ~MainWindow() override;
 
-    // Once, after the window is shown: the state of an idle window, the table's shape, the Convert button's icon.
+    // Once, after the window is shown: the state of an idle window, the table's shape, the Convert button's icon, and
+    // captions as large as the desktop's font and their places allow.
     void InitAllChoice();
     void ClearAllInfo();
 
@@ -73,6 +74,9 @@ protected:
 
 private:
     void SetBackground();
+    void FitFonts();
     void SetConvertIcon(const QString& strResource);
+    // A file's size as the list shows it, in kilobytes of 1,000 bytes.
+    static QString SizeText(qint32 iBytes);
     void AppendFile(int iRow, const QString& strPath);
 };

@@ -6,14 +6,10 @@
 #include <QCheckBox>
 #include <QComboBox>
 #include <QFile>
-#include <QFontInfo>
-#include <QLabel>
 #include <QLineEdit>
 #include <QPixmap>
 #include <QPushButton>
 #include <QSignalSpy>
-#include <QStyleOptionButton>
-#include <QStyleOptionComboBox>
 
 #include <memory>
 
@@ -48,8 +44,6 @@ private slots:
     void SlotsComeInDeclarationOrder();
     void SizeIsFixed();
     void BackgroundIsThePictureScaledToTheDialog();
-    void EveryTextHasItsRoom_data();
-    void EveryTextHasItsRoom();
     void FileIsReadOnlyWhenTheDialogIsBuilt();
     void StoredTiffOfUnknownDepthOffersOneBitMethods();
 
@@ -451,47 +445,6 @@ void SettingDialogTest::BackgroundIsThePictureScaledToTheDialog()
                                 .toImage();
     for (const QPalette::ColorGroup group : { QPalette::Active, QPalette::Inactive, QPalette::Disabled })
         QCOMPARE(m_dialog->palette().brush(group, QPalette::Window).texture().toImage(), expected);
-}
-
-void SettingDialogTest::EveryTextHasItsRoom_data()
-{
-    QTest::addColumn<int>("pixels");
-    QTest::newRow("a usual font") << 12;
-    QTest::newRow("a large font") << 16;
-}
-
-// Whatever the desktop's font is: nothing is cut, in any list and any label.
-void SettingDialogTest::EveryTextHasItsRoom()
-{
-    QFETCH(int, pixels);
-    const QFont before = QApplication::font();
-    QFont desktopFont = before;
-    desktopFont.setPixelSize(pixels);
-    QApplication::setFont(desktopFont);
-    Open();
-    m_dialog->show();
-    QCoreApplication::processEvents();
-    for (QComboBox* list : m_dialog->findChildren<QComboBox*>()) {
-        QStyleOptionComboBox option;
-        option.initFrom(list);
-        const int room
-            = list->style()->subControlRect(QStyle::CC_ComboBox, &option, QStyle::SC_ComboBoxEditField, list).width();
-        for (const QString& strEntry : Entries(list))
-            QVERIFY2(list->fontMetrics().horizontalAdvance(strEntry) <= room, qPrintable(strEntry));
-    }
-    for (const QLabel* label : m_dialog->findChildren<QLabel*>())
-        QVERIFY2(label->minimumSizeHint().width() <= label->width(), qPrintable(label->text()));
-    for (const QCheckBox* box : m_dialog->findChildren<QCheckBox*>())
-        QVERIFY2(box->minimumSizeHint().width() <= box->width(), qPrintable(box->text()));
-    for (QPushButton* button : m_dialog->findChildren<QPushButton*>()) {
-        QStyleOptionButton option;
-        option.initFrom(button);
-        const int room = button->style()->subElementRect(QStyle::SE_PushButtonContents, &option, button).width();
-        QVERIFY2(button->fontMetrics().horizontalAdvance(button->text()) <= room, qPrintable(button->text()));
-    }
-    QVERIFY(QFontInfo(m_dialog->font()).pixelSize() >= 10);
-    QCOMPARE(m_dialog->size(), QSize(400, 300));
-    QApplication::setFont(before);
 }
 
 void SettingDialogTest::FileIsReadOnlyWhenTheDialogIsBuilt()
