@@ -19,6 +19,7 @@ private slots:
     void ExactlyThreeIconsAreStoredCompressed();
     void BackgroundsHaveTheirSizeAndPixelFormat();
     void BackgroundLeavesAHeaderForTheName();
+    void OppositeEdgesOfTheBackgroundsMeet();
     void CollectionIsThereFromTheStartAndCanBeReleased();
 };
 
@@ -111,8 +112,8 @@ void ResourcesTest::BackgroundsHaveTheirSizeAndPixelFormat()
     }
 }
 
-// The table begins 80 pixels from the top. Above it the picture is dark with a light name; below it is light all over,
-// so that the label on it can be read.
+// The table begins 80 pixels from the top. Above it the picture is dark with a light name; below it is light down to
+// its last line, so that the label on it can be read.
 void ResourcesTest::BackgroundLeavesAHeaderForTheName()
 {
     const QImage picture = QImage(kBackgrounds.at(0)).scaled(730, 450, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
@@ -123,9 +124,28 @@ void ResourcesTest::BackgroundLeavesAHeaderForTheName()
     }
     QVERIFY(iLightInName > 1000);
     QVERIFY(qGray(picture.pixel(5, 40)) < 80);
-    for (int y = 82; y < 450; ++y) {
+    for (int y = 82; y < 444; ++y) {
         for (int x = 0; x < 730; ++x)
             QVERIFY(qGray(picture.pixel(x, y)) > 200);
+    }
+}
+
+// At screen scales between whole ones the last pixels of a background are mixed with the first ones.
+void ResourcesTest::OppositeEdgesOfTheBackgroundsMeet()
+{
+    const auto Distance = [](QRgb first, QRgb second) {
+        return std::max({ std::abs(qRed(first) - qRed(second)), std::abs(qGreen(first) - qGreen(second)),
+            std::abs(qBlue(first) - qBlue(second)) });
+    };
+    for (const auto& [strPath, size] :
+        { std::pair(kBackgrounds.at(0), QSize(730, 450)), std::pair(kBackgrounds.at(1), QSize(400, 300)) }) {
+        const QImage picture = QImage(strPath).scaled(size, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+        const int right = picture.width() - 1;
+        const int bottom = picture.height() - 1;
+        for (int y = 0; y <= bottom; ++y)
+            QVERIFY(Distance(picture.pixel(0, y), picture.pixel(right, y)) <= 8);
+        for (int x = 0; x <= right; ++x)
+            QVERIFY(Distance(picture.pixel(x, 0), picture.pixel(x, bottom)) <= 8);
     }
 }
 
