@@ -8,6 +8,7 @@
 #include "quillrip/job/document_renderer.h"
 #include "quillrip/job/environments.h"
 #include "quillrip/job/image_page_device.h"
+#include "quillrip/job/metered_input.h"
 #include "quillrip/job/pass_through.h"
 #include "quillrip/pcl/interpreter.h"
 #include "quillrip/pcl/plotter_raster.h"
@@ -52,14 +53,14 @@ class Runner {
 public:
     Runner(InputStream& input, ImagePageDevice& device, const Limits& limits, DiagnosticRecorder& diagnostics,
         const DocumentPrograms& programs, ConversionObserver& observer)
-        : m_input(input)
+        : m_input(input, *limits.work)
         , m_device(device)
         , m_limits(limits)
         , m_diagnostics(diagnostics)
         , m_programs(programs)
         , m_observer(observer)
         , m_fonts(limits, &diagnostics)
-        , m_reader(input, diagnostics, &isPlot)
+        , m_reader(m_input, diagnostics, &isPlot)
     {
     }
 
@@ -69,7 +70,7 @@ public:
             m_observer.partFound(languageOf(*part));
             const std::uint64_t before = m_input.offset();
             const RunStatus status = runPart(*part);
-            if (status == RunStatus::LimitExceeded)
+            if (status == RunStatus::LimitExceeded || m_limits.work->isExhausted())
                 return result(ConversionStatus::LimitExceeded, limitReason());
             if (status == RunStatus::OutputFailed)
                 return result(ConversionStatus::OutputFailed, m_device.reason());
@@ -85,7 +86,7 @@ public:
             }
         }
         const RunStatus status = finishPcl();
-        if (status == RunStatus::LimitExceeded)
+        if (status == RunStatus::LimitExceeded || m_limits.work->isExhausted())
             return result(ConversionStatus::LimitExceeded, limitReason());
         if (status == RunStatus::OutputFailed)
             return result(ConversionStatus::OutputFailed, m_device.reason());
@@ -144,6 +145,8 @@ private:
     {
         if (!m_reason.empty())
             return m_reason;
+        if (m_input.isTooLong())
+            return "too much of the input belongs to no page";
         if (m_limits.work->isExhausted())
             return m_limits.work->reason();
         if (!m_device.reason().empty() || !m_diagnostics.damage())
@@ -250,7 +253,7 @@ private:
         return result(ConversionStatus::BadInput, m_input.offset() == 0 ? "is empty" : "holds no page to print");
     }
 
-    InputStream& m_input;
+    MeteredInput m_input;
     ImagePageDevice& m_device;
     const Limits& m_limits;
     DiagnosticRecorder& m_diagnostics;

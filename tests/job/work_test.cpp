@@ -1,8 +1,10 @@
+#include "quillrip/job/metered_input.h"
 #include "tests/job/collecting_sink.h"
 #include "tests/pclxl/stream_builder.h"
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 
 using namespace quillrip;
@@ -51,6 +53,25 @@ void expectStopped(const Spent& spent)
     EXPECT_LT(spent.units, kPageBudget * 5 / 4);
 }
 
+/// A device, or a pipe whose other end says the same for ever.
+class EndlessInput final : public InputStream {
+public:
+    explicit EndlessInput(std::uint8_t byte)
+        : m_byte(byte)
+    {
+    }
+
+protected:
+    std::size_t pull(std::uint8_t* to, std::size_t count) override
+    {
+        std::fill_n(to, count, m_byte);
+        return count;
+    }
+
+private:
+    std::uint8_t m_byte;
+};
+
 const std::string kReset = "\x1b"
                            "E";
 
@@ -63,6 +84,34 @@ std::string repeated(const std::string& part, int times)
 }
 
 } // namespace
+
+TEST(Work, AnInputThatNeverEndsIsStopped)
+{
+    for (const std::uint8_t byte : { std::uint8_t { 0 }, std::uint8_t { 1 } }) {
+        WorkBudget budget;
+        budget.page = kPageBudget;
+        Limits limits;
+        limits.work = std::make_shared<WorkMeter>(budget);
+        EndlessInput input(byte);
+        CollectingSink sink;
+        PageSettings settings;
+        settings.resolution = { 10, 10 };
+        const ConversionResult result = runJob(input, sink, settings, limits, sink, {}, sink);
+        EXPECT_EQ(result.status, ConversionStatus::LimitExceeded) << int { byte };
+        EXPECT_EQ(result.reason, "too much of the input belongs to no page") << int { byte };
+        EXPECT_LT(limits.work->spent(), kPageBudget * 5 / 4) << int { byte };
+    }
+}
+
+TEST(Work, AnHonestPageMayHaveHundredsOfMegabytes)
+{
+    Limits limits;
+    EndlessInput input(0);
+    MeteredInput metered(input, *limits.work);
+    constexpr std::uint64_t length = std::uint64_t { 1 } << 30;
+    EXPECT_EQ(metered.skip(length), length);
+    EXPECT_EQ(metered.offset(), length);
+}
 
 TEST(Work, HatchesOfDashesAreStoppedWithinOneFill)
 {
