@@ -31,6 +31,8 @@ private slots:
 
     void JobBecomesAnImageOfEachFormat_data();
     void JobBecomesAnImageOfEachFormat();
+    void EmfSpoolFileBecomesImagesOfEachFormat_data();
+    void EmfSpoolFileBecomesImagesOfEachFormat();
     void FaxClassMakesA1728PixelWideTiff();
     void DamagedJobDoesNotStopTheOthers();
     void BlanksInPathsReachTheBackendWhole();
@@ -246,6 +248,43 @@ void EndToEndTest::JobBecomesAnImageOfEachFormat()
     QCOMPARE(darkPart(image), kSquare);
     QVERIFY(qGray(image.pixel(kSquare.center())) < 8);
     QVERIFY(qGray(image.pixel(5, 5)) > 247);
+}
+
+void EndToEndTest::EmfSpoolFileBecomesImagesOfEachFormat_data()
+{
+    QTest::addColumn<QString>("format");
+    for (const char* format : { ".jpg", ".bmp", ".pcx", ".png", ".tif" })
+        QTest::newRow(format) << format;
+}
+
+// A spool file of Windows with metafiles for pages, two of them. A TIFF holds both.
+void EndToEndTest::EmfSpoolFileBecomesImagesOfEachFormat()
+{
+    QFETCH(QString, format);
+    AddRows(*m_window, { QStringLiteral(PRISMO_SAMPLES "/travel.spl") });
+    Set([&format](QWidget& dialog) {
+        Child<QComboBox>(dialog, "comboBox_BitCount")->setCurrentText("24 Bits");
+        Child<QComboBox>(dialog, "comboBox_Format")->setCurrentText(format);
+        Child<QCheckBox>(dialog, "checkBox_PageSize")->click();
+        Child<QLineEdit>(dialog, "lineEdit_PageSizeX")->setText(QString::number(kPageWidth));
+        Child<QLineEdit>(dialog, "lineEdit_PageSizeY")->setText(QString::number(kPageHeight));
+    });
+    Convert(Path("images"));
+
+    QStringList files { "travel" + format };
+    if (format != ".tif")
+        files.append("travel_p0002" + format);
+    QCOMPARE(QDir(Path("images")).entryList(QDir::Files, QDir::Name), files);
+    const QImage first = readAny(Path("images/travel") + format);
+    QCOMPARE(first.size(), QSize(kPageWidth, kPageHeight));
+    const auto IsNear = [&first](const QPoint& place, const QColor& color) {
+        const QColor drawn(first.pixel(place));
+        return std::abs(drawn.red() - color.red()) < 24 && std::abs(drawn.green() - color.green()) < 24
+            && std::abs(drawn.blue() - color.blue()) < 24;
+    };
+    QVERIFY(IsNear({ 82, 60 }, QColor(0x12, 0x3A, 0x8A))); // the heading's dark end
+    QVERIFY(IsNear({ 425, 920 }, QColor(0xF5, 0xE6, 0xC8))); // within the star
+    QVERIFY(IsNear({ 20, 20 }, Qt::white));
 }
 
 void EndToEndTest::FaxClassMakesA1728PixelWideTiff()
