@@ -78,6 +78,17 @@ public:
         extent.right = right > extent.right ? right : extent.right;
         m_paintedPixels += static_cast<std::uint64_t>(std::int64_t { right } - left);
     }
+    /// The same columns of the rows top <= y < bottom.
+    void touchRows(int top, int bottom, int left, int right)
+    {
+        for (int y = top; y < bottom; ++y) {
+            Extent& extent = m_extents[static_cast<std::size_t>(y)];
+            extent.left = left < extent.left ? left : extent.left;
+            extent.right = right > extent.right ? right : extent.right;
+        }
+        m_paintedPixels
+            += static_cast<std::uint64_t>((std::int64_t { right } - left) * (std::int64_t { bottom } - top));
+    }
     /// All columns of all touch() together: how much has been painted, however often in one place.
     std::uint64_t paintedPixels() const { return m_paintedPixels; }
 

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
+#include <memory>
 
 namespace quillrip {
 
@@ -76,11 +77,16 @@ constexpr Code kHorizontal = codeOf("001");
 constexpr auto s_vertical = codesOf({ "0000010", "000010", "010", "1", "011", "000011", "0000011" });
 constexpr Code kEndOfLine = codeOf("000000000001");
 constexpr int kLongestMultiple = 2560;
+/// A vertical code takes 7 bits at most and goes on by a pixel; runs take less for each of theirs.
+constexpr std::size_t kMostBitsPerPixel = 9;
+/// Bytes that the bits of rows before and the end of the page may take.
+constexpr std::size_t kSpare = 32;
 
+/// Bits on their way to memory that has room for them. Small enough to be kept in registers for a row.
 class BitWriter {
 public:
-    explicit BitWriter(std::vector<std::uint8_t>& out)
-        : m_out(out)
+    explicit BitWriter(std::uint8_t* at)
+        : m_at(at)
     {
     }
 
@@ -88,23 +94,30 @@ public:
     {
         m_bits = m_bits << code.length | code.bits;
         m_count += code.length;
-        while (m_count >= 8) {
-            m_count -= 8;
-            m_out.push_back(static_cast<std::uint8_t>(m_bits >> m_count));
-        }
+        if (m_count < 32)
+            return;
+        m_count -= 32;
+        const auto word = static_cast<std::uint32_t>(m_bits >> m_count);
+        for (int i = 0; i < 4; ++i)
+            *m_at++ = static_cast<std::uint8_t>(word >> (24 - 8 * i));
     }
 
-    void fill()
+    /// The last byte is filled with 0 bits.
+    void finish()
     {
-        if (m_count > 0)
-            m_out.push_back(static_cast<std::uint8_t>(m_bits << (8 - m_count)));
+        for (; m_count > 0; m_count -= 8)
+            *m_at++ = static_cast<std::uint8_t>(m_count >= 8 ? m_bits >> (m_count - 8) : m_bits << (8 - m_count));
         m_count = 0;
     }
 
+    /// What follows goes there.
+    void moveTo(std::uint8_t* at) { m_at = at; }
+    std::uint8_t* at() const { return m_at; }
+
 private:
-    std::vector<std::uint8_t>& m_out;
+    std::uint8_t* m_at;
     std::uint64_t m_bits = 0;
-    int m_count = 0; ///< of them not written, 0 to 7 between calls
+    int m_count = 0; ///< of them not written, 0 to 31 between calls
 };
 
 void putRun(BitWriter& writer, int length, bool isBlack)
@@ -128,109 +141,121 @@ std::uint64_t wordBigEndian(const std::uint8_t* at)
     return __builtin_bswap64(word);
 }
 
-/// The columns of a row where the colour changes, white to black first, and the row's width three times behind them.
+/// The columns of a row where the colour changes, white to black first, and the row's width four times behind them.
 class Changes {
 public:
     explicit Changes(int width)
         : m_width(width)
+        , m_columns(new int[static_cast<std::size_t>(width) + 1 + kPadding])
     {
-        clear();
+        end(0);
     }
-
-    void clear() { m_columns.assign(3, m_width); }
 
     void read(const PageBitmap& page, int y)
     {
-        m_columns.clear();
         const PageBitmap::Extent extent = page.extent(y);
-        if (!extent.empty()) {
-            const std::uint8_t* row = page.row(y);
-            const int lastWord = (extent.right - 1) / 64;
-            std::uint64_t carry = 0; ///< the pixel before the word, in the highest bit
-            for (int word = extent.left / 64; word <= lastWord; ++word) {
-                const std::uint64_t pixels = wordBigEndian(row + static_cast<std::size_t>(word) * 8);
-                std::uint64_t changes = pixels ^ (pixels >> 1 | carry);
-                carry = pixels << 63;
-                while (changes != 0) {
-                    const int bit = __builtin_clzll(changes);
-                    m_columns.push_back(word * 64 + bit);
-                    changes &= ~(std::uint64_t { 1 } << 63 >> bit);
-                }
+        if (extent.empty())
+            return end(0);
+        std::size_t count = 0;
+        const std::uint8_t* row = page.row(y);
+        const int lastWord = (extent.right - 1) / 64;
+        std::uint64_t carry = 0; ///< the pixel before the word, in the highest bit
+        for (int word = extent.left / 64; word <= lastWord; ++word) {
+            const std::uint64_t pixels = wordBigEndian(row + static_cast<std::size_t>(word) * 8);
+            std::uint64_t changes = pixels ^ (pixels >> 1 | carry);
+            carry = pixels << 63;
+            while (changes != 0) {
+                const int bit = __builtin_clzll(changes);
+                m_columns[count++] = word * 64 + bit;
+                changes ^= std::uint64_t { 1 } << 63 >> bit;
             }
-            // Ink up to the end of a word that is the last: white follows there, or the row's edge.
-            if (carry != 0)
-                m_columns.push_back(std::min((lastWord + 1) * 64, m_width));
         }
+        // Ink up to the end of a word that is the last: white follows there, or the row's edge.
+        if (carry != 0)
+            m_columns[count++] = (lastWord + 1) * 64;
         // What lies beyond the row is no change of it.
-        while (!m_columns.empty() && m_columns.back() >= m_width)
-            m_columns.pop_back();
-        m_columns.insert(m_columns.end(), 3, m_width);
+        while (count > 0 && m_columns[count - 1] >= m_width)
+            --count;
+        end(count);
     }
 
-    int operator[](std::size_t index) const { return m_columns[index]; }
-    /// The last index that can be asked for together with the two behind it.
-    std::size_t last() const { return m_columns.size() - 3; }
+    bool empty() const { return m_columns[0] == m_width; }
+    /// Those of white to black are even.
+    const int* columns() const { return m_columns.get(); }
 
 private:
+    static constexpr std::size_t kPadding = 4;
+
+    void end(std::size_t count) { std::fill_n(m_columns.get() + count, kPadding, m_width); }
+
     int m_width;
-    std::vector<int> m_columns;
+    std::unique_ptr<int[]> m_columns;
 };
 
-void encodeRow(BitWriter& writer, const Changes& row, const Changes& above, int width)
+BitWriter encodeRow(BitWriter writer, const Changes& row, const Changes& above, int width)
 {
     int from = -1; // a0: before the row's first pixel at its start
     bool isBlack = false;
-    std::size_t next = 0; // a1's index in the row
-    std::size_t over = 0; // b1's index in the row above
+    const int* next = row.columns(); // a1
+    // b1: the first change above that lies right of a0 and goes to the other colour than a0's.
+    const int* over = above.columns();
     while (from < width) {
-        // b1: the first change above that lies right of a0 and goes to the other colour. One step back may be needed
-        // after a change was coded to the left of the one above.
-        while (over > 0 && above[over - 1] > from)
-            --over;
-        while (over < above.last() && above[over] <= from)
-            ++over;
-        if (over % 2 != static_cast<std::size_t>(isBlack) && over < above.last())
-            ++over;
-        const int a1 = row[next];
-        const int b1 = above[over];
-        const int b2 = over < above.last() ? above[over + 1] : width;
-        if (b2 < a1) {
+        while (*over <= from)
+            over += 2;
+        const int a1 = *next;
+        if (over[1] < a1) {
             writer.put(kPass);
-            from = b2;
+            from = over[1];
             continue;
         }
-        const int fromLeftmost = a1 - b1 + 3; // of the seven codes, which begin three pixels to the left
+        const int fromLeftmost = a1 - *over + 3; // of the seven codes, which begin three pixels to the left
         if (fromLeftmost >= 0 && fromLeftmost <= 6) {
             writer.put(s_vertical[static_cast<std::size_t>(fromLeftmost)]);
             from = a1;
             isBlack = !isBlack;
-            next = std::min(next + 1, row.last());
+            next += a1 < width;
+            // One step back, if the change was coded to the left of the one above and another lies between.
+            over = over > above.columns() && over[-1] > from ? over - 1 : over + 1;
             continue;
         }
-        const int a2 = row[next + 1];
+        const int a2 = next[1];
         writer.put(kHorizontal);
         putRun(writer, a1 - std::max(from, 0), isBlack);
         putRun(writer, a2 - a1, !isBlack);
         from = a2;
-        next = std::min(next + 2, row.last());
+        next += a2 < width ? 2 : 0;
     }
+    return writer;
 }
 
 } // namespace
 
 void encodeGroup4(const PageBitmap& page, int top, int rows, std::vector<std::uint8_t>& out)
 {
-    BitWriter writer(out);
+    const std::size_t mostBytesPerRow = (kMostBitsPerPixel * static_cast<std::size_t>(page.width()) + 7) / 8 + kSpare;
+    std::size_t used = out.size();
+    out.resize(used + 2 * mostBytesPerRow);
+    BitWriter writer(out.data() + used);
     Changes above(page.width());
     Changes row(page.width());
     for (int y = top; y < top + rows; ++y) {
+        used = static_cast<std::size_t>(writer.at() - out.data());
+        if (out.size() - used < mostBytesPerRow) {
+            out.resize(out.size() + out.size() / 2 + mostBytesPerRow);
+            writer.moveTo(out.data() + used);
+        }
         row.read(page, y);
-        encodeRow(writer, row, above, page.width());
+        if (row.empty() && above.empty())
+            writer.put(s_vertical[3]);
+        else
+            writer = encodeRow(writer, row, above, page.width());
         std::swap(row, above);
     }
+    // Every row has left the bytes that it has to spare.
     writer.put(kEndOfLine);
     writer.put(kEndOfLine);
-    writer.fill();
+    writer.finish();
+    out.resize(static_cast<std::size_t>(writer.at() - out.data()));
 }
 
 } // namespace quillrip

@@ -139,22 +139,24 @@ void Painter::drawMask(const GlyphMask& mask, int x, int y, const PaintState& st
     const std::int64_t firstRow = std::max<std::int64_t>(0, bounds.top - top);
     const std::int64_t endRow = std::min<std::int64_t>(mask.height, bounds.bottom - top);
     const bool isBits = mask.depth == GlyphMask::Depth::Bits;
-    const std::size_t rowBytes = static_cast<std::size_t>(isBits ? (mask.width + 7) / 8 : mask.width);
     if (firstRow < endRow) {
         const std::int64_t unitsPerPixel = isBits ? 0 : compositor->isSourceTransparent() ? 2 : 15;
         m_work->charge(
             Work::Glyphs, static_cast<std::uint64_t>((endRow - firstRow) * (10 + mask.width * unitsPerPixel)));
     }
-    for (std::int64_t row = firstRow; row < endRow; ++row) {
-        const std::size_t offset = static_cast<std::size_t>(row) * mask.stride;
-        if (offset + rowBytes > mask.bytes.size())
-            return;
-        const std::uint8_t* bytes = mask.bytes.data() + offset;
-        if (isBits)
-            compositor->bits(
-                static_cast<int>(top + row), static_cast<int>(left), BitRow(bytes, mask.width), 0, mask.width);
-        else
-            compositor->coverage(static_cast<int>(top + row), static_cast<int>(left), bytes, mask.width, true);
+    MaskRows rows;
+    rows.stride = mask.stride;
+    rows.width = mask.width;
+    rows.isBits = isBits;
+    // A mask may have fewer bytes than it says.
+    const std::size_t whole = mask.bytes.size() < rows.rowBytes() ? 0
+        : mask.stride == 0                                        ? static_cast<std::size_t>(mask.height)
+                           : (mask.bytes.size() - rows.rowBytes()) / mask.stride + 1;
+    const std::int64_t lastRow = std::min<std::int64_t>(endRow, static_cast<std::int64_t>(whole));
+    if (firstRow < lastRow) {
+        rows.bytes = mask.bytes.data() + static_cast<std::size_t>(firstRow) * mask.stride;
+        rows.count = static_cast<int>(lastRow - firstRow);
+        compositor->mask(static_cast<int>(top + firstRow), static_cast<int>(left), rows);
     }
     compositor->chargePixels();
 }

@@ -81,7 +81,8 @@ bool GlyphCache::isTooLarge(const Typeface& face, const Matrix& m)
 {
     if (!face.traits().isScalable)
         return false;
-    return std::hypot(m.a, m.b) > kLargestCachedEm || std::hypot(m.c, m.d) > kLargestCachedEm;
+    constexpr double largest = kLargestCachedEm * kLargestCachedEm;
+    return m.a * m.a + m.b * m.b > largest || m.c * m.c + m.d * m.d > largest;
 }
 
 PlacedGlyph GlyphCache::place(

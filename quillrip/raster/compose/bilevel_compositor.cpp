@@ -100,6 +100,46 @@ void BilevelCompositor::coverageRun(int y, int left, int right, const std::uint8
     });
 }
 
+void BilevelCompositor::maskRun(int y, int left, const MaskRows& rows)
+{
+    if (rows.isBits && m_sourceTransparent && m_inkEffect == Effect::Set)
+        return paintMask<true>(y, left, rows);
+    if (rows.isBits && m_sourceTransparent && m_inkEffect == Effect::Clear)
+        return paintMask<false>(y, left, rows);
+    const int right = left + rows.width;
+    for (int i = 0; i < rows.count; ++i) {
+        if (rows.isBits)
+            bitsRun(y + i, left, right, BitRow(rows.row(i), rows.width), -std::ptrdiff_t { left });
+        else
+            coverageRun(y + i, left, right, rows.row(i), !m_sourceTransparent);
+    }
+}
+
+template <bool Sets> void BilevelCompositor::paintMask(int y, int left, const MaskRows& rows)
+{
+    // So many bits, moved to where they belong within a byte, still fit a word.
+    constexpr int atATime = 56;
+    const std::size_t stride = m_page.stride();
+    for (int from = 0; from < rows.width; from += atATime) {
+        const int bits = std::min(atATime, rows.width - from);
+        const auto bytes = static_cast<std::size_t>(bits + 7) / 8;
+        const std::uint64_t wanted = bitsUpTo(static_cast<unsigned>(bits));
+        const auto shift = static_cast<unsigned>(left + from) & 7;
+        const std::size_t column = static_cast<std::size_t>(left + from) / 8;
+        // Rows have a multiple of eight bytes: near their end the bits come from further right in a word.
+        const std::size_t back = column + 8 > stride ? column + 8 - stride : 0;
+        const std::uint8_t* source = rows.bytes + from / 8;
+        std::uint8_t* at = m_page.row(y) + column - back;
+        for (int i = 0; i < rows.count; ++i, source += rows.stride, at += stride) {
+            std::uint64_t ink = 0;
+            for (std::size_t byte = 0; byte < bytes; ++byte)
+                ink |= std::uint64_t { source[byte] } << (56 - 8 * byte);
+            ink = (ink & wanted) >> shift >> 8 * back;
+            storeWord(at, Sets ? loadWord(at) | ink : loadWord(at) & ~ink);
+        }
+    }
+}
+
 void BilevelCompositor::colorsRun(int y, int left, int right, const std::uint8_t* ink, const std::uint8_t* coverage)
 {
     tonesRun(y, left, right, ink, coverage, false);

@@ -19,9 +19,12 @@ private:
     void whiteRun(int y, int left, int right) override;
     void bitsRun(int y, int left, int right, const BitRow& bits, std::ptrdiff_t shift) override;
     void coverageRun(int y, int left, int right, const std::uint8_t* coverage, bool whiteElsewhere) override;
+    void maskRun(int y, int left, const MaskRows& rows) override;
     void colorsRun(int y, int left, int right, const std::uint8_t* ink, const std::uint8_t* coverage) override;
 
     void blendedRun(int y, int left, int right, const std::uint8_t* ink, const std::uint8_t* alpha) override;
+    /// Sets or clears the pixels under the mask's bits.
+    template <bool Sets> void paintMask(int y, int left, const MaskRows& rows);
     /// `shares` are coverage or alpha, or null.
     void tonesRun(int y, int left, int right, const std::uint8_t* ink, const std::uint8_t* shares, bool isAlpha);
 

@@ -170,18 +170,35 @@ void ByteCompositor<Channels>::coverageRun(
     }
     if (!m_texture.isSolid() || !m_inkStencil.isStored)
         return combine(y, left, right, nullptr, 255, coverage);
-    const std::uint8_t* ink = m_inkStencil.flip.data();
+    // Of their own, since what is written to the page could be members for all that the compiler knows.
+    const std::uint8_t opacity = m_opacity;
+    std::uint8_t ink[Channels];
+    std::memcpy(ink, m_inkStencil.flip.data(), Channels);
     std::uint8_t* at = pixelAt(y, left);
-    for (int i = 0; i < right - left; ++i, at += Channels) {
-        const unsigned share = m_opacity == 255 ? coverage[i] : mixed(0, coverage[i], m_opacity);
+    const int count = right - left;
+    for (int i = 0; i < count; ++i, at += Channels) {
+        unsigned share = coverage[i];
         if (share == 0)
             continue;
+        if (opacity != 255)
+            share = mixed(0, coverage[i], opacity);
         if (share == 255) {
             std::memcpy(at, ink, Channels);
             continue;
         }
         for (std::size_t channel = 0; channel < Channels; ++channel)
             at[channel] = mixed(at[channel], ink[channel], share);
+    }
+}
+
+template <int Channels> void ByteCompositor<Channels>::maskRun(int y, int left, const MaskRows& rows)
+{
+    const int right = left + rows.width;
+    for (int i = 0; i < rows.count; ++i) {
+        if (rows.isBits)
+            bitsRun(y + i, left, right, BitRow(rows.row(i), rows.width), -std::ptrdiff_t { left });
+        else
+            coverageRun(y + i, left, right, rows.row(i), !m_sourceTransparent);
     }
 }
 

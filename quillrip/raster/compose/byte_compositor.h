@@ -36,6 +36,7 @@ private:
     void whiteRun(int y, int left, int right) override;
     void bitsRun(int y, int left, int right, const BitRow& bits, std::ptrdiff_t shift) override;
     void coverageRun(int y, int left, int right, const std::uint8_t* coverage, bool whiteElsewhere) override;
+    void maskRun(int y, int left, const MaskRows& rows) override;
     void colorsRun(int y, int left, int right, const std::uint8_t* ink, const std::uint8_t* coverage) override;
 
     void blendedRun(int y, int left, int right, const std::uint8_t* ink, const std::uint8_t* alpha) override

@@ -15,6 +15,18 @@
 
 namespace quillrip {
 
+/// Rows of a glyph that lie one below the other.
+struct MaskRows {
+    const std::uint8_t* bytes = nullptr;
+    std::size_t stride = 0; ///< bytes from row to row
+    int width = 0; ///< pixels
+    int count = 0;
+    bool isBits = false; ///< packed, first pixel in the highest bit; else a byte a pixel, 255 = all ink
+
+    std::size_t rowBytes() const { return static_cast<std::size_t>(isBits ? (width + 7) / 8 : width); }
+    const std::uint8_t* row(int index) const { return bytes + static_cast<std::size_t>(index) * stride; }
+};
+
 /// Where spans go: the one place where mask, source, texture, raster operation, transparencies and clip meet the
 /// page. One for each call of the painter.
 ///
@@ -64,6 +76,22 @@ public:
         eachRun(y, left, left + count,
             [&](int l, int r) { coverageRun(y, l, r, coverage + (l - left), whiteElsewhere && !m_sourceTransparent); });
     }
+    /// bits() or coverage(), with white elsewhere, of all rows; the first is row `y`.
+    void mask(int y, int left, const MaskRows& rows)
+    {
+        const bool isInside = y >= m_bounds.top && rows.count <= m_bounds.bottom - y && left >= m_bounds.left
+            && rows.width <= m_bounds.right - left;
+        if (isInside && !m_clip && rows.count > 0) {
+            m_page.touchRows(y, y + rows.count, left, left + rows.width);
+            return maskRun(y, left, rows);
+        }
+        for (int i = 0; i < rows.count; ++i) {
+            if (rows.isBits)
+                bits(y + i, left, BitRow(rows.row(i), rows.width), 0, rows.width);
+            else
+                coverage(y + i, left, rows.row(i), rows.width, true);
+        }
+    }
     /// Source of the page's own channels, as ink (one byte a pixel on a bilevel page, where it is screened), mixed by
     /// `coverage` unless that is null.
     void colors(int y, int left, const std::uint8_t* ink, const std::uint8_t* coverage, int count)
@@ -95,6 +123,7 @@ protected:
     /// Pixel x is bit x + shift.
     virtual void bitsRun(int y, int left, int right, const BitRow& bits, std::ptrdiff_t shift) = 0;
     virtual void coverageRun(int y, int left, int right, const std::uint8_t* coverage, bool whiteElsewhere) = 0;
+    virtual void maskRun(int y, int left, const MaskRows& rows) = 0;
     virtual void colorsRun(int y, int left, int right, const std::uint8_t* ink, const std::uint8_t* coverage) = 0;
     virtual void blendedRun(int y, int left, int right, const std::uint8_t* ink, const std::uint8_t* alpha) = 0;
 
