@@ -1,6 +1,7 @@
 #include "quillrip/pcl/machine.h"
 
 #include "quillrip/base/escape_sequence.h"
+#include "quillrip/fonts/soft/soft_font.h"
 #include "quillrip/pcl/character_decoder.h"
 #include "quillrip/pcl/command_handlers.h"
 #include "quillrip/pcl/current_raster.h"
@@ -199,6 +200,11 @@ Interpreter::End Machine::interpret(Tokenizer& tokenizer)
             if (!isWithinLine && skipJobLanguageLine(tokenizer, token))
                 break;
             raster().finish();
+            if (m_noise.isNoise(token.byte, isSoftFontCurrent(token.byte))) {
+                errors().damage("pcl.noise", "binary data where text would be printed");
+                errors().fail(RunStatus::Damaged);
+                break;
+            }
             // In ink-jet raster languages what looks like text is what is left of a broken command.
             if (m_environment.family != PrinterFamily::InkjetRaster
                 && !(token.byte == kEndOfFile && tokenizer.stream().atEnd()))
@@ -220,6 +226,12 @@ Interpreter::End Machine::interpret(Tokenizer& tokenizer)
         }
     }
     return Interpreter::End::Failed;
+}
+
+// Asked for the codes alone that nothing but a soft font has characters for.
+bool Machine::isSoftFontCurrent(std::uint8_t code)
+{
+    return code < ' ' && dynamic_cast<const SoftFont*>(fonts().current().face.get());
 }
 
 // Some drivers go on with lines of the job language after it has entered PCL.

@@ -5,6 +5,7 @@
 #include "quillrip/pcl/environment.h"
 #include "quillrip/pcl/interpreter.h"
 #include "quillrip/pcl/macro_store.h"
+#include "quillrip/pcl/noise_watch.h"
 #include "quillrip/pcl/state.h"
 
 #include <cstdint>
@@ -81,6 +82,7 @@ private:
     struct Rooms;
 
     Interpreter::End interpret(Tokenizer& tokenizer);
+    bool isSoftFontCurrent(std::uint8_t code);
     bool skipJobLanguageLine(Tokenizer& tokenizer, const Token& token);
     void interpretMacro(InputStream& stream);
     void execute(Tokenizer& tokenizer, const Token& token);
@@ -102,6 +104,7 @@ private:
     bool m_inputWasCut = false; ///< within those data
     bool m_isAtStart = true;
     bool m_isWithinLine = false; ///< text came last
+    NoiseWatch m_noise; ///< of text outside of commands' data
     bool m_hasJustReset = false; ///< a reset ejected a page, and nothing came since
 };
 

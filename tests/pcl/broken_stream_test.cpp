@@ -1,3 +1,4 @@
+#include "quillrip/pcl/noise_watch.h"
 #include "tests/pcl/printer.h"
 
 #include <gtest/gtest.h>
@@ -22,6 +23,51 @@ TEST(PclBrokenStreams, CutRowKeepsTheWholePagesBefore)
     EXPECT_TRUE(printed.warnedOf("pcl.input-cut"));
     ASSERT_FALSE(printed.diagnostics.empty());
     EXPECT_EQ(printed.diagnostics.back().severity, Severity::Damage);
+}
+
+TEST(PclBrokenStreams, BinaryDataAreNotPrintedAsPagesOfText)
+{
+    std::mt19937 dice(1);
+    std::string data;
+    while (data.size() < 300000)
+        data += static_cast<char>(dice() >> 24 & 0xFF);
+    // A count that lost its digits; the next job begins behind the exit.
+    const Printed printed = print(kStart + kMark + "\f" + e("*r1A") + "\x1b*b1W" + data);
+    EXPECT_EQ(printed.status, RunStatus::Damaged);
+    EXPECT_TRUE(printed.warnedOf("pcl.noise"));
+    EXPECT_GE(printed.pages.size(), 1u);
+    EXPECT_LE(printed.pages.size(), 20u);
+}
+
+TEST(PclBrokenStreams, StrangeTextIsText)
+{
+    std::string all;
+    for (int code = 1; code < 256; ++code) {
+        if (code < 7 || (code > 15 && code != 27))
+            all += static_cast<char>(code);
+    }
+    std::string framed;
+    std::string cyrillic;
+    for (int line = 0; line < 200; ++line) {
+        framed += "\x01\x02 a record in its frame \x03\x04\r\n";
+        cyrillic += "\xD0\x9F\xD1\x80\xD0\xB8\xD0\xB2\xD0\xB5\xD1\x82\r\n";
+    }
+    for (const std::string& text : { all + all + all, framed, cyrillic }) {
+        const Printed printed = print(kStart + text);
+        EXPECT_EQ(printed.status, RunStatus::Done);
+        EXPECT_FALSE(printed.warnedOf("pcl.noise"));
+    }
+}
+
+TEST(PclBrokenStreams, CodesOfSoftFontsAreNoNoise)
+{
+    pcl::NoiseWatch watch;
+    for (int i = 0; i < 100000; ++i)
+        ASSERT_FALSE(watch.isNoise(static_cast<std::uint8_t>(i % 32), true));
+    int heard = 0;
+    while (heard < 100000 && !watch.isNoise(static_cast<std::uint8_t>(heard % 256), false))
+        ++heard;
+    EXPECT_LT(heard, 2000);
 }
 
 TEST(PclBrokenStreams, CutFontIsDamageToo)

@@ -204,6 +204,15 @@ TEST(PclText, SoftFontsAreDeletedCopiedAndKept)
     EXPECT_NE(print(boxes(false) + kStart + e("(7X") + text).blackPixels(), 64u);
 }
 
+TEST(PclText, SoftFontsMayHaveCharactersAtEveryCode)
+{
+    std::string text;
+    for (int i = 0; i < 5000; ++i)
+        text += static_cast<char>(i % 40 < 11 ? 16 + i % 40 : 'A');
+    EXPECT_EQ(print(boxes(false) + text).status, RunStatus::Done);
+    EXPECT_EQ(print(kStart + text).status, RunStatus::Damaged);
+}
+
 TEST(PclText, FontsByName)
 {
     const std::string name = bytes({ 0 }) + "boxes";
