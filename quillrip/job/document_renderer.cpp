@@ -1,6 +1,7 @@
 #include "quillrip/job/document_renderer.h"
 
 #include "quillrip/job/child_process.h"
+#include "quillrip/job/image_store.h"
 #include "quillrip/job/netpbm_reader.h"
 #include "quillrip/job/spool_file.h"
 
@@ -83,7 +84,7 @@ std::string pageList(const std::vector<std::size_t>& pages, std::size_t from, st
 
 } // namespace
 
-/// The images of a program that runs.
+/// The images of a program.
 class DocumentRenderer::Pages {
 public:
     explicit Pages(RunBudget& budget)
@@ -91,8 +92,22 @@ public:
     {
     }
 
+    /// Lets the program draw all that it was asked for, and keeps the images. False when there is no room for them.
+    bool drawAhead(ImageStore& store)
+    {
+        m_kept = store.keep(child.output());
+        if (m_kept)
+            reader.emplace(*m_kept);
+        return m_kept != nullptr;
+    }
+    /// It takes up memory, and waits for its images to be taken.
+    bool isRunning() const { return !m_kept; }
+
     ChildProcess child;
     std::optional<NetpbmReader> reader;
+
+private:
+    std::unique_ptr<InputStream> m_kept;
 };
 
 DocumentRenderer::DocumentRenderer(InstalledProgram program, ImagePageDevice& device, DiagnosticSink& diagnostics,
@@ -239,7 +254,8 @@ RunStatus DocumentRenderer::drawAll(const PageLayout& layout)
 }
 
 // Resolutions depend on sizes. So one program draws all pages of a size, and those of other sizes run beside it: each
-// page is taken from the one whose turn it is. A job has few sizes; of many, those that come last start again.
+// page is taken from the one whose turn it is. Of many sizes, the one whose turn is farthest draws ahead: a program
+// that is started again would read the whole document again.
 RunStatus DocumentRenderer::drawSized(const std::vector<DocumentPageSize>& sizes)
 {
     struct Series {
@@ -249,6 +265,7 @@ RunStatus DocumentRenderer::drawSized(const std::vector<DocumentPageSize>& sizes
         PageLayout layout;
         std::unique_ptr<Pages> pages;
     };
+    ImageStore store;
     std::map<DocumentPageSize, Series> all;
     for (std::size_t i = 0; i < sizes.size(); ++i)
         all[sizes[i]].numbers.push_back(i + 1);
@@ -262,13 +279,17 @@ RunStatus DocumentRenderer::drawSized(const std::vector<DocumentPageSize>& sizes
     for (const DocumentPageSize& size : sizes) {
         Series& series = all[size];
         if (!series.pages) {
-            const auto isRunning = [](const auto& entry) { return entry.second.pages != nullptr; };
+            const auto isRunning
+                = [](const auto& entry) { return entry.second.pages && entry.second.pages->isRunning(); };
             if (static_cast<std::size_t>(std::count_if(all.begin(), all.end(), isRunning)) >= kMostSideBySide) {
-                const auto farthest = std::max_element(all.begin(), all.end(), [](const auto& a, const auto& b) {
-                    const auto turn = [](const Series& s) { return s.pages ? s.numbers[s.next] : 0; };
-                    return turn(a.second) < turn(b.second);
+                const auto farthest = std::max_element(all.begin(), all.end(), [&](const auto& a, const auto& b) {
+                    const auto turn = [&](const auto& entry) {
+                        return isRunning(entry) ? entry.second.numbers[entry.second.next] : 0;
+                    };
+                    return turn(a) < turn(b);
                 });
-                farthest->second.pages.reset();
+                if (!farthest->second.pages->drawAhead(store))
+                    farthest->second.pages.reset();
             }
             std::size_t count = 0;
             DrawingOrder order { series.layout.format, series.layout.pageResolution, size, {} };

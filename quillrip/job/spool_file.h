@@ -2,6 +2,7 @@
 
 #include "quillrip/base/input_stream.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 
@@ -20,15 +21,17 @@ public:
     /// the file cannot be made or written.
     [[nodiscard]] bool fill(InputStream& input, bool decodesTagged);
 
+    /// Makes an empty one. False, with errno, when that cannot be.
+    [[nodiscard]] bool create();
+    /// Appends. False, with errno, when there is no room.
+    [[nodiscard]] bool write(const std::uint8_t* bytes, std::size_t count);
+
     /// Where the file is made: what TMPDIR names, or /tmp.
     static std::string folder();
-    /// Stands at the file's start; -1 before fill().
+    /// After fill() it stands at the file's start; -1 before fill() and create().
     int descriptor() const { return m_descriptor; }
 
 private:
-    bool create();
-    bool write(const std::uint8_t* bytes, std::size_t count);
-
     int m_descriptor = -1;
 };
 

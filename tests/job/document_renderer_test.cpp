@@ -293,6 +293,33 @@ TEST(DocumentPages, OfAlternatingSizesAreDrawnByOneProgramForEachSizeInTheirOrde
         EXPECT_EQ(run.sink.pages[i].pixel(0, 0).red, '1' + static_cast<int>(i));
 }
 
+// More sizes than programs may wait side by side; each is asked for once, for both of its pages.
+const char kManySizes[] = R"(
+list=$(printf %s "$*" | sed -n 's/.*-sPageList=\([0-9,]*\).*/\1/p')
+case "$*" in
+*nullpage*)
+    mark=$(printf %s "$*" | sed -n 's/.*(\(page-[0-9]*\) ).*/\1/p')
+    for page in 1 2 3 4 5 6 7 8 9 10 11 12 1 2 3 4 5 6 7 8 9 10 11 12; do echo "$mark $((page * 72)) 72"; done ;;
+*) case "$list" in
+    *,*) for page in $(echo $list | tr , ' '); do printf "P6 1 1 255\n\\$(printf %03o $((page + 64)))00"; done ;;
+    *) echo "asked again" >&2; exit 1 ;;
+    esac ;;
+esac
+)";
+
+TEST(DocumentPages, OfManySizesAreDrawnByOneProgramForEachSizeToo)
+{
+    const ProgramFolder folder;
+    folder.script("gs", kManySizes);
+    PageSettings settings;
+    settings.width = 1;
+    const test::Run run = runBytes("%!PS\n", settings, DocumentPrograms::inFolders(folder.path()));
+    EXPECT_EQ(run.result.status, ConversionStatus::Done) << run.result.reason;
+    ASSERT_EQ(run.sink.pages.size(), 24u);
+    for (std::size_t i = 0; i < 24; ++i)
+        EXPECT_EQ(run.sink.pages[i].pixel(0, 0).red, 65 + static_cast<int>(i));
+}
+
 TEST(DocumentPages, AProgramThatEndsBeforeTheLastPageIsDamage)
 {
     const ProgramFolder folder;
