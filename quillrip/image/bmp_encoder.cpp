@@ -2,6 +2,7 @@
 #include "quillrip/image/header_bytes.h"
 #include "quillrip/image/light_rows.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -39,18 +40,21 @@ public:
     /// The file starts with the page's lowest rows.
     std::string encode(int piece, EncodedPiece& encoded) const override
     {
-        std::vector<std::uint8_t>& out = encoded.bytes;
+        std::vector<std::uint8_t> header;
         if (piece == 0)
-            writeHeader(out);
+            writeHeader(header);
         const int band = m_bands.count() - 1 - piece;
         const auto stride = static_cast<std::size_t>(strideOf(page()));
-        std::size_t at = out.size();
+        std::vector<std::uint8_t>& out = encoded.bytes;
+        std::size_t at = header.size();
         out.resize(at + stride * static_cast<std::size_t>(m_bands.bottom(band) - m_bands.top(band)));
+        std::copy(header.begin(), header.end(), out.begin());
         for (int y = m_bands.bottom(band) - 1; y >= m_bands.top(band); --y, at += stride) {
             if (page().format() == PixelFormat::Rgb24)
                 lightRowAsBgr(page(), y, &out[at]);
             else
                 lightRow(page(), y, &out[at]);
+            std::fill_n(&out[at] + page().rowBytes(), stride - page().rowBytes(), std::uint8_t { 0 });
         }
         return {};
     }

@@ -17,6 +17,8 @@ constexpr int kHashBits = 15;
 constexpr std::size_t kPlaces = kWindow;
 constexpr std::uint32_t kFirstOffset = 2 * kWindow;
 constexpr std::uint32_t kAdlerBase = 65521;
+/// Bytes that a repetition has to cover more than a run, which is short to write.
+constexpr std::size_t kWorthOfRun = 4;
 /// Shorter ones are seldom worth the bits of their distance.
 constexpr std::size_t kShortestFarMatch = 4;
 
@@ -24,7 +26,7 @@ constexpr std::size_t kShortestFarMatch = 4;
 // next, since a run takes a symbol however long it is; and what it takes itself.
 constexpr unsigned kBitsPerByte = 5;
 constexpr unsigned kBitsPerChange = 6;
-constexpr unsigned kBitsPerFarMatch = 24;
+constexpr unsigned kBitsPerMatch = 11; // without the further bits of its distance
 
 std::uint64_t load(const std::uint8_t* at)
 {
@@ -210,6 +212,11 @@ template <std::size_t PixelBytes> void DeflateEncoder::encode(std::size_t from, 
         const std::uint64_t word = load(bytes + at);
         if (word == 0) {
             const std::size_t count = zeroBytes(bytes + at, to - at);
+            if (const Match above = matchAbove(at, to); above.length > count + kWorthOfRun) {
+                m_blocks.match(above.length, above.distance);
+                at += above.length;
+                continue;
+            }
             addToChecksum(bytes + checked, at - checked);
             addZerosToChecksum(count);
             checked = at + count;
@@ -260,7 +267,9 @@ template <std::size_t PixelBytes> DeflateEncoder::Match DeflateEncoder::findMatc
     std::uint32_t candidate = m_latest[slot];
     remember(at, slot);
     const std::size_t most = std::min<std::size_t>(to - at, DeflateBlocks::kLongestMatch);
-    Match best;
+    Match best = matchAbove(at, to);
+    if (best.length >= std::min(m_method.isEnough, most))
+        return best;
     for (int i = 0; i < m_method.candidates && position - candidate <= kWindow; ++i) {
         const std::uint8_t* there = bytes + (candidate - m_offset);
         if (there[best.length] == bytes[at + best.length]) {
@@ -279,16 +288,27 @@ template <std::size_t PixelBytes> DeflateEncoder::Match DeflateEncoder::findMatc
     return best;
 }
 
+DeflateEncoder::Match DeflateEncoder::matchAbove(std::size_t at, std::size_t to) const
+{
+    const std::size_t distance = m_method.rowBytes;
+    if (distance == 0 || distance > at || distance > kWindow)
+        return {};
+    const std::uint8_t* bytes = m_window.get() + at;
+    const std::size_t most = std::min<std::size_t>(to - at, DeflateBlocks::kLongestMatch);
+    return { commonBytes(bytes, bytes - distance, most), static_cast<unsigned>(distance) };
+}
+
 bool DeflateEncoder::isWorthwhile(const Match& match, std::size_t at) const
 {
     const std::uint8_t* bytes = m_window.get() + at;
+    const unsigned least = kBitsPerMatch + 31u - static_cast<unsigned>(__builtin_clz(match.distance));
     unsigned bits = 0;
     for (std::size_t i = 0; i < match.length; i += 8) {
         const std::uint64_t word = load(bytes + i);
         const std::uint64_t mask = firstBytes(match.length - i);
         bits += kBitsPerByte * countSetBytes(word & mask)
             + kBitsPerChange * countSetBytes((word ^ load(bytes + i - 1)) & mask);
-        if (bits >= kBitsPerFarMatch)
+        if (bits >= least)
             return true;
     }
     return false;

@@ -13,6 +13,9 @@ namespace quillrip {
 struct DeflateMethod {
     int candidates = 0; ///< former places with the same hash that are compared, at most
     std::size_t isEnough = 0; ///< bytes of a repetition that is not improved any more
+    /// Of a row, where rows are like the ones above them: those are compared first. 0 where a filter has taken that
+    /// out.
+    std::size_t rowBytes = 0;
 };
 
 /// Deflates rows of pixels, quickly where they hold much of the same: made for rows after a filter of PNG, most of
@@ -47,6 +50,8 @@ private:
         unsigned distance = 0;
     };
     template <std::size_t PixelBytes> Match findMatch(std::size_t at, std::size_t to);
+    /// What is the same in the row above.
+    Match matchAbove(std::size_t at, std::size_t to) const;
     bool isWorthwhile(const Match& match, std::size_t at) const;
     void remember(std::size_t at, std::size_t slot);
     void addToChecksum(const std::uint8_t* bytes, std::size_t count);

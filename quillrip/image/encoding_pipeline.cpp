@@ -24,6 +24,7 @@ std::size_t bytesOf(const PageBitmap& page) { return page.stride() * static_cast
 EncodingPipeline::EncodingPipeline(unsigned threads)
     : m_threadLimit(threads > 0 ? threads : std::clamp(std::thread::hardware_concurrency(), 1u, 4u))
 {
+    m_spare.reserve(m_threadLimit);
 }
 
 EncodingPipeline::~EncodingPipeline()
@@ -151,8 +152,8 @@ void EncodingPipeline::encodeOnePiece(std::unique_lock<std::mutex>& lock, Job& j
 {
     const int number = job.taken++;
     job.slots.emplace_back();
+    EncodedPiece piece = takeSpare();
     lock.unlock();
-    EncodedPiece piece;
     const std::string reason = job.encoder->encode(number, piece);
     lock.lock();
     if (!reason.empty()) {
@@ -168,6 +169,23 @@ void EncodingPipeline::encodeOnePiece(std::unique_lock<std::mutex>& lock, Job& j
     writeWhatIsDone(lock);
 }
 
+EncodedPiece EncodingPipeline::takeSpare()
+{
+    if (m_spare.empty())
+        return {};
+    EncodedPiece piece = std::move(m_spare.back());
+    m_spare.pop_back();
+    piece.partSizes.clear();
+    return piece;
+}
+
+void EncodingPipeline::keepSpare(EncodedPiece&& piece)
+{
+    // Fresh memory is mapped and cleared by the system, which takes as long as filling it.
+    if (m_spare.size() < m_threadLimit)
+        m_spare.push_back(std::move(piece));
+}
+
 void EncodingPipeline::writeWhatIsDone(std::unique_lock<std::mutex>& lock)
 {
     if (m_isWriting)
@@ -175,7 +193,7 @@ void EncodingPipeline::writeWhatIsDone(std::unique_lock<std::mutex>& lock)
     m_isWriting = true;
     while (!m_hasFailed && !m_jobs.empty() && !m_jobs.front()->slots.empty() && m_jobs.front()->slots.front().isDone) {
         Job& job = *m_jobs.front();
-        const EncodedPiece piece = std::move(job.slots.front().piece);
+        EncodedPiece piece = std::move(job.slots.front().piece);
         const bool isFirst = job.written == 0;
         const bool isLast = job.written == job.pieceCount - 1;
         lock.unlock();
@@ -184,6 +202,7 @@ void EncodingPipeline::writeWhatIsDone(std::unique_lock<std::mutex>& lock)
         if (isLast)
             job.encoder.reset(); // frees the page
         lock.lock();
+        keepSpare(std::move(piece));
         ++job.written;
         job.slots.pop_front();
         m_hasFailed = m_hasFailed || !isGood;

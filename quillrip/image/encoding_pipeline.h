@@ -59,12 +59,15 @@ private:
     void encodeOnePiece(std::unique_lock<std::mutex>& lock, Job& job);
     void encodeOnePieceOrFail(std::unique_lock<std::mutex>& lock, Job& job);
     void writeWhatIsDone(std::unique_lock<std::mutex>& lock);
+    EncodedPiece takeSpare();
+    void keepSpare(EncodedPiece&& piece);
 
     const unsigned m_threadLimit;
     mutable std::mutex m_mutex;
     std::condition_variable m_workChanged; ///< there may be a piece to take
     std::condition_variable m_progressed; ///< a page was finished, or all is lost
     std::deque<std::unique_ptr<Job>> m_jobs;
+    std::vector<EncodedPiece> m_spare; ///< written ones, whose memory the next ones take
     std::vector<std::thread> m_threads;
     std::string m_reason;
     bool m_hasFailed = false;

@@ -93,6 +93,7 @@ public:
     std::string encode(int, EncodedPiece& encoded) const override
     {
         std::vector<std::uint8_t> row(page().rowBytes() * (page().format() == PixelFormat::Bilevel ? 8 : 1));
+        encoded.bytes.clear();
         Compressor compressor;
         compressor.out = &encoded.bytes;
         return compress(compressor, row.data()) ? std::string {} : std::string { "JPEG: " } + compressor.message.data();

@@ -15,6 +15,8 @@ namespace quillrip {
 namespace {
 
 constexpr std::size_t kGatherBytes = std::size_t { 256 } << 10;
+/// What is not worth a copy.
+constexpr std::size_t kDirectBytes = std::size_t { 64 } << 10;
 constexpr std::size_t kCopyBytes = std::size_t { 64 } << 10;
 constexpr mode_t kPermissions = 0777;
 
@@ -133,7 +135,7 @@ bool OutputFile::append(ByteView bytes)
         return false;
     if (m_gathered.size() + bytes.size > kGatherBytes && !flush())
         return false;
-    if (bytes.size >= kGatherBytes)
+    if (bytes.size >= kDirectBytes)
         return writeAt(m_size, bytes);
     if (bytes.size > 0)
         m_gathered.insert(m_gathered.end(), bytes.begin(), bytes.end());
@@ -147,8 +149,12 @@ bool OutputFile::flush()
         return false;
     if (m_gathered.empty())
         return true;
-    const std::vector<std::uint8_t> gathered = std::exchange(m_gathered, {});
-    return writeAt(m_size - gathered.size(), gathered);
+    std::vector<std::uint8_t> gathered = std::exchange(m_gathered, {});
+    const bool isWritten = writeAt(m_size - gathered.size(), gathered);
+    // Its memory serves again.
+    gathered.clear();
+    m_gathered = std::move(gathered);
+    return isWritten;
 }
 
 bool OutputFile::writeAt(std::uint64_t offset, ByteView bytes)
@@ -184,6 +190,7 @@ bool OutputFile::park()
 {
     if (!flush())
         return false;
+    m_gathered = {};
     // Some network file systems tell only here that they had no room.
     if (!m_hidden.empty() && m_descriptor >= 0 && close(std::exchange(m_descriptor, -1)) != 0)
         return fail(errno);

@@ -31,7 +31,7 @@ public:
 
     virtual int pieceCount() const = 0;
     /// Called once for each piece, from 0 to pieceCount() - 1, on several threads at the same time. An empty string,
-    /// or what went wrong.
+    /// or what went wrong. `encoded.bytes` may hold what a former piece has left there: all of it is replaced.
     virtual std::string encode(int piece, EncodedPiece& encoded) const = 0;
 
     /// begin(), write() of all pieces in order, end(): from one thread at a time. False when the output failed; whoever

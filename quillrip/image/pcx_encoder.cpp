@@ -62,6 +62,7 @@ public:
     std::string encode(int piece, EncodedPiece& encoded) const override
     {
         std::vector<std::uint8_t>& out = encoded.bytes;
+        out.clear();
         if (piece == 0)
             writeHeader(out);
         std::vector<std::uint8_t> row(m_planes * m_planeBytes);

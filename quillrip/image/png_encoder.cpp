@@ -87,6 +87,7 @@ public:
     std::string encode(int piece, EncodedPiece& encoded) const override
     {
         std::vector<std::uint8_t>& out = encoded.bytes;
+        out.clear();
         if (piece == 0)
             writeHeader(out);
         const std::size_t chunk = openChunk(out, "IDAT");
@@ -96,7 +97,7 @@ public:
         }
         PngRowFilter filter { page() };
         const Method method = methodFor(piece, filter);
-        DeflateEncoder deflate { out, m_pixelBytes, method.deflate };
+        DeflateEncoder deflate { out, m_pixelBytes, searchFor(method) };
         const int top = m_bandTops[static_cast<std::size_t>(piece)];
         const int bottom = m_bandTops[static_cast<std::size_t>(piece) + 1];
         for (int y = top; y < bottom;) {
@@ -197,11 +198,18 @@ private:
         return asPattern < asPicture ? kForPatterns : kForPictures;
     }
 
+    DeflateMethod searchFor(const Method& method) const
+    {
+        DeflateMethod search = method.deflate;
+        search.rowBytes = method.filter == PngFilter::None ? m_rowBytes : 0;
+        return search;
+    }
+
     /// What some rows come to.
     std::size_t sampleSize(int top, int bottom, const Method& method, PngRowFilter& filter) const
     {
         std::vector<std::uint8_t> out;
-        DeflateEncoder deflate { out, m_pixelBytes, method.deflate };
+        DeflateEncoder deflate { out, m_pixelBytes, searchFor(method) };
         std::size_t bytes = 0;
         for (int y = top; y < bottom && bytes < kSampleBytes; ++y, bytes += m_rowBytes) {
             filter.apply(y, method.filter, deflate.room(m_rowBytes));

@@ -39,8 +39,15 @@ public:
     {
         const std::uint32_t first = static_cast<std::uint32_t>(piece) * m_stripsPerPiece;
         const std::uint32_t last = std::min(first + m_stripsPerPiece, m_layout.stripCount());
-        if (m_layout.compression == COMPRESSION_NONE)
-            encoded.bytes.reserve(std::size_t { last - first } * m_layout.rowsPerStrip * m_layout.rowBytes());
+        if (m_layout.compression == COMPRESSION_NONE) {
+            const std::uint32_t top = first * m_layout.rowsPerStrip;
+            const std::uint32_t rows = std::min(last * m_layout.rowsPerStrip, m_layout.height) - top;
+            fillTiffRows(page(), m_layout, top, rows, encoded.bytes);
+            for (std::uint32_t row = 0; row < rows; row += m_layout.rowsPerStrip)
+                encoded.partSizes.push_back(m_layout.rowBytes() * std::min(m_layout.rowsPerStrip, rows - row));
+            return {};
+        }
+        encoded.bytes.clear();
         for (std::uint32_t strip = first; strip < last; ++strip) {
             const std::size_t before = encoded.bytes.size();
             std::string reason = m_document.encodeStrip(page(), m_layout, strip, encoded.bytes);
@@ -109,7 +116,7 @@ std::string TiffDocument::encodeStrip(
     bool isBlank = true;
     for (std::uint32_t i = 0; isBlank && i < rows; ++i)
         isBlank = inkExtent(page, static_cast<int>(top + i)).empty();
-    if (!isBlank || layout.compression == COMPRESSION_NONE)
+    if (!isBlank)
         return encodeTiffStrip(page, layout, strip, out);
     const auto key = std::make_tuple(layout.format, layout.width, rows);
     {

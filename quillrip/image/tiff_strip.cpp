@@ -1,5 +1,6 @@
 #include "quillrip/image/tiff_strip.h"
 
+#include "quillrip/image/deflate_encoder.h"
 #include "quillrip/image/group4_encoder.h"
 #include "quillrip/image/light_rows.h"
 
@@ -69,6 +70,34 @@ void fillRow(const PageBitmap& page, const TiffLayout& layout, int y, std::uint8
     std::memset(out + count, 0, layout.rowBytes() - count);
 }
 
+/// Each byte of a row becomes what it is more than that of the pixel before.
+void subtractNeighbours(std::uint8_t* row, std::size_t count, std::size_t pixelBytes)
+{
+    for (std::size_t i = count; i-- > pixelBytes;)
+        row[i] = static_cast<std::uint8_t>(row[i] - row[i - pixelBytes]);
+}
+
+/// A zlib stream (RFC 1950).
+void deflateRows(
+    const PageBitmap& page, const TiffLayout& layout, int top, std::uint32_t rows, std::vector<std::uint8_t>& out)
+{
+    const DeflateMethod method { 32, 128, layout.rowBytes() };
+    const std::size_t pixelBytes = layout.format == PixelFormat::Rgb24 ? 3 : 1;
+    out.push_back(0x78); // deflate with a 32 KiB window
+    out.push_back(0x01); // no dictionary, and the check bits
+    DeflateEncoder deflate { out, pixelBytes, method };
+    for (std::uint32_t i = 0; i < rows; ++i) {
+        std::uint8_t* row = deflate.room(layout.rowBytes());
+        fillRow(page, layout, top + static_cast<int>(i), row);
+        if (layout.hasPredictor())
+            subtractNeighbours(row, layout.rowBytes(), pixelBytes);
+        deflate.commit(layout.rowBytes());
+    }
+    deflate.finish();
+    for (int shift = 24; shift >= 0; shift -= 8)
+        out.push_back(static_cast<std::uint8_t>(deflate.checksum() >> shift));
+}
+
 bool writeRows(TIFF* tiff, const PageBitmap& page, const TiffLayout& layout, int top, std::uint32_t rows)
 {
     std::vector<std::uint8_t> row(layout.rowBytes());
@@ -81,6 +110,14 @@ bool writeRows(TIFF* tiff, const PageBitmap& page, const TiffLayout& layout, int
 }
 
 } // namespace
+
+void fillTiffRows(const PageBitmap& page, const TiffLayout& layout, std::uint32_t top, std::uint32_t rows,
+    std::vector<std::uint8_t>& out)
+{
+    out.resize(layout.rowBytes() * rows);
+    for (std::uint32_t i = 0; i < rows; ++i)
+        fillRow(page, layout, static_cast<int>(top + i), &out[i * layout.rowBytes()]);
+}
 
 std::string encodeTiffStrip(
     const PageBitmap& page, const TiffLayout& layout, std::uint32_t strip, std::vector<std::uint8_t>& out)
@@ -95,18 +132,15 @@ std::string encodeTiffStrip(
         return {};
     }
 
-    std::vector<std::uint8_t> plain;
-    if (!layout.isCcitt()) {
-        // Rows that are not compressed go where they belong at once: copying them costs more than drawing most pages.
-        const bool isPlain = layout.compression == COMPRESSION_NONE;
-        std::vector<std::uint8_t>& rowsOut = isPlain ? out : plain;
-        const std::size_t start = rowsOut.size();
-        rowsOut.resize(start + layout.rowBytes() * rows);
-        for (std::uint32_t i = 0; i < rows; ++i)
-            fillRow(page, layout, top + static_cast<int>(i), &rowsOut[start + i * layout.rowBytes()]);
-        if (isPlain)
-            return {};
+    // Bits of text without a filter are where the library's search for ever longer matches is worth its time.
+    if (layout.compression == COMPRESSION_ADOBE_DEFLATE && layout.format != PixelFormat::Bilevel) {
+        deflateRows(page, layout, top, rows, out);
+        return {};
     }
+
+    std::vector<std::uint8_t> plain;
+    if (!layout.isCcitt())
+        fillTiffRows(page, layout, static_cast<std::uint32_t>(top), rows, plain);
 
     MemoryFile file;
     std::string message;

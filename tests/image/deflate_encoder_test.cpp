@@ -42,7 +42,7 @@ void add(DeflateEncoder& encoder, const Bytes& bytes)
     encoder.commit(bytes.size());
 }
 
-constexpr DeflateMethod kMethods[] { { 0, 0 }, { 1, 16 }, { 16, 64 } };
+constexpr DeflateMethod kMethods[] { {}, { 1, 16 }, { 16, 64 }, { 6, 32, 310 }, { 32, 128, 40000 } };
 
 /// The stream of bytes that are added in pieces of so many, whatever the pixels and the method.
 void expectRoundTrip(const Bytes& bytes, std::size_t piece)
@@ -213,8 +213,21 @@ TEST(DeflateEncoder, WhatIsRepeatedWithinTheWindowIsFound)
         line.insert(line.end(), glyph.begin(), glyph.end());
         line.insert(line.end(), 30 * 3, 0);
     }
-    EXPECT_GT(sizeOf(line, { 0, 0 }), 200 * 120u);
+    EXPECT_GT(sizeOf(line, {}), 200 * 120u);
     EXPECT_LT(sizeOf(line, { 1, 16 }), 150 + 200 * 8u);
+}
+
+TEST(DeflateEncoder, ARowLikeTheOneAboveTakesFewBytes)
+{
+    // Noise between stretches of zeros, again and again: nothing is like anything but the row above.
+    std::mt19937 random { 6 };
+    const Bytes row = made(3000, [&](std::size_t i) { return i % 50 < 20 ? 0 : 1 + random() % 255; });
+    Bytes rows;
+    for (int i = 0; i < 40; ++i)
+        rows.insert(rows.end(), row.begin(), row.end());
+    expectRoundTrip(rows, row.size());
+    const auto firstRow = sizeOf(row, { 1, 16 });
+    EXPECT_LT(sizeOf(rows, { 1, 16, row.size() }), firstRow + 39 * 12 * 5);
 }
 
 TEST(PrefixCode, LengthsAreThoseOfHuffmansTree)
