@@ -226,6 +226,15 @@ bool Canvas::isHairline(const LogicalPen& pen) const
     return pen.width * lengthOf({ m.a, m.b }) <= 1;
 }
 
+// A pixel of the reference device. Drawings of programs that know no device ask for less than a screen's pixel; finer
+// pages show that.
+double Canvas::hairWidth(const LogicalPen& pen) const
+{
+    const Matrix& m = m_dc.coordinates.toReference();
+    const double width = pen.isSimple ? pen.width * lengthOf({ m.a, m.b }) : 0;
+    return width > 0 ? std::min(width, 1.0) : 1.0;
+}
+
 double Canvas::insetOfPen() const
 {
     return pen().style == LogicalPen::Style::InsideFrame && !isHairline(pen()) ? pen().width / 2 : 0;
@@ -239,7 +248,7 @@ bool Canvas::makeStroke(Stroke& stroke) const
     StrokeStyle& style = stroke.style;
     style.miterLimit = m_dc.miterLimit;
     if (isHairline(pen)) {
-        style.width = 1;
+        style.width = hairWidth(pen);
         style.cap = LineCap::Butt;
         style.join = LineJoin::Miter;
         if (pen.style == LogicalPen::Style::User) {
@@ -265,16 +274,14 @@ bool Canvas::makeStroke(Stroke& stroke) const
     if (!stroke.toReference.isInvertible())
         return false;
     style.width = std::max(pen.width, 0.0);
-    style.cap = LineCap::Round;
-    style.join = LineJoin::Round;
-    if (pen.isSimple)
-        return true;
     style.cap = pen.cap == LogicalPen::Cap::Round ? LineCap::Round
         : pen.cap == LogicalPen::Cap::Square      ? LineCap::Square
                                                   : LineCap::Butt;
     style.join = pen.join == LogicalPen::Join::Round ? LineJoin::Round
         : pen.join == LogicalPen::Join::Bevel        ? LineJoin::Bevel
                                                      : LineJoin::Miter;
+    if (pen.isSimple)
+        return true;
     style.dashes = pen.style == LogicalPen::Style::User ? pen.dashes : patternOf(pen.style, true);
     if (pen.style != LogicalPen::Style::User) {
         for (double& length : style.dashes)
@@ -295,8 +302,9 @@ void Canvas::strokeWithPen(const Path& path)
     if (!state)
         return;
     state->clip = clip();
-    const bool isHair = isHairline(pen());
-    const Path inPenSpace = isHair ? shiftedBack(path, 0.5) : path.transformed(stroke.toReference.inverted());
+    // Ends lie on whole pixels, which a line that is thinner than one has nothing to do with.
+    const bool hasPixels = isHairline(pen()) && stroke.style.width == 1;
+    const Path inPenSpace = hasPixels ? shiftedBack(path, 0.5) : path.transformed(stroke.toReference.inverted());
     const Matrix toDevice = stroke.toReference * m_half * m_toDevice;
     const auto paint = [&](const StrokeStyle& style, const PaintState& ink) {
         if (needsDestination(ink.rop))

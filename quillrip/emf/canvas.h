@@ -56,6 +56,7 @@ private:
     };
     bool makeStroke(Stroke& stroke) const;
     bool isHairline(const LogicalPen& pen) const;
+    double hairWidth(const LogicalPen& pen) const; ///< reference pixels
 
     Painter& m_painter;
     PixelFormat m_format;

@@ -53,7 +53,62 @@ double snapped(double dotsPerInch)
     return best;
 }
 
+/// How many reference pixels the logical units have that the first drawing counts in; 1 when nothing is said at once.
+Size firstScale(ByteView metafile)
+{
+    constexpr std::uint32_t kSetWindowExtent = 9;
+    constexpr std::uint32_t kSetViewportExtent = 11;
+    constexpr std::size_t kSmallestRecord = 8;
+    constexpr int kPreamble = 32; // records
+    const Fields fields(metafile);
+    Size window;
+    Size viewport;
+    std::size_t at = 0;
+    for (int i = 0; i < kPreamble && fields.has(at, kSmallestRecord); ++i) {
+        const std::uint32_t size = fields.u32(at + 4);
+        const Size extent { std::abs(double(fields.i32(at + 8))), std::abs(double(fields.i32(at + 12))) };
+        if (fields.u32(at) == kSetWindowExtent)
+            window = extent;
+        else if (fields.u32(at) == kSetViewportExtent)
+            viewport = extent;
+        if (size < kSmallestRecord || size > metafile.size - at)
+            break;
+        at += size;
+    }
+    const bool isKnown = window.width > 0 && window.height > 0 && viewport.width > 0 && viewport.height > 0;
+    return isKnown ? Size { viewport.width / window.width, viewport.height / window.height } : Size { 1, 1 };
+}
+
+Box scaled(const Box& box, Size scale)
+{
+    const auto across = [&](double x) { return static_cast<std::int32_t>(std::lround(x * scale.width)); };
+    const auto down = [&](double y) { return static_cast<std::int32_t>(std::lround(y * scale.height)); };
+    return { across(box.left), down(box.top), across(box.right), down(box.bottom) };
+}
+
+bool isWithin(const Box& bounds, Size device)
+{
+    // Drawings may go beyond the screen that they were made on, but not by a multiple of it.
+    constexpr double kReach = 2;
+    return std::max(std::abs(double(bounds.left)), std::abs(double(bounds.right))) <= kReach * device.width
+        && std::max(std::abs(double(bounds.top)), std::abs(double(bounds.bottom))) <= kReach * device.height;
+}
+
 } // namespace
+
+// A library that many programs write metafiles with (libEMF) counts bounds and frame in logical units. Where a drawing
+// in many units to the pixel follows, nothing of it would lie within such a frame.
+void MetafileHeader::mendLogicalBounds(ByteView metafile)
+{
+    if (!hasBounds() || !hasFrame() || isWithin(bounds, device))
+        return;
+    const Size scale = firstScale(metafile);
+    const bool isFiner = scale.width < 1 && scale.height < 1;
+    if (!isFiner || !isWithin(scaled(bounds, scale), device))
+        return;
+    bounds = scaled(bounds, scale);
+    frame = scaled(frame, scale);
+}
 
 std::optional<MetafileHeader> MetafileHeader::read(ByteView metafile)
 {
@@ -79,6 +134,7 @@ std::optional<MetafileHeader> MetafileHeader::read(ByteView metafile)
         if (agree(micrometers.width, header.millimeters.width) && agree(micrometers.height, header.millimeters.height))
             header.micrometers = micrometers;
     }
+    header.mendLogicalBounds(metafile);
     return header;
 }
 

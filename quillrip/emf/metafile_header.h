@@ -36,6 +36,9 @@ struct MetafileHeader {
     Size pixelsPerMillimeter() const;
     bool hasFrame() const { return frame.right > frame.left && frame.bottom > frame.top; }
     bool hasBounds() const { return bounds.right >= bounds.left && bounds.bottom >= bounds.top; }
+
+private:
+    void mendLogicalBounds(ByteView metafile);
 };
 
 } // namespace quillrip::emf

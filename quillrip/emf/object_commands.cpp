@@ -74,6 +74,16 @@ Brush patternBrush(std::shared_ptr<const Pattern> pattern)
     return brush;
 }
 
+void setEnds(LogicalPen& pen, std::uint32_t style)
+{
+    pen.cap = (style & kCapMask) == kCapSquare ? LogicalPen::Cap::Square
+        : (style & kCapMask) == kCapFlat       ? LogicalPen::Cap::Flat
+                                               : LogicalPen::Cap::Round;
+    pen.join = (style & kJoinMask) == kJoinBevel ? LogicalPen::Join::Bevel
+        : (style & kJoinMask) == kJoinMiter      ? LogicalPen::Join::Miter
+                                                 : LogicalPen::Join::Round;
+}
+
 } // namespace
 
 void selectObject(Machine& machine, const Record& record)
@@ -109,6 +119,7 @@ void createPen(Machine& machine, const Record& record)
     const std::uint32_t style = record.u32(12) & kStyleMask;
     pen.style = static_cast<LogicalPen::Style>(
         std::min<std::uint32_t>(style, static_cast<std::uint32_t>(LogicalPen::Style::Alternate)));
+    setEnds(pen, record.u32(12));
     pen.width = std::abs(double(record.i32(16)));
     pen.brush.color = record.u32(24);
     put(machine, record, pen);
@@ -123,12 +134,7 @@ void extCreatePen(Machine& machine, const Record& record)
         std::min<std::uint32_t>(style & kStyleMask, static_cast<std::uint32_t>(LogicalPen::Style::Alternate)));
     pen.isGeometric = (style & kGeometric) != 0;
     pen.width = record.u32(32);
-    pen.cap = (style & kCapMask) == kCapSquare ? LogicalPen::Cap::Square
-        : (style & kCapMask) == kCapFlat       ? LogicalPen::Cap::Flat
-                                               : LogicalPen::Cap::Round;
-    pen.join = (style & kJoinMask) == kJoinBevel ? LogicalPen::Join::Bevel
-        : (style & kJoinMask) == kJoinMiter      ? LogicalPen::Join::Miter
-                                                 : LogicalPen::Join::Round;
+    setEnds(pen, style);
     if (pen.style == LogicalPen::Style::User) {
         const std::size_t room = (record.size() - 52) / 4;
         const std::size_t count = std::min<std::size_t>(std::min(record.u32(48), kMostDashes), room);

@@ -51,7 +51,8 @@ struct LogicalPen {
     Style style = Style::Solid;
     /// Width in logical units with ends and joins; otherwise one pixel of the reference device.
     bool isGeometric = false;
-    /// Made by CREATEPEN: one pixel wide unless its width says more, and then solid and round.
+    /// Made by CREATEPEN: one pixel wide unless its width says more, and then solid. GDI knows it round only; programs
+    /// that write metafiles themselves put ends and joins into its style.
     bool isSimple = true;
     double width = 0;
     Cap cap = Cap::Round;

@@ -181,6 +181,35 @@ TEST(EmfDrawing, HatchesShowTheBackgroundWhereItIsOpaque)
     EXPECT_EQ(opaque.pixel(1, 1), kRedPixel);
 }
 
+TEST(EmfDrawing, PensThinnerThanAReferencePixelAreThinOnFinerPages)
+{
+    // Twenty units to the reference pixel, four of the page's pixels to that.
+    const auto thicknessOf = [](int width) {
+        const Bytes mapping = record(0x11, { 8 }) + record(0x09, { 2000, 2000 }) + record(0x0B, { 100, 100 });
+        const Bytes line = record(0x1B, { 2000, 2000 }) + record(0x36, { 2400, 2000 });
+        const Played played(metafile(mapping + record(0x26, { 1, 0, width, 0, 0 }) + record(0x25, { 1 }) + line),
+            PixelFormat::Rgb24, 1200);
+        int rows = 0;
+        for (int y = 380; y < 420; ++y)
+            rows += played.hasInk(440, y) ? 1 : 0;
+        return rows;
+    };
+    EXPECT_EQ(thicknessOf(0), 4); // a pixel of the reference device
+    EXPECT_EQ(thicknessOf(20), 4);
+    EXPECT_EQ(thicknessOf(5), 1);
+}
+
+TEST(EmfDrawing, OlderPensHaveTheEndsThatTheirStyleAsksFor)
+{
+    const auto line = [](std::uint32_t style) {
+        return play(record(0x26, { 1, style, 20, 0, 0 }) + record(0x25, { 1 }) + record(0x1B, { 300, 300 })
+            + record(0x36, { 400, 300 }))
+            .ink();
+    };
+    EXPECT_EQ(line(0), "290,291,410,310");
+    EXPECT_EQ(line(0x2200), "300,291,400,310");
+}
+
 TEST(EmfDrawing, DashedPensWiderThanAPixelAreSolid)
 {
     const Bytes pen = record(0x26, { 1, 1, 10, 0, 0 }) + record(0x25, { 1 });

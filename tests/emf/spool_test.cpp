@@ -2,6 +2,8 @@
 
 #include "tests/emf/emf_bench.h"
 
+#include <algorithm>
+
 #include <gtest/gtest.h>
 
 namespace quillrip::test {
@@ -152,6 +154,30 @@ TEST(Spool, SingleMetafileFillsItsFrame)
     EXPECT_EQ(played.device.pages()[0].width(), 1000);
     EXPECT_EQ(played.device.pages()[0].height(), 500);
     EXPECT_EQ(played.ink(), "100,100,199,199");
+}
+
+TEST(Spool, AFrameInLogicalUnitsIsFoundByTheFirstMapping)
+{
+    Reference reference;
+    reference.width = 2160;
+    reference.height = 2790;
+    reference.hasMicrometers = false;
+    // Ten units to the pixel, ten pixels to the millimetre.
+    const auto play = [&](int unitsToThePixel) {
+        const Bytes mapping = record(0x11, { 8 }) + record(0x09, { 100 * unitsToThePixel, 100 * unitsToThePixel })
+            + record(0x0B, { 100, 100 });
+        Bytes job = metafile(mapping + nullPen() + blackBrush() + rectangle(10000, 10000, 20000, 20000), reference);
+        const Bytes bounds = words({ 10000, 10000, 20000, 20000, 100000, 100000, 200000, 200000 });
+        std::copy(bounds.begin(), bounds.end(), job.begin() + 8);
+        return Played(job, PixelFormat::Rgb24, 25.4);
+    };
+    const Played mended = play(10);
+    ASSERT_EQ(mended.pages(), 1u);
+    EXPECT_EQ(mended.device.pages()[0].width(), 100);
+    EXPECT_EQ(mended.ink(), "0,0,99,99");
+    // A drawing that does lie far beyond its screen keeps its frame.
+    EXPECT_EQ(play(1).device.pages()[0].width(), 1000);
+    EXPECT_EQ(play(1).ink(), "0,0,999,999");
 }
 
 TEST(Spool, EmptyPictureMakesNoPage)
