@@ -1,19 +1,12 @@
 #include "quillrip/base/page_pool.h"
 
+#include "quillrip/base/sanitizer.h"
+
 #include <algorithm>
 #include <cstdlib>
 #include <new>
 
 #include <sys/mman.h>
-
-// A sanitizer watches the bounds of what comes from the heap, and of nothing else.
-#if defined(__SANITIZE_ADDRESS__)
-#define QUILLRIP_PAGES_ON_HEAP
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer)
-#define QUILLRIP_PAGES_ON_HEAP
-#endif
-#endif
 
 namespace quillrip {
 
@@ -22,21 +15,23 @@ namespace {
 /// One is drawn while others are encoded; more come back only where pages differ in size.
 constexpr std::size_t kMostFree = 2;
 
-#ifdef QUILLRIP_PAGES_ON_HEAP
-
-void* mapZeroed(std::size_t bytes) { return std::calloc(bytes, 1); }
-void unmap(void* pixels, std::size_t) { std::free(pixels); }
-
-#else
+// A sanitizer watches the bounds of what comes from the heap, and of nothing else.
 
 void* mapZeroed(std::size_t bytes)
 {
+    if (kIsWatchedBySanitizer)
+        return std::calloc(bytes, 1);
     void* pixels = mmap(nullptr, bytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
     return pixels == MAP_FAILED ? nullptr : pixels;
 }
-void unmap(void* pixels, std::size_t bytes) { munmap(pixels, bytes); }
 
-#endif
+void unmap(void* pixels, std::size_t bytes)
+{
+    if (kIsWatchedBySanitizer)
+        std::free(pixels);
+    else
+        munmap(pixels, bytes);
+}
 
 } // namespace
 

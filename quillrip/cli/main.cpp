@@ -1,3 +1,4 @@
+#include "quillrip/base/sanitizer.h"
 #include "quillrip/cli/command_line.h"
 #include "quillrip/cli/console.h"
 #include "quillrip/cli/conversion_record.h"
@@ -26,11 +27,8 @@ namespace {
 
 using namespace quillrip;
 
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-constexpr bool kCanBeConfined = false; // sanitizers trace the process at its end, and run programs to name functions
-#else
-constexpr bool kCanBeConfined = true;
-#endif
+/// Sanitizers trace the process at its end, and run programs to name functions.
+constexpr bool kCanBeConfined = !kIsWatchedBySanitizer;
 
 constexpr int kExitUsage = 1;
 constexpr int kExitOutputFailed = 3;

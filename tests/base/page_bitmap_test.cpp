@@ -1,5 +1,7 @@
 #include "quillrip/base/page_bitmap.h"
 
+#include "quillrip/base/sanitizer.h"
+
 #include <gtest/gtest.h>
 
 #include <cstring>
@@ -112,9 +114,8 @@ std::size_t residentPages(PageBitmap& page)
 
 TEST(PageBitmapMemory, WhatAPageNeverMarksTakesNoMemoryAlsoAfterOtherPages)
 {
-#ifdef __SANITIZE_ADDRESS__
-    GTEST_SKIP() << "with a sanitizer pages come from the heap, which it watches";
-#endif
+    if (kIsWatchedBySanitizer)
+        GTEST_SKIP() << "with a sanitizer pages come from the heap, which it watches";
     for (int i = 0; i < 3; ++i) {
         PageBitmap page(PixelFormat::Rgb24, 2550, 3300, {});
         EXPECT_EQ(residentPages(page), 0u) << "page " << i;
