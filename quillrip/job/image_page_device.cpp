@@ -14,6 +14,9 @@ constexpr double kLongestEdge = 1 << 28;
 // Drivers and scanned pages overrun the sheet they mean by as much as a printer leaves white at its edge.
 constexpr double kHarmlessOverrun = 180; // decipoints
 
+/// Of an edge that has not been refused yet, and may be longer than an int can say.
+int wholePixels(double edge) { return edge < kLongestEdge ? static_cast<int>(edge) : static_cast<int>(kLongestEdge); }
+
 void removeColour(PageBitmap& page)
 {
     for (int y = 0; y < page.height(); ++y) {
@@ -85,7 +88,7 @@ RunStatus ImagePageDevice::beginPage(const SheetRequest& sheet, PageCanvas& canv
 PageLayout ImagePageDevice::planWindows(const SheetRequest& sheet)
 {
     PageLayout layout = layoutOf(m_settings, sheet);
-    m_windows.assign(1, { 0, static_cast<int>(layout.width), static_cast<int>(layout.height) });
+    m_windows.assign(1, { 0, wholePixels(layout.width), wholePixels(layout.height) });
     m_overrun = static_cast<int>(std::lround(kHarmlessOverrun * layout.pageToDevice.d));
     const PageLayout requested = layout;
     for (const SheetCandidate& candidate : sheet.candidates) {
@@ -101,7 +104,7 @@ PageLayout ImagePageDevice::planWindows(const SheetRequest& sheet)
             continue;
         const double left = was.a * candidate.left + was.e - is.e;
         m_windows.push_back(
-            { static_cast<int>(std::lround(left)), static_cast<int>(longer.width), static_cast<int>(longer.height) });
+            { static_cast<int>(std::lround(left)), wholePixels(longer.width), wholePixels(longer.height) });
         layout.height = std::max(layout.height, longer.height);
     }
     return layout;

@@ -99,5 +99,20 @@ TEST(ImagePageDevice, AGuessedSheetStaysWhereALongerOneIsAboveTheLimit)
     EXPECT_EQ(sink.pages.at(0).height(), 1100);
 }
 
+// Metafiles name sheets of kilometres. Only the sanitizers see it when such a number becomes an int.
+TEST(ImagePageDevice, ASheetThatNoIntegerCanTellIsAboveTheLimit)
+{
+    test::CollectingSink sink;
+    ImagePageDevice device(sink, {}, {});
+    for (const double edge : { 1e12, 1e300 }) {
+        SheetRequest sheet;
+        sheet.width = edge;
+        sheet.height = edge;
+        PageCanvas canvas;
+        EXPECT_EQ(device.beginPage(sheet, canvas), RunStatus::LimitExceeded);
+        EXPECT_NE(device.reason(), "");
+    }
+}
+
 } // namespace
 } // namespace quillrip
