@@ -88,6 +88,7 @@ enum class PaperName : std::uint8_t {
     Com14,
     Com6,
     EnvelopeA2,
+    EnvelopeCard,
     DL,
     C3,
     C4,

@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
+#include <optional>
 #include <string>
 #include <utility>
 
@@ -84,7 +85,7 @@ void CurrentRaster::cutSheetToRaster()
     const LogicalPage unnamed(
         customPageSize(m_environment.customWidth, m_environment.customLength), 0, m_environment.family);
     const InternalUnits width = declaredWidth() + 2 * unnamed.leftOffset();
-    const PageSize* named = findPageSizeByMeasure(width, m_state.customLength);
+    const std::optional<PageSize> named = findPageSizeByMeasure(width, m_state.customLength);
     const PageSize size = named ? *named
                                 : customPageSize(static_cast<double>(width) / kUnitsPerDecipoint,
                                     static_cast<double>(m_state.customLength) / kUnitsPerDecipoint);

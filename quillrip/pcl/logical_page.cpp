@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdlib>
+#include <optional>
 
 namespace quillrip::pcl {
 
@@ -61,7 +62,7 @@ void LogicalPage::setBleed(InternalUnits left, InternalUnits top)
 
 void LogicalPage::changeFamily(PrinterFamily family)
 {
-    const PageSize* size = findPageSize(m_size.code, family);
+    const std::optional<PageSize> size = findPageSize(m_size.code, family);
     LogicalPage other(size ? *size : m_size, m_orientation, family);
     const bool hasOwnLength = m_length != LogicalPage(m_size, m_orientation, m_family).m_length;
     if (hasOwnLength)
@@ -171,7 +172,7 @@ SheetRequest LogicalPage::sheet() const
     request.orientation = m_orientation;
     if (spareLength(0) > 0) {
         for (const int code : kLongerThanLetter) {
-            const PageSize& size = *findPageSize(code);
+            const PageSize size = *findPageSize(code);
             // The logical page stays, the sheet's edge does not.
             const InternalUnits left = m_leftOffset - insetOf(size, 0, m_family);
             request.candidates.push_back({ size.width, size.length, static_cast<double>(left) / kUnitsPerDecipoint });

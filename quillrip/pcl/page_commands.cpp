@@ -13,6 +13,7 @@
 #include <array>
 #include <cmath>
 #include <cstdlib>
+#include <optional>
 
 namespace quillrip::pcl {
 
@@ -78,10 +79,10 @@ void setPageSize(Machine& machine, const Command& command)
     State& state = machine.state();
     const int code = command.value.integer();
     const Environment& environment = machine.environment();
-    const PageSize* size = findPageSize(code, environment.family);
+    std::optional<PageSize> size = findPageSize(code, environment.family);
     const PageSize custom = customPageSize(environment.customWidth, environment.customLength);
     if (code == kCustomPaperCode && isPossible(custom))
-        size = &custom;
+        size = custom;
     const Environment unsaid;
     state.wantsCustomSheet = code == kCustomPaperCode && environment.customWidth == unsaid.customWidth
         && environment.customLength == unsaid.customLength;
@@ -105,7 +106,9 @@ void setPageLength(Machine& machine, const Command& command)
     if (length == 0) {
         page = LogicalPage(standard.size(), state.page.orientation(), state.page.family());
     } else if (std::llabs(page.length() - length) > kUnitsPerInch / 6) {
-        const PageSize* size = state.page.orientation() & 1 ? nullptr : findPageSizeByLength(length);
+        std::optional<PageSize> size;
+        if (!(state.page.orientation() & 1))
+            size = findPageSizeByLength(length);
         if (!size && state.wantsCustomSheet)
             size = findLargeSheetByLength(length);
         if (size)

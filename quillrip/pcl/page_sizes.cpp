@@ -4,158 +4,169 @@
 #include <array>
 #include <cmath>
 #include <cstdlib>
+#include <optional>
+#include <utility>
 
 namespace quillrip::pcl {
 
 namespace {
 
-constexpr PageSize inches(int code, double width, double length, int dotsWide, int dotsLong)
-{
-    return { code, width * 720, length * 720, dotsWide, dotsLong, false };
-}
-
-constexpr PageSize millimetres(int code, double width, double length, int dotsWide, int dotsLong)
-{
-    return { code, width * 720 / 25.4, length * 720 / 25.4, dotsWide, dotsLong, true };
-}
+struct Entry {
+    int code;
+    PaperName paper;
+    bool isAcross = false; ///< fed with its long edge first
+};
 
 constexpr std::array kPageSizes {
-    inches(1, 7.25, 10.5, 2175, 3150), // Executive
-    inches(2, 8.5, 11, 2550, 3300), // Letter
-    inches(3, 8.5, 14, 2550, 4200), // Legal
-    inches(5, 5.5, 8.5, 1650, 2550), // Statement
-    inches(6, 11, 17, 3300, 5100), // Ledger
-    inches(10, 8.5, 13, 2550, 3900), // Folio
-    inches(13, 4, 6, 1200, 1800), // card
-    inches(15, 5, 8, 1500, 2400), // card
-    millimetres(17, 195, 270, 2303, 3189), // 16K
-    millimetres(18, 216, 330, 2551, 3898), // JIS Executive
-    millimetres(19, 270, 390, 3189, 4606), // 8K
-    millimetres(24, 105, 148, 1240, 1748), // A6
-    millimetres(25, 148, 210, 1748, 2480), // A5
-    millimetres(26, 210, 297, 2480, 3507), // A4
-    millimetres(27, 297, 420, 3507, 4960), // A3
-    millimetres(28, 420, 594, 4960, 7016), // A2
-    millimetres(44, 128, 182, 1512, 2150), // JIS B6
-    millimetres(45, 182, 257, 2150, 3035), // JIS B5
-    millimetres(46, 257, 364, 3035, 4299), // JIS B4
-    millimetres(71, 100, 148, 1181, 1748), // postcard
-    millimetres(72, 148, 200, 1748, 2362), // double postcard
-    inches(74, 4, 6, 1200, 1800), // card
-    inches(75, 5, 8, 1500, 2400), // card
-    millimetres(78, 105, 148, 1240, 1748), // A6 card
-    inches(80, 3.875, 7.5, 1162, 2250), // Monarch envelope
-    inches(81, 4.125, 9.5, 1237, 2850), // Com-10 envelope
-    inches(89, 3.875, 8.875, 1162, 2662), // No. 9 envelope
-    millimetres(90, 110, 220, 1299, 2598), // DL envelope
-    millimetres(91, 162, 229, 1913, 2704), // C5 envelope
-    millimetres(92, 114, 162, 1346, 1913), // C6 envelope
-    millimetres(99, 125, 176, 1476, 2078), // B6 envelope
-    millimetres(100, 176, 250, 2078, 2952), // B5 envelope
-    inches(109, 4.375, 5.75, 1312, 1725), // A2 envelope
-    inches(110, 4.375, 5.75, 1312, 1725), // A2 envelope
+    Entry { 1, PaperName::Executive },
+    Entry { 2, PaperName::Letter },
+    Entry { 3, PaperName::Legal },
+    Entry { 5, PaperName::Statement },
+    Entry { 6, PaperName::Ledger },
+    Entry { 10, PaperName::Folio },
+    Entry { 13, PaperName::Card4x6 },
+    Entry { 15, PaperName::Card5x8 },
+    Entry { 17, PaperName::Jis16K },
+    Entry { 18, PaperName::JisExecutive },
+    Entry { 19, PaperName::Jis8K },
+    Entry { 24, PaperName::A6 },
+    Entry { 25, PaperName::A5 },
+    Entry { 26, PaperName::A4 },
+    Entry { 27, PaperName::A3 },
+    Entry { 28, PaperName::A2 },
+    Entry { 44, PaperName::JisB6 },
+    Entry { 45, PaperName::JisB5 },
+    Entry { 46, PaperName::JisB4 },
+    Entry { 71, PaperName::Postcard },
+    Entry { 72, PaperName::DoublePostcard },
+    Entry { 74, PaperName::Card4x6 },
+    Entry { 75, PaperName::Card5x8 },
+    Entry { 78, PaperName::A6 },
+    Entry { 80, PaperName::Monarch },
+    Entry { 81, PaperName::Com10 },
+    Entry { 89, PaperName::Com9 },
+    Entry { 90, PaperName::DL },
+    Entry { 91, PaperName::C5 },
+    Entry { 92, PaperName::C6 },
+    Entry { 99, PaperName::IsoB6 },
+    Entry { 100, PaperName::IsoB5 },
+    Entry { 109, PaperName::EnvelopeA2 },
+    Entry { 110, PaperName::EnvelopeA2 },
 };
 
 /// What ink-jets have beside those, and the numbers that mean other sheets to them.
 constexpr std::array kInkjetPageSizes {
-    inches(4, 11, 14, 3300, 4200), inches(7, 8, 10, 2400, 3000), inches(15, 5.5, 8.5, 1650, 2550), // Statement
-    inches(16, 13, 19, 3900, 5700), // Super B
-    millimetres(43, 91, 128, 1075, 1512), // JIS B7
-    millimetres(63, 88, 125, 1039, 1476), // B7
-    millimetres(65, 176, 250, 2078, 2952), // B5
-    millimetres(72, 200, 148, 2362, 1748), // double postcard, fed unfolded
-    millimetres(73, 105, 148, 1240, 1748), // A6
-    inches(78, 3, 5, 900, 1500), // card
-    inches(83, 3.625, 6.5, 1087, 1950), // No. 6 3/4 envelope
-    millimetres(110, 120, 235, 1417, 2775), // Chou 3 envelope
-    millimetres(111, 90, 205, 1063, 2421), // Chou 4 envelope
-    millimetres(113, 240, 332, 2834, 3921), // Kaku 2 envelope
-    inches(114, 4.375, 6, 1312, 1800), // card envelope
-    inches(117, 12, 12, 3600, 3600), millimetres(119, 120, 165, 1417, 1948), // cabinet photo
-    inches(121, 3.5, 5, 1050, 1500), // photo L
-    inches(122, 5, 7, 1500, 2100), // photo
-    millimetres(126, 127, 178, 1500, 2102), // photo 2L
+    Entry { 4, PaperName::Inch11x14 },
+    Entry { 7, PaperName::Inch8x10 },
+    Entry { 15, PaperName::Statement },
+    Entry { 16, PaperName::SuperB },
+    Entry { 43, PaperName::Card91x128 }, // JIS B7
+    Entry { 63, PaperName::PhotoL }, // B7
+    Entry { 65, PaperName::IsoB5 },
+    Entry { 72, PaperName::DoublePostcard, true }, // unfolded
+    Entry { 73, PaperName::A6 },
+    Entry { 78, PaperName::Card3x5 },
+    Entry { 83, PaperName::Com6 },
+    Entry { 110, PaperName::Chou3 },
+    Entry { 111, PaperName::Chou4 },
+    Entry { 113, PaperName::Kaku2 },
+    Entry { 114, PaperName::EnvelopeCard },
+    Entry { 117, PaperName::Inch12x12 },
+    Entry { 119, PaperName::Card120x165 }, // cabinet photo
+    Entry { 121, PaperName::Photo35x5 },
+    Entry { 122, PaperName::Photo5x7 },
+    Entry { 126, PaperName::Photo2L },
 };
 
 /// Sheets of large-format printers, which have no code of their own.
 constexpr std::array kLargeSheets {
-    inches(kCustomPaperCode, 12, 18, 3600, 5400), // architects' B
-    millimetres(kCustomPaperCode, 329, 483, 3886, 5705), // A3+
-    inches(kCustomPaperCode, 17, 22, 5100, 6600), // C
-    millimetres(kCustomPaperCode, 420, 594, 4960, 7016), // A2
-    inches(kCustomPaperCode, 18, 24, 5400, 7200), // architects' C
-    millimetres(kCustomPaperCode, 500, 707, 5906, 8350), // B2
-    millimetres(kCustomPaperCode, 594, 841, 7016, 9933), // A1
-    inches(kCustomPaperCode, 22, 34, 6600, 10200), // D
-    inches(kCustomPaperCode, 24, 36, 7200, 10800), // architects' D
-    millimetres(kCustomPaperCode, 707, 1000, 8350, 11811), // B1
-    inches(kCustomPaperCode, 30, 42, 9000, 12600), // architects' E1
-    inches(kCustomPaperCode, 34, 44, 10200, 13200), // E
-    millimetres(kCustomPaperCode, 841, 1189, 9933, 14043), // A0
-    inches(kCustomPaperCode, 36, 48, 10800, 14400), // architects' E
+    Entry { kCustomPaperCode, PaperName::ArchB },
+    Entry { kCustomPaperCode, PaperName::A3Plus },
+    Entry { kCustomPaperCode, PaperName::AnsiC },
+    Entry { kCustomPaperCode, PaperName::A2 },
+    Entry { kCustomPaperCode, PaperName::ArchC },
+    Entry { kCustomPaperCode, PaperName::IsoB2 },
+    Entry { kCustomPaperCode, PaperName::A1 },
+    Entry { kCustomPaperCode, PaperName::AnsiD },
+    Entry { kCustomPaperCode, PaperName::ArchD },
+    Entry { kCustomPaperCode, PaperName::IsoB1 },
+    Entry { kCustomPaperCode, PaperName::ArchE1 },
+    Entry { kCustomPaperCode, PaperName::AnsiE },
+    Entry { kCustomPaperCode, PaperName::A0 },
+    Entry { kCustomPaperCode, PaperName::ArchE },
 };
 
 /// Sizes that a page length in lines may choose, the common ones first.
 constexpr std::array kSizesByLength { 2, 26, 3, 1, 6, 27, 80, 81, 90, 91, 100, 25 };
 
-template <typename Table> const PageSize* findIn(const Table& table, int code)
+PageSize pageSizeOf(const Entry& entry)
 {
-    const auto found
-        = std::find_if(table.begin(), table.end(), [code](const PageSize& size) { return size.code == code; });
-    return found != table.end() ? &*found : nullptr;
+    const Paper& paper = paperOf(entry.paper);
+    PageSize size { entry.code, paper.width.count, paper.length.count, paper.dotsWide.count, paper.dotsLong.count,
+        paper.isMetric };
+    if (entry.isAcross) {
+        std::swap(size.width, size.length);
+        std::swap(size.dotsWide, size.dotsLong);
+    }
+    return size;
+}
+
+/// The first that is as wanted.
+template <typename Table, typename Wanted> std::optional<PageSize> findIn(const Table& table, Wanted isWanted)
+{
+    for (const Entry& entry : table) {
+        const PageSize size = pageSizeOf(entry);
+        if (isWanted(size))
+            return size;
+    }
+    return std::nullopt;
+}
+
+/// So many lines, which were rounded down to a sixth of an inch, fill the sheet.
+bool holdsLines(const PageSize& size, InternalUnits length)
+{
+    const InternalUnits spare = size.dotsLong * kUnitsPerDot - length;
+    return spare >= -kUnitsPerDot && spare <= kUnitsPerInch / 6;
 }
 
 } // namespace
 
 InternalUnits inUnits(double number, double unit) { return std::llround(std::clamp(number, -1e6, 1e6) * unit); }
 
-const PageSize* findPageSize(int code, PrinterFamily family)
+std::optional<PageSize> findPageSize(int code, PrinterFamily family)
 {
     // A number that only ink-jets know tells enough, whatever the job has shown of itself. A negative one is the same
     // sheet, fed the other way round.
-    const int sheet = std::abs(code);
-    const PageSize* ofInkjets = findIn(kInkjetPageSizes, sheet);
-    const PageSize* common = findIn(kPageSizes, sheet);
+    const auto hasCode = [sheet = std::abs(code)](const PageSize& size) { return size.code == sheet; };
+    const std::optional<PageSize> ofInkjets = findIn(kInkjetPageSizes, hasCode);
+    const std::optional<PageSize> common = findIn(kPageSizes, hasCode);
     return family == PrinterFamily::Laser ? (common ? common : ofInkjets) : (ofInkjets ? ofInkjets : common);
 }
 
-const PageSize* findPageSizeByLength(InternalUnits length)
+std::optional<PageSize> findPageSizeByLength(InternalUnits length)
 {
     for (const int code : kSizesByLength) {
-        const PageSize* size = findPageSize(code);
+        const std::optional<PageSize> size = findPageSize(code);
         if (std::llabs(size->dotsLong * kUnitsPerDot - length) <= kUnitsPerInch / 6)
             return size;
     }
-    return nullptr;
+    return std::nullopt;
 }
 
-const PageSize* findLargeSheetByLength(InternalUnits length)
+std::optional<PageSize> findLargeSheetByLength(InternalUnits length)
 {
-    // Lines of a sixth of an inch are rounded down to fit the sheet.
-    for (const PageSize& size : kLargeSheets) {
-        const InternalUnits spare = size.dotsLong * kUnitsPerDot - length;
-        if (spare >= -kUnitsPerDot && spare <= kUnitsPerInch / 6)
-            return &size;
-    }
-    return nullptr;
+    return findIn(kLargeSheets, [length](const PageSize& size) { return holdsLines(size, length); });
 }
 
-const PageSize* findPageSizeByMeasure(InternalUnits width, InternalUnits length)
+std::optional<PageSize> findPageSizeByMeasure(InternalUnits width, InternalUnits length)
 {
     const auto fits = [width, length](const PageSize& size) {
-        const InternalUnits spare = size.dotsLong * kUnitsPerDot - length;
-        return std::llabs(size.dotsWide * kUnitsPerDot - width) <= kUnitsPerInch / 20 && spare >= -kUnitsPerDot
-            && spare <= kUnitsPerInch / 6;
+        return std::llabs(size.dotsWide * kUnitsPerDot - width) <= kUnitsPerInch / 20 && holdsLines(size, length);
     };
-    const auto in = [&fits](const auto& table) -> const PageSize* {
-        const auto found = std::find_if(table.begin(), table.end(), fits);
-        return found != table.end() ? &*found : nullptr;
-    };
-    for (const PageSize* size : { in(kPageSizes), in(kInkjetPageSizes), in(kLargeSheets) }) {
-        if (size)
-            return size;
-    }
-    return nullptr;
+    std::optional<PageSize> found = findIn(kPageSizes, fits);
+    if (!found)
+        found = findIn(kInkjetPageSizes, fits);
+    return found ? found : findIn(kLargeSheets, fits);
 }
 
 PageSize customPageSize(double width, double length)

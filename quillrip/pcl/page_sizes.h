@@ -4,6 +4,7 @@
 #include "quillrip/pcl/environment.h"
 
 #include <cstdint>
+#include <optional>
 
 namespace quillrip::pcl {
 
@@ -28,14 +29,15 @@ struct PageSize {
     bool isMetric; ///< metric sizes have logical pages inset by 6 mm and 5 mm, the others by 1/4 and 1/5 inch
 };
 
-/// Null for an unknown code. Ink-jets know more sizes than lasers and give some numbers to others.
-const PageSize* findPageSize(int code, PrinterFamily family = PrinterFamily::Laser);
-/// The size whose length comes within a sixth of an inch of `length`; null when there is none.
-const PageSize* findPageSizeByLength(InternalUnits length);
-/// The sheet of a large-format printer that holds so many inches of lines and hardly more; null when there is none.
-const PageSize* findLargeSheetByLength(InternalUnits length);
-/// The size as wide as this, to a twentieth of an inch, and as long or up to a sixth of an inch longer; null for none.
-const PageSize* findPageSizeByMeasure(InternalUnits width, InternalUnits length);
+/// Nothing for an unknown code. Ink-jets know more sizes than lasers and give some numbers to others.
+std::optional<PageSize> findPageSize(int code, PrinterFamily family = PrinterFamily::Laser);
+/// The size whose length comes within a sixth of an inch of `length`; nothing when there is none.
+std::optional<PageSize> findPageSizeByLength(InternalUnits length);
+/// The sheet of a large-format printer that holds so many inches of lines and hardly more; nothing when there is none.
+std::optional<PageSize> findLargeSheetByLength(InternalUnits length);
+/// The size as wide as this, to a twentieth of an inch, and as long or up to a sixth of an inch longer; nothing where
+/// there is none.
+std::optional<PageSize> findPageSizeByMeasure(InternalUnits width, InternalUnits length);
 /// The size that job control, panel or driver give under kCustomPaperCode; a logical page may be nothing of it.
 PageSize customPageSize(double width, double length);
 /// Something is left between the margins at its edges.

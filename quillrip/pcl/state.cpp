@@ -53,7 +53,7 @@ State defaultState(const Environment& environment)
         state.raster.resolution = state.unitsPerInch = kPlotterDotsPerInch;
         return state;
     }
-    const PageSize* size = findPageSize(environment.pageSize, environment.family);
+    std::optional<PageSize> size = findPageSize(environment.pageSize, environment.family);
     const PageSize custom = customPageSize(environment.customWidth, environment.customLength);
     const bool isCustom = environment.pageSize == kCustomPaperCode && isPossible(custom);
     if (!size)
