@@ -106,15 +106,14 @@ int main(int argc, char** argv)
     options.type = *type;
 
     const auto start = std::chrono::steady_clock::now();
-    std::string reason;
-    const auto writer = DocumentWriter::create(options, reason);
+    const auto writer = DocumentWriter::create(options);
     bool isGood = writer != nullptr;
     for (std::size_t i = 0; isGood && i < pageCount; ++i)
         isGood = writer->addPage(copyOf(pages[i % pages.size()]));
     isGood = isGood && writer->commit();
     const std::chrono::duration<double> seconds = std::chrono::steady_clock::now() - start;
     if (!isGood) {
-        std::fprintf(stderr, "%s\n", writer ? writer->reason().c_str() : reason.c_str());
+        std::fprintf(stderr, "%s\n", (writer ? writer->reason() : writer.reason()).c_str());
         return 1;
     }
     rusage usage {};

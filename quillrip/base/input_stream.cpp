@@ -67,13 +67,11 @@ MemoryInputStream::MemoryInputStream(ByteView bytes)
 
 std::size_t MemoryInputStream::pull(std::uint8_t*, std::size_t) { return 0; }
 
-std::unique_ptr<FileInputStream> FileInputStream::open(const std::string& path, std::string& reason)
+Made<FileInputStream> FileInputStream::open(const std::string& path)
 {
     const int descriptor = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
-    if (descriptor < 0) {
-        reason = std::strerror(errno);
-        return nullptr;
-    }
+    if (descriptor < 0)
+        return Made<FileInputStream>::refused(std::strerror(errno));
     return std::make_unique<FileInputStream>(descriptor);
 }
 

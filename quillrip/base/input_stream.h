@@ -1,6 +1,7 @@
 #pragma once
 
 #include "quillrip/base/bytes.h"
+#include "quillrip/base/outcome.h"
 
 #include <cstdint>
 #include <memory>
@@ -83,8 +84,8 @@ protected:
 /// A file read by its descriptor, which the stream owns. Sequential only, so pipes work too.
 class FileInputStream final : public InputStream {
 public:
-    /// Null when the file cannot be opened; `reason` then says why.
-    static std::unique_ptr<FileInputStream> open(const std::string& path, std::string& reason);
+    /// Refused when the file cannot be opened.
+    static Made<FileInputStream> open(const std::string& path);
     explicit FileInputStream(int descriptor)
         : m_descriptor(descriptor)
     {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <memory>
 #include <string>
 #include <utility>
 
@@ -13,21 +14,30 @@ enum class RunStatus {
     OutputFailed, ///< the pages cannot be delivered
 };
 
-/// How something ended and, when not well, why. `Status` is an enumeration with a Done.
-template <typename Status> struct [[nodiscard]] OutcomeOf {
-    Status status = Status::Done;
-    std::string reason; ///< a sentence without full stop; empty when Done
-
-    OutcomeOf() = default;
-    OutcomeOf(Status ended, std::string because)
-        : status(ended)
-        , reason(std::move(because))
+/// What was to be made, or why it could not be.
+template <typename Thing> class [[nodiscard]] Made {
+public:
+    Made(std::unique_ptr<Thing> thing)
+        : m_thing(std::move(thing))
     {
     }
+    /// `reason` is a sentence without full stop.
+    static Made refused(const std::string& reason)
+    {
+        Made made { nullptr };
+        made.m_reason = reason;
+        return made;
+    }
 
-    bool isDone() const { return status == Status::Done; }
+    explicit operator bool() const { return m_thing != nullptr; }
+    Thing& operator*() const { return *m_thing; }
+    Thing* operator->() const { return m_thing.get(); }
+    /// Empty where there is the thing.
+    const std::string& reason() const { return m_reason; }
+
+private:
+    std::unique_ptr<Thing> m_thing;
+    std::string m_reason;
 };
-
-using Outcome = OutcomeOf<RunStatus>;
 
 } // namespace quillrip

@@ -125,11 +125,12 @@ private:
     bool m_isOutOfMemory = false;
 };
 
-std::unique_ptr<DocumentWriter> DocumentWriter::create(const DocumentOptions& options, std::string& reason)
+Made<DocumentWriter> DocumentWriter::create(const DocumentOptions& options)
 {
     auto implementation = std::make_unique<Implementation>(options);
+    std::string reason;
     if (!implementation->open(reason))
-        return nullptr;
+        return Made<DocumentWriter>::refused(reason);
     return std::unique_ptr<DocumentWriter> { new DocumentWriter(std::move(implementation)) };
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "quillrip/base/outcome.h"
 #include "quillrip/base/page_bitmap.h"
 #include "quillrip/image/document_options.h"
 
@@ -17,9 +18,9 @@ namespace quillrip {
 /// it where the system has no unnamed files. All functions are for one thread, the one that draws.
 class DocumentWriter {
 public:
-    /// Null, and a sentence in `reason`, when nothing can be written there: the folder is missing or not writable,
-    /// the name is a folder's or another thing's that is no file, the file is write-protected.
-    static std::unique_ptr<DocumentWriter> create(const DocumentOptions& options, std::string& reason);
+    /// Refused when nothing can be written there: the folder is missing or not writable, the name is a folder's or
+    /// another thing's that is no file, the file is write-protected.
+    static Made<DocumentWriter> create(const DocumentOptions& options);
 
     /// Without commit() nothing is left behind, and former files of the same names are untouched.
     ~DocumentWriter();

@@ -1,4 +1,5 @@
 #include "quillrip/job/conversion.h"
+#include "quillrip/base/outcome.h"
 
 #include "quillrip/base/input_stream.h"
 #include "quillrip/fonts/faces/font_file.h"
@@ -105,15 +106,13 @@ private:
 };
 
 /// Standard input as a descriptor of its own, since the stream closes it.
-std::unique_ptr<FileInputStream> openInput(const std::string& path, std::string& reason)
+Made<FileInputStream> openInput(const std::string& path)
 {
     if (path != "-")
-        return FileInputStream::open(path, reason);
+        return FileInputStream::open(path);
     const int descriptor = ::fcntl(STDIN_FILENO, F_DUPFD_CLOEXEC, 3);
-    if (descriptor < 0) {
-        reason = std::strerror(errno);
-        return nullptr;
-    }
+    if (descriptor < 0)
+        return Made<FileInputStream>::refused(std::strerror(errno));
     return std::make_unique<FileInputStream>(descriptor);
 }
 
@@ -145,12 +144,12 @@ ConversionResult convertWithMemory(
         return ConversionResult { status, std::move(reason), file, 0 };
     };
 
-    std::string reason = reasonAgainst(options.document, options.page.format);
+    const std::string reason = reasonAgainst(options.document, options.page.format);
     if (!reason.empty())
         return failed(ConversionStatus::BadOptions, reason, outputPath);
-    const auto input = openInput(inputPath, reason);
+    const auto input = openInput(inputPath);
     if (!input)
-        return failed(ConversionStatus::BadInput, "cannot be read: " + reason, inputPath);
+        return failed(ConversionStatus::BadInput, "cannot be read: " + input.reason(), inputPath);
     struct stat status { };
     if (::fstat(input->descriptor(), &status) != 0)
         return failed(ConversionStatus::BadInput, std::string("cannot be read: ") + std::strerror(errno), inputPath);
@@ -160,9 +159,9 @@ ConversionResult convertWithMemory(
     if (isSameFile(outputPath, identity))
         return failed(ConversionStatus::BadOptions, "output and input are the same file", outputPath);
 
-    const auto writer = DocumentWriter::create(options.document, reason);
+    const auto writer = DocumentWriter::create(options.document);
     if (!writer)
-        return failed(ConversionStatus::OutputFailed, reason, outputPath);
+        return failed(ConversionStatus::OutputFailed, writer.reason(), outputPath);
     WriterSink sink(*writer, options, *input, identity, observer);
     const DocumentPrograms programs = DocumentPrograms::onPath();
     if (options.isConfined)

@@ -46,9 +46,8 @@ TEST(DocumentWriter, NothingIsSeenBeforeCommit)
 {
     for (const char* extension : kAllExtensions) {
         const ScratchFolder scratch;
-        std::string reason;
-        const auto writer = DocumentWriter::create(optionsFor(scratch.path(std::string { "out" } + extension)), reason);
-        ASSERT_TRUE(writer) << reason;
+        const auto writer = DocumentWriter::create(optionsFor(scratch.path(std::string { "out" } + extension)));
+        ASSERT_TRUE(writer) << writer.reason();
         for (int i = 0; i < 6; ++i)
             ASSERT_TRUE(writer->addPage(makePage(PixelFormat::Gray8, 100, 100, Content::Text)));
         EXPECT_FALSE(fs::exists(scratch.path(std::string { "out" } + extension)));
@@ -67,12 +66,12 @@ TEST(DocumentWriter, WithoutCommitFormerFilesStay)
         const ScratchFolder scratch;
         const auto options = optionsFor(scratch.path(std::string { "out" } + extension));
         writeTextFile(options.path, "former");
-        std::string reason;
-        auto writer = DocumentWriter::create(options, reason);
-        ASSERT_TRUE(writer) << reason;
-        for (int i = 0; i < 3; ++i)
-            ASSERT_TRUE(writer->addPage(makePage(PixelFormat::Rgb24, 300, 300, Content::Text)));
-        writer.reset();
+        {
+            const auto writer = DocumentWriter::create(options);
+            ASSERT_TRUE(writer) << writer.reason();
+            for (int i = 0; i < 3; ++i)
+                ASSERT_TRUE(writer->addPage(makePage(PixelFormat::Rgb24, 300, 300, Content::Text)));
+        }
         EXPECT_EQ(readTextFile(options.path), "former");
         EXPECT_EQ(scratch.entryCount(), 1u);
     }
@@ -90,8 +89,7 @@ TEST(DocumentWriter, AKilledProcessLeavesNothing)
         const pid_t child = fork();
         ASSERT_GE(child, 0);
         if (child == 0) {
-            std::string reason;
-            const auto writer = DocumentWriter::create(options, reason);
+            const auto writer = DocumentWriter::create(options);
             for (int i = 0; writer && i < 5; ++i)
                 if (!writer->addPage(makePage(PixelFormat::Gray8, 1000, 500, Content::Noise)))
                     _exit(1);
@@ -123,9 +121,8 @@ TEST(DocumentWriter, AFullDiskIsReportedAndLeavesNothing)
             signal(SIGXFSZ, SIG_IGN);
             const rlimit limit { 100000, 100000 };
             setrlimit(RLIMIT_FSIZE, &limit);
-            std::string reason;
-            const auto writer = DocumentWriter::create(options, reason);
-            bool isGood = writer != nullptr;
+            const auto writer = DocumentWriter::create(options);
+            bool isGood = static_cast<bool>(writer);
             for (int i = 0; isGood && i < 5; ++i)
                 isGood = writer->addPage(makePage(PixelFormat::Rgb24, 500, 500, Content::Noise));
             const bool committed = writer->commit();
@@ -143,9 +140,9 @@ TEST(DocumentWriter, MissingFolderFailsAtOnce)
     const ScratchFolder scratch;
     for (const char* extension : kAllExtensions) {
         const std::string path = scratch.path(std::string { "missing/out" } + extension);
-        std::string reason;
-        EXPECT_FALSE(DocumentWriter::create(optionsFor(path), reason));
-        EXPECT_EQ(reason, "cannot be written: No such file or directory");
+        const auto writer = DocumentWriter::create(optionsFor(path));
+        EXPECT_FALSE(writer);
+        EXPECT_EQ(writer.reason(), "cannot be written: No such file or directory");
     }
 }
 
@@ -161,11 +158,10 @@ TEST(DocumentWriter, ProtectedFoldersAndFilesAreRefused)
         // The superuser is refused nothing.
         if (geteuid() == 0 && setuid(65534) != 0)
             return false;
-        std::string reason;
-        return !DocumentWriter::create(optionsFor(scratch.path("shared/mine.png")), reason)
-            && reason.find("Permission denied") != std::string::npos
-            && (geteuid() != 65534 || !DocumentWriter::create(optionsFor(scratch.path("out.png")), reason))
-            && DocumentWriter::create(optionsFor(scratch.path("shared/new.png")), reason);
+        const auto writer = DocumentWriter::create(optionsFor(scratch.path("shared/mine.png")));
+        return !writer && writer.reason().find("Permission denied") != std::string::npos
+            && (geteuid() != 65534 || !DocumentWriter::create(optionsFor(scratch.path("out.png"))))
+            && DocumentWriter::create(optionsFor(scratch.path("shared/new.png")));
     }));
 }
 
@@ -199,8 +195,7 @@ TEST(DocumentWriter, MorePagesThanAProcessMayOpenFiles)
     EXPECT_TRUE(holdsInAnotherProcess([&] {
         const rlimit limit { 256, 256 };
         setrlimit(RLIMIT_NOFILE, &limit);
-        std::string reason;
-        const auto writer = DocumentWriter::create(options, reason);
+        const auto writer = DocumentWriter::create(options);
         for (int i = 1; i <= 400; ++i)
             if (!writer->addPage(makePage(PixelFormat::Bilevel, i, 10, Content::Text)))
                 return false;
@@ -280,8 +275,7 @@ TEST(DocumentWriter, CcittWithGreyOrColourPagesIsRefused)
 TEST(DocumentWriter, APageWithoutPixelsIsRefused)
 {
     const ScratchFolder scratch;
-    std::string reason;
-    const auto writer = DocumentWriter::create(optionsFor(scratch.path("out.png")), reason);
+    const auto writer = DocumentWriter::create(optionsFor(scratch.path("out.png")));
     ASSERT_TRUE(writer);
     EXPECT_FALSE(writer->addPage(PageBitmap {}));
     EXPECT_NE(writer->reason(), "");

@@ -60,9 +60,8 @@ TEST_P(RandomDocument, ComesBackAsItIs)
         scratch.path(std::string { "out" } + kExtensions[random() % 7]), static_cast<TiffCompression>(random() % 8));
     options.threads = 1 + random() % 4;
     std::vector<PageBitmap> pages;
-    std::string reason;
-    const auto writer = DocumentWriter::create(options, reason);
-    ASSERT_TRUE(writer) << reason;
+    const auto writer = DocumentWriter::create(options);
+    ASSERT_TRUE(writer) << writer.reason();
     for (auto count = 1 + random() % 6; pages.size() < count;) {
         PageBitmap page = randomPage(random);
         if (!reasonAgainst(options, page.format()).empty())

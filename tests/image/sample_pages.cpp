@@ -137,10 +137,9 @@ testing::AssertionResult shows(const DecodedImage& image, const PageBitmap& page
 
 testing::AssertionResult write(const DocumentOptions& options, const std::vector<const PageBitmap*>& pages)
 {
-    std::string reason;
-    const auto writer = DocumentWriter::create(options, reason);
+    const auto writer = DocumentWriter::create(options);
     if (!writer)
-        return testing::AssertionFailure() << reason;
+        return testing::AssertionFailure() << writer.reason();
     for (const PageBitmap* page : pages)
         if (!writer->addPage(copyOf(*page)))
             return testing::AssertionFailure() << writer->reason();
