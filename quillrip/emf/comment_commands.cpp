@@ -57,7 +57,7 @@ void comment(Machine& machine, const Record& record)
         return machine.plus().comment(data.sub(4), record.offset() + kData + 4, !machine.hasDrawn());
     case kSpool:
         if (fields.u32(4) == kFonts)
-            takeFontRecords(machine.job().fonts, data.sub(8), machine.fontReporter());
+            takeFontRecords(machine.job().fonts, data.sub(8), machine.reporter());
         return;
     default:
         // Groups, copies of the same picture in other formats, and what programs note for themselves.

@@ -25,7 +25,7 @@ bool isFontFile(ByteView data)
     return false;
 }
 
-void takeFile(WindowsFonts& fonts, ByteView file, const FontReporter& reporter)
+void takeFile(WindowsFonts& fonts, ByteView file, const Reporter& reporter)
 {
     if (isFontFile(file))
         fonts.embed(file, reporter);
@@ -34,7 +34,7 @@ void takeFile(WindowsFonts& fonts, ByteView file, const FontReporter& reporter)
 }
 
 // Files one after the other, each on a multiple of eight bytes from the record's start.
-void takeEngineFont(WindowsFonts& fonts, ByteView data, const FontReporter& reporter)
+void takeEngineFont(WindowsFonts& fonts, ByteView data, const Reporter& reporter)
 {
     const Fields fields(data);
     const std::uint32_t count = fields.u32(4);
@@ -66,7 +66,7 @@ bool isFontRecord(std::uint32_t id)
     return false;
 }
 
-void takeFontRecord(WindowsFonts& fonts, std::uint32_t id, ByteView data, const FontReporter& reporter)
+void takeFontRecord(WindowsFonts& fonts, std::uint32_t id, ByteView data, const Reporter& reporter)
 {
     switch (static_cast<FontRecord>(id)) {
     case FontRecord::Engine:
@@ -81,7 +81,7 @@ void takeFontRecord(WindowsFonts& fonts, std::uint32_t id, ByteView data, const 
     }
 }
 
-void takeFontRecords(WindowsFonts& fonts, ByteView records, const FontReporter& reporter)
+void takeFontRecords(WindowsFonts& fonts, ByteView records, const Reporter& reporter)
 {
     const Fields fields(records);
     std::size_t at = 0;

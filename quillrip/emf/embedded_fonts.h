@@ -1,7 +1,7 @@
 #pragma once
 
 #include "quillrip/base/bytes.h"
-#include "quillrip/fonts/font_reporter.h"
+#include "quillrip/base/reporter.h"
 #include "quillrip/fonts/select/windows_fonts.h"
 
 #include <cstdint>
@@ -15,9 +15,9 @@ bool isFontRecord(std::uint32_t id);
 
 /// Takes the fonts of one spool record over: `data` behind its number and size. Those of kinds that cannot be drawn are
 /// reported.
-void takeFontRecord(WindowsFonts& fonts, std::uint32_t id, ByteView data, const FontReporter& reporter);
+void takeFontRecord(WindowsFonts& fonts, std::uint32_t id, ByteView data, const Reporter& reporter);
 
 /// The same for all records of a comment, one after the other.
-void takeFontRecords(WindowsFonts& fonts, ByteView records, const FontReporter& reporter);
+void takeFontRecords(WindowsFonts& fonts, ByteView records, const Reporter& reporter);
 
 } // namespace quillrip::emf

@@ -1,4 +1,5 @@
 #include "quillrip/emf/interpreter.h"
+#include "quillrip/base/reporter.h"
 
 #include "quillrip/emf/command_table.h"
 #include "quillrip/emf/machine.h"
@@ -71,6 +72,7 @@ public:
     Implementation(PageDevice& device, DiagnosticSink& diagnostics, const Limits& limits)
         : m_device(device)
         , m_diagnostics(diagnostics)
+        , m_reporter(&diagnostics)
         , m_limits(limits)
         , m_fonts(limits)
         , m_job { m_fonts, m_glyphs, m_limits, m_diagnostics }
@@ -92,9 +94,9 @@ private:
         while (const auto page = reader.next()) {
             if (page->isUnfinished && !draws(page->metafile))
                 continue; // some systems leave an empty page behind the last one
+            m_reporter.at(page->offset);
             if (page->isUnfinished || page->isCut)
-                m_diagnostics.report(
-                    { Severity::Damage, page->offset, "emf.page-cut", "the last page is not complete" });
+                m_reporter.damage("emf.page-cut", "the last page is not complete");
             if (!runPage(page->metafile, page->offset, [&](const MetafileHeader& header) {
                     return std::optional<SheetPlan>(planSheet(header, page->settings));
                 }))
@@ -108,11 +110,11 @@ private:
     bool runSingle(InputStream& input)
     {
         const std::uint64_t offset = input.offset();
+        m_reporter.at(offset);
         bool isTooLarge = false;
         const std::vector<std::uint8_t> metafile = readMetafile(input, m_limits, isTooLarge);
         if (isTooLarge) {
-            m_diagnostics.report(
-                { Severity::Damage, offset, "emf.page-size", "the metafile is larger than may be kept" });
+            m_reporter.damage("emf.page-size", "the metafile is larger than may be kept");
             m_status = RunStatus::LimitExceeded;
             return false;
         }
@@ -123,17 +125,17 @@ private:
     {
         const auto header = MetafileHeader::read(metafile);
         if (!header) {
-            m_diagnostics.report({ Severity::Damage, offset, "emf.header", "a page that is no metafile, left out" });
+            m_reporter.damage("emf.header", "a page that is no metafile, left out");
             return true;
         }
         const std::optional<SheetPlan> plan = planOf(*header);
         if (!plan) {
-            m_diagnostics.report({ Severity::Warning, offset, "emf.empty", "an empty metafile, left out" });
+            m_reporter.warn("emf.empty", "an empty metafile, left out");
             return true;
         }
         if (plan->isGuessed)
-            m_diagnostics.report({ Severity::Warning, offset, "emf.sheet",
-                "the picture has no room on the sheet that the job names; the nearest standard sheet is taken" });
+            m_reporter.warn("emf.sheet",
+                "the picture has no room on the sheet that the job names; the nearest standard sheet is taken");
         PageCanvas canvas;
         m_status = m_device.beginPage(plan->request, canvas);
         if (m_status != RunStatus::Done)
@@ -150,6 +152,7 @@ private:
 
     PageDevice& m_device;
     DiagnosticSink& m_diagnostics;
+    Reporter m_reporter;
     const Limits& m_limits;
     WindowsFonts m_fonts;
     GlyphCache m_glyphs;

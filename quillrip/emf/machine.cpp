@@ -36,6 +36,7 @@ std::string hexadecimal(std::uint32_t number)
 
 Machine::Machine(const Job& job, const Place& place, const MetafileHeader& header)
     : m_job(job)
+    , m_reporter(&job.diagnostics)
     , m_place(place)
     , m_header(header)
     , m_dc(header)
@@ -56,8 +57,8 @@ plus::Host Machine::plusHost()
     const auto playMetafile = [this](ByteView metafile, const Matrix& toDevice, Region clip) {
         if (m_place.depth + 1 >= kDeepestMetafile)
             return warn("emf.depth", "metafiles within metafiles, the innermost are left out");
-        playWithin(
-            m_job, m_place.painter, m_place.format, metafile, m_offset, toDevice, std::move(clip), m_place.depth + 1);
+        playWithin(m_job, m_place.painter, m_place.format, metafile, m_reporter.offset(), toDevice, std::move(clip),
+            m_place.depth + 1);
     };
     const Size resolution = m_header.dotsPerInch();
     return { m_place.painter, m_place.format, m_place.referenceToDevice, { resolution.width, resolution.height },
@@ -67,8 +68,9 @@ plus::Host Machine::plusHost()
 Machine::End Machine::play(ByteView metafile, std::uint64_t offset)
 {
     std::size_t at = m_header.size;
+    m_reporter.at(offset);
     if (at > metafile.size || at % 4 != 0) {
-        m_job.diagnostics.report({ Severity::Damage, offset, "emf.header", "the metafile ends within its header" });
+        m_reporter.damage("emf.header", "the metafile ends within its header");
         return End::Damaged;
     }
     if (plus::isPlainHalfFuller(metafile.sub(at)))
@@ -76,31 +78,33 @@ Machine::End Machine::play(ByteView metafile, std::uint64_t offset)
     while (metafile.size - at >= Record::kSmallest) {
         const Fields head(metafile.sub(at, Record::kSmallest));
         const std::uint32_t size = head.u32(4);
-        m_offset = offset + at;
+        m_reporter.at(offset + at);
         const bool isSizeGood = size >= Record::kSmallest && size % 4 == 0;
         if (!isSizeGood || size > metafile.size - at) {
-            m_job.diagnostics.report({ Severity::Damage, m_offset, "emf.record-size",
-                isSizeGood ? "the metafile ends within a record" : "a record of an impossible size" });
+            m_reporter.damage(
+                "emf.record-size", isSizeGood ? "the metafile ends within a record" : "a record of an impossible size");
             return End::Damaged;
         }
-        const Record record(metafile.sub(at, size), m_offset);
+        const Record record(metafile.sub(at, size), m_reporter.offset());
         if (record.type() == kEndOfFileRecord)
             return End::Done;
         runRecord(record);
         if (!m_job.limits.work->allows(Work::Commands, kUnitsPerRecord)) {
-            m_job.diagnostics.report({ Severity::Damage, m_offset, "emf.work", m_job.limits.work->reason() });
+            m_reporter.damage("emf.work", m_job.limits.work->reason());
             return End::LimitExceeded;
         }
         at += size;
     }
-    m_job.diagnostics.report(
-        { Severity::Damage, offset + at, "emf.no-end", "the metafile ends without its last record" });
+    m_reporter.at(offset + at);
+    m_reporter.damage("emf.no-end", "the metafile ends without its last record");
     return End::Damaged;
 }
 
 void Machine::runRecord(const Record& record)
 {
     const Command* const command = findCommand(record.type());
+    if (m_reporter.isTracing())
+        trace(record, command);
     if (!command)
         return warn("emf.unknown", "record of an unknown kind (" + hexadecimal(record.type()) + ") passed over");
     if (!command->handler)
@@ -114,6 +118,18 @@ void Machine::runRecord(const Record& record)
         m_hasDrawn = true;
     }
     command->handler(*this, record);
+}
+
+void Machine::trace(const Record& record, const Command* command) const
+{
+    // Most fields are numbers of four bytes; those at the beginning tell boxes, colours and objects.
+    constexpr std::size_t kFieldsShown = 8;
+    std::vector<std::int32_t> fields;
+    for (std::size_t at = Record::kSmallest; at + 4 <= record.size() && fields.size() < kFieldsShown; at += 4)
+        fields.push_back(record.i32(at));
+    const std::string name = command ? command->name : "record " + hexadecimal(record.type());
+    const std::size_t left = record.size() - Record::kSmallest - 4 * fields.size();
+    m_reporter.trace(left == 0 ? name : name + " (" + std::to_string(left) + " bytes more)", fields);
 }
 
 void Machine::save()
@@ -251,7 +267,7 @@ const WindowsFont& Machine::font(bool usesIndices)
     request.pitchAndFamily = logical.pitchAndFamily;
     request.checksum = m_dc.fontChecksum;
     request.usesIndices = usesIndices;
-    m_font = m_job.fonts.select(request, fontReporter());
+    m_font = m_job.fonts.select(request, m_reporter);
     m_fontObject = m_dc.font;
     m_fontChecksum = m_dc.fontChecksum;
     m_fontUsesIndices = usesIndices;
@@ -261,7 +277,7 @@ const WindowsFont& Machine::font(bool usesIndices)
 void Machine::warn(const char* kind, const std::string& message)
 {
     if (m_warned.insert(kind).second)
-        m_job.diagnostics.report({ Severity::Warning, m_offset, kind, message });
+        m_reporter.warn(kind, message);
 }
 
 Matrix referenceToFrame(const MetafileHeader& header)

@@ -2,10 +2,10 @@
 
 #include "quillrip/base/diagnostics.h"
 #include "quillrip/base/limits.h"
+#include "quillrip/base/reporter.h"
 #include "quillrip/emf/canvas.h"
 #include "quillrip/emf/plus/interpreter.h"
 #include "quillrip/emf/state.h"
-#include "quillrip/fonts/font_reporter.h"
 #include "quillrip/fonts/select/windows_fonts.h"
 
 #include <cstdint>
@@ -17,6 +17,7 @@
 namespace quillrip::emf {
 
 class Record;
+struct Command;
 
 /// What every metafile of a job is played with.
 struct Job {
@@ -82,8 +83,7 @@ public:
 
     /// Shown once for each kind.
     void warn(const char* kind, const std::string& message);
-    FontReporter fontReporter() const { return { &m_job.diagnostics, m_offset }; }
-    std::uint64_t offset() const { return m_offset; }
+    const Reporter& reporter() const { return m_reporter; }
     /// The metafile's own drawing resolution: reference pixels per inch.
     /// How many times narrower than high a reference pixel is.
     double pixelAspect() const;
@@ -91,9 +91,11 @@ public:
 
 private:
     void runRecord(const Record& record);
+    void trace(const Record& record, const Command* command) const;
     plus::Host plusHost();
 
     const Job& m_job;
+    Reporter m_reporter; ///< stands on the record that runs
     Place m_place;
     MetafileHeader m_header;
     DeviceContext m_dc;
@@ -107,7 +109,6 @@ private:
     std::shared_ptr<const Object> m_fontObject;
     std::uint32_t m_fontChecksum = 0;
     bool m_fontUsesIndices = false;
-    std::uint64_t m_offset = 0;
     bool m_hasDrawn = false;
     std::set<std::string> m_warned;
 };

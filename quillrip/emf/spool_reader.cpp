@@ -39,7 +39,7 @@ SpoolReader::SpoolReader(InputStream& input, WindowsFonts& fonts, const Limits& 
     : m_input(input)
     , m_fonts(fonts)
     , m_limits(limits)
-    , m_diagnostics(diagnostics)
+    , m_reporter(&diagnostics)
     , m_start(input.offset())
 {
     const Fields header(m_input.window(kHeaderFields));
@@ -48,7 +48,8 @@ SpoolReader::SpoolReader(InputStream& input, WindowsFonts& fonts, const Limits& 
 
 void SpoolReader::damage(std::uint64_t offset, const char* kind, const std::string& message)
 {
-    m_diagnostics.report({ Severity::Damage, offset, kind, message });
+    m_reporter.at(offset);
+    m_reporter.damage(kind, message);
 }
 
 bool SpoolReader::readHead(RecordHead& head)
@@ -163,12 +164,14 @@ std::optional<SpooledPage> SpoolReader::next()
         default:
             if (isFontRecord(head.id) && head.size <= kLargestFontRecord) {
                 const std::vector<std::uint8_t> data = readData(head.size);
-                takeFontRecord(m_fonts, head.id, data, { &m_diagnostics, head.offset });
+                m_reporter.at(head.offset);
+                takeFontRecord(m_fonts, head.id, data, m_reporter);
                 break;
             }
-            if (head.id > kLastKnown && m_unknown.insert(head.id).second && m_unknown.size() < 16)
-                m_diagnostics.report({ Severity::Warning, head.offset, "emf.spool-unknown",
-                    "a spool record of an unknown kind, passed over" });
+            if (head.id > kLastKnown && m_unknown.insert(head.id).second && m_unknown.size() < 16) {
+                m_reporter.at(head.offset);
+                m_reporter.warn("emf.spool-unknown", "a spool record of an unknown kind, passed over");
+            }
             if (m_input.skip(head.size) < head.size) {
                 damage(head.offset, "emf.spool-cut", "the job ends within a record");
                 m_isAtEnd = true;

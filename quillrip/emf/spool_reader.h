@@ -3,6 +3,7 @@
 #include "quillrip/base/diagnostics.h"
 #include "quillrip/base/input_stream.h"
 #include "quillrip/base/limits.h"
+#include "quillrip/base/reporter.h"
 #include "quillrip/emf/devmode.h"
 #include "quillrip/fonts/select/windows_fonts.h"
 
@@ -50,7 +51,7 @@ private:
     InputStream& m_input;
     WindowsFonts& m_fonts;
     const Limits& m_limits;
-    DiagnosticSink& m_diagnostics;
+    Reporter m_reporter;
     std::uint64_t m_start = 0; ///< of the spool file in the input
     std::optional<SpooledPage> m_held;
     std::uint64_t m_heldOffset = 0; ///< of its record

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "quillrip/base/limits.h"
+#include "quillrip/base/reporter.h"
 #include "quillrip/fonts/font.h"
-#include "quillrip/fonts/font_reporter.h"
 #include "quillrip/fonts/soft/soft_font.h"
 
 #include <cstdint>

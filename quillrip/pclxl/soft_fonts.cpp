@@ -78,7 +78,7 @@ Status SoftFonts::appendHeader(EmbeddedData& data, std::size_t length)
     return {};
 }
 
-Status SoftFonts::endHeader(const FontReporter& reporter, bool& isReplaced)
+Status SoftFonts::endHeader(const Reporter& reporter, bool& isReplaced)
 {
     isReplaced = false;
     std::shared_ptr<SoftFont> font = SoftFont::fromPclXlHeader(m_header, reporter);
@@ -96,7 +96,7 @@ bool SoftFonts::beginCharacters(const std::string& name)
     return find(name) != nullptr;
 }
 
-Status SoftFonts::addCharacter(std::uint16_t code, EmbeddedData& data, std::size_t length, const FontReporter& reporter)
+Status SoftFonts::addCharacter(std::uint16_t code, EmbeddedData& data, std::size_t length, const Reporter& reporter)
 {
     const std::shared_ptr<SoftFont> font = find(m_definedName);
     if (!font)

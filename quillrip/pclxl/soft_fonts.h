@@ -32,12 +32,12 @@ public:
     /// The next `length` bytes of the header, which may be cut anywhere. MissingData, InsufficientMemory.
     Status appendHeader(EmbeddedData& data, std::size_t length);
     /// `isReplaced` tells whether the name had a font before. BadFontData, InsufficientMemory.
-    Status endHeader(const FontReporter& reporter, bool& isReplaced);
+    Status endHeader(const Reporter& reporter, bool& isReplaced);
 
     /// False when there is no such font.
     [[nodiscard]] bool beginCharacters(const std::string& name);
     /// FontUndefined, MissingData, IllegalCharacterData, InsufficientMemory.
-    Status addCharacter(std::uint16_t code, EmbeddedData& data, std::size_t length, const FontReporter& reporter);
+    Status addCharacter(std::uint16_t code, EmbeddedData& data, std::size_t length, const Reporter& reporter);
 
     void endSession();
 

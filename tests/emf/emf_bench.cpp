@@ -109,16 +109,6 @@ Bytes bitmapHeader(int width, int height, int bits, int compression, const Bytes
         + table;
 }
 
-bool Report::hasDamage() const
-{
-    return std::any_of(all.begin(), all.end(), [](const Diagnostic& d) { return d.severity == Severity::Damage; });
-}
-
-bool Report::has(const std::string& kind) const
-{
-    return std::any_of(all.begin(), all.end(), [&](const Diagnostic& d) { return d.kind == kind; });
-}
-
 Played::Played(const Bytes& job, PixelFormat format, double dotsPerInch, const Limits& limits)
     : device(format, dotsPerInch)
 {

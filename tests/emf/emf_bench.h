@@ -3,6 +3,7 @@
 #include "quillrip/base/input_stream.h"
 #include "quillrip/emf/interpreter.h"
 #include "tests/support/memory_page_device.h"
+#include "tests/support/recording_sink.h"
 
 #include <cstdint>
 #include <initializer_list>
@@ -58,15 +59,6 @@ Bytes rectangle(int left, int top, int right, int bottom);
 /// A 40-byte bitmap header with its colour table (blue, green, red, 0 each).
 Bytes bitmapHeader(int width, int height, int bits, int compression = 0, const Bytes& table = {}, int imageSize = 0);
 
-class Report : public DiagnosticSink {
-public:
-    void report(const Diagnostic& diagnostic) override { all.push_back(diagnostic); }
-    bool hasDamage() const;
-    bool has(const std::string& kind) const;
-
-    std::vector<Diagnostic> all;
-};
-
 /// Plays a job at 300 dpi.
 class Played {
 public:
@@ -81,7 +73,7 @@ public:
     std::size_t inkCount(std::size_t page = 0) const;
 
     MemoryPageDevice device;
-    Report report;
+    RecordingSink report { RecordingSink::Listens::ToTraceToo };
     emf::Interpreter::End end = emf::Interpreter::End::InputEnded;
     RunStatus status = RunStatus::Done;
 };

@@ -30,7 +30,7 @@ TEST(Spool, PageIsPaintedInReferencePixels)
     const Played played(spoolHeader() + spoolPage(metafile(square())));
     ASSERT_EQ(played.pages(), 1u);
     EXPECT_EQ(played.ink(), "300,300,598,598");
-    EXPECT_TRUE(played.report.all.empty());
+    EXPECT_TRUE(played.report.empty());
 }
 
 TEST(Spool, PagesWithoutCompletionAreThoseOfOlderSystems)

@@ -5,10 +5,9 @@
 #include "quillrip/fonts/font_library.h"
 #include "quillrip/hpgl/plot_file.h"
 #include "tests/pcl/printer.h"
+#include "tests/support/recording_sink.h"
 
 #include <gtest/gtest.h>
-
-#include <algorithm>
 
 namespace quillrip::test {
 namespace {
@@ -18,16 +17,6 @@ using hpgl::PlotFile;
 
 constexpr Rgb kRed { 255, 0, 0 };
 constexpr Rgb kBlue { 0, 0, 255 };
-
-class Recorder final : public DiagnosticSink {
-public:
-    void report(const Diagnostic& diagnostic) override { m_kinds.push_back(diagnostic.kind); }
-    bool has(const std::string& kind) const { return std::find(m_kinds.begin(), m_kinds.end(), kind) != m_kinds.end(); }
-    bool empty() const { return m_kinds.empty(); }
-
-private:
-    std::vector<std::string> m_kinds;
-};
 
 /// A plot at 100 dpi: 254 plotter units are 25 pixels.
 class Plotted {
@@ -52,7 +41,7 @@ public:
     std::string art(const PixelRect& rect, std::size_t index = 0) const { return device.textArt(index, rect); }
 
     MemoryPageDevice device;
-    Recorder diagnostics;
+    RecordingSink diagnostics;
     PlotFile::End end = PlotFile::End::InputEnded;
     RunStatus status = RunStatus::Done;
 };

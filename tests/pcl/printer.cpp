@@ -1,32 +1,18 @@
 #include "tests/pcl/printer.h"
 
 #include "quillrip/fonts/font_library.h"
+#include "tests/support/recording_sink.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <utility>
 
 namespace quillrip::test {
 
 namespace {
 
 const std::string kUniversalExit = "\x1b%-12345X";
-
-class Recorder final : public DiagnosticSink {
-public:
-    explicit Recorder(std::vector<Diagnostic>& list)
-        : m_list(list)
-    {
-    }
-    void report(const Diagnostic& diagnostic) override
-    {
-        if (m_list.size() < 1000)
-            m_list.push_back(diagnostic);
-    }
-
-private:
-    std::vector<Diagnostic>& m_list;
-};
 
 PageBitmap copyOf(const PageBitmap& page)
 {
@@ -94,7 +80,7 @@ std::string Printed::art(const PixelRect& rect, std::size_t page) const { return
 Printed print(const std::string& job, const PrinterSettings& settings)
 {
     Printed printed;
-    Recorder recorder { printed.diagnostics };
+    RecordingSink recorder;
     MemoryPageDevice device { settings.format, settings.dotsPerInch };
     device.useMeter(settings.limits.work);
     FontLibrary fonts { settings.limits, &recorder };
@@ -114,6 +100,7 @@ Printed print(const std::string& job, const PrinterSettings& settings)
     for (const PageBitmap& page : device.pages())
         printed.pages.push_back(copyOf(page));
     printed.sheets = device.sheets();
+    printed.diagnostics = std::move(recorder.diagnostics);
     return printed;
 }
 

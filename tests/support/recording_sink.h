@@ -40,6 +40,14 @@ public:
         }
         return false;
     }
+    bool hasDamage() const
+    {
+        for (const Diagnostic& diagnostic : diagnostics) {
+            if (diagnostic.severity == Severity::Damage)
+                return true;
+        }
+        return false;
+    }
     /// The message of the first of a kind, or of the first damage when no kind is given; empty when there is none.
     std::string message(const std::string& kind = {}) const
     {

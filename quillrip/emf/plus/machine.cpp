@@ -25,6 +25,7 @@ std::string hexadecimal(std::uint16_t number)
 
 Machine::Machine(const Host& host)
     : m_host(host)
+    , m_reporter(&host.diagnostics)
     , m_canvas(m_host, m_states, [this](const char* kind, const std::string& message) { warn(kind, message); })
 {
 }
@@ -44,7 +45,9 @@ void Machine::comment(ByteView records, std::uint64_t offset, bool mayStart)
         case RecordReader::Step::Record:
             break;
         }
-        m_offset = offset + record.offset;
+        m_reporter.at(offset + record.offset);
+        if (m_reporter.isTracing())
+            trace(record);
         if (m_kind == Interpreter::Kind::None) {
             if (record.type != kHeaderRecord)
                 return;
@@ -109,6 +112,13 @@ void Machine::execute(const Record& record)
             std::string(command->name) + " record too short, or with a number that no drawing can use, passed over");
 }
 
+void Machine::trace(const Record& record) const
+{
+    const Command* const command = findCommand(record.type);
+    m_reporter.trace("EMF+ " + (command ? command->name : "record " + hexadecimal(record.type)) + " flags "
+        + hexadecimal(record.flags) + ", " + std::to_string(record.data.size) + " bytes");
+}
+
 bool Machine::letsRecordsThrough() const
 {
     if (m_kind == Interpreter::Kind::None || m_hasHandedOver)
@@ -126,13 +136,13 @@ bool Machine::takeEffect()
 void Machine::warn(const char* kind, const std::string& message)
 {
     if (m_warned.insert(kind).second)
-        m_host.diagnostics.report({ Severity::Warning, m_offset, kind, message });
+        m_reporter.warn(kind, message);
 }
 
 void Machine::damage(const char* kind, const std::string& message)
 {
     m_hasStopped = true;
-    m_host.diagnostics.report({ Severity::Damage, m_offset, kind, message });
+    m_reporter.damage(kind, message);
 }
 
 } // namespace quillrip::emf::plus

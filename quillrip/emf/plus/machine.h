@@ -1,11 +1,11 @@
 #pragma once
 
+#include "quillrip/base/reporter.h"
 #include "quillrip/emf/plus/canvas.h"
 #include "quillrip/emf/plus/interpreter.h"
 #include "quillrip/emf/plus/object_store.h"
 #include "quillrip/emf/plus/record_reader.h"
 #include "quillrip/emf/plus/state.h"
-#include "quillrip/fonts/font_reporter.h"
 
 #include <cstdint>
 #include <set>
@@ -38,7 +38,7 @@ public:
 
     /// Shown once for each kind.
     void warn(const char* kind, const std::string& message);
-    FontReporter fontReporter() const { return { &m_host.diagnostics, m_offset }; }
+    const Reporter& reporter() const { return m_reporter; }
     /// Plain records draw from here to the next record of EMF+.
     void handOver() { m_hasHandedOver = true; }
     /// The next image drawn by points asks for an effect.
@@ -49,10 +49,11 @@ private:
     void start(const Record& header);
     void execute(const Record& record);
     void damage(const char* kind, const std::string& message);
+    void trace(const Record& record) const;
 
     const Host m_host;
     Interpreter::Kind m_kind = Interpreter::Kind::None;
-    std::uint64_t m_offset = 0; ///< of the record that runs
+    Reporter m_reporter; ///< stands on the record that runs
     bool m_hasHandedOver = false;
     bool m_hasStopped = false; ///< at the end record, or at damage
     bool m_isDamaged = false;

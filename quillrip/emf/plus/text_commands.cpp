@@ -77,7 +77,7 @@ void drawString(Machine& machine, const Record& record, FieldReader& fields)
     if (format.isVertical)
         machine.warn("emfplus.vertical", "vertical text of EMF+ is drawn along the line");
     Canvas& canvas = machine.canvas();
-    const TextPainter painter(canvas, machine.fontReporter());
+    const TextPainter painter(canvas, machine.reporter());
     const SizedFont font = painter.select(*object);
     const StringLayout layout = layOut(text, font, format, rect);
     const PixelSet within = clipOf(canvas, layout, format, font, rect);
@@ -121,7 +121,7 @@ void drawDriverString(Machine& machine, const Record& record, FieldReader& field
         return;
     if (options & kVertical)
         machine.warn("emfplus.vertical", "vertical text of EMF+ is drawn along the line");
-    const TextPainter painter(machine.canvas(), machine.fontReporter());
+    const TextPainter painter(machine.canvas(), machine.reporter());
     const SizedFont font = painter.select(*object);
     std::vector<TextGlyph> glyphs;
     Point next = positions[0];

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "quillrip/base/reporter.h"
 #include "quillrip/emf/plus/canvas.h"
-#include "quillrip/fonts/font_reporter.h"
 #include "quillrip/fonts/select/windows_fonts.h"
 
 #include <string>
@@ -26,7 +26,7 @@ struct SizedFont {
 /// Draws glyphs on a canvas.
 class TextPainter {
 public:
-    TextPainter(Canvas& canvas, FontReporter reporter)
+    TextPainter(Canvas& canvas, const Reporter& reporter)
         : m_canvas(canvas)
         , m_reporter(reporter)
     {
@@ -45,7 +45,7 @@ private:
     void bar(Point start, double length, double top, double thickness, const Paint& paint) const;
 
     Canvas& m_canvas;
-    FontReporter m_reporter;
+    Reporter m_reporter;
 };
 
 } // namespace quillrip::emf::plus

@@ -216,5 +216,5 @@ TEST(EmfPlusPlayback, OldMetafilesAndEffectsAreNamed)
     sheet.play(records);
     EXPECT_TRUE(sheet.diagnostics().has("emfplus.old-metafile"));
     ASSERT_TRUE(sheet.diagnostics().has("emfplus.effect"));
-    EXPECT_NE(sheet.diagnostics().all.back().message.find("blur"), std::string::npos);
+    EXPECT_NE(sheet.diagnostics().diagnostics.back().message.find("blur"), std::string::npos);
 }

@@ -103,11 +103,6 @@ Records& fillRect(Records& records, std::uint32_t argb, double x, double y, doub
     return records.add(0x400A, kColor, Fields().u32({ argb, 1 }).f32({ x, y, width, height }));
 }
 
-bool CollectedDiagnostics::has(const std::string& kind) const
-{
-    return std::any_of(all.begin(), all.end(), [&kind](const Diagnostic& one) { return one.kind == kind; });
-}
-
 Sheet::Sheet(int width, int height, PixelFormat format, const WorkBudget& budget)
     : m_page(format, width, height, { 300, 300 })
     , m_painter(m_page, std::make_shared<WorkMeter>(budget))

@@ -3,6 +3,7 @@
 #include "quillrip/emf/plus/interpreter.h"
 #include "quillrip/fonts/pixels/glyph_cache.h"
 #include "quillrip/fonts/select/windows_fonts.h"
+#include "tests/support/recording_sink.h"
 
 #include <cstdint>
 #include <initializer_list>
@@ -64,13 +65,6 @@ constexpr std::uint16_t kIntegers = 0x4000;
 /// FillRects with one rectangle and a colour.
 Records& fillRect(Records& records, std::uint32_t argb, double x, double y, double width, double height);
 
-class CollectedDiagnostics final : public DiagnosticSink {
-public:
-    void report(const Diagnostic& diagnostic) override { all.push_back(diagnostic); }
-    bool has(const std::string& kind) const;
-    std::vector<Diagnostic> all;
-};
-
 /// A page whose pixels are those of the recording device, and an interpreter that draws on it.
 class Sheet {
 public:
@@ -82,7 +76,7 @@ public:
     Sheet& play(const Records& records, bool mayStart = true);
 
     Interpreter& interpreter() { return *m_interpreter; }
-    const CollectedDiagnostics& diagnostics() const { return m_diagnostics; }
+    const quillrip::test::RecordingSink& diagnostics() const { return m_diagnostics; }
     const PageBitmap& page() const { return m_page; }
     Rgb pixel(int x, int y) const { return m_page.pixel(x, y); }
     bool isWhite(int x, int y) const { return pixel(x, y) == Rgb { 255, 255, 255 }; }
@@ -102,7 +96,7 @@ private:
     WindowsFonts m_fonts;
     GlyphCache m_glyphs;
     Limits m_limits;
-    CollectedDiagnostics m_diagnostics;
+    quillrip::test::RecordingSink m_diagnostics;
     std::vector<Metafile> m_metafiles;
     std::unique_ptr<Interpreter> m_interpreter;
 };

@@ -24,7 +24,7 @@ SizedFont sized(double em = 100)
     WindowsFontRequest request;
     request.face = "Arial";
     SizedFont font;
-    font.font = fonts.select(request, FontReporter { nullptr, 0 });
+    font.font = fonts.select(request, Reporter { nullptr, 0 });
     font.em = em;
     return font;
 }
