@@ -76,7 +76,7 @@ foreach(source IN LISTS staged_font_sources)
         VERBATIM
     )
     list(APPEND staged_font_copies "${copy}")
-    install(FILES "${source}" DESTINATION fonts)
+    install(FILES "${source}" DESTINATION fonts COMPONENT bundle)
 endforeach()
 
 foreach(package IN LISTS staged_packages)
@@ -90,7 +90,7 @@ foreach(package IN LISTS staged_packages)
             VERBATIM
         )
         list(APPEND staged_font_copies "${copy}")
-        install(FILES "${licence}" DESTINATION fonts/licences RENAME "fonts-${package}.txt")
+        install(FILES "${licence}" DESTINATION fonts/licences RENAME "fonts-${package}.txt" COMPONENT bundle)
     endif()
 endforeach()
 
