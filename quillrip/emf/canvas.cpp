@@ -55,6 +55,16 @@ std::optional<PixelRect> asRectangle(const Path& path)
     return nearestPixels(points[0], points[2]);
 }
 
+/// Small enough for the stem of a letter, a full stop or a dash of text: programs draw letters as paths.
+bool isPartOfLetter(const PixelRect& rect)
+{
+    constexpr int kThickest = 3;
+    constexpr int kLongest = 24;
+    const int width = rect.right - rect.left;
+    const int height = rect.bottom - rect.top;
+    return std::min(width, height) <= kThickest && std::max(width, height) <= kLongest;
+}
+
 /// What is drawn twice to leave no trace must cover whole pixels.
 bool needsDestination(std::uint8_t operation) { return ((operation >> 1) & 0x55) != (operation & 0x55); }
 
@@ -176,7 +186,7 @@ Region Canvas::regionOf(const Path& devicePath, FillRule rule) const
     return ClipRegion::ofPath(devicePath, rule, bounds(), &m_painter.work(), clipEdgesOf(m_format));
 }
 
-void Canvas::fill(const Path& path, FillRule rule, PaintState state)
+void Canvas::fill(const Path& path, FillRule rule, PaintState state, Origin origin)
 {
     const Path devicePath = path.transformed(m_toDevice);
     if (needsDestination(state.rop)) {
@@ -186,7 +196,11 @@ void Canvas::fill(const Path& path, FillRule rule, PaintState state)
             std::move(state));
     }
     state.clip = clip();
-    if (const auto rect = asRectangle(devicePath)) {
+    const auto rect = asRectangle(devicePath);
+    // Beside the soft edges of its neighbours a stem of whole pixels would stand out.
+    const bool isSoft
+        = rect && origin == Origin::DrawnPath && m_format != PixelFormat::Bilevel && isPartOfLetter(*rect);
+    if (rect && !isSoft) {
         // What is thinner than a pixel still shows.
         PixelRect pixels = *rect;
         pixels.right = std::max(pixels.right, pixels.left + 1);
@@ -197,7 +211,7 @@ void Canvas::fill(const Path& path, FillRule rule, PaintState state)
     m_painter.fillPath(devicePath, rule, state);
 }
 
-void Canvas::fillWithBrush(const Path& path, FillRule rule, bool isOutlined)
+void Canvas::fillWithBrush(const Path& path, FillRule rule, bool isOutlined, Origin origin)
 {
     auto state = m_paints.brush(m_dc, brush());
     if (!state)
@@ -205,7 +219,7 @@ void Canvas::fillWithBrush(const Path& path, FillRule rule, bool isOutlined)
     // Under a pen that follows the same path the area reaches to the middle of the line, half a pixel further.
     const bool hasLine
         = isOutlined && pen().style != LogicalPen::Style::Null && pen().brush.style != Brush::Style::Null;
-    fill(hasLine ? path.transformed(m_half) : path, rule, std::move(*state));
+    fill(hasLine ? path.transformed(m_half) : path, rule, std::move(*state), origin);
 }
 
 void Canvas::fillRegion(const Region& region, PaintState state)

@@ -5,6 +5,8 @@
 #include "quillrip/emf/state.h"
 #include "quillrip/raster/painter.h"
 
+#include <cstdint>
+
 namespace quillrip::emf {
 
 /// Where a metafile is drawn: the painter, the place of the reference device's pixels on it, and the clip. Paths come
@@ -12,6 +14,9 @@ namespace quillrip::emf {
 /// coordinate names the middle of a pixel there.
 class Canvas {
 public:
+    /// What an area comes from. Rectangles of shapes cover whole pixels; those of paths can be parts of letters.
+    enum class Origin : std::uint8_t { Shape, DrawnPath };
+
     /// `limit`: beyond it nothing is painted; null: the page. `dc` is the context that holds at the time of drawing.
     Canvas(
         Painter& painter, PixelFormat format, const Matrix& referenceToDevice, Region limit, const DeviceContext& dc);
@@ -31,9 +36,9 @@ public:
     Region regionOf(const Path& devicePath, FillRule rule) const;
 
     /// `state` without its clip, which is the canvas's own.
-    void fill(const Path& path, FillRule rule, PaintState state);
+    void fill(const Path& path, FillRule rule, PaintState state, Origin origin = Origin::Shape);
     /// With the selected brush and the binary operation. `isOutlined`: the selected pen follows the path afterwards.
-    void fillWithBrush(const Path& path, FillRule rule, bool isOutlined);
+    void fillWithBrush(const Path& path, FillRule rule, bool isOutlined, Origin origin = Origin::Shape);
     /// With the selected pen and the binary operation.
     void strokeWithPen(const Path& path);
     /// The area that a stroke with the selected pen would cover, in reference pixels (WIDENPATH). Not an outline in one

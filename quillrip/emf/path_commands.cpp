@@ -95,7 +95,7 @@ void widenPath(Machine& machine, const Record&)
 void fillPath(Machine& machine, const Record&)
 {
     const PathState state = machine.takePath();
-    machine.canvas().fillWithBrush(state.path, ruleOf(machine, state), false);
+    machine.canvas().fillWithBrush(state.path, ruleOf(machine, state), false, Canvas::Origin::DrawnPath);
 }
 
 void strokePath(Machine& machine, const Record&) { machine.canvas().strokeWithPen(machine.takePath().path); }
@@ -103,7 +103,7 @@ void strokePath(Machine& machine, const Record&) { machine.canvas().strokeWithPe
 void strokeAndFillPath(Machine& machine, const Record&)
 {
     const PathState state = machine.takePath();
-    machine.canvas().fillWithBrush(state.path, ruleOf(machine, state), true);
+    machine.canvas().fillWithBrush(state.path, ruleOf(machine, state), true, Canvas::Origin::DrawnPath);
     machine.canvas().strokeWithPen(closed(state.path));
 }
 

@@ -134,6 +134,19 @@ TEST(EmfDrawing, PathStartsAtThePositionSetBefore)
     EXPECT_FALSE(played.hasInk(110, 190));
 }
 
+TEST(EmfDrawing, StemsOfLettersThatAreDrawnAsPathsHaveSoftEdges)
+{
+    // Two thirds of a pixel wide, on a page of a third of the reference's resolution.
+    const auto stem = [](int height, PixelFormat format) {
+        const Bytes path = record(0x3B) + record(0x1B, { 300, 300 }) + record(0x36, { 302, 300 })
+            + record(0x36, { 302, 300 + height }) + record(0x36, { 300, 300 + height }) + record(0x3D) + record(0x3C);
+        return Played(metafile(filled() + path + boundedRecord(0x3E, {})), format, 100).pixel(100, 105).red;
+    };
+    EXPECT_NEAR(stem(30, PixelFormat::Rgb24), 85, 8);
+    EXPECT_EQ(stem(30, PixelFormat::Bilevel), 0);
+    EXPECT_EQ(stem(300, PixelFormat::Rgb24), 0); // a rule
+}
+
 TEST(EmfDrawing, PathThatDoesNotExistIsNamed) { EXPECT_TRUE(play(boundedRecord(0x3E, {})).report.has("emf.no-path")); }
 
 TEST(EmfDrawing, ClipsCutOutAndCombine)
