@@ -144,7 +144,7 @@ private:
                 }
             }
             if (m_run.hasAdvances) {
-                x += unit.dx;
+                x += unit.hasOwnStep ? std::max(unit.dx, advance) : unit.dx;
                 y -= unit.dy;
             } else {
                 x += advance + (isSpace ? extra : 0);

@@ -18,6 +18,7 @@ struct TextRun {
         char32_t code = 0;
         double dx = 0; ///< logical units along the line
         double dy = 0; ///< logical units upwards, from ETO_PDY
+        bool hasOwnStep = false; ///< moves as far as the character is wide where dx is less
     };
 
     Point reference; ///< logical
@@ -47,8 +48,8 @@ std::vector<TextRun::Unit> unitsOfBytes(ByteView bytes, std::uint8_t charset);
 /// The same of UTF-16: the second half of a pair only moves.
 std::vector<TextRun::Unit> unitsOfUtf16(ByteView bytes);
 
-/// Letters that are written from right to left, put into the order in which they stand on the line. True when there are
-/// some that would have to be joined.
+/// Letters that are written from right to left, put into the order in which they stand on the line, those of Arabic in
+/// the shapes that join them. True when there are some whose shapes are not known.
 bool putInVisualOrder(std::vector<TextRun::Unit>& units);
 
 } // namespace quillrip::emf

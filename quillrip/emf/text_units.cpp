@@ -105,14 +105,6 @@ private:
     iconv_t m_handle = kNone; ///< opened when the first character beyond ASCII comes
 };
 
-bool isRightToLeft(char32_t c)
-{
-    return (c >= 0x0590 && c <= 0x08FF) || (c >= 0xFB1D && c <= 0xFDFF) || (c >= 0xFE70 && c <= 0xFEFF);
-}
-
-/// Hebrew letters stand alone; the others change their shapes with their neighbours, unless they come as shapes.
-bool isJoining(char32_t c) { return c >= 0x0600 && c <= 0x08FF; }
-
 } // namespace
 
 std::vector<TextRun::Unit> unitsOfBytes(ByteView bytes, std::uint8_t charset)
@@ -148,31 +140,6 @@ std::vector<TextRun::Unit> unitsOfUtf16(ByteView bytes)
         }
     }
     return units;
-}
-
-bool putInVisualOrder(std::vector<TextRun::Unit>& units)
-{
-    bool joins = false;
-    for (std::size_t i = 0; i < units.size();) {
-        if (!isRightToLeft(units[i].code)) {
-            ++i;
-            continue;
-        }
-        // A run goes on over what is neither letter nor digit, as long as more of its letters follow.
-        std::size_t end = i + 1;
-        for (std::size_t next = end; next < units.size(); ++next) {
-            const char32_t c = units[next].code;
-            if (isRightToLeft(c))
-                end = next + 1;
-            else if (c > 0x40 || (c >= '0' && c <= '9'))
-                break;
-        }
-        for (std::size_t at = i; at < end; ++at)
-            joins = joins || isJoining(units[at].code);
-        std::reverse(units.begin() + static_cast<std::ptrdiff_t>(i), units.begin() + static_cast<std::ptrdiff_t>(end));
-        i = end;
-    }
-    return joins;
 }
 
 } // namespace quillrip::emf

@@ -75,7 +75,7 @@ void CurrentRaster::centreOnSheet()
 // the width between the margins as well, which tells the width.
 void CurrentRaster::cutSheetToRaster()
 {
-    constexpr double kFilled = 0.85;
+    constexpr double kFilled = 0.75;
     const RasterSettings& settings = m_state.raster;
     if (m_state.customLength == 0 || !settings.width || !settings.height)
         return;

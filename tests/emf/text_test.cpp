@@ -191,14 +191,50 @@ TEST(EmfText, CodePagesOfBytes)
     EXPECT_EQ(pairs[2].code, U'x');
 }
 
-TEST(EmfText, HebrewRunsAreTurnedRound)
+std::u32string inVisualOrder(const std::u32string& text, bool expectsUnknown = false)
 {
     std::vector<emf::TextRun::Unit> units;
-    for (const char32_t c : { U'a', U'\u05D0', U'\u05D1', U'b' })
+    for (const char32_t c : text)
         units.push_back({ c, 0, 0 });
-    EXPECT_FALSE(emf::putInVisualOrder(units));
-    EXPECT_EQ(units[1].code, U'\u05D1');
-    EXPECT_EQ(units[2].code, U'\u05D0');
+    EXPECT_EQ(emf::putInVisualOrder(units), expectsUnknown);
+    std::u32string result;
+    for (const emf::TextRun::Unit& unit : units)
+        result += unit.code;
+    return result;
+}
+
+TEST(EmfText, HebrewRunsAreTurnedRound)
+{
+    EXPECT_EQ(inVisualOrder(U"a\u05D0\u05D1b"), U"a\u05D1\u05D0b");
+    EXPECT_EQ(inVisualOrder(U"\u05D0, \u05D1"), U"\u05D1 ,\u05D0");
+}
+
+TEST(EmfText, NumbersWithinARunAreReadFromLeftToRight)
+{
+    EXPECT_EQ(inVisualOrder(U"\u05D0 12.5 \u05D1"), U"\u05D1 12.5 \u05D0");
+    EXPECT_EQ(inVisualOrder(U"\u0627 \u0661\u0662 \u062F"), U"\uFEA9 \u0661\u0662 \uFE8D");
+    EXPECT_EQ(inVisualOrder(U"\u05D0 12"), U"\u05D0 12"); // behind the run
+}
+
+TEST(EmfText, ArabicLettersTakeTheShapesThatJoinThem)
+{
+    // Salam: initial seen, medial lam with its alef in one, isolated meem; and beh in all four shapes.
+    EXPECT_EQ(inVisualOrder(U"\u0633\u0644\u0627\u0645"), std::u32string({ 0xFEE1, 0xFEFC, 0, 0xFEB3 }));
+    EXPECT_EQ(inVisualOrder(U"\u0628\u0628\u0628"), U"\uFE90\uFE92\uFE91");
+    EXPECT_EQ(inVisualOrder(U"\u0628"), U"\uFE8F");
+    EXPECT_EQ(inVisualOrder(U"\u062F\u0628"), U"\uFE8F\uFEA9"); // dal reaches back only
+    EXPECT_EQ(inVisualOrder(U"\u0628\u064E\u0628"), U"\uFE90\u064E\uFE91"); // over a vowel
+    EXPECT_EQ(inVisualOrder(U"\u0628 \u0628"), U"\uFE8F \uFE8F");
+    inVisualOrder(U"\u0679", true); // of Urdu
+}
+
+TEST(EmfText, TheLastLetterOfATurnedRunHasRoom)
+{
+    // Its step is the first on the line and may be anything.
+    const auto inkOf = [](std::int64_t last) {
+        return play(arial(-100) + text(500, 500, u"\u05D0\u05DD", { 70, last })).ink();
+    };
+    EXPECT_EQ(inkOf(1), inkOf(20));
 }
 
 TEST(EmfText, EmbeddedFontsServeAllPagesOfTheJob)
