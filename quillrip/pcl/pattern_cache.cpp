@@ -90,11 +90,14 @@ std::shared_ptr<const PatternTile> PatternCache::makeTile(
 const std::shared_ptr<const PatternTile>& PatternCache::tile(
     PatternChoice choice, const Palette& palette, int direction, const Page& page)
 {
+    // The page's orientation turns tiles as well.
+    const Matrix toDevice = page.unitsToDevice(direction);
+    const int turns = quarterTurnsOf(toDevice);
     const bool isKnown = m_last.tile && m_last.choice == choice && m_last.direction == direction
-        && m_last.revision == m_store.revision() && m_last.palette == &palette;
+        && m_last.turns == turns && m_last.revision == m_store.revision() && m_last.palette == &palette;
     if (!isKnown) {
-        m_last = { choice, direction, m_store.revision(), &palette,
-            makeTile(choice, palette, direction, page.unitsToDevice(direction), page.canvas().resolution) };
+        m_last = { choice, direction, turns, m_store.revision(), &palette,
+            makeTile(choice, palette, direction, toDevice, page.canvas().resolution) };
     }
     return m_last.tile;
 }

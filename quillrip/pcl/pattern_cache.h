@@ -38,6 +38,7 @@ private:
     struct Entry {
         PatternChoice choice;
         int direction = -1;
+        int turns = 0;
         std::uint32_t revision = 0;
         const Palette* palette = nullptr;
         std::shared_ptr<const PatternTile> tile;

@@ -87,6 +87,25 @@ TEST(JobRunner, PaperComesFromTheJobLanguageUntilTheJobSaysOtherwise)
     EXPECT_EQ(height(kExit + "@PJL SET ORIENTATION=LANDSCAPE\n@PJL ENTER LANGUAGE=PCL\n" + kPclPage), 255);
 }
 
+// A fax keeps the sheet's short edge across, so a landscape page is turned, and its hatches with it.
+TEST(JobRunner, HatchesTurnWithALandscapePageBehindAnUprightOne)
+{
+    const std::string hatched = "\x1B*p0x0Y\x1B*c300a300b1g3P\f";
+    const std::string landscape = "\x1B&l1O" + hatched;
+    PageSettings settings;
+    settings.fax = FaxMode::Normal;
+    const test::Run alone = runBytes(kReset + landscape, settings);
+    const test::Run behind = runBytes(kReset + hatched + landscape, settings);
+    ASSERT_EQ(alone.sink.pages.size(), 1u);
+    ASSERT_EQ(behind.sink.pages.size(), 2u);
+    const PageBitmap& wanted = alone.sink.pages[0];
+    const PageBitmap& drawn = behind.sink.pages[1];
+    ASSERT_GT(inkCount(wanted), 0);
+    ASSERT_EQ(drawn.height(), wanted.height());
+    for (int y = 0; y < wanted.height(); ++y)
+        ASSERT_TRUE(std::equal(wanted.row(y), wanted.row(y) + wanted.rowBytes(), drawn.row(y))) << "row " << y;
+}
+
 TEST(JobRunner, PageRangeOfTheJobLineIsKept)
 {
     const std::string pages
