@@ -113,7 +113,7 @@ const std::array s_papers {
     inches(PaperName::Com14, "No. 14 envelope", 5, 11.5),
     inches(PaperName::Com6, "No. 6 3/4 envelope", 3.625, 6.5, 1087, 1950),
     inches(PaperName::EnvelopeA2, "A2 envelope", 4.375, 5.75, 1312, 1725),
-    inches(PaperName::EnvelopeCard, "card envelope", 4.375, 6),
+    inches(PaperName::EnvelopeCard, "card envelope", 4.375, 6, 1312, 1800),
     millimetres(PaperName::DL, "DL envelope", 110, 220, 1299, 2598),
     millimetres(PaperName::C3, "C3 envelope", 324, 458),
     millimetres(PaperName::C4, "C4 envelope", 229, 324),
