@@ -52,38 +52,23 @@ void addCurves(Path& path, const std::vector<Point>& points, std::size_t from)
         path.cubicTo(points[i], points[i + 1], points[i + 2]);
 }
 
-void drawLine(Machine& machine, const Record& record, PointSize coding)
-{
-    const std::vector<Point> points = readPoints(record, coding);
-    if (points.size() < 2)
-        return;
-    Path path;
-    path.moveTo(points[0]);
-    addLines(path, points, 1);
-    machine.figure(path, Machine::Draw::Stroke);
-}
+enum class Figure { Line, Polygon, Curve };
 
-void drawPolygon(Machine& machine, const Record& record, PointSize coding)
+void drawOne(Machine& machine, const Record& record, PointSize coding, Figure figure)
 {
     const std::vector<Point> points = readPoints(record, coding);
-    if (points.size() < 2)
+    const std::size_t fewest = figure == Figure::Curve ? 4 : 2;
+    if (points.size() < fewest)
         return;
     Path path;
     path.moveTo(points[0]);
-    addLines(path, points, 1);
-    path.close();
-    machine.figure(path, Machine::Draw::FillAndStroke);
-}
-
-void drawBezier(Machine& machine, const Record& record, PointSize coding)
-{
-    const std::vector<Point> points = readPoints(record, coding);
-    if (points.size() < 4)
-        return;
-    Path path;
-    path.moveTo(points[0]);
-    addCurves(path, points, 1);
-    machine.figure(path, Machine::Draw::Stroke);
+    if (figure == Figure::Curve)
+        addCurves(path, points, 1);
+    else
+        addLines(path, points, 1);
+    if (figure == Figure::Polygon)
+        path.close();
+    machine.figure(path, figure == Figure::Polygon ? Machine::Draw::FillAndStroke : Machine::Draw::Stroke);
 }
 
 void continueLine(Machine& machine, const Record& record, PointSize coding)
@@ -186,14 +171,14 @@ void lineTo(Machine& machine, const Record& record)
     machine.segments(path, to);
 }
 
-void polyline(Machine& machine, const Record& record) { drawLine(machine, record, PointSize::Long); }
-void polyline16(Machine& machine, const Record& record) { drawLine(machine, record, PointSize::Short); }
-void polygon(Machine& machine, const Record& record) { drawPolygon(machine, record, PointSize::Long); }
-void polygon16(Machine& machine, const Record& record) { drawPolygon(machine, record, PointSize::Short); }
+void polyline(Machine& machine, const Record& record) { drawOne(machine, record, PointSize::Long, Figure::Line); }
+void polyline16(Machine& machine, const Record& record) { drawOne(machine, record, PointSize::Short, Figure::Line); }
+void polygon(Machine& machine, const Record& record) { drawOne(machine, record, PointSize::Long, Figure::Polygon); }
+void polygon16(Machine& machine, const Record& record) { drawOne(machine, record, PointSize::Short, Figure::Polygon); }
 void polylineTo(Machine& machine, const Record& record) { continueLine(machine, record, PointSize::Long); }
 void polylineTo16(Machine& machine, const Record& record) { continueLine(machine, record, PointSize::Short); }
-void polyBezier(Machine& machine, const Record& record) { drawBezier(machine, record, PointSize::Long); }
-void polyBezier16(Machine& machine, const Record& record) { drawBezier(machine, record, PointSize::Short); }
+void polyBezier(Machine& machine, const Record& record) { drawOne(machine, record, PointSize::Long, Figure::Curve); }
+void polyBezier16(Machine& machine, const Record& record) { drawOne(machine, record, PointSize::Short, Figure::Curve); }
 void polyBezierTo(Machine& machine, const Record& record) { continueBezier(machine, record, PointSize::Long); }
 void polyBezierTo16(Machine& machine, const Record& record) { continueBezier(machine, record, PointSize::Short); }
 void polyPolyline(Machine& machine, const Record& record) { drawMany(machine, record, PointSize::Long, false); }

@@ -32,7 +32,7 @@ RasterSession::RasterSession(Setup setup, std::function<Painter*()> painter)
     makePlanes();
 }
 
-RasterSession::~RasterSession() { stopImage(); }
+RasterSession::~RasterSession() = default;
 
 void RasterSession::makePlanes()
 {

@@ -33,6 +33,7 @@ public:
 
     /// `painter` gives the page's painter, beginning the page when needed; null when that fails.
     RasterSession(Setup setup, std::function<Painter*()> painter);
+    /// What finish() has not painted stays unpainted.
     ~RasterSession();
 
     enum class Outcome {
