@@ -24,42 +24,82 @@ const std::string kDocument = "%!PS-Adobe-3.0\n"
                               "<< /PageSize [420 595] >> setpagedevice\n"
                               "1 0 0 setrgbcolor 0 523 72 72 rectfill showpage\n";
 
-class GhostscriptJob : public testing::Test {
+/// The programs of this system and a document for one of them.
+class DocumentJob : public testing::Test {
 protected:
     void SetUp() override
     {
         m_programs = DocumentPrograms::onPath();
-        if (!m_programs.find(DocumentLanguage::PostScript))
-            GTEST_SKIP() << "gs is not on PATH";
+        if (!m_programs.find(m_language))
+            GTEST_SKIP() << (isXps() ? "mutool" : "gs") << " is not on PATH";
+        // The pages of kDocument, as Ghostscript's XPS device writes them.
+        m_document = isXps() ? test::readFile(PRISMO_TEST_DATA "/pages.xps") : kDocument;
     }
+    explicit DocumentJob(DocumentLanguage language)
+        : m_language(language)
+    {
+    }
+    bool isXps() const { return m_language == DocumentLanguage::Xps; }
 
+    DocumentLanguage m_language;
     DocumentPrograms m_programs;
+    std::string m_document;
 };
 
-TEST_F(GhostscriptJob, PagesComeInTheirOwnSizesAndColours)
+class GhostscriptJob : public DocumentJob {
+protected:
+    GhostscriptJob()
+        : DocumentJob(DocumentLanguage::PostScript)
+    {
+    }
+};
+
+class XpsJob : public DocumentJob {
+protected:
+    XpsJob()
+        : DocumentJob(DocumentLanguage::Xps)
+    {
+    }
+};
+
+class JobOfEachProgram : public DocumentJob, public testing::WithParamInterface<DocumentLanguage> {
+protected:
+    JobOfEachProgram()
+        : DocumentJob(GetParam())
+    {
+    }
+};
+
+INSTANTIATE_TEST_SUITE_P(OfThisSystem, JobOfEachProgram,
+    testing::Values(DocumentLanguage::PostScript, DocumentLanguage::Xps),
+    [](const auto& one) { return one.param == DocumentLanguage::Xps ? "Xps" : "PostScript"; });
+
+TEST_P(JobOfEachProgram, PagesComeInTheirOwnSizesAndColours)
 {
-    PageSettings settings;
-    settings.resolution = { 72, 36 };
-    const test::Run run = runBytes(kDocument, settings, m_programs);
-    EXPECT_EQ(run.result.status, ConversionStatus::Done) << run.result.reason;
-    ASSERT_EQ(run.sink.pages.size(), 3u);
-    EXPECT_EQ(run.sink.pages[0].width(), 612);
-    EXPECT_EQ(run.sink.pages[0].height(), 396);
-    EXPECT_EQ(run.sink.pages[0].resolution().y, 36);
-    EXPECT_EQ(run.sink.pages[2].width(), 420);
-    EXPECT_EQ(run.sink.pages[0].pixel(36, 18), (Rgb { 0, 0, 0 }));
-    EXPECT_EQ(inkCount(run.sink.pages[0]), 72 * 36);
-    EXPECT_EQ(run.sink.pages[2].pixel(36, 18), (Rgb { 255, 0, 0 }));
+    for (const double down : { 72, 36 }) {
+        PageSettings settings;
+        settings.resolution = { 72, down };
+        const test::Run run = runBytes(m_document, settings, m_programs);
+        EXPECT_EQ(run.result.status, ConversionStatus::Done) << run.result.reason;
+        ASSERT_EQ(run.sink.pages.size(), 3u);
+        EXPECT_EQ(run.sink.pages[0].width(), 612);
+        EXPECT_EQ(run.sink.pages[0].height(), 11 * down);
+        EXPECT_EQ(run.sink.pages[0].resolution().y, down);
+        EXPECT_EQ(run.sink.pages[2].width(), 420);
+        EXPECT_EQ(run.sink.pages[0].pixel(36, static_cast<int>(down / 2)), kBlack);
+        EXPECT_EQ(inkCount(run.sink.pages[0]), 72 * down);
+        EXPECT_EQ(run.sink.pages[2].pixel(36, static_cast<int>(down / 2)), (Rgb { 255, 0, 0 }));
+    }
 }
 
-TEST_F(GhostscriptJob, EveryPageGetsTheGivenPixels)
+TEST_P(JobOfEachProgram, EveryPageGetsTheGivenPixels)
 {
     for (const PixelFormat format : { PixelFormat::Bilevel, PixelFormat::Gray8, PixelFormat::Rgb24 }) {
         PageSettings settings;
         settings.format = format;
         settings.width = 153;
         settings.height = 99;
-        const test::Run run = runBytes(kDocument, settings, m_programs);
+        const test::Run run = runBytes(m_document, settings, m_programs);
         EXPECT_EQ(run.result.status, ConversionStatus::Done) << run.result.reason;
         ASSERT_EQ(run.sink.pages.size(), 3u);
         for (const PageBitmap& page : run.sink.pages) {
@@ -163,58 +203,6 @@ public:
 private:
     std::string m_path;
 };
-
-// The pages of kDocument, as Ghostscript's XPS device writes them.
-class XpsJob : public testing::Test {
-protected:
-    void SetUp() override
-    {
-        m_programs = DocumentPrograms::onPath();
-        if (!m_programs.find(DocumentLanguage::Xps))
-            GTEST_SKIP() << "mutool is not on PATH";
-        m_document = test::readFile(PRISMO_TEST_DATA "/pages.xps");
-    }
-
-    DocumentPrograms m_programs;
-    std::string m_document;
-};
-
-TEST_F(XpsJob, PagesComeInTheirOwnSizesAndColours)
-{
-    for (const double down : { 72, 36 }) {
-        PageSettings settings;
-        settings.resolution = { 72, down };
-        const test::Run run = runBytes(m_document, settings, m_programs);
-        EXPECT_EQ(run.result.status, ConversionStatus::Done) << run.result.reason;
-        ASSERT_EQ(run.sink.pages.size(), 3u);
-        EXPECT_EQ(run.sink.pages[0].width(), 612);
-        EXPECT_EQ(run.sink.pages[0].height(), 11 * down);
-        EXPECT_EQ(run.sink.pages[2].width(), 420);
-        EXPECT_EQ(run.sink.pages[0].pixel(36, static_cast<int>(down / 2)), kBlack);
-        EXPECT_EQ(inkCount(run.sink.pages[0]), 72 * down);
-        EXPECT_EQ(run.sink.pages[2].pixel(36, static_cast<int>(down / 2)), (Rgb { 255, 0, 0 }));
-    }
-}
-
-TEST_F(XpsJob, EveryPageGetsTheGivenPixels)
-{
-    for (const PixelFormat format : { PixelFormat::Bilevel, PixelFormat::Gray8, PixelFormat::Rgb24 }) {
-        PageSettings settings;
-        settings.format = format;
-        settings.width = 153;
-        settings.height = 99;
-        const test::Run run = runBytes(m_document, settings, m_programs);
-        EXPECT_EQ(run.result.status, ConversionStatus::Done) << run.result.reason;
-        ASSERT_EQ(run.sink.pages.size(), 3u);
-        for (const PageBitmap& page : run.sink.pages) {
-            EXPECT_EQ(page.format(), format);
-            EXPECT_EQ(page.width(), 153);
-            EXPECT_EQ(page.height(), 99);
-        }
-        EXPECT_EQ(inkCount(run.sink.pages[1], { 0, 0, 18, 9 }), 18 * 9);
-        EXPECT_EQ(inkCount(run.sink.pages[1], { 19, 10, 153, 99 }), 0);
-    }
-}
 
 TEST_F(XpsJob, FaxesAreCentred)
 {
