@@ -185,7 +185,7 @@ void keepFreedMemory()
 {
 #ifdef M_MMAP_THRESHOLD
     mallopt(M_MMAP_THRESHOLD, 4 << 20);
-    mallopt(M_TRIM_THRESHOLD, 16 << 20);
+    mallopt(M_TRIM_THRESHOLD, 8 << 20);
 #endif
 }
 

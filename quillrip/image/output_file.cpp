@@ -133,7 +133,7 @@ bool OutputFile::append(ByteView bytes)
 {
     if (!m_reason.empty())
         return false;
-    if (m_gathered.size() + bytes.size > kGatherBytes && !flush())
+    if (m_gathered.size() + bytes.size > kGatherBytes && !writeGathered())
         return false;
     if (bytes.size >= kDirectBytes)
         return writeAt(m_size, bytes);
@@ -144,6 +144,14 @@ bool OutputFile::append(ByteView bytes)
 }
 
 bool OutputFile::flush()
+{
+    const bool isWritten = writeGathered();
+    // Files wait for each other by the thousand.
+    m_gathered = std::vector<std::uint8_t> {};
+    return isWritten;
+}
+
+bool OutputFile::writeGathered()
 {
     if (!m_reason.empty())
         return false;
@@ -159,7 +167,7 @@ bool OutputFile::flush()
 
 bool OutputFile::writeAt(std::uint64_t offset, ByteView bytes)
 {
-    if (!flush())
+    if (!writeGathered())
         return false;
     if (!writeWhole(m_descriptor, bytes, offset))
         return fail(errno);
@@ -190,7 +198,6 @@ bool OutputFile::park()
 {
     if (!flush())
         return false;
-    m_gathered = {};
     // Some network file systems tell only here that they had no room.
     if (!m_hidden.empty() && m_descriptor >= 0 && close(std::exchange(m_descriptor, -1)) != 0)
         return fail(errno);

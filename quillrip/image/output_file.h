@@ -65,6 +65,7 @@ private:
     bool open(Naming naming);
     bool reopen();
     bool fail(int error);
+    bool writeGathered();
     bool saveFormer();
     bool copyFormer();
     bool linkTo(const std::string& name) const;
