@@ -41,7 +41,6 @@ constexpr std::array kPageSizes {
     Entry { 72, PaperName::DoublePostcard },
     Entry { 74, PaperName::Card4x6 },
     Entry { 75, PaperName::Card5x8 },
-    Entry { 78, PaperName::A6 },
     Entry { 80, PaperName::Monarch },
     Entry { 81, PaperName::Com10 },
     Entry { 89, PaperName::Com9 },
@@ -51,7 +50,6 @@ constexpr std::array kPageSizes {
     Entry { 99, PaperName::IsoB6 },
     Entry { 100, PaperName::IsoB5 },
     Entry { 109, PaperName::EnvelopeA2 },
-    Entry { 110, PaperName::EnvelopeA2 },
 };
 
 /// What ink-jets have beside those, and the numbers that mean other sheets to them.

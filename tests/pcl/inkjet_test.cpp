@@ -113,7 +113,10 @@ TEST(PclInkjet, SheetsOfTheirOwnNumbers)
     expectSheet(print(e("&l122A") + kDot), 5, 7); // a number that lasers do not have
     expectSheet(print(kInkjet + e("&l110A") + kDot), 120 / 25.4, 235 / 25.4);
     expectSheet(print(e("&l110A") + kInkjet + kDot), 120 / 25.4, 235 / 25.4);
-    expectSheet(print(e("&l110A") + kDot), 4.375, 5.75); // a laser's envelope
+    // Drivers send lasers the same numbers.
+    expectSheet(print(e("&l110A") + kDot), 120 / 25.4, 235 / 25.4);
+    expectSheet(print(e("&l78A") + kDot), 3, 5);
+    expectSheet(print(e("&l109A") + kDot), 4.375, 5.75);
     expectSheet(print(kInkjet + e("&l-81A") + kDot), 4.125, 9.5);
     expectSheet(print(kInkjet + e("&l3A") + kDot), 8.5, 14);
 }
