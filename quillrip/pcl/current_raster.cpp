@@ -24,6 +24,7 @@ CurrentRaster::CurrentRaster(const Surroundings& surroundings)
     , m_printModel(surroundings.printModel)
     , m_visit(surroundings.visit)
     , m_errors(surroundings.errors)
+    , m_work(surroundings.work)
 {
 }
 
@@ -210,6 +211,7 @@ void CurrentRaster::begin()
     setup.unitsToDevice = m_page.unitsToDevice(setup.direction);
     setup.paint = m_printModel.paintState(m_state.pattern);
     setup.needsPixels = m_visit.needsPixels();
+    setup.work = &m_work;
     m_session = std::make_unique<RasterSession>(std::move(setup), [this] { return m_page.painterForMark(); });
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "quillrip/base/bytes.h"
+#include "quillrip/base/work_meter.h"
 #include "quillrip/pcl/raster_session.h"
 
 #include <memory>
@@ -27,6 +28,7 @@ public:
         PrintModel& printModel;
         PlotVisit& visit;
         ErrorState& errors;
+        WorkMeter& work;
     };
     /// All references must outlive the object.
     explicit CurrentRaster(const Surroundings& surroundings);
@@ -65,6 +67,7 @@ private:
     PrintModel& m_printModel;
     PlotVisit& m_visit;
     ErrorState& m_errors;
+    WorkMeter& m_work;
     std::unique_ptr<RasterSession> m_session;
     bool m_isScaled = false;
     int m_rowsSkipped = 0; ///< before the first row

@@ -46,7 +46,8 @@ struct Machine::Rooms {
         , fonts(library, machine.m_state, machine.m_environment)
         , text({ machine.m_state, fonts, cursor, page, printModel, underline })
         , visit(machine.m_state, page, cursor)
-        , raster({ machine.m_state, machine.m_environment, page, cursor, printModel, visit, errors })
+        , raster({ machine.m_state, machine.m_environment, page, cursor, printModel, visit, errors,
+              *machine.m_limits.work })
         , macros(machine.m_limits, errors, [&machine](InputStream& stream) { machine.interpretMacro(stream); })
         , plot({ machine.m_state, page, cursor, fonts, patterns, printModel, errors, machine.m_limits })
     {

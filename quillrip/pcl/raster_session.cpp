@@ -88,6 +88,15 @@ RasterSession::Outcome RasterSession::decodePlane(ByteView data, int method)
     return decodeRow(method, data, plane) ? Outcome::Fine : Outcome::UnknownMethod;
 }
 
+// A row is as wide as the raster, whatever was sent for it.
+bool RasterSession::hasWorkForRow()
+{
+    std::size_t bytes = 0;
+    for (const std::vector<std::uint8_t>& plane : m_planes)
+        bytes += plane.size();
+    return !m_setup.work || m_setup.work->allows(Work::Decoding, bytes / 2);
+}
+
 RasterSession::Outcome RasterSession::transferPlane(ByteView data, int method) { return decodePlane(data, method); }
 
 RasterSession::Outcome RasterSession::transferRow(ByteView data, int method)
@@ -98,10 +107,12 @@ RasterSession::Outcome RasterSession::transferRow(ByteView data, int method)
         const bool isWhole = decodeAdaptive(data, m_planes[0], [this](int count) {
             m_seedsAreFresh = false;
             emitRow(composed(0), count);
-            return true;
+            return hasWorkForRow();
         });
         return isWhole ? Outcome::Fine : Outcome::BadBlock;
     }
+    if (!hasWorkForRow())
+        return Outcome::Fine; // the interpreter ends the job
     const Outcome outcome = decodePlane(data, method);
     if (outcome == Outcome::UnknownMethod) {
         // Nobody knows how many rows these would have been.

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "quillrip/base/work_meter.h"
 #include "quillrip/hpgl/surface.h"
 #include "quillrip/pcl/logical_page.h"
 #include "quillrip/pcl/raster_layout.h"
@@ -29,6 +30,7 @@ public:
         Matrix unitsToDevice; ///< internal units in those axes to device pixels
         PaintState paint;
         bool needsPixels = true; ///< false: nothing is painted, rows are only counted
+        WorkMeter* work = nullptr; ///< charged for each row, also where no page is; null: nobody counts
     };
 
     /// `painter` gives the page's painter, beginning the page when needed; null when that fails.
@@ -67,6 +69,7 @@ public:
 private:
     void makePlanes();
     Outcome decodePlane(ByteView data, int method);
+    bool hasWorkForRow();
     void emitSet();
     void emitRow(const std::uint8_t* pixels, int count);
     const std::uint8_t* composed(int subRow);

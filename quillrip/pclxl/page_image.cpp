@@ -35,8 +35,11 @@ void PageImage::goToRow(std::uint32_t row)
 void PageImage::paintRow(const std::uint8_t* pixels)
 {
     ++m_nextRow;
-    if (m_rows)
-        m_rows->row(m_source.converter.convert(pixels));
+    WorkMeter& work = m_painter.work();
+    if (!m_rows || work.isExhausted())
+        return;
+    work.charge(Work::Decoding, m_source.layout.width);
+    m_rows->row(m_source.converter.convert(pixels));
 }
 
 void PageImage::finish()

@@ -202,6 +202,40 @@ TEST(Work, RowsWiderThanAnyPageAreRefused)
     EXPECT_EQ(run(c).result.status, ConversionStatus::LimitExceeded);
 }
 
+TEST(Work, RowsBelowTheRasterAreStoppedThoughNothingIsPainted)
+{
+    expectStopped(run(kReset + "\x1b*v6W" + std::string("\x00\x03\x00\x08\x08\x08", 6)
+        + "\x1b*r65535s1T\x1b*t2000h2400V\x1b*r3A\x1b*b2M" + repeated("\x1b*bW", 5000) + "\x1b*rC"));
+}
+
+TEST(Work, WideRowsOfOneImageAreStoppedWithinIt)
+{
+    constexpr int kRows = 5000;
+    XlStream c;
+    c.colorSpace(2).cursor(0, 0).ubyte(A::ColorMapping, 0).ubyte(A::ColorDepth, 2).uint32(A::SourceWidth, 1'000'000);
+    c.uint16(A::SourceHeight, kRows).xy(A::DestinationSize, 2000, 1000).op(O::BeginImage);
+    c.uint16(A::StartLine, 0).uint16(A::BlockHeight, kRows).ubyte(A::CompressMode, 3).op(O::ReadImage);
+    c.data(std::vector<std::uint8_t>(std::size_t { 2 } * kRows)).op(O::EndImage);
+    expectStopped(run(c));
+}
+
+// Bold letters as high as a page: outlines of their strokes, which no cache of glyphs holds.
+TEST(Work, BoldLettersOfTenInchesAreStoppedWithinOneText)
+{
+    XlStream c;
+    c.grayBrush(0)
+        .text(A::FontName, "Arial         Bd")
+        .real(A::CharSize, 3000)
+        .uint16(A::SymbolSet, 629)
+        .op(O::SetFont);
+    c.real(A::CharBoldValue, 0.9f).op(O::SetCharBoldValue).cursor(100, 3000);
+    std::string letters;
+    for (int i = 0; i < 10; ++i)
+        letters += "ABCDEFGHIJ";
+    c.text(A::TextData, letters).op(O::Text);
+    expectStopped(run(c));
+}
+
 TEST(Work, AStarThroughATinyClipIsStopped)
 {
     XlStream star;
