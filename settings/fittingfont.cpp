@@ -67,10 +67,12 @@ bool FieldHasRoom(const QLineEdit& field)
     return Holds(contents.size(), TextSize(field, strLongest));
 }
 
-// A layout that has too little room lets its rows run over its end, and a child over its parent's edge is cut.
-bool LiesWithinParents(const QWidget& control)
+// A control that runs over its parent's edge is cut there. Its frame may be, since a style can want more height than the
+// form has whatever the font is; its text, in the middle of it, may not.
+bool TextLiesWithinParents(const QWidget& control)
 {
-    QRect place(QPoint(0, 0), control.size());
+    const int iHeight = std::min(control.height(), control.fontMetrics().height());
+    QRect place(0, (control.height() - iHeight) / 2, control.width(), iHeight);
     for (const QWidget* pWidget = &control; !pWidget->isWindow() && pWidget->parentWidget();
          pWidget = pWidget->parentWidget()) {
         place.translate(pWidget->pos());
@@ -84,7 +86,7 @@ bool LiesWithinParents(const QWidget& control)
 
 bool HasRoom(const QWidget& control)
 {
-    if (!LiesWithinParents(control))
+    if (!TextLiesWithinParents(control))
         return false;
     if (const auto* pButton = qobject_cast<const QPushButton*>(&control))
         return ButtonHasRoom(*pButton);
