@@ -67,8 +67,8 @@ bool FieldHasRoom(const QLineEdit& field)
     return Holds(contents.size(), TextSize(field, strLongest));
 }
 
-// A control that runs over its parent's edge is cut there. Its frame may be, since a style can want more height than the
-// form has whatever the font is; its text, in the middle of it, may not.
+// A control that runs over its parent's edge is cut there. Its frame may be, since a style can want more height than
+// the form has whatever the font is; its text, in the middle of it, may not.
 bool TextLiesWithinParents(const QWidget& control)
 {
     const int iHeight = std::min(control.height(), control.fontMetrics().height());
