@@ -12,14 +12,28 @@
 #include <QPushButton>
 #include <QSettings>
 
+#include <linux/capability.h>
+#include <sys/syscall.h>
 #include <unistd.h>
 
 using namespace windowtest;
 
 namespace {
 
-// A folder that this process cannot write in while the object lives: without the right, and, since root needs none, as
-// nobody.
+// Whether root may write what its permissions deny; nobody else may anyway.
+void OverridePermissions(bool bMay)
+{
+    __user_cap_header_struct header { _LINUX_CAPABILITY_VERSION_3, 0 };
+    __user_cap_data_struct sets[_LINUX_CAPABILITY_U32S_3];
+    if (::syscall(SYS_capget, &header, sets) != 0)
+        qFatal("cannot read the capabilities");
+    const quint32 bit = CAP_TO_MASK(CAP_DAC_OVERRIDE);
+    sets[0].effective = bMay ? sets[0].effective | (sets[0].permitted & bit) : sets[0].effective & ~bit;
+    if (::syscall(SYS_capset, &header, sets) != 0)
+        qFatal("cannot change the capabilities");
+}
+
+// A folder that this process cannot write in while the object lives.
 class LockedFolder {
 public:
     explicit LockedFolder(const QString& strFolder)
@@ -27,17 +41,17 @@ public:
         , m_permissions(QFile::permissions(strFolder))
     {
         const QFile::Permissions write = QFile::WriteOwner | QFile::WriteUser | QFile::WriteGroup | QFile::WriteOther;
-        if (!QFile::setPermissions(strFolder, m_permissions & ~write) || (::geteuid() == 0 && ::seteuid(kNobody) != 0))
+        if (!QFile::setPermissions(strFolder, m_permissions & ~write))
             qFatal("cannot lock %s", qPrintable(strFolder));
+        OverridePermissions(false);
     }
     ~LockedFolder()
     {
-        if ((::getuid() == 0 && ::seteuid(0) != 0) || !QFile::setPermissions(m_strFolder, m_permissions))
-            qFatal("cannot unlock %s", qPrintable(m_strFolder));
+        OverridePermissions(true);
+        QFile::setPermissions(m_strFolder, m_permissions);
     }
 
 private:
-    static constexpr uid_t kNobody = 65534;
     QString m_strFolder;
     QFile::Permissions m_permissions;
 };
