@@ -3,6 +3,10 @@
 // Three choices: no subsampling of colour, since thin coloured lines and text on a page would get grey borders;
 // the standard Huffman tables, since tables made for the page need all its coefficients in memory (six times the
 // pixels) for a few per cent; and one level of loss for all pages.
+//
+// A page is cut into bands that different threads compress, each as an image of its own. Their data can be joined: a
+// restart marker (ITU-T Recommendation T.81, B.2.1) stands between them, at which a decoder starts anew, and the header
+// of the first band gets the height of the page.
 
 #include "quillrip/image/file_encoder.h"
 #include "quillrip/image/light_rows.h"
@@ -85,23 +89,65 @@ public:
     JpegEncoder(PageBitmap&& bitmap, PageTarget target, int quality)
         : FileEncoder(std::move(bitmap), std::move(target))
         , m_quality(std::clamp(quality, 1, 100))
+        , m_blocksAcross((page().width() + kBlock - 1) / kBlock)
     {
+        const auto rows = static_cast<int>(std::min<std::size_t>(
+            RowBands::kUsualBytes / page().rowBytes() / kBlock, static_cast<std::size_t>(page().height())));
+        m_bandHeight = std::clamp(rows, 1, kLongestRestart / m_blocksAcross) * kBlock;
     }
 
-    int pieceCount() const override { return 1; }
+    int pieceCount() const override { return (page().height() - 1) / m_bandHeight + 1; }
 
-    std::string encode(int, EncodedPiece& encoded) const override
+    std::string encode(int piece, EncodedPiece& encoded) const override
     {
         std::vector<std::uint8_t> row(page().rowBytes() * (page().format() == PixelFormat::Bilevel ? 8 : 1));
         encoded.bytes.clear();
         Compressor compressor;
         compressor.out = &encoded.bytes;
-        return compress(compressor, row.data()) ? std::string {} : std::string { "JPEG: " } + compressor.message.data();
+        const int top = piece * m_bandHeight;
+        const int bottom = std::min(page().height() - top, m_bandHeight) + top;
+        if (!compress(compressor, top, bottom, row.data()))
+            return std::string { "JPEG: " } + compressor.message.data();
+        return makePart(piece, encoded.bytes) ? std::string {} : std::string { "JPEG: the data has no start" };
     }
 
 private:
+    static constexpr int kBlock = 8; ///< pixels across and down that are coded together
+    static constexpr int kLongestRestart = 65535; ///< blocks from one restart marker to the next
+
+    /// Makes a whole image of a band the page's part that it stands for. False when it is not what we know.
+    bool makePart(int piece, std::vector<std::uint8_t>& bytes) const
+    {
+        constexpr std::uint8_t startOfFrame = 0xC0;
+        constexpr std::uint8_t startOfScan = 0xDA;
+        constexpr std::uint8_t firstRestart = 0xD0;
+        constexpr std::size_t restarts = 8;
+        constexpr std::size_t heightInFrame = 5; // behind the marker, the segment's length and the precision
+        // Segments follow each other up to the data: a marker of two bytes, a length that counts its own two.
+        std::size_t at = 2;
+        bool isData = false;
+        while (!isData) {
+            if (at + heightInFrame + 2 > bytes.size() || bytes[at] != 0xFF)
+                return false;
+            if (bytes[at + 1] == startOfFrame) {
+                bytes[at + heightInFrame] = static_cast<std::uint8_t>(page().height() >> 8);
+                bytes[at + heightInFrame + 1] = static_cast<std::uint8_t>(page().height());
+            }
+            isData = bytes[at + 1] == startOfScan;
+            at += 2 + (std::size_t { bytes[at + 2] } << 8 | bytes[at + 3]);
+        }
+        if (at + 2 > bytes.size())
+            return false;
+        // What is not the last band ends with a restart marker where its own image ended.
+        if (piece + 1 < pieceCount())
+            bytes.back() = static_cast<std::uint8_t>(firstRestart + static_cast<std::size_t>(piece) % restarts);
+        if (piece > 0)
+            bytes.erase(bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(at));
+        return true;
+    }
+
     /// Nothing with a destructor lives in here: errors jump back to its start.
-    bool compress(Compressor& compressor, std::uint8_t* row) const
+    bool compress(Compressor& compressor, int top, int bottom, std::uint8_t* row) const
     {
         jpeg_compress_struct& library = compressor.library;
         library.err = jpeg_std_error(&compressor.errors);
@@ -120,7 +166,7 @@ private:
         library.dest = &compressor.destination;
         const bool isColour = page().format() == PixelFormat::Rgb24;
         library.image_width = static_cast<JDIMENSION>(page().width());
-        library.image_height = static_cast<JDIMENSION>(page().height());
+        library.image_height = static_cast<JDIMENSION>(bottom - top);
         library.input_components = isColour ? 3 : 1;
         library.in_color_space = isColour ? JCS_RGB : JCS_GRAYSCALE;
         jpeg_set_defaults(&library);
@@ -130,8 +176,10 @@ private:
         library.density_unit = 1;
         library.X_density = dotsPerInch(page().resolution().x);
         library.Y_density = dotsPerInch(page().resolution().y);
+        if (pieceCount() > 1)
+            library.restart_interval = static_cast<unsigned>(m_bandHeight / kBlock * m_blocksAcross);
         jpeg_start_compress(&library, TRUE);
-        for (int y = 0; y < page().height(); ++y) {
+        for (int y = top; y < bottom; ++y) {
             if (page().format() == PixelFormat::Bilevel)
                 lightRowAsGray(page(), y, row);
             else
@@ -146,6 +194,8 @@ private:
     static UINT16 dotsPerInch(double value) { return static_cast<UINT16>(std::clamp(std::lround(value), 1L, 65535L)); }
 
     int m_quality;
+    int m_blocksAcross;
+    int m_bandHeight; ///< rows of pixels, whole blocks
 };
 
 } // namespace

@@ -199,6 +199,31 @@ TEST(JpegRoundTrip, ShowsThePageAndItsResolution)
     }
 }
 
+TEST(JpegRoundTrip, BandsAreOneImageHoweverManyThereAre)
+{
+    const ScratchFolder scratch;
+    const auto options = optionsFor(scratch.path("page.jpg"));
+    struct Size {
+        PixelFormat format;
+        int width;
+        int height;
+    };
+    // A band has a megabyte: 344 rows of 1000 pixels in RGB. More than eight of them come back to the first marker.
+    const Size sizes[] = { { PixelFormat::Rgb24, 1000, 343 }, { PixelFormat::Rgb24, 1000, 344 },
+        { PixelFormat::Rgb24, 1000, 345 }, { PixelFormat::Rgb24, 1000, 344 * 10 + 5 },
+        { PixelFormat::Gray8, 1000, 2200 }, { PixelFormat::Bilevel, 1000, 9000 }, { PixelFormat::Rgb24, 50000, 40 } };
+    for (const Size& size : sizes) {
+        SCOPED_TRACE(std::to_string(size.width) + " x " + std::to_string(size.height));
+        const PageBitmap page = makePage(size.format, size.width, size.height, Content::Picture);
+        std::filesystem::remove(options.path);
+        ASSERT_TRUE(write(options, { &page }));
+        const auto images = decodeFile(options.path); // none when the decoder warned
+        ASSERT_EQ(images.size(), 1u);
+        ASSERT_EQ(images[0].height, size.height);
+        EXPECT_LT(meanDifference(images[0], page), 3.0);
+    }
+}
+
 TEST(JpegRoundTrip, ColourKeepsItsFullResolution)
 {
     const ScratchFolder scratch;
