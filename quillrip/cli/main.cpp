@@ -12,6 +12,7 @@
 #include <csignal>
 #include <cstdint>
 #include <cstdio>
+#include <exception>
 #include <fcntl.h>
 #include <malloc.h>
 #include <memory>
@@ -203,6 +204,10 @@ int main(int count, char** words)
         return run(std::vector<std::string>(words + (count > 0), words + count));
     } catch (const std::bad_alloc&) {
         std::fputs("quillrip: there is not enough memory\n", stderr);
+        return exitCodeOf(ConversionStatus::LimitExceeded);
+    } catch (const std::exception& error) {
+        // The library's own: a thread that the system does not start.
+        std::fprintf(stderr, "quillrip: %s\n", error.what());
         return exitCodeOf(ConversionStatus::LimitExceeded);
     }
 }
