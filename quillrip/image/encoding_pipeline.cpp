@@ -175,7 +175,6 @@ EncodedPiece EncodingPipeline::takeSpare()
         return {};
     EncodedPiece piece = std::move(m_spare.back());
     m_spare.pop_back();
-    piece.partSizes.clear();
     return piece;
 }
 

@@ -13,7 +13,6 @@ namespace quillrip {
 /// One piece of an encoded page, on its way from a thread that encodes to the file.
 struct EncodedPiece {
     std::vector<std::uint8_t> bytes;
-    std::vector<std::size_t> partSizes; ///< of the parts that `bytes` consists of, where the format has parts (strips)
     std::uint32_t checksum = 0; ///< of the uncompressed bytes, where the format has one over all of them
     std::uint64_t plainSize = 0; ///< how many bytes that checksum covers
 };

@@ -12,7 +12,6 @@ namespace quillrip {
 
 namespace {
 
-constexpr std::size_t kPieceBytes = std::size_t { 512 } << 10;
 /// Room for a page's directory, the numbers of its strips included: a strip has 128 KB.
 constexpr std::uint64_t kDirectoryBytes = std::uint64_t { 1 } << 20;
 /// Encoded pages are seldom larger than plain ones; single pixels in Group 3 are, with nine bits for two.
@@ -29,54 +28,32 @@ public:
         , m_document(document)
         , m_layout(page(), document.m_options)
     {
-        const std::size_t stripBytes = m_layout.rowBytes() * m_layout.rowsPerStrip;
-        m_stripsPerPiece = static_cast<std::uint32_t>(std::max<std::size_t>(1, kPieceBytes / stripBytes));
     }
 
-    int pieceCount() const override { return static_cast<int>((m_layout.stripCount() - 1) / m_stripsPerPiece + 1); }
+    int pieceCount() const override { return static_cast<int>(m_layout.stripCount()); }
 
     std::string encode(int piece, EncodedPiece& encoded) const override
     {
-        const std::uint32_t first = static_cast<std::uint32_t>(piece) * m_stripsPerPiece;
-        const std::uint32_t last = std::min(first + m_stripsPerPiece, m_layout.stripCount());
+        const auto strip = static_cast<std::uint32_t>(piece);
         if (m_layout.compression == COMPRESSION_NONE) {
-            const std::uint32_t top = first * m_layout.rowsPerStrip;
-            const std::uint32_t rows = std::min(last * m_layout.rowsPerStrip, m_layout.height) - top;
+            const std::uint32_t top = strip * m_layout.rowsPerStrip;
+            const std::uint32_t rows = std::min(m_layout.rowsPerStrip, m_layout.height - top);
             fillTiffRows(page(), m_layout, top, rows, encoded.bytes);
-            for (std::uint32_t row = 0; row < rows; row += m_layout.rowsPerStrip)
-                encoded.partSizes.push_back(m_layout.rowBytes() * std::min(m_layout.rowsPerStrip, rows - row));
             return {};
         }
         encoded.bytes.clear();
-        for (std::uint32_t strip = first; strip < last; ++strip) {
-            const std::size_t before = encoded.bytes.size();
-            std::string reason = m_document.encodeStrip(page(), m_layout, strip, encoded.bytes);
-            if (!reason.empty())
-                return reason;
-            encoded.partSizes.push_back(encoded.bytes.size() - before);
-        }
-        return {};
+        return m_document.encodeStrip(page(), m_layout, strip, encoded.bytes);
     }
 
     bool begin() override { return m_document.beginPage(m_layout); }
 
-    bool write(const EncodedPiece& piece) override
-    {
-        std::size_t at = 0;
-        for (const std::size_t size : piece.partSizes) {
-            if (!m_document.writeStrip(m_nextStrip++, ByteView { piece.bytes }.sub(at, size)))
-                return false;
-            at += size;
-        }
-        return true;
-    }
+    bool write(const EncodedPiece& piece) override { return m_document.writeStrip(m_nextStrip++, piece.bytes); }
 
     bool end() override { return m_document.endPage(); }
 
 private:
     TiffDocument& m_document;
     TiffLayout m_layout;
-    std::uint32_t m_stripsPerPiece = 1;
     std::uint32_t m_nextStrip = 0;
 };
 
