@@ -22,6 +22,19 @@ template <int Channels> bool isWhite(const std::uint8_t* ink)
         return (ink[0] | ink[1] | ink[2]) == 0;
 }
 
+/// Whether one of so many bytes, a multiple of 8, is 0.
+template <std::size_t Count> bool hasZeroByte(const std::uint8_t* bytes)
+{
+    constexpr std::uint64_t ones = 0x0101010101010101;
+    std::uint64_t found = 0;
+    for (std::size_t i = 0; i < Count; i += 8) {
+        std::uint64_t word = 0;
+        std::memcpy(&word, bytes + i, 8);
+        found |= (word - ones) & ~word;
+    }
+    return (found & ones << 7) != 0;
+}
+
 } // namespace
 
 template <int Channels>
@@ -214,10 +227,24 @@ void ByteCompositor<Channels>::colorsRun(
         std::memcpy(at, ink, count * Channels);
         return;
     }
-    for (std::size_t i = 0; i < count; ++i, at += Channels, ink += Channels) {
-        if (!isWhite<Channels>(ink))
-            std::memcpy(at, ink, Channels);
+    std::size_t i = 0;
+    const auto copyPixels = [&](std::size_t end) {
+        for (; i < end; ++i) {
+            if (!isWhite<Channels>(ink + i * Channels))
+                std::memcpy(at + i * Channels, ink + i * Channels, Channels);
+        }
+    };
+    // Most pixels of a picture have some of every ink.
+    constexpr std::size_t block = 16;
+    while (i + block <= count) {
+        if (hasZeroByte<block * Channels>(ink + i * Channels)) {
+            copyPixels(i + block);
+        } else {
+            std::memcpy(at + i * Channels, ink + i * Channels, block * Channels);
+            i += block;
+        }
     }
+    copyPixels(count);
 }
 
 template <int Channels>
