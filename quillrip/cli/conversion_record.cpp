@@ -4,7 +4,7 @@
 
 #include <algorithm>
 #include <array>
-#include <cmath>
+#include <cstdio>
 #include <cstdlib>
 #include <fcntl.h>
 #include <sys/resource.h>
@@ -16,8 +16,6 @@
 namespace quillrip::cli {
 
 namespace {
-
-using Json = nlohmann::ordered_json;
 
 constexpr int kExitDone = 0;
 constexpr int kExitDamaged = 4;
@@ -33,7 +31,28 @@ double processorSecondsOf(int who)
     return ::getrusage(who, &usage) == 0 ? secondsOf(usage.ru_utime) + secondsOf(usage.ru_stime) : 0;
 }
 
-double inMilliseconds(double seconds) { return std::round(seconds * 1000) / 1000; }
+// Only strings are made by the library: its lists and objects ask for memory when they go, and end the process when
+// there is none, which would be after the images have appeared.
+std::string quoted(const std::string& text)
+{
+    return nlohmann::json(text).dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
+}
+
+/// Elements with a comma behind each.
+std::string listOf(const std::string& elements)
+{
+    std::string list("[");
+    list.append(elements, 0, elements.empty() ? 0 : elements.size() - 1);
+    list += ']';
+    return list;
+}
+
+std::string decimal(double value, int places)
+{
+    std::array<char, 64> text {};
+    std::snprintf(text.data(), text.size(), "%.*f", places, value);
+    return text.data();
+}
 
 std::string isoTime(std::time_t time)
 {
@@ -47,9 +66,9 @@ std::string isoTime(std::time_t time)
 bool isUtf8(const std::string& text)
 {
     try {
-        static_cast<void>(Json(text).dump());
+        static_cast<void>(nlohmann::json(text).dump());
         return true;
-    } catch (const Json::type_error&) {
+    } catch (const nlohmann::json::type_error&) {
         return false;
     }
 }
@@ -132,45 +151,52 @@ double ConversionRecord::secondsSoFar() const
 std::string ConversionRecord::line(
     int exitCode, const std::string& message, double seconds, const std::optional<Resources>& resources) const
 {
-    Json record;
-    record["started"] = isoTime(m_startTime);
-    record["version"] = kVersion;
-    record["input"] = m_input;
+    std::string text = std::string("{\"started\":") + quoted(isoTime(m_startTime)) + ",\"version\":" + quoted(kVersion);
+    const auto add
+        = [&text](const char* name, const std::string& value) { text += std::string(",\"") + name + "\":" + value; };
+    add("input", quoted(m_input));
     if (!isUtf8(m_input))
-        record["inputHex"] = hexOf(m_input);
-    record["output"] = m_output;
+        add("inputHex", quoted(hexOf(m_input)));
+    add("output", quoted(m_output));
     if (!isUtf8(m_output))
-        record["outputHex"] = hexOf(m_output);
-    record["bytes"] = m_inputBytes ? Json(*m_inputBytes) : Json();
-    record["exitCode"] = exitCode;
-    record["message"] = message;
-    record["languages"] = Json::array();
+        add("outputHex", quoted(hexOf(m_output)));
+    add("bytes", m_inputBytes ? std::to_string(*m_inputBytes) : "null");
+    add("exitCode", std::to_string(exitCode));
+    add("message", quoted(message));
+
+    std::string languages;
     for (const LanguageCount& count : m_languages)
-        record["languages"].push_back({ { "language", count.language }, { "parts", count.parts } });
+        languages += std::string("{\"language\":") + quoted(count.language)
+            + ",\"parts\":" + std::to_string(count.parts) + "},";
+    add("languages", listOf(languages));
+
     // What was drawn for a run that failed is gone.
     const bool isOutputThere = exitCode == kExitDone || exitCode == kExitDamaged;
     std::uint64_t pages = 0;
-    Json sizes = Json::array();
+    std::string sizes;
     for (const PageRun& run : m_pages) {
         if (!isOutputThere)
             break;
-        sizes.push_back({ { "first", pages + 1 }, { "pages", run.pages }, { "width", run.width },
-            { "height", run.height }, { "dpiAcross", std::round(run.resolution.x * 100) / 100 },
-            { "dpiDown", std::round(run.resolution.y * 100) / 100 } });
+        sizes += std::string("{\"first\":") + std::to_string(pages + 1) + ",\"pages\":" + std::to_string(run.pages)
+            + ",\"width\":" + std::to_string(run.width) + ",\"height\":" + std::to_string(run.height)
+            + ",\"dpiAcross\":" + decimal(run.resolution.x, 2) + ",\"dpiDown\":" + decimal(run.resolution.y, 2) + "},";
         pages += run.pages;
     }
-    record["pages"] = pages;
-    record["sizes"] = std::move(sizes);
-    record["warnings"] = Json::array();
+    add("pages", std::to_string(pages));
+    add("sizes", listOf(sizes));
+
+    std::string warnings;
     for (const Diagnostic& warning : m_warnings)
-        record["warnings"].push_back(
-            { { "kind", warning.kind }, { "offset", warning.offset }, { "message", warning.message } });
-    record["seconds"] = inMilliseconds(seconds);
+        warnings += std::string("{\"kind\":") + quoted(warning.kind) + ",\"offset\":" + std::to_string(warning.offset)
+            + ",\"message\":" + quoted(warning.message) + "},";
+    add("warnings", listOf(warnings));
+
+    add("seconds", decimal(seconds, 3));
     if (resources) {
-        record["processorSeconds"] = inMilliseconds(resources->processorSeconds);
-        record["peakMemoryBytes"] = resources->peakBytes;
+        add("processorSeconds", decimal(resources->processorSeconds, 3));
+        add("peakMemoryBytes", std::to_string(resources->peakBytes));
     }
-    return record.dump(-1, ' ', false, Json::error_handler_t::replace);
+    return text + "}";
 }
 
 } // namespace quillrip::cli

@@ -138,13 +138,17 @@ int convertAndReport(const cli::Convert& request)
     const int exitCode = exitCodeOf(result.status);
     if (result.status != ConversionStatus::Done)
         console.say(nameOf(result.file) + ": " + result.reason);
-    const bool isTold = !report
-        || report->append(record.line(exitCode, result.reason, record.secondsSoFar(), resources.used()),
-            request.options.document.isDurable, reason);
-    if (isTold)
+    if (!report)
         return exitCode;
+    try {
+        const std::string line = record.line(exitCode, result.reason, record.secondsSoFar(), resources.used());
+        if (report->append(line, request.options.document.isDurable, reason))
+            return exitCode;
+        console.say(request.reportPath + ": " + reason);
+    } catch (const std::bad_alloc&) {
+        std::fputs("quillrip: there is not enough memory for the report\n", stderr);
+    }
     // The images stay; but nobody who goes by the report knows of them.
-    console.say(request.reportPath + ": " + reason);
     return exitCode == 0 || result.status == ConversionStatus::Damaged ? kExitOutputFailed : exitCode;
 }
 
