@@ -67,6 +67,13 @@ bool EscapeReader::open()
     return true;
 }
 
+void EscapeReader::resume(char prefix, char group)
+{
+    m_prefix = prefix;
+    m_group = group;
+    m_isOpen = true;
+}
+
 std::optional<EscapeParameter> EscapeReader::next()
 {
     if (!m_isOpen)

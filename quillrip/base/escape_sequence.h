@@ -71,6 +71,8 @@ public:
     /// Takes the ESC, the parameterised character and the group. False, and nothing taken, where no such sequence
     /// begins.
     bool open();
+    /// Goes on with a sequence whose beginning lies elsewhere: what comes next are parameters of these characters.
+    void resume(char prefix, char group);
     /// Takes the next parameter of the open sequence. Nothing when the sequence has ended or is broken off: the reader
     /// then stands on the byte that broke it, or at the end, and the sequence is closed.
     std::optional<EscapeParameter> next();

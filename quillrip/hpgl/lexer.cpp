@@ -106,26 +106,25 @@ std::string Lexer::readText(std::size_t atMost)
 
 namespace {
 
-/// The rest of a PCL command behind its ESC and parameterised character, chained parts and binary data included.
-void skipParameterised(InputStream& input, int prefix)
+/// A command that is not ended within a few hundred bytes is none.
+constexpr std::size_t kLongestSequence = 512;
+
+/// Takes the PCL command that the input stands on, combined parameters and binary data included; what breaks it is
+/// left.
+void skipParameterised(InputStream& input)
 {
-    const bool isTransfer = isRasterTransfer(prefix, input.peek());
-    // A command that is not ended within a few hundred bytes is none.
-    for (int count = 0; count < 512; ++count) {
-        bool hasNumber = false;
-        double number = 0;
-        if (NumberReader::isStart(input.peek()))
-            hasNumber = readNumber(input, number);
-        const int byte = input.peek();
-        if (byte < 0x20 || byte > 0x7E)
-            return;
-        input.get();
-        const bool hasData = byte == 'W' || byte == 'w' || (isTransfer && (byte == 'V' || byte == 'v'));
-        if (hasData && hasNumber && number > 0)
-            input.skip(static_cast<std::uint64_t>(number));
-        if (byte >= '@' && byte <= '^')
-            return;
+    EscapeReader reader(input.window(kLongestSequence));
+    if (!reader.open())
+        return;
+    while (const auto parameter = reader.next()) {
+        if (const std::uint64_t data = dataLength(*parameter)) {
+            input.skip(reader.offset() + data);
+            reader = EscapeReader(input.window(kLongestSequence));
+            if (parameter->isCombined)
+                reader.resume(parameter->prefix, parameter->group);
+        }
     }
+    input.skip(reader.offset());
 }
 
 void skipDeviceControlOperands(InputStream& input, char control)
@@ -145,43 +144,38 @@ void skipDeviceControlOperands(InputStream& input, char control)
 
 EscapeSequence readEscape(InputStream& input)
 {
-    const ByteView window = input.window(16);
+    const ByteView window = input.window(kLongestSequence);
     if (startsWithUniversalExit(window))
         return { EscapeSequence::Kind::UniversalExit, 0, 0 };
     EscapeSequence sequence;
-    input.get();
-    const int second = input.peek();
-    if (second < 0x21 || second > 0x7E)
-        return sequence;
-    if (second == 'E') {
-        input.get();
-        sequence.kind = EscapeSequence::Kind::Reset;
-    } else if (second == '.') {
-        input.get();
+    const int second = window.size > 1 ? window[1] : -1;
+    if (second == '.') {
+        input.skip(2);
         if (input.peek() > 0x20) {
             sequence.kind = EscapeSequence::Kind::DeviceControl;
             sequence.control = static_cast<char>(input.get());
             skipDeviceControlOperands(input, sequence.control);
         }
-    } else if (second == '%') {
-        input.get();
-        double number = 0;
-        if (NumberReader::isStart(input.peek()))
-            readNumber(input, number);
-        sequence.value = static_cast<int>(std::clamp(number, -32768.0, 32767.0));
-        const int third = input.peek();
-        if (third == 'A' || third == 'B') {
-            input.get();
-            sequence.kind = third == 'A' ? EscapeSequence::Kind::EnterPcl : EscapeSequence::Kind::EnterHpgl;
-        } else {
-            skipParameterised(input, second);
-        }
-    } else if (second < '0') {
-        input.get();
-        skipParameterised(input, second);
-    } else {
-        input.get();
+        return sequence;
     }
+    if (!isParameterisedCharacter(second)) {
+        if (second == 'E')
+            sequence.kind = EscapeSequence::Kind::Reset;
+        input.skip(isTwoCharacterSequence(second) ? 2 : 1);
+        return sequence;
+    }
+    EscapeReader reader(window);
+    reader.open();
+    const auto first = reader.next();
+    const bool isSwitch = first && second == '%' && first->group == 0 && !first->isCombined
+        && (first->letter == 'A' || first->letter == 'B');
+    if (!isSwitch) {
+        skipParameterised(input);
+        return sequence;
+    }
+    sequence.kind = first->letter == 'A' ? EscapeSequence::Kind::EnterPcl : EscapeSequence::Kind::EnterHpgl;
+    sequence.value = static_cast<int>(std::clamp(first->value.number, -32768.0, 32767.0));
+    input.skip(reader.offset());
     return sequence;
 }
 

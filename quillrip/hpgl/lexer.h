@@ -64,8 +64,13 @@ struct EscapeSequence {
 /// Takes one escape sequence; the input stands on the ESC. Only UniversalExit is left where it is.
 EscapeSequence readEscape(InputStream& input);
 
-/// Whether the commands of an escape sequence that begins with these two characters behind its ESC transfer rows of
-/// raster: of those, V has data too.
-inline bool isRasterTransfer(int prefix, int group) { return prefix == '*' && group == 'b'; }
+/// Bytes of binary data behind a parameter, in which an ESC means nothing: its number counts them before W, and before
+/// the V that transfers a plane of raster.
+inline std::uint64_t dataLength(const EscapeParameter& parameter)
+{
+    const bool isPlane = parameter.prefix == '*' && parameter.group == 'b' && parameter.letter == 'V';
+    const bool hasData = parameter.letter == 'W' || isPlane;
+    return hasData && parameter.value.number > 0 ? static_cast<std::uint64_t>(parameter.value.number) : 0;
+}
 
 } // namespace quillrip::hpgl

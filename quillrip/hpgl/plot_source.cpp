@@ -46,39 +46,22 @@ std::size_t PlotSource::pull(std::uint8_t* to, std::size_t count)
 
 std::uint64_t PlotSource::escapeLength()
 {
-    // ESC, a parameterised character, perhaps a group character, numbers and letters up to a capital. A number before
-    // W counts bytes of data behind it, in which an ESC means nothing, as does that before the V of a raster's plane.
     constexpr std::size_t kLongest = 256;
-    const ByteView window = m_input.window(kLongest);
-    std::size_t at = 0;
-    if (!m_isInSequence) {
-        if (window.size < 2 || window[1] < 0x21 || window[1] > 0x2F || window[1] == '.')
-            return 1;
-        m_isTransfer = window.size > 2 && isRasterTransfer(window[1], window[2]);
-        at = 2;
-    }
+    EscapeReader reader(m_input.window(kLongest));
+    if (m_isInSequence)
+        reader.resume(m_prefix, m_group);
+    else if (reader.peek(1) == '.' || !reader.open())
+        return 1;
     m_isInSequence = false;
-    std::uint64_t number = 0;
-    for (; at < window.size; ++at) {
-        const std::uint8_t byte = window[at];
-        if (byte >= '0' && byte <= '9') {
-            number = std::min<std::uint64_t>(number * 10 + (byte - '0'), UINT32_MAX);
-            continue;
+    while (const auto parameter = reader.next()) {
+        if (const std::uint64_t data = dataLength(*parameter)) {
+            m_isInSequence = parameter->isCombined;
+            m_prefix = parameter->prefix;
+            m_group = parameter->group;
+            return reader.offset() + data;
         }
-        if (byte < 0x20 || byte > 0x7E)
-            return at;
-        const std::uint8_t letter = byte & 0xDF;
-        const std::uint64_t data = letter == 'W' || (letter == 'V' && m_isTransfer) ? number : 0;
-        if (byte >= '@' && byte <= '^')
-            return at + 1 + data;
-        if (data > 0) {
-            m_isInSequence = true; // and goes on behind the data
-            return at + 1 + data;
-        }
-        if (byte != '.' && byte != ' ')
-            number = 0;
     }
-    return window.size;
+    return reader.offset();
 }
 
 std::size_t ReplayStream::pull(std::uint8_t* to, std::size_t count)

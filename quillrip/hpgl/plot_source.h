@@ -31,7 +31,8 @@ private:
     bool m_isOver = false;
     std::uint64_t m_opaque = 0; ///< bytes that are data, whatever they look like
     bool m_isInSequence = false; ///< behind them a combined escape sequence goes on
-    bool m_isTransfer = false; ///< which transfers rows of raster
+    char m_prefix = 0; ///< which began with these characters
+    char m_group = 0;
 };
 
 /// Bytes that were kept, and then the rest of where they came from.

@@ -1,6 +1,7 @@
 #include "quillrip/hpgl/recognition.h"
 
 #include "quillrip/base/escape_sequence.h"
+#include "quillrip/hpgl/lexer.h"
 #include "quillrip/hpgl/mnemonics.h"
 #include "quillrip/hpgl/number_reader.h"
 #include "quillrip/hpgl/plotter_units.h"
@@ -181,32 +182,24 @@ private:
                                                                                                   : nullptr;
         if (!letters)
             return false;
-        m_at += 3;
-        for (;;) {
-            std::uint64_t number = 0;
-            for (; isDigit(peek()) || peek() == '+' || peek() == '-' || peek() == '.'; ++m_at) {
-                if (isDigit(peek()))
-                    number
-                        = std::min<std::uint64_t>(number * 10 + static_cast<std::uint64_t>(peek() - '0'), kWindow * 64);
-            }
-            const int byte = peek();
-            if (byte == kEscape || byte < 0)
-                return true; // some drivers leave a sequence unfinished
-            const int letter = isLower(byte) ? byte - 0x20 : byte;
+        EscapeReader reader(m_bytes.sub(m_at));
+        reader.open();
+        bool isEnded = false;
+        while (const auto parameter = reader.next()) {
+            const char letter = parameter->letter;
             if (!isUpper(letter) || (*letters && !std::strchr(letters, letter)))
                 return false;
-            ++m_at;
-            const bool isTransfer = group == 'b' && (letter == 'V' || letter == 'W');
-            m_hasRaster = m_hasRaster || (group == 'r' && letter == 'A') || (isTransfer && number > 0);
-            if (group == 't' && letter == 'R' && number > 0)
-                m_dotsPerInch = static_cast<double>(number);
+            const std::uint64_t data = dataLength(*parameter);
+            m_hasRaster = m_hasRaster || (group == 'r' && letter == 'A') || (group == 'b' && data > 0);
+            if (group == 't' && letter == 'R' && parameter->value.number > 0)
+                m_dotsPerInch = parameter->value.number;
             if (group == 'r' && letter == 'S')
-                m_rasterWidth = static_cast<double>(number);
-            if (prefix == '*' && (letter == 'W' || isTransfer))
-                m_at = std::min<std::uint64_t>(m_at + number, m_bytes.size);
-            if (isUpper(byte))
-                return true;
+                m_rasterWidth = parameter->value.number;
+            reader.skip(data);
+            isEnded = !parameter->isCombined;
         }
+        m_at += reader.offset();
+        return isEnded || peek() == kEscape || peek() < 0; // some drivers leave a sequence unfinished
     }
 
     bool readCommand(bool isFirst)

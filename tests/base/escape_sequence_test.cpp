@@ -86,6 +86,20 @@ TEST(EscapeReader, DataBetweenParametersAreSkipped)
     EXPECT_FALSE(reader.next());
 }
 
+TEST(EscapeReader, AResumedSequenceHasItsFormerOpening)
+{
+    const std::string bytes = "2v7W";
+    EscapeReader reader(bytesOf(bytes));
+    reader.resume('*', 'b');
+    const auto first = reader.next();
+    ASSERT_TRUE(first);
+    EXPECT_EQ(first->prefix, '*');
+    EXPECT_EQ(first->group, 'b');
+    EXPECT_EQ(first->letter, 'V');
+    EXPECT_TRUE(reader.next());
+    EXPECT_FALSE(reader.next());
+}
+
 TEST(EscapeValue, KeepsFourDecimalsAndTheSign)
 {
     EXPECT_DOUBLE_EQ(valueOf("12.5"), 12.5);
