@@ -1,5 +1,6 @@
 #include "quillrip/emf/devmode.h"
 
+#include "quillrip/base/paper.h"
 #include "quillrip/emf/record.h"
 
 #include <array>
@@ -12,44 +13,64 @@ namespace {
 constexpr std::size_t kSmallestPublicPart = 84;
 constexpr std::size_t kLargestPublicPart = 220;
 constexpr std::size_t kNameUnits = 32;
-constexpr double kInch = 25.4;
 
-/// DMPAPER numbers 1 to 118, mm; 0: none of that number.
-struct PaperSize {
-    double width;
-    double length;
+struct TurnedPaper {
+    PaperName name;
+    bool isWide; ///< the long edge is across
 };
-constexpr PaperSize inches(double width, double length) { return { width * kInch, length * kInch }; }
-constexpr PaperSize kNone { 0, 0 };
+using PaperNumber = std::optional<TurnedPaper>;
+constexpr PaperNumber tall(PaperName name) { return TurnedPaper { name, false }; }
+constexpr PaperNumber wide(PaperName name) { return TurnedPaper { name, true }; }
 
-constexpr std::array<PaperSize, 118> kPapers { {
-    inches(8.5, 11), inches(8.5, 11), inches(11, 17), inches(17, 11), inches(8.5, 14), inches(5.5, 8.5), // 1
-    inches(7.25, 10.5), { 297, 420 }, { 210, 297 }, { 210, 297 }, { 148, 210 }, { 257, 364 }, // 7
-    { 182, 257 }, inches(8.5, 13), { 215, 275 }, inches(10, 14), inches(11, 17), inches(8.5, 11), // 13
-    inches(3.875, 8.875), inches(4.125, 9.5), inches(4.5, 10.375), inches(4.75, 11), inches(5, 11.5), // 19
-    inches(17, 22), inches(22, 34), inches(34, 44), { 110, 220 }, { 162, 229 }, { 324, 458 }, // 24
-    { 229, 324 }, { 114, 162 }, { 114, 229 }, { 250, 353 }, { 176, 250 }, { 176, 125 }, { 110, 230 }, // 30
-    inches(3.875, 7.5), inches(3.625, 6.5), inches(14.875, 11), inches(8.5, 12), inches(8, 13), // 37
-    { 250, 353 }, { 100, 148 }, inches(9, 11), inches(10, 11), inches(15, 11), { 220, 220 }, kNone, kNone, // 42
-    inches(9.5, 12), inches(9.5, 15), inches(11.69, 18), inches(9.27, 12.69), inches(8.5, 11), // 50
-    { 210, 297 }, inches(9.5, 12), { 227, 356 }, { 305, 487 }, inches(8.5, 12.69), { 210, 330 }, // 55
-    { 148, 210 }, { 182, 257 }, { 322, 445 }, { 174, 235 }, { 201, 276 }, { 420, 594 }, { 297, 420 }, // 61
-    { 322, 445 }, { 200, 148 }, { 105, 148 }, { 240, 332 }, { 216, 277 }, { 120, 235 }, { 90, 205 }, // 68
-    inches(11, 8.5), { 420, 297 }, { 297, 210 }, { 210, 148 }, { 364, 257 }, { 257, 182 }, { 148, 100 }, // 75
-    { 148, 200 }, { 148, 105 }, { 332, 240 }, { 277, 216 }, { 235, 120 }, { 205, 90 }, { 128, 182 }, // 82
-    { 182, 128 }, inches(12, 11), { 105, 235 }, { 235, 105 }, { 146, 215 }, { 97, 151 }, { 97, 151 }, // 89
-    { 102, 165 }, { 102, 176 }, { 125, 176 }, { 110, 208 }, { 110, 220 }, { 120, 230 }, { 160, 230 }, // 96
-    { 120, 309 }, { 229, 324 }, { 324, 458 }, { 215, 146 }, { 151, 97 }, { 151, 97 }, { 165, 102 }, // 103
-    { 176, 102 }, { 176, 125 }, { 208, 110 }, { 220, 110 }, { 230, 120 }, { 230, 160 }, { 309, 120 }, // 110
-    { 324, 229 }, { 458, 324 }, // 117
+/// DMPAPER numbers from 1 on; nothing where there is none of that number.
+constexpr std::array<PaperNumber, 118> kPapers { {
+    tall(PaperName::Letter), tall(PaperName::Letter), tall(PaperName::Ledger), wide(PaperName::Ledger), // 1
+    tall(PaperName::Legal), tall(PaperName::Statement), tall(PaperName::Executive), tall(PaperName::A3), // 5
+    tall(PaperName::A4), tall(PaperName::A4), tall(PaperName::A5), tall(PaperName::JisB4), // 9
+    tall(PaperName::JisB5), tall(PaperName::Folio), tall(PaperName::Quarto), tall(PaperName::Inch10x14), // 13
+    tall(PaperName::Ledger), tall(PaperName::Letter), tall(PaperName::Com9), tall(PaperName::Com10), // 17
+    tall(PaperName::Com11), tall(PaperName::Com12), tall(PaperName::Com14), tall(PaperName::AnsiC), // 21
+    tall(PaperName::AnsiD), tall(PaperName::AnsiE), tall(PaperName::DL), tall(PaperName::C5), // 25
+    tall(PaperName::C3), tall(PaperName::C4), tall(PaperName::C6), tall(PaperName::C65), // 29
+    tall(PaperName::IsoB4), tall(PaperName::IsoB5), wide(PaperName::IsoB6), tall(PaperName::Italy), // 33
+    tall(PaperName::Monarch), tall(PaperName::Com6), wide(PaperName::FanfoldUs), tall(PaperName::FanfoldGerman), // 37
+    tall(PaperName::FanfoldGermanLegal), tall(PaperName::IsoB4), tall(PaperName::Postcard),
+    tall(PaperName::Inch9x11), // 41
+    tall(PaperName::Inch10x11), wide(PaperName::Inch11x15), tall(PaperName::Invite), std::nullopt, // 45
+    std::nullopt, tall(PaperName::LetterExtra), tall(PaperName::LegalExtra), tall(PaperName::TabloidExtra), // 49
+    tall(PaperName::A4Extra), tall(PaperName::Letter), tall(PaperName::A4), tall(PaperName::LetterExtra), // 53
+    tall(PaperName::SuperA), tall(PaperName::SuperBMetric), tall(PaperName::LetterPlus), tall(PaperName::A4Plus), // 57
+    tall(PaperName::A5), tall(PaperName::JisB5), tall(PaperName::A3Extra), tall(PaperName::A5Extra), // 61
+    tall(PaperName::IsoB5Extra), tall(PaperName::A2), tall(PaperName::A3), tall(PaperName::A3Extra), // 65
+    wide(PaperName::DoublePostcard), tall(PaperName::A6), tall(PaperName::Kaku2), tall(PaperName::Kaku3), // 69
+    tall(PaperName::Chou3), tall(PaperName::Chou4), wide(PaperName::Letter), wide(PaperName::A3), // 73
+    wide(PaperName::A4), wide(PaperName::A5), wide(PaperName::JisB4), wide(PaperName::JisB5), // 77
+    wide(PaperName::Postcard), tall(PaperName::DoublePostcard), wide(PaperName::A6), wide(PaperName::Kaku2), // 81
+    wide(PaperName::Kaku3), wide(PaperName::Chou3), wide(PaperName::Chou4), tall(PaperName::JisB6), // 85
+    wide(PaperName::JisB6), wide(PaperName::Inch11x12), tall(PaperName::You4), wide(PaperName::You4), // 89
+    tall(PaperName::Prc16K), tall(PaperName::Prc32K), tall(PaperName::Prc32K), tall(PaperName::Prc1), // 93
+    tall(PaperName::Prc2), tall(PaperName::IsoB6), tall(PaperName::Prc4), tall(PaperName::DL), // 97
+    tall(PaperName::Prc6), tall(PaperName::Prc7), tall(PaperName::Prc8), tall(PaperName::C4), // 101
+    tall(PaperName::C3), wide(PaperName::Prc16K), wide(PaperName::Prc32K), wide(PaperName::Prc32K), // 105
+    wide(PaperName::Prc1), wide(PaperName::Prc2), wide(PaperName::IsoB6), wide(PaperName::Prc4), // 109
+    wide(PaperName::DL), wide(PaperName::Prc6), wide(PaperName::Prc7), wide(PaperName::Prc8), // 113
+    wide(PaperName::C4), wide(PaperName::C3), // 117
 } };
 
 struct Form {
     const char* name;
-    int paper;
+    PaperName paper;
 };
-constexpr std::array<Form, 8> kForms { { { "Letter", 1 }, { "Legal", 5 }, { "Executive", 7 }, { "A3", 8 }, { "A4", 9 },
-    { "A5", 11 }, { "A6", 70 }, { "Tabloid", 3 } } };
+constexpr std::array<Form, 8> kForms { { { "Letter", PaperName::Letter }, { "Legal", PaperName::Legal },
+    { "Executive", PaperName::Executive }, { "A3", PaperName::A3 }, { "A4", PaperName::A4 }, { "A5", PaperName::A5 },
+    { "A6", PaperName::A6 }, { "Tabloid", PaperName::Ledger } } };
+
+Size sheetOf(PaperName name, bool isWide)
+{
+    const Paper& paper = paperOf(name);
+    const Size size { paper.width.millimetres(), paper.length.millimetres() };
+    return isWide ? Size { size.height, size.width } : size;
+}
 
 /// Where the fields lie: names take two bytes a character, or one in jobs of the oldest systems.
 struct Places {
@@ -118,15 +139,15 @@ Size sheetOfPaperNumber(int number)
 {
     if (number < 1 || number > static_cast<int>(kPapers.size()))
         return {};
-    const PaperSize& size = kPapers[static_cast<std::size_t>(number) - 1];
-    return { size.width, size.length };
+    const PaperNumber& paper = kPapers[static_cast<std::size_t>(number) - 1];
+    return paper ? sheetOf(paper->name, paper->isWide) : Size {};
 }
 
 Size sheetOfForm(const std::string& name)
 {
     for (const Form& form : kForms) {
         if (name == form.name)
-            return sheetOfPaperNumber(form.paper);
+            return sheetOf(form.paper, false);
     }
     return {};
 }
