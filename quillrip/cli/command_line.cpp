@@ -282,14 +282,20 @@ Request parseCommandLine(const std::vector<std::string>& arguments)
                 option = &candidate;
         }
         if (!option)
-            return UsageError { name.empty() || name[0] != '-' ? "unexpected argument '" + name + "'"
-                                                               : "unknown option " + name };
+            return UsageError { name.empty() || name[0] != '-'
+                    ? "unexpected argument '" + name + "': the print job goes behind -i, the image file behind -o"
+                    : "unknown option " + name };
         if (!option->value) {
             option->take(parsed, {});
             continue;
         }
         if (at + 1 == arguments.size())
             return UsageError { name + " needs " + option->wanted };
+        // Of other options the last one counts, so that a script can append to a line; here a file would be lost in
+        // silence.
+        if ((option->take == takeInput && !parsed.input.empty())
+            || (option->take == takeOutput && !parsed.output.empty()))
+            return UsageError { name + " is there twice, and quillrip converts one job at a time" };
         const std::string& value = arguments[++at];
         if (!option->take(parsed, value))
             return UsageError { (name + " needs ").append(option->wanted).append(", not '").append(value).append("'") };

@@ -7,6 +7,7 @@
 #include <cstdio>
 #include <cstring>
 #include <optional>
+#include <string_view>
 
 namespace quillrip::stream {
 
@@ -75,6 +76,7 @@ bool startsWithPclSequence(ByteView bytes)
 struct EscapeCount {
     std::size_t pcl = 0;
     std::size_t foreign = 0; ///< of ESC/P and of receipt printers
+    std::size_t firstForeign = 0; ///< where the first of these is
 };
 
 // Of the sequences that those languages have and PCL has not, the frequent ones. ESC E, ESC 9, ESC Y and the like mean
@@ -96,9 +98,24 @@ EscapeCount countSequences(ByteView bytes)
         if (startsWithUniversalExit(sequence))
             break;
         count.pcl += startsWithPclSequence(sequence);
-        count.foreign += startsWithForeignSequence(sequence);
+        if (startsWithForeignSequence(sequence) && count.foreign++ == 0)
+            count.firstForeign = at;
     }
     return count;
+}
+
+// Whether these bytes can stand before the first command of ESC/P: letters, and controls that move, switch a face or
+// begin a command there. Any noise has an ESC and one of their letters sooner or later, and other controls before that.
+bool canPrecedeForeignSequence(ByteView bytes)
+{
+    constexpr std::string_view kControls = "\a\b\t\n\v\f\r\x0E\x0F\x11\x12\x13\x14\x18\x1B\x1C\x1D";
+    constexpr std::size_t kParameters = 2; // of sequences that are not told apart here
+    std::size_t others = 0;
+    for (std::size_t at = 0; at < bytes.size; ++at) {
+        const std::uint8_t c = bytes[at];
+        others += c == 0x7F || (c < 0x20 && kControls.find(static_cast<char>(c)) == std::string_view::npos);
+    }
+    return others <= kParameters + bytes.size / 50;
 }
 
 // Trailing padding of a whole input says nothing about its text.
@@ -246,7 +263,7 @@ Content recognise(ByteView window, const RecognitionContext& context)
     if (auto name = receiptLanguage(rest))
         return { ContentKind::Foreign, at, std::move(*name) };
     const EscapeCount sequences = countSequences(rest);
-    if (sequences.foreign > sequences.pcl)
+    if (sequences.foreign > sequences.pcl && canPrecedeForeignSequence(rest.sub(0, sequences.firstForeign)))
         return { ContentKind::Foreign, at, "text with the commands of ESC/P or ESC/POS, languages of other printers" };
     const bool isPrintable = isText(context.isWholeInput ? withoutTrailingPadding(rest) : rest);
     if (rest[0] == kEscape && rest.size > 1 && !isPrintable)

@@ -114,6 +114,14 @@ TEST(CommandLine, MissingAndUnknownWordsAreNamed)
     EXPECT_NE(errorOf("-b zebra -o a.png -i b").find("zebra"), std::string::npos);
 }
 
+TEST(CommandLine, SecondJobIsRefusedAndOtherOptionsCountByTheirLast)
+{
+    EXPECT_NE(errorOf("-o a.png -i b -i c").find("-i is there twice"), std::string::npos);
+    EXPECT_NE(errorOf("-o a.png -o c.png -i b").find("-o is there twice"), std::string::npos);
+    EXPECT_NE(errorOf("b.pcl a.png").find("behind -i"), std::string::npos);
+    EXPECT_EQ(optionsOf("-r 300x300 -o a.png -i b -r 150x100").page.resolution.x, 150);
+}
+
 TEST(CommandLine, FaxCodesNeedOneBit)
 {
     for (const char* code : { "4", "5", "6" }) {

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <random>
 #include <string>
 
 namespace quillrip::stream {
@@ -195,6 +196,20 @@ TEST(Content, UnknownDataShowsItsFirstBytes)
     const Content content = at("\x80\x81\x82\0\1\2\3"s);
     EXPECT_EQ(content.kind, ContentKind::Unknown);
     EXPECT_NE(content.name.find("80 81 82 00 01"), std::string::npos);
+}
+
+// Of 3,000 random bytes some are an ESC and a letter that ESC/P knows.
+TEST(Content, NoiseIsNoTextWithCommandsOfOtherPrinters)
+{
+    for (unsigned seed = 1; seed <= 50; ++seed) {
+        std::mt19937 random(seed);
+        std::string noise("\x80\1\2\3"s);
+        while (noise.size() < 3000)
+            noise += static_cast<char>(random());
+        EXPECT_EQ(at(noise).kind, ContentKind::Unknown) << seed << ": " << at(noise).name;
+    }
+    // What these bytes stand in the way of.
+    EXPECT_EQ(at("Dear Sir,\r\n\x0F\x1BW\1thank you\x1BW\0\r\n"s).kind, ContentKind::Foreign);
 }
 
 TEST(Content, UniversalExitInsideBinaryDataIsNotBelieved)
