@@ -3,10 +3,13 @@
 #include "quillrip/emf/machine.h"
 #include "quillrip/fonts/pixels/glyph_cache.h"
 #include "quillrip/fonts/pixels/outline_raster.h"
+#include "quillrip/fonts/shaping/scripts.h"
+#include "quillrip/fonts/shaping/text_shaper.h"
 
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
+#include <string>
 
 namespace quillrip::emf {
 
@@ -20,6 +23,7 @@ enum : std::uint32_t {
     kVerticalMask = 0x18,
     kBottom = 8,
     kBaseline = 0x18,
+    kRightToLeftReading = 0x100,
 };
 
 constexpr double kStockInches = 12.0 / 72;
@@ -41,6 +45,8 @@ public:
     {
         chooseMatrix();
         chooseSize();
+        if (m_dc.justificationCount > 0 && !m_run.hasAdvances)
+            m_extra = double(m_dc.justificationExtra) / m_dc.justificationCount;
         findGlyphs();
     }
 
@@ -124,41 +130,106 @@ private:
 
     void findGlyphs()
     {
-        const double extra = m_dc.justificationCount > 0 && !m_run.hasAdvances
-            ? double(m_dc.justificationExtra) / m_dc.justificationCount
-            : 0;
-        double x = 0;
-        double y = 0;
-        double given = 0;
-        double natural = 0;
-        for (const TextRun::Unit& unit : m_run.units) {
-            const bool isSpace = unit.code == U' ' && (m_run.options & kTextGlyphIndex) == 0;
-            double advance = 0;
-            if (unit.code != 0 || (m_run.options & kTextGlyphIndex) != 0) {
-                const WindowsFont::Glyph glyph = glyphOf(unit.code);
-                m_placed.push_back({ glyph, x, y });
-                advance = glyph.advance * m_stretch * m_em;
-                if (!isSpace) {
-                    natural += advance;
-                    given += unit.dx;
-                }
-            }
-            if (m_run.hasAdvances) {
-                x += unit.hasOwnStep ? std::max(unit.dx, advance) : unit.dx;
-                y -= unit.dy;
-            } else {
-                x += advance + (isSpace ? extra : 0);
-            }
+        if (!placeShaped()) {
+            for (const TextRun::Unit& unit : m_run.units)
+                place(unit);
         }
-        m_width = x;
-        m_drop = y;
         // Letters of a face with other widths are fitted into those that the job gives.
         constexpr double kClose = 0.02;
         constexpr double kNarrowest = 0.7;
         constexpr double kWidest = 1.3;
-        if (m_run.hasAdvances && !m_font.hasTrueWidths() && natural > 0 && given > 0
-            && std::abs(given / natural - 1) > kClose)
-            m_stretch *= std::clamp(given / natural, kNarrowest, kWidest);
+        if (m_run.hasAdvances && !m_font.hasTrueWidths() && m_natural > 0 && m_given > 0
+            && std::abs(m_given / m_natural - 1) > kClose)
+            m_stretch *= std::clamp(m_given / m_natural, kNarrowest, kWidest);
+    }
+
+    /// A character by its own glyph, behind those before it.
+    void place(const TextRun::Unit& unit)
+    {
+        const bool isIndex = (m_run.options & kTextGlyphIndex) != 0;
+        double advance = 0;
+        if (unit.code != 0 || isIndex) {
+            const WindowsFont::Glyph glyph = glyphOf(unit.code);
+            m_placed.push_back({ glyph, m_width, m_drop });
+            advance = glyph.advance;
+        }
+        const bool isSpace = unit.code == U' ' && !isIndex;
+        move(advance, unit.dx, unit.dy, isSpace ? 1 : 0, unit.code != 0 || isIndex);
+    }
+
+    /// The line goes on by what the job gives, or by an advance in em; `spaces` of them are widened to justify the
+    /// line.
+    void move(double advance, double dx, double dy, int spaces, bool hasLetters)
+    {
+        advance *= m_stretch * m_em;
+        if (hasLetters && spaces == 0) {
+            m_natural += advance;
+            m_given += dx;
+        }
+        if (m_run.hasAdvances) {
+            m_width += dx;
+            m_drop -= dy;
+        } else {
+            m_width += advance + m_extra * spaces;
+        }
+    }
+
+    /// Where the string has letters that change places or shapes beside each other. False: each stands for itself.
+    bool placeShaped()
+    {
+        if ((m_run.options & (kTextGlyphIndex | kTextIgnoreLanguage)) != 0 || m_font.isSymbolic())
+            return false;
+        const bool isRightToLeft
+            = (m_run.options & kTextRightToLeft) != 0 || (m_dc.textAlign & kRightToLeftReading) != 0;
+        const auto& units = m_run.units;
+        if (!isRightToLeft
+            && std::none_of(units.begin(), units.end(), [](const auto& unit) { return needsShaping(unit.code); }))
+            return false;
+        std::u32string line;
+        std::vector<std::size_t> places; // of the characters among the units
+        for (std::size_t i = 0; i < units.size(); ++i) {
+            if (units[i].code != 0) {
+                line.push_back(units[i].code);
+                places.push_back(i);
+            }
+        }
+        if (line.empty())
+            return false;
+        places.front() = 0;
+        places.push_back(units.size());
+        m_machine.shaped(line.size());
+        const ShapedLine shaped = shapeLine(line, m_font, isRightToLeft);
+        const auto stepOf = [&](const ShapedCluster& cluster) {
+            Point step;
+            for (std::size_t i = places[cluster.begin]; i < places[cluster.end]; ++i)
+                step = step + Point { units[i].dx, units[i].dy };
+            return step;
+        };
+        // The last character of a string needs no step, and writers do not give a true one: it does not count for the
+        // letters' widths, and moves as the others do where it is read from right to left and comes first on the line.
+        double steps = 0;
+        double advances = 0;
+        const auto isLast = [&](const ShapedCluster& cluster) { return cluster.end == line.size(); };
+        const auto isSpace = [&](const ShapedCluster& cluster) { return line[cluster.begin] == U' '; };
+        for (const ShapedCluster& cluster : shaped.clusters) {
+            if (!isLast(cluster) && !isSpace(cluster)) {
+                steps += stepOf(cluster).x;
+                advances += cluster.advance;
+            }
+        }
+        for (const ShapedCluster& cluster : shaped.clusters) {
+            for (std::size_t i = cluster.firstGlyph; i < cluster.lastGlyph; ++i)
+                m_placed.push_back({ shaped.glyphs[i], m_width, m_drop });
+            Point step = stepOf(cluster);
+            if (isLast(cluster) && cluster.isRightToLeft && advances > 0) {
+                constexpr double kClose = 0.1;
+                const double likely = cluster.advance * steps / advances;
+                if (std::abs(step.x - likely) > kClose * likely)
+                    step.x = likely;
+            }
+            move(cluster.advance, step.x, step.y, isSpace(cluster) ? 1 : 0, !isLast(cluster));
+        }
+        return true;
     }
 
     /// Where the line's first reference point lies, from the record's own: text space.
@@ -194,7 +265,7 @@ private:
         const Matrix shape { m_em * m_stretch, 0, m_em * m_font.slant() * m_stretch, -m_em, 0, 0 };
         const Matrix turned = shape * Matrix { cosine, -sine, sine, cosine, 0, 0 };
         Matrix result = turned * m_toReference;
-        const Point origin = at(placed.x, placed.y);
+        const Point origin = at(placed.x, placed.y) + result.applyVector(placed.glyph.shift);
         result.e = origin.x;
         result.f = origin.y;
         return result;
@@ -283,6 +354,9 @@ private:
     double m_ascent = 0;
     double m_descent = 0;
     double m_stretch = 1; ///< of glyphs along the line
+    double m_extra = 0; ///< that each space gets
+    double m_natural = 0; ///< widths of the letters
+    double m_given = 0; ///< the same as the job has them
     double m_width = 0; ///< of the line
     double m_drop = 0; ///< of its end
     Point m_origin; ///< reference pixels

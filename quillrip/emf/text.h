@@ -18,7 +18,6 @@ struct TextRun {
         char32_t code = 0;
         double dx = 0; ///< logical units along the line
         double dy = 0; ///< logical units upwards, from ETO_PDY
-        bool hasOwnStep = false; ///< moves as far as the character is wide where dx is less
     };
 
     Point reference; ///< logical
@@ -36,6 +35,7 @@ enum TextOption : std::uint32_t {
     kTextOpaque = 0x0002,
     kTextClipped = 0x0004,
     kTextGlyphIndex = 0x0010,
+    kTextRightToLeft = 0x0080,
     kTextNoBox = 0x0100,
     kTextSmallCharacters = 0x0200,
     kTextIgnoreLanguage = 0x1000,
@@ -47,9 +47,5 @@ enum TextOption : std::uint32_t {
 std::vector<TextRun::Unit> unitsOfBytes(ByteView bytes, std::uint8_t charset);
 /// The same of UTF-16: the second half of a pair only moves.
 std::vector<TextRun::Unit> unitsOfUtf16(ByteView bytes);
-
-/// Letters that are written from right to left, put into the order in which they stand on the line, those of Arabic in
-/// the shapes that join them. True when there are some whose shapes are not known.
-bool putInVisualOrder(std::vector<TextRun::Unit>& units);
 
 } // namespace quillrip::emf

@@ -47,12 +47,6 @@ void readAdvances(const Record& record, std::size_t at, TextRun& run)
     }
 }
 
-void order(Machine& machine, TextRun& run)
-{
-    if ((run.options & (kTextGlyphIndex | kTextIgnoreLanguage)) == 0 && putInVisualOrder(run.units))
-        machine.warn("emf.unshaped", "letters that join their neighbours are drawn as they stand alone");
-}
-
 /// A string's fields from `at` on; its offsets count from the record's start.
 void drawString(Machine& machine, const Record& record, std::size_t at, TextCoding coding)
 {
@@ -67,7 +61,6 @@ void drawString(Machine& machine, const Record& record, std::size_t at, TextCodi
         return machine.warn("emf.text", "text that goes beyond its record, left out");
     run.units = readUnits(machine.dc(), bytes, coding, (run.options & kTextGlyphIndex) != 0);
     readAdvances(record, record.u32(at + 36), run);
-    order(machine, run);
     drawText(machine, run);
 }
 
@@ -120,7 +113,6 @@ void smallTextOut(Machine& machine, const Record& record)
     } else {
         run.units = readUnits(machine.dc(), bytes, TextCoding::Utf16, (run.options & kTextGlyphIndex) != 0);
     }
-    order(machine, run);
     drawText(machine, run);
 }
 

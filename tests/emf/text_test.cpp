@@ -191,41 +191,43 @@ TEST(EmfText, CodePagesOfBytes)
     EXPECT_EQ(pairs[2].code, U'x');
 }
 
-std::u32string inVisualOrder(const std::u32string& text, bool expectsUnknown = false)
-{
-    std::vector<emf::TextRun::Unit> units;
-    for (const char32_t c : text)
-        units.push_back({ c, 0, 0 });
-    EXPECT_EQ(emf::putInVisualOrder(units), expectsUnknown);
-    std::u32string result;
-    for (const emf::TextRun::Unit& unit : units)
-        result += unit.code;
-    return result;
-}
+/// As it would be drawn glyph by glyph.
+constexpr std::int64_t kAsItIs = 0x1000;
 
 TEST(EmfText, HebrewRunsAreTurnedRound)
 {
-    EXPECT_EQ(inVisualOrder(U"a\u05D0\u05D1b"), U"a\u05D1\u05D0b");
-    EXPECT_EQ(inVisualOrder(U"\u05D0, \u05D1"), U"\u05D1 ,\u05D0");
-}
-
-TEST(EmfText, NumbersWithinARunAreReadFromLeftToRight)
-{
-    EXPECT_EQ(inVisualOrder(U"\u05D0 12.5 \u05D1"), U"\u05D1 12.5 \u05D0");
-    EXPECT_EQ(inVisualOrder(U"\u0627 \u0661\u0662 \u062F"), U"\uFEA9 \u0661\u0662 \uFE8D");
-    EXPECT_EQ(inVisualOrder(U"\u05D0 12"), U"\u05D0 12"); // behind the run
+    EXPECT_EQ(play(arial(-100) + text(500, 500, u"a\u05D0\u05D1b", { 56, 60, 50, 56 })).ink(),
+        play(arial(-100) + text(500, 500, u"a\u05D1\u05D0b", { 56, 50, 60, 56 }, kAsItIs)).ink());
 }
 
 TEST(EmfText, ArabicLettersTakeTheShapesThatJoinThem)
 {
-    // Salam: initial seen, medial lam with its alef in one, isolated meem; and beh in all four shapes.
-    EXPECT_EQ(inVisualOrder(U"\u0633\u0644\u0627\u0645"), std::u32string({ 0xFEE1, 0xFEFC, 0, 0xFEB3 }));
-    EXPECT_EQ(inVisualOrder(U"\u0628\u0628\u0628"), U"\uFE90\uFE92\uFE91");
-    EXPECT_EQ(inVisualOrder(U"\u0628"), U"\uFE8F");
-    EXPECT_EQ(inVisualOrder(U"\u062F\u0628"), U"\uFE8F\uFEA9"); // dal reaches back only
-    EXPECT_EQ(inVisualOrder(U"\u0628\u064E\u0628"), U"\uFE90\u064E\uFE91"); // over a vowel
-    EXPECT_EQ(inVisualOrder(U"\u0628 \u0628"), U"\uFE8F \uFE8F");
-    inVisualOrder(U"\u0679", true); // of Urdu
+    const auto pixelsOf
+        = [](const std::u16string& string, std::initializer_list<std::int64_t> advances, std::int64_t options) {
+              const Played played = play(arial(-100, 0, 0, u"DejaVu Sans") + text(500, 500, string, advances, options));
+              return played.ink() + " " + std::to_string(played.inkCount());
+          };
+    // Salam: initial seen, medial lam with its alef in one, isolated meem.
+    EXPECT_EQ(pixelsOf(u"\u0633\u0644\u0627\u0645", { 80, 30, 30, 62 }, 0),
+        pixelsOf(u"\uFEE1\uFEFC\uFEB3", { 62, 60, 80 }, kAsItIs));
+}
+
+TEST(EmfText, MarksMoveWithTheirLetter)
+{
+    // The steps of a letter and of the mark over it are one.
+    const auto inkOf = [](std::initializer_list<std::int64_t> advances) {
+        return play(arial(-100) + text(500, 500, u"f\u0301H", advances)).ink();
+    };
+    EXPECT_EQ(inkOf({ 200, 0, 72 }), inkOf({ 80, 120, 72 }));
+    EXPECT_NE(inkOf({ 200, 0, 72 }), inkOf({ 80, 0, 72 }));
+}
+
+TEST(EmfText, TheLinesDirectionMovesPunctuation)
+{
+    const Bytes string = text(500, 500, u"\u05D0.", { 60, 28 });
+    const Bytes turned = text(500, 500, u"\u05D0.", { 60, 28 }, 0x80);
+    EXPECT_EQ(play(arial(-100) + record(0x16, { 0x118 }) + string).ink(), play(arial(-100) + turned).ink());
+    EXPECT_NE(play(arial(-100) + string).ink(), play(arial(-100) + turned).ink());
 }
 
 TEST(EmfText, TheLastLetterOfATurnedRunHasRoom)

@@ -1,6 +1,7 @@
 #include "quillrip/fonts/faces/file_face.h"
 
 #include "quillrip/fonts/pixels/outline_raster.h"
+#include "quillrip/fonts/shaping/face_shaper.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -34,6 +35,15 @@ FileFace::FileFace(const FontFile& file)
     m_traits.isBoundToSet = false;
     m_traits.name = file.traits().family;
     m_traits.spaceAdvance = file.advance(file.glyphOfUnicode(U' '));
+}
+
+FileFace::~FileFace() = default;
+
+FaceShaper& FileFace::shaper() const
+{
+    if (!m_shaper)
+        m_shaper = std::make_unique<FaceShaper>(*this);
+    return *m_shaper;
 }
 
 GlyphId FileFace::glyph(std::uint32_t code) const

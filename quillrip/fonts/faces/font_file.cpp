@@ -230,6 +230,31 @@ bool FontFile::outline(unsigned glyph, Path& path) const
     return appendSlotOutline(m_face, 1.0 / m_face->units_per_EM, path);
 }
 
+Rect FontFile::extent(unsigned glyph) const
+{
+    if (FT_Load_Glyph(m_face, glyph, FT_LOAD_NO_SCALE) != 0)
+        return {};
+    const double em = m_face->units_per_EM;
+    const FT_Glyph_Metrics& box = m_face->glyph->metrics;
+    const double left = static_cast<double>(box.horiBearingX) / em;
+    const double high = static_cast<double>(box.horiBearingY) / em;
+    return { left, high - static_cast<double>(box.height) / em, left + static_cast<double>(box.width) / em, high };
+}
+
+unsigned FontFile::unitsPerEm() const { return m_face->units_per_EM; }
+
+std::vector<std::uint8_t> FontFile::table(std::uint32_t tag) const
+{
+    constexpr FT_ULong kLargest = FT_ULong { 8 } << 20;
+    FT_ULong size = 0;
+    if (FT_Load_Sfnt_Table(m_face, tag, 0, nullptr, &size) != 0 || size == 0 || size > kLargest)
+        return {};
+    std::vector<std::uint8_t> bytes(size);
+    if (FT_Load_Sfnt_Table(m_face, tag, 0, bytes.data(), &size) != 0)
+        return {};
+    return bytes;
+}
+
 std::vector<std::string> fontFolders()
 {
     std::vector<std::string> folders = searchFolders();

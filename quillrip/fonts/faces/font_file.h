@@ -1,5 +1,6 @@
 #pragma once
 
+#include "quillrip/base/geometry.h"
 #include "quillrip/fonts/faces/typeface.h"
 #include "quillrip/raster/paths/path.h"
 
@@ -54,6 +55,12 @@ public:
     double advance(unsigned glyph) const;
     /// Unhinted, y up. False when the glyph is blank or broken.
     bool outline(unsigned glyph, Path& path) const;
+    /// The box around the glyph, y up: its `bottom` is the upper side. Empty for blank ones.
+    Rect extent(unsigned glyph) const;
+    unsigned unitsPerEm() const;
+    /// A table of an OpenType or TrueType file by its tag as four bytes ('GPOS' begins with G in the highest); empty
+    /// when there is none, or one that is larger than those of any honest font.
+    std::vector<std::uint8_t> table(std::uint32_t tag) const;
 
 private:
     friend class FontFiles;

@@ -87,6 +87,47 @@ const WindowsFaceSpec s_faces[] {
     { "simsun", kHan, false, kUnknown, 1, 220 / 256.0, 36 / 256.0, false },
 };
 
+/// Fonts for the blocks of Unicode that a script has. Those of the Lohit family are the project's own choice; the
+/// others are used where a machine has them.
+struct ScriptFonts {
+    char32_t first;
+    char32_t last;
+    std::array<const char*, 3> files;
+};
+
+constexpr ScriptFonts s_scriptFonts[] {
+    { 0x0590, 0x05FF, { "NotoSansHebrew-Regular" } },
+    { 0x0600, 0x06FF, { "NotoSansArabic-Regular", "NotoNaskhArabic-Regular" } },
+    { 0x0700, 0x074F, { "NotoSansSyriac-Regular", "NotoSansSyriacEastern-Regular" } },
+    { 0x0750, 0x077F, { "NotoSansArabic-Regular", "NotoNaskhArabic-Regular" } },
+    { 0x0780, 0x07BF, { "NotoSansThaana-Regular" } },
+    { 0x07C0, 0x07FF, { "NotoSansNKo-Regular" } },
+    { 0x08A0, 0x08FF, { "NotoSansArabic-Regular", "NotoNaskhArabic-Regular" } },
+    { 0x0900, 0x097F, { "Lohit-Devanagari", "NotoSansDevanagari-Regular" } },
+    { 0x0980, 0x09FF, { "Lohit-Bengali", "NotoSansBengali-Regular" } },
+    { 0x0A00, 0x0A7F, { "Lohit-Gurmukhi", "NotoSansGurmukhi-Regular" } },
+    { 0x0A80, 0x0AFF, { "Lohit-Gujarati", "NotoSansGujarati-Regular" } },
+    { 0x0B00, 0x0B7F, { "Lohit-Odia", "NotoSansOriya-Regular" } },
+    { 0x0B80, 0x0BFF, { "Lohit-Tamil", "NotoSansTamil-Regular" } },
+    { 0x0C00, 0x0C7F, { "Lohit-Telugu", "NotoSansTelugu-Regular" } },
+    { 0x0C80, 0x0CFF, { "Lohit-Kannada", "NotoSansKannada-Regular" } },
+    { 0x0D00, 0x0D7F, { "Lohit-Malayalam", "NotoSansMalayalam-Regular" } },
+    { 0x0D80, 0x0DFF, { "NotoSansSinhala-Regular", "lklug" } },
+    { 0x0E00, 0x0E7F, { "NotoSansThai-Regular" } },
+    { 0x0E80, 0x0EFF, { "NotoSansLao-Regular", "Phetsarath_OT" } },
+    { 0x0F00, 0x0FFF, { "NotoSerifTibetan-Regular", "NotoSansTibetan-Regular" } },
+    { 0x1000, 0x109F, { "NotoSansMyanmar-Regular", "Padauk-Regular" } },
+    { 0x10A0, 0x10FF, { "NotoSansGeorgian-Regular" } },
+    { 0x1200, 0x139F, { "NotoSansEthiopic-Regular" } },
+    { 0x13A0, 0x13FF, { "NotoSansCherokee-Regular" } },
+    { 0x1400, 0x167F, { "NotoSansCanadianAboriginal-Regular" } },
+    { 0x1780, 0x17FF, { "NotoSansKhmer-Regular", "KhmerOS" } },
+    { 0x1800, 0x18AF, { "NotoSansMongolian-Regular" } },
+    { 0x19E0, 0x19FF, { "NotoSansKhmer-Regular", "KhmerOS" } },
+    { 0xA8E0, 0xA8FF, { "Lohit-Devanagari", "NotoSansDevanagari-Regular" } },
+    { 0xAA60, 0xAA7F, { "NotoSansMyanmar-Regular", "Padauk-Regular" } },
+};
+
 const WindowsFaceSpec s_sans { "sans", kSans, false, kUnknown, 1, 0, 0, false };
 const WindowsFaceSpec s_serif { "serif", kSerif, false, kUnknown, 1, 0, 0, false };
 const WindowsFaceSpec s_mono { "mono", kMono, false, kUnknown, 1, 0, 0, false };
@@ -98,6 +139,13 @@ const WindowsFaceSpec s_han { "han", kHan, false, kUnknown, 1, 0, 0, false };
 
 const std::array<const char*, 6> kHelpingFonts { "LiberationSans-Regular", "DejaVuSans", "Symbola_hint", "Waree",
     "DroidSansFallbackFull", "StandardSymbolsPS" };
+
+std::array<const char*, 3> scriptFontsOf(char32_t character)
+{
+    const auto found = std::find_if(std::begin(s_scriptFonts), std::end(s_scriptFonts),
+        [character](const ScriptFonts& fonts) { return character >= fonts.first && character <= fonts.last; });
+    return found == std::end(s_scriptFonts) ? std::array<const char*, 3> {} : found->files;
+}
 
 std::string lowerCase(std::string text)
 {

@@ -35,6 +35,10 @@ const WindowsFaceSpec& windowsFaceByTraits(std::uint8_t charset, std::uint8_t pi
 /// Stems of fonts that are asked for characters which a face lacks, in this order.
 extern const std::array<const char*, 6> kHelpingFonts;
 
+/// Stems of fonts for the script that a character belongs to and that no helping font has, in this order; null ones
+/// behind the last.
+std::array<const char*, 3> scriptFontsOf(char32_t character);
+
 /// ASCII letters only.
 std::string lowerCase(std::string text);
 

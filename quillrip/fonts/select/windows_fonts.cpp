@@ -3,10 +3,11 @@
 #include "quillrip/fonts/faces/file_face.h"
 #include "quillrip/fonts/faces/look_alikes.h"
 #include "quillrip/fonts/select/symbol_set.h"
+#include "quillrip/fonts/select/windows_face_shelf.h"
 #include "quillrip/fonts/select/windows_faces.h"
+#include "quillrip/fonts/shaping/scripts.h"
 
 #include <algorithm>
-#include <map>
 
 namespace quillrip {
 
@@ -52,18 +53,6 @@ public:
     {
     }
 
-    std::shared_ptr<const FileFace> face(const char* stem)
-    {
-        if (!stem)
-            return nullptr;
-        auto& known = faces[stem];
-        if (!known) {
-            if (const FontFile* const file = files.open(stem))
-                known = std::make_shared<FileFace>(*file);
-        }
-        return known;
-    }
-
     struct Embedded {
         std::uint32_t checksum = 0;
         std::string family; ///< lower case
@@ -94,8 +83,7 @@ public:
         return best;
     }
 
-    FontFiles files;
-    std::map<std::string, std::shared_ptr<const FileFace>> faces;
+    WindowsFaceShelf shelf;
     std::vector<Embedded> embedded;
     std::size_t mostBytes;
     std::size_t bytes = 0;
@@ -133,15 +121,14 @@ bool WindowsFonts::embed(ByteView file, const Reporter& reporter)
         reporter.warn("font.embedded-limit", "more embedded fonts than may be kept, the last are left out");
         return false;
     }
-    const FontFile* const opened = own.files.openBytes({ file.begin(), file.end() });
+    const auto opened = own.shelf.add({ file.begin(), file.end() });
     if (!opened) {
         reporter.warn("font.embedded", "embedded font that cannot be opened, left out");
         return false;
     }
     own.bytes += file.size;
-    const FontFileTraits traits = opened->traits();
-    own.embedded.push_back(
-        { checksum, lowerCase(traits.family), traits.isBold, traits.isItalic, std::make_shared<FileFace>(*opened) });
+    const FontFileTraits traits = opened->file().traits();
+    own.embedded.push_back({ checksum, lowerCase(traits.family), traits.isBold, traits.isItalic, opened });
     return true;
 }
 
@@ -169,19 +156,19 @@ WindowsFont WindowsFonts::select(const WindowsFontRequest& asked, const Reporter
         if (!spec)
             spec = &windowsFaceByTraits(request.charset, request.pitchAndFamily);
         const std::size_t wanted = (wantsBold ? 1u : 0u) + (request.isItalic ? 2u : 0u);
-        face = own.face(spec->files[wanted]);
+        face = own.shelf.face(spec->files[wanted]);
         isBold = face && wantsBold;
         isItalic = face && request.isItalic;
         if (!face && wanted == 3) {
-            face = own.face(spec->files[1]);
+            face = own.shelf.face(spec->files[1]);
             isBold = face != nullptr;
         }
         if (!face && wanted == 3) {
-            face = own.face(spec->files[2]);
+            face = own.shelf.face(spec->files[2]);
             isItalic = face != nullptr;
         }
         if (!face)
-            face = own.face(spec->files[0]);
+            face = own.shelf.face(spec->files[0]);
         font.m_hasTrueWidths = spec->hasTrueWidths;
         font.m_isSymbolic = spec->isSymbolic;
         font.m_stretch = spec->stretch;
@@ -189,23 +176,14 @@ WindowsFont WindowsFonts::select(const WindowsFontRequest& asked, const Reporter
             : spec->order == GlyphOrder::Classic         ? WindowsFont::Indices::Classic
                                                          : WindowsFont::Indices::Unknown;
     }
-    for (const char* const stem : kHelpingFonts) {
-        const auto helper = own.face(stem);
-        if (helper && helper != face)
-            font.m_helpers.push_back(helper);
-    }
-    for (const auto& embedded : own.embedded) {
-        if (embedded.face != face)
-            font.m_helpers.push_back(embedded.face);
-    }
-    if (!face && !font.m_helpers.empty()) {
-        face = std::static_pointer_cast<const FileFace>(font.m_helpers.front());
+    font.m_shelf = &own.shelf;
+    if (!face) {
+        face = own.shelf.anyFace();
         font.m_hasTrueWidths = false;
         font.m_indices = WindowsFont::Indices::Unknown;
     }
     if (!face) {
         reporter.warn("font.none", "no font file is found; text is left out");
-        font.m_indices = WindowsFont::Indices::Unknown;
         return font;
     }
     font.m_face = face;
@@ -241,13 +219,28 @@ WindowsFont::Glyph WindowsFont::glyphOfCharacter(char32_t character) const
     if (const GlyphId id = m_face->glyph(character); id != kNoGlyph)
         return made(*m_face, id);
     for (const char32_t wanted : { character, lookAlike(character) }) {
-        for (const auto& helper : m_helpers) {
-            const GlyphId id = wanted == 0 ? kNoGlyph : helper->glyph(wanted);
-            if (id != kNoGlyph)
-                return made(*helper, id);
-        }
+        const auto has = [wanted](const FileFace& face) { return face.glyph(wanted) != kNoGlyph; };
+        if (const FileFace* const helping = wanted == 0 ? nullptr : m_shelf->findHelping(wanted, has))
+            return made(*helping, helping->glyph(wanted));
     }
     return { nullptr, kNoGlyph, m_face->advance(kNoGlyph) };
+}
+
+const FileFace* WindowsFont::faceWithAll(const std::u32string& text, std::size_t begin, std::size_t end) const
+{
+    if (!m_face || begin >= end)
+        return nullptr;
+    const auto hasAll = [&](const FileFace& face) {
+        const auto has = [&](char32_t character) { return face.glyph(character) != kNoGlyph; };
+        for (std::size_t i = begin; i < end; ++i) {
+            // A letter and its mark may be one glyph.
+            if (!isInvisible(text[i]) && !has(text[i]) && !(i > begin && has(composed(text[i - 1], text[i]))))
+                return false;
+        }
+        return true;
+    };
+    const auto& own = static_cast<const FileFace&>(*m_face);
+    return hasAll(own) ? &own : m_shelf->findHelping(text[begin], hasAll);
 }
 
 WindowsFont::Glyph WindowsFont::glyphOfIndex(std::uint32_t index) const

@@ -13,6 +13,9 @@
 
 namespace quillrip {
 
+class FileFace;
+class WindowsFaceShelf;
+
 /// A font as a Windows program asks for it: the fields of a LOGFONT that choose the face.
 struct WindowsFontRequest {
     std::string face; ///< family name, UTF-8; an `@` in front asks for vertical writing
@@ -46,10 +49,14 @@ public:
         const Typeface* face = nullptr; ///< null: nothing to draw
         GlyphId id = kNoGlyph;
         double advance = 0; ///< em
+        Point shift {}; ///< em, y up: of a mark, from where the line has come to
     };
 
     /// The glyph of a character; the advance is told even where no face has it.
     Glyph glyphOfCharacter(char32_t character) const;
+    /// The first of the faces, the font's own and those that stand in, that has all characters of a part of a text, so
+    /// that they can be shaped together; null when none has.
+    const FileFace* faceWithAll(const std::u32string& text, std::size_t begin, std::size_t end) const;
     /// The glyph that has a number in the face asked for. Where a substitute stands in, numbers of the classic faces
     /// are known for the characters of their common order; other numbers give no glyph.
     Glyph glyphOfIndex(std::uint32_t index) const;
@@ -79,7 +86,7 @@ private:
     enum class Indices { Own, Classic, Unknown };
 
     std::shared_ptr<const Typeface> m_face;
-    std::vector<std::shared_ptr<const Typeface>> m_helpers; ///< asked in turn for characters that the face lacks
+    WindowsFaceShelf* m_shelf = nullptr; ///< whose other faces are asked for characters that the face lacks
     WindowsFontMetrics m_metrics;
     Indices m_indices = Indices::Own;
     bool m_isSymbolic = false;
