@@ -16,6 +16,7 @@ const std::vector<CommandEntry>& commandTable()
     constexpr DataRule kNone = DataRule::None;
     constexpr DataRule kBytes = DataRule::Bytes;
     constexpr RasterRule kEnds = RasterRule::Ends;
+    constexpr RasterRule kEndsOrMoves = RasterRule::EndsOrMoves;
     constexpr RasterRule kWithin = RasterRule::Within;
     constexpr RasterRule kWaits = RasterRule::Waits;
     constexpr RasterRule kBefore = RasterRule::BeforeRows;
@@ -138,7 +139,7 @@ const std::vector<CommandEntry>& commandTable()
         { '*', 'p', 'P', &pushOrPopPalette, "push or pop palette", kNone, kEnds },
         { '*', 'p', 'R', &setPatternReference, "pattern reference point", kNone, kEnds },
         { '*', 'p', 'X', &moveHorizontalUnits, "horizontal position in PCL units", kNone, kEnds },
-        { '*', 'p', 'Y', &moveVerticalUnits, "vertical position in PCL units", kNone, kEnds },
+        { '*', 'p', 'Y', &moveVerticalUnits, "vertical position in PCL units", kNone, kEndsOrMoves },
         { '*', 'r', 'A', &startRaster, "start raster graphics", kNone, kWaits },
         { '*', 'r', 'B', &endRaster, "end raster graphics", kNone, kEnds },
         { '*', 'r', 'C', &endRaster, "end raster graphics", kNone, kEnds },

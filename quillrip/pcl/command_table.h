@@ -28,6 +28,7 @@ enum class DataRule : std::uint8_t {
 
 enum class RasterRule : std::uint8_t {
     Ends, ///< ends a raster in progress
+    EndsOrMoves, ///< ends it; but an ink-jet's goes on from where the cursor then is
     Within, ///< part of it
     Waits, ///< without effect while it lasts
     BeforeRows, ///< obeyed up to the raster's first row, without effect from then on

@@ -142,7 +142,9 @@ void CurrentRaster::ensureOpen()
         return;
     prepareSheet();
     m_isScaled = false;
+    RasterLayout::Planes seeds = std::move(m_interrupted);
     begin();
+    m_session->takeSeeds(std::move(seeds));
 }
 
 void CurrentRaster::settingsChanged()
@@ -155,6 +157,7 @@ void CurrentRaster::settingsChanged()
 void CurrentRaster::begin()
 {
     m_rowsSkipped = 0;
+    m_interrupted.clear();
     const RasterSettings& settings = m_state.raster;
     const LogicalPage& page = m_state.page;
     RasterSession::Setup setup;
@@ -217,10 +220,24 @@ void CurrentRaster::begin()
 
 void CurrentRaster::finish()
 {
+    m_interrupted.clear();
+    if (m_session)
+        close(m_session->finish());
+}
+
+void CurrentRaster::interrupt()
+{
     if (!m_session)
         return;
+    m_interrupted = m_session->seeds();
+    close(m_session->interrupt());
+}
+
+// `end` counts in the raster's axes.
+void CurrentRaster::close(Position end)
+{
     const LogicalPage& page = m_state.page;
-    const Position place = page.toOrientation(m_session->finish(), m_session->direction());
+    const Position place = page.toOrientation(end, m_session->direction());
     if (m_session->hasRows())
         m_visit.covered(m_session->area());
     m_session.reset();

@@ -42,6 +42,9 @@ public:
     void settingsChanged();
     /// Leaves the cursor below it.
     void finish();
+    /// The cursor moves, and the raster goes on from there: the next row still builds on the one before. Ink-jet
+    /// drivers place every row by a command of its own.
+    void interrupt();
 
     void skipRows(int rows);
     void transferPlane(ByteView data);
@@ -57,6 +60,7 @@ private:
     InternalUnits declaredWidth() const;
     void begin();
     void ensureOpen();
+    void close(Position end);
     int rowDirection() const;
     void report(RasterSession::Outcome outcome);
 
@@ -69,6 +73,7 @@ private:
     ErrorState& m_errors;
     WorkMeter& m_work;
     std::unique_ptr<RasterSession> m_session;
+    RasterLayout::Planes m_interrupted; ///< seed rows of a raster that goes on elsewhere; else empty
     bool m_isScaled = false;
     int m_rowsSkipped = 0; ///< before the first row
 };

@@ -292,7 +292,11 @@ void Machine::execute(Tokenizer& tokenizer, const Token& token)
     if (isObeyed && !isHeldBack(entry->raster)) {
         const bool isSetting = entry->raster == RasterRule::BeforeRows
             || (entry->raster == RasterRule::BeforeRowsOrEnds && !raster().hasData());
-        if (entry->raster == RasterRule::Ends || (entry->raster == RasterRule::BeforeRowsOrEnds && !isSetting))
+        const bool isMove = entry->raster == RasterRule::EndsOrMoves;
+        if (isMove && m_environment.family != PrinterFamily::Laser)
+            raster().interrupt();
+        else if (isMove || entry->raster == RasterRule::Ends
+            || (entry->raster == RasterRule::BeforeRowsOrEnds && !isSetting))
             raster().finish();
         entry->handler(*this, { token.value, m_data, token.prefix, token.terminator });
         if (isSetting && raster().isOpen())

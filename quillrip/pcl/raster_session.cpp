@@ -196,6 +196,22 @@ void RasterSession::skipRows(int count)
     m_row += count;
 }
 
+void RasterSession::takeSeeds(RasterLayout::Planes seeds)
+{
+    const bool fits = std::equal(seeds.begin(), seeds.end(), m_planes.begin(), m_planes.end(),
+        [](const std::vector<std::uint8_t>& a, const std::vector<std::uint8_t>& b) { return a.size() == b.size(); });
+    if (!fits)
+        return;
+    m_planes = std::move(seeds);
+    m_seedsAreFresh = false;
+}
+
+Position RasterSession::interrupt()
+{
+    stopImage();
+    return cursor();
+}
+
 Position RasterSession::finish()
 {
     if (m_nextTransfer > 0) {

@@ -49,6 +49,12 @@ public:
     Outcome transferRow(ByteView data, int method);
     /// ESC*b#Y. The seed rows become zero, even when no row is skipped.
     void skipRows(int count);
+    /// Of all planes, as they are after the last row; empty while they are as at a raster's start.
+    RasterLayout::Planes seeds() const { return m_seedsAreFresh ? RasterLayout::Planes {} : m_planes; }
+    /// Goes on with another raster's seed rows, where they have the same planes. Before the first row.
+    void takeSeeds(RasterLayout::Planes seeds);
+    /// Lets go of the painter. Returns where the cursor then is, in the raster's axes.
+    Position interrupt();
     /// Pads a declared area and lets go of the painter. Returns where the cursor then is, in the raster's axes.
     Position finish();
 

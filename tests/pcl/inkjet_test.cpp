@@ -108,6 +108,26 @@ TEST(PclInkjet, PlanesLeftOutOfARowAreEmptyTransfers)
     EXPECT_EQ(printed.color(76, 1), cyan);
 }
 
+TEST(PclInkjet, SeedRowsOutlastMovesOfTheCursor)
+{
+    const auto at = [](int y) { return e("*p" + std::to_string(y) + "Y"); };
+    const std::string start = e("E") + e("&u300D") + e("*t300R") + e("*r8S") + at(0) + e("*r1A") + e("*b3M");
+    const std::string moved = start + row({ 0x00, 0xF0 }) + at(1) + e("*b0W") + at(5) + e("*b0W");
+    const Printed printed = printRaster(moved);
+    const int top = printed.ink().top;
+    for (const int y : { 0, 1, 5 }) {
+        EXPECT_TRUE(printed.isBlack(printed.ink().left, top + y)) << y;
+        EXPECT_FALSE(printed.isBlack(printed.ink().left + 4, top + y)) << y;
+    }
+    EXPECT_FALSE(printed.isBlack(printed.ink().left, top + 2));
+    // They are zero behind a row offset, a raster's end and on lasers.
+    EXPECT_EQ(printRaster(start + row({ 0x00, 0xF0 }) + e("*b0Y") + at(1) + e("*b0W")).ink().bottom, top + 1);
+    EXPECT_EQ(
+        printRaster(start + row({ 0x00, 0xF0 }) + e("*rC") + e("*r1A") + at(1) + e("*b0W")).ink().bottom, top + 1);
+    const Printed laser = print(moved);
+    EXPECT_EQ(laser.ink().bottom, laser.ink().top + 1);
+}
+
 TEST(PclInkjet, SheetsOfTheirOwnNumbers)
 {
     expectSheet(print(e("&l122A") + kDot), 5, 7); // a number that lasers do not have
