@@ -93,6 +93,9 @@ Status readStrip(Machine& machine, VendorChunk kind, EmbeddedData& chunk)
     }
     VendorImage& vendor = *machine.vendorImage();
     const BlockLayout& layout = vendor.image.source().layout;
+    // Drivers end some images with a strip of blank paper below them.
+    if (static_cast<std::uint32_t>(std::max(0, machine.operands().integer(Attribute::StartLine))) == layout.height)
+        return {};
     RowSpan rows;
     const Status status = readRowSpan(machine.operands(), layout, rows);
     if (!status.isOk() || rows.count == 0)

@@ -65,7 +65,10 @@ bool startsWithPclSequence(ByteView bytes)
     EscapeReader reader(bytes.sub(0, kEnough));
     if (!reader.open())
         return false;
-    while (reader.next()) {
+    while (const auto parameter = reader.next()) {
+        // Only changes of language begin so; other printers have commands of their own here.
+        if (parameter->prefix == '%' && std::strchr("ABX", parameter->letter) == nullptr)
+            return false;
         if (!reader.isOpen())
             return true;
     }
@@ -83,6 +86,8 @@ struct EscapeCount {
 // something in both.
 bool startsWithForeignSequence(ByteView bytes)
 {
+    if (bytes.size > 2 && bytes[1] == '%')
+        return bytes[2] > ' ' && bytes[2] < 0x7F && !startsWithPclSequence(bytes);
     return bytes.size > 1 && std::strchr("@!-GFHJKLMNOPQRSTUVWadgijklmprstvx0123467", bytes[1]) != nullptr
         && bytes[1] != 0 && !startsWithPclSequence(bytes);
 }
@@ -142,7 +147,8 @@ bool isText(ByteView bytes)
             break;
         const bool movesPaper = c == '\t' || c == '\n' || c == '\f' || c == '\r';
         const bool isOverstrike = c == '\b' && at > 0 && bytes[at - 1] >= ' ';
-        const bool shiftsFont = c == 0x0E || c == 0x0F;
+        const auto isShift = [](std::uint8_t byte) { return byte == 0x0E || byte == 0x0F; };
+        const bool shiftsFont = isShift(c) && !(at > 0 && isShift(bytes[at - 1]));
         // Terminals' colours come out as odd letters, on printers too.
         const bool isSequence = c == kEscape && (startsWithPclSequence(rest) || hasAt(rest, 1, "["));
         const bool isLetter = c >= 0x20 && c != 0x7F;

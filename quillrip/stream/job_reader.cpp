@@ -80,11 +80,17 @@ bool isLanguage(ContentKind kind)
         || kind == ContentKind::Xps;
 }
 
-// An old writer's lines end with CR alone: that is believed when a new line or a Universal Exit follows.
+bool entersLanguage(const std::string& line) { return parsePjlLine(line).command == "ENTER"; }
+
+// An old writer's lines end with CR alone: that is believed when a new line or a Universal Exit follows. Some drivers
+// forget the end of the line that enters a language: there it ends with the language's first command.
 std::optional<std::string> takeLine(InputStream& input)
 {
     std::string line;
     for (;;) {
+        if (input.peek() == kEscape
+            && (startsWithUniversalExit(input.window(kUniversalExitLength)) || entersLanguage(line)))
+            break;
         const int c = input.get();
         if (c < 0 || c == '\n')
             break;
@@ -347,8 +353,16 @@ std::optional<Part> JobReader::enterLanguage(std::string name)
             obey(*line, lineOffset);
         content = look(true);
     }
-    const auto entry = std::find_if(
-        s_languages.begin(), s_languages.end(), [&](const LanguageName& language) { return name == language.name; });
+    const auto find = [&name] {
+        return std::find_if(s_languages.begin(), s_languages.end(),
+            [&name](const LanguageName& language) { return name == language.name; });
+    };
+    auto entry = find();
+    // Makers name their dialects of PCL (PCL600, PCLSLEEK). What begins like PCL is drawn as that.
+    if (entry == s_languages.end() && name.compare(0, 3, "PCL") == 0 && content.kind == ContentKind::Pcl) {
+        name = "PCL";
+        entry = find();
+    }
     if (content.kind == ContentKind::Nothing || content.kind == ContentKind::Pjl) {
         m_isReadingPjl = content.kind == ContentKind::Pjl;
         m_input.skip(content.padding);

@@ -45,10 +45,14 @@ const std::array s_marks {
     mark(0, "OAKT", "OAKT, a host-based raster"),
     mark(0, "\xA5SLX", "SLX, a host-based raster"),
     mark(0, "$\0\x10\0", "LIDIL, a host-based raster"),
+    mark(0, "$\1\0\0\7\0", "LIDIL, a host-based raster"),
+    mark(0, "\x1B%-98765X", "a host-based raster of dot-matrix and LED printers"),
+    mark(0, "@document(", "imPRESS, a printer language"),
     mark(0, "\xCD\xCA", "CPCA, a host-based printer language"),
     mark(0, "@EJL", "EJL, the job language of ESC/P and ESC/Page printers"),
     mark(0, "=UDK=", "XES, a printer language"),
     mark(0, "=XES", "XES, a printer language"),
+    mark(0, "\x1B+X\n", "XES, a printer language"),
     mark(3, "\xD3\xA8\xA8", "AFP (MO:DCA), a printer language"),
     mark(0, "\xD7\xCD\xC6\x9A", "a Windows metafile (WMF)"),
     mark(0, "PK\3\4", "a ZIP archive or an office document"),
@@ -284,6 +288,17 @@ std::optional<std::string> pclLookAlike(ByteView bytes)
     return std::nullopt;
 }
 
+// A device control string of numbers that ends with q.
+bool isSixelString(ByteView bytes)
+{
+    if (!hasAt(bytes, 1, "P"))
+        return false;
+    std::size_t at = 2;
+    while (at < bytes.size && (isDigit(bytes[at]) || bytes[at] == ';'))
+        ++at;
+    return hasAt(bytes, at, "q");
+}
+
 std::optional<std::string> foreignEscapeLanguage(ByteView bytes)
 {
     if (bytes.size < 2 || bytes[0] != 0x1B)
@@ -298,6 +313,8 @@ std::optional<std::string> foreignEscapeLanguage(ByteView bytes)
         return std::string("BJ raster, an ink printer's language");
     if (bytes[1] == '[')
         return std::string("IBM Proprinter or BJ data");
+    if (isSixelString(bytes))
+        return std::string("sixels, the raster of terminals and their printers");
     // ESC P alone is a pitch of ESC/P; as a control string of LIPS it has numbers and an end.
     if (hasAt(bytes, 1, "%@") || bytes[1] == '<' || (bytes[1] == 'P' && bytes.size > 2 && isDigit(bytes[2])))
         return std::string("LIPS, a printer language");

@@ -329,6 +329,21 @@ TEST(XlVendorRaster, StripsStandAtTheCursorByTheirStartLine)
     EXPECT_TRUE((d.at(4, 35) == kWhite));
 }
 
+TEST(XlVendorRaster, AStripRightBelowTheImageIsPassedOver)
+{
+    XlStream c;
+    c.cursor(0, 0);
+    beginRaster(c, true, 8, 8, header(flatTables(1)));
+    const Bytes black = colorStrip(flat(kBlack, 64), 8, 8, flatTables(1));
+    strip(c, 0, 8, black);
+    strip(c, 8, 8, black);
+    endRaster(c);
+    Drawn d(8, 16, c);
+    ASSERT_EQ(d.job.pageCount(), 1u) << d.job.sink.message();
+    EXPECT_TRUE((d.at(3, 7) == kBlack));
+    EXPECT_TRUE((d.at(3, 8) == kWhite));
+}
+
 TEST(XlVendorRaster, APageMayEndBeforeItsRasterDoes)
 {
     // At half size, so that the painter still holds rows back when the page ends.
@@ -442,7 +457,7 @@ TEST(XlVendorRaster, DamagedStripsAreErrorsByName)
     EXPECT_TRUE(has(errorOf(begin, tooLong), "IllegalDataLength"));
     EXPECT_TRUE(has(errorOf({}, good), "IllegalDataValue"));
     EXPECT_TRUE(has(errorOf(begin, good, 1), "BlockHeight"));
-    EXPECT_TRUE(has(errorOf(begin, good, 8), "StartLine"));
+    EXPECT_TRUE(has(errorOf(begin, good, 9), "StartLine"));
     EXPECT_TRUE(has(errorOf(begin, chunk(0x9011, { 0x00, 1 })), "MissingData"));
     EXPECT_TRUE(has(errorOf(begin, chunk(0x9011, {})), "MissingData"));
     EXPECT_TRUE(has(errorOf(begin, chunk(0x9011, wholeJpeg(Bytes(64), 8, 8, 1, flatTables(1)))), "IllegalDataValue"));

@@ -171,6 +171,7 @@ TEST(Content, CodesThatPrintNothingAreNoText)
 {
     EXPECT_EQ(at("Some words \1\2\3\4\5\6 and more\n").kind, ContentKind::Unknown);
     EXPECT_EQ(at("Half\0of it"s).kind, ContentKind::Unknown);
+    EXPECT_EQ(at("Shifts \x0F\x0F\x0F\x0F\x0F\x0F\x0F\x0F without letters\n").kind, ContentKind::Unknown);
     EXPECT_EQ(at("x\x1B\x1B\x1B\x1B\x1B\x1B\x1B\n").kind, ContentKind::Unknown);
 }
 

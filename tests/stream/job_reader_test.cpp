@@ -169,6 +169,29 @@ TEST(JobReader, LinesBehindTheOneThatEntersLeaveTheLanguageEntered)
     EXPECT_EQ(partsOf(kExit + "@PJL ENTER LANGUAGE=PCL\n@PJL SET X=1\n" + kExit + "@PJL\n"), "");
 }
 
+TEST(JobReader, TheLineThatEntersEndsWithTheLanguagesFirstCommand)
+{
+    Reading reading(kExit
+        + "@PJL ENTER LANGUAGE=PCL3\x1B"
+          "E\n\x1B&l7Hrest");
+    const auto part = reading.reader.next();
+    ASSERT_TRUE(part);
+    EXPECT_TRUE(part->isInkjet);
+    EXPECT_EQ(reading.takePart(),
+        "\x1B"
+        "E\n\x1B&l7Hrest");
+    // Other lines may hold the character.
+    EXPECT_EQ(partsOf(kExit + "@PJL COMMENT \x1B(name\n@PJL ENTER LANGUAGE=PCL\nabc"), "pcl:abc|");
+    EXPECT_EQ(partsOf(kExit + "@PJL COMMENT x" + kExit + "@PJL ENTER LANGUAGE=PCL\nabc"), "pcl:abc|");
+}
+
+TEST(JobReader, DialectsOfPclAreKnownByTheirNameAndBeginning)
+{
+    EXPECT_EQ(partsOf(kExit + "@PJL ENTER LANGUAGE=PCL600\n\x1B*r0Fabc"), "pcl:\x1B*r0Fabc|");
+    EXPECT_EQ(partsOf(kExit + "@PJL ENTER LANGUAGE=PCLSLEEK\n\x1B*rbCabc"), "pcl:\x1B*rbCabc|");
+    EXPECT_EQ(partsOf(kExit + "@PJL ENTER LANGUAGE=PCLSLEEK\nabc"), "");
+}
+
 TEST(JobReader, UnmistakableDataCountsMoreThanItsName)
 {
     Reading reading(kExit + "@PJL ENTER LANGUAGE=PCL\n) HP-PCL XL;1;1;\n" + kExit);
