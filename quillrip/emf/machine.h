@@ -80,12 +80,6 @@ public:
 
     /// Pixels that a record has been through besides those it paints.
     void spend(std::uint64_t pixels) { m_job.limits.work->charge(Work::Images, pixels); }
-    /// Characters that a font's layout tables have put in their places.
-    void shaped(std::size_t characters)
-    {
-        constexpr std::uint64_t kUnitsPerCharacter = 1000;
-        m_job.limits.work->charge(Work::Glyphs, kUnitsPerCharacter * characters);
-    }
 
     /// Shown once for each kind.
     void warn(const char* kind, const std::string& message);

@@ -197,7 +197,7 @@ private:
             return false;
         places.front() = 0;
         places.push_back(units.size());
-        m_machine.shaped(line.size());
+        m_machine.job().limits.work->charge(Work::Glyphs, kWorkPerShapedCharacter * line.size());
         const ShapedLine shaped = shapeLine(line, m_font, isRightToLeft);
         const auto stepOf = [&](const ShapedCluster& cluster) {
             Point step;

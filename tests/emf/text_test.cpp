@@ -222,6 +222,14 @@ TEST(EmfText, MarksMoveWithTheirLetter)
     EXPECT_NE(inkOf({ 200, 0, 72 }), inkOf({ 80, 0, 72 }));
 }
 
+TEST(EmfText, MarksAreDrawnOverTheirLetter)
+{
+    const Played letter = play(arial(-100) + text(500, 500, u"f", { 28 }));
+    const Played both = play(arial(-100) + text(500, 500, u"f\u0301", { 28, 0 }));
+    EXPECT_LT(topOf(both), topOf(letter) - 5);
+    EXPECT_NEAR(leftOf(both), leftOf(letter), 5);
+}
+
 TEST(EmfText, TheLinesDirectionMovesPunctuation)
 {
     const Bytes string = text(500, 500, u"\u05D0.", { 60, 28 });

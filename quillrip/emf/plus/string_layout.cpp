@@ -1,5 +1,8 @@
 #include "quillrip/emf/plus/string_layout.h"
 
+#include "quillrip/fonts/shaping/scripts.h"
+#include "quillrip/fonts/shaping/text_shaper.h"
+
 #include <algorithm>
 #include <cmath>
 
@@ -11,9 +14,10 @@ constexpr char32_t kEllipsis = 0x2026;
 
 struct Character {
     WindowsFont::Glyph glyph;
-    double advance = 0; ///< world units
+    double advance = 0; ///< world units; of characters that are drawn together the first has it all
     char32_t code = 0;
     bool isHotKey = false;
+    bool isDrawnWithLast = false; ///< no line breaks in front of it
 };
 
 using Characters = std::vector<Character>;
@@ -42,6 +46,36 @@ Characters charactersOf(const std::u32string& text, const SizedFont& font, const
         characters.push_back(character);
     }
     return characters;
+}
+
+/// Whether letters of the line change places or shapes beside each other.
+bool isShaped(const Characters& line, const SizedFont& font, const StringFormatObject& format)
+{
+    return !font.font.isSymbolic()
+        && (format.isRightToLeft || std::any_of(line.begin(), line.end(), [](const Character& character) {
+               return needsShaping(character.code);
+           }));
+}
+
+ShapedLine shape(const Characters& line, const SizedFont& font, const StringFormatObject& format)
+{
+    std::u32string codes;
+    for (const Character& character : line)
+        codes.push_back(character.code);
+    return shapeLine(codes, font.font, format.isRightToLeft);
+}
+
+/// Gives the characters of a paragraph the advances that they have beside each other.
+void measureShaped(Characters& paragraph, const SizedFont& font, const StringFormatObject& format)
+{
+    for (const ShapedCluster& cluster : shape(paragraph, font, format).clusters) {
+        if (paragraph[cluster.begin].code != U'\t')
+            paragraph[cluster.begin].advance = cluster.advance * font.font.stretch() * font.em;
+        for (std::size_t i = cluster.begin + 1; i < cluster.end; ++i) {
+            paragraph[i].advance = 0;
+            paragraph[i].isDrawnWithLast = true;
+        }
+    }
 }
 
 /// How far the next tab stop lies from `position`.
@@ -82,7 +116,8 @@ void wrap(const Characters& paragraph, double width, const SizedFont& font, cons
     double length = 0;
     for (const Character& character : paragraph) {
         const double advance = character.code == U'\t' ? toNextTab(length, font, format) : character.advance;
-        const bool overruns = length + advance > width && character.code != U' ' && !line.empty();
+        const bool overruns
+            = length + advance > width && character.code != U' ' && !character.isDrawnWithLast && !line.empty();
         if (overruns) {
             const std::size_t kept = lastBreak > 0 ? lastBreak : line.size();
             const auto cut = line.begin() + static_cast<std::ptrdiff_t>(kept);
@@ -116,11 +151,35 @@ void shorten(Characters& line, double width, const SizedFont& font, const String
     line.push_back(dots);
 }
 
+void placeShaped(
+    StringLayout::Line& line, const Characters& characters, const SizedFont& font, const StringFormatObject& format)
+{
+    const ShapedLine shaped = shape(characters, font, format);
+    for (const ShapedCluster& cluster : shaped.clusters) {
+        if (characters[cluster.begin].code == U'\t') {
+            line.length += toNextTab(line.length, font, format);
+            continue;
+        }
+        for (std::size_t i = cluster.firstGlyph; i < cluster.lastGlyph; ++i)
+            line.glyphs.push_back({ shaped.glyphs[i], line.start + Point { line.length, 0 } });
+        const double advance = cluster.advance * font.font.stretch() * font.em;
+        const auto first = characters.begin();
+        if (std::any_of(first + static_cast<std::ptrdiff_t>(cluster.begin),
+                first + static_cast<std::ptrdiff_t>(cluster.end), [](const Character& c) { return c.isHotKey; }))
+            line.hotKeys.push_back({ line.length, advance });
+        line.length += advance;
+    }
+}
+
 StringLayout::Line place(
     const Characters& characters, Point start, const SizedFont& font, const StringFormatObject& format)
 {
     StringLayout::Line line;
     line.start = start;
+    if (isShaped(characters, font, format)) {
+        placeShaped(line, characters, font, format);
+        return line;
+    }
     for (const Character& character : characters) {
         if (character.code == U'\t') {
             line.length += toNextTab(line.length, font, format);
@@ -177,7 +236,9 @@ StringLayout layOut(
     std::vector<Characters> lines;
     for (auto from = characters.begin();;) {
         const auto to = std::find_if(from, characters.end(), [](const Character& c) { return c.code == U'\n'; });
-        const Characters paragraph(from, to);
+        Characters paragraph(from, to);
+        if (isShaped(paragraph, font, format))
+            measureShaped(paragraph, font, format);
         if (hasWidth && format.isWrapped)
             wrap(paragraph, width, font, format, lines);
         else

@@ -3,6 +3,8 @@
 #include "quillrip/emf/plus/string_layout.h"
 #include "quillrip/emf/plus/text_painter.h"
 #include "quillrip/emf/utf16.h"
+#include "quillrip/fonts/shaping/scripts.h"
+#include "quillrip/fonts/shaping/text_shaper.h"
 
 #include <cmath>
 #include <cstdint>
@@ -14,7 +16,7 @@ namespace quillrip::emf::plus {
 namespace {
 
 enum DriverStringOption : std::uint32_t {
-    kCharacters = 1, ///< codes are characters, else glyph numbers
+    kCharacters = 1, ///< codes are characters, which the font's map turns into glyphs one by one; else glyph numbers
     kVertical = 2,
     kRealizedAdvance = 4, ///< only the first position counts
 };
@@ -79,6 +81,8 @@ void drawString(Machine& machine, const Record& record, FieldReader& fields)
     Canvas& canvas = machine.canvas();
     const TextPainter painter(canvas, machine.reporter());
     const SizedFont font = painter.select(*object);
+    if (needsShaping(text))
+        canvas.host().painter.work().charge(Work::Glyphs, kWorkPerShapedCharacter * text.size());
     const StringLayout layout = layOut(text, font, format, rect);
     const PixelSet within = clipOf(canvas, layout, format, font, rect);
     for (const StringLayout::Line& line : layout.lines) {

@@ -48,7 +48,8 @@ void TextPainter::draw(const SizedFont& font, const std::vector<TextGlyph>& glyp
         if (!glyph.glyph.face || glyph.glyph.id == kNoGlyph)
             continue;
         const Typeface& face = *glyph.glyph.face;
-        const Matrix matrix = glyphSpace * turned * Matrix::translation(glyph.at.x, glyph.at.y) * toDevice;
+        const Matrix matrix = Matrix::translation(glyph.glyph.shift.x, glyph.glyph.shift.y) * glyphSpace * turned
+            * Matrix::translation(glyph.at.x, glyph.at.y) * toDevice;
         if (GlyphCache::isTooLarge(face, matrix)) {
             Path outline;
             if (face.outline(glyph.glyph.id, outline))

@@ -3,6 +3,7 @@
 #include "quillrip/fonts/select/windows_fonts.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -23,6 +24,9 @@ struct ShapedLine {
     std::vector<ShapedCluster> clusters; ///< every character lies in one of them
     std::vector<WindowsFont::Glyph> glyphs; ///< shifted from where their cluster begins
 };
+
+/// What shaping a character costs, for WorkMeter.
+constexpr std::uint64_t kWorkPerShapedCharacter = 1000;
 
 /// Lays a line out: in the order in which its characters stand, in the shapes that they take beside each other. Where a
 /// face that stands in for the font's has the letters, it shapes them. Letters of simple scripts keep their own glyphs,

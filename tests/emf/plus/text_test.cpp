@@ -36,6 +36,12 @@ StringFormatObject plain()
     return format;
 }
 
+std::vector<GlyphId> operator+(std::vector<GlyphId> first, const std::vector<GlyphId>& second)
+{
+    first.insert(first.end(), second.begin(), second.end());
+    return first;
+}
+
 std::vector<std::size_t> lineLengths(const StringLayout& layout)
 {
     std::vector<std::size_t> lengths;
@@ -205,4 +211,51 @@ TEST(EmfPlusText, UnderlinesRunUnderTheWholeText)
         ++bottom;
     EXPECT_LT(bottom, 115);
     EXPECT_TRUE(sheet.isWhite(120, 90));
+}
+
+TEST(EmfPlusText, LinesAreShaped)
+{
+    const SizedFont font = sized();
+    const auto glyphsOf = [&](const std::u32string& text, const StringFormatObject& format) {
+        std::vector<GlyphId> glyphs;
+        const StringLayout layout = layOut(text, font, format, {});
+        for (const TextGlyph& glyph : layout.lines.at(0).glyphs)
+            glyphs.push_back(glyph.glyph.id);
+        return glyphs;
+    };
+    // Hebrew, from right to left; a letter and its accent, which are one.
+    EXPECT_EQ(glyphsOf(U"a\u05D0\u05D1", plain()),
+        glyphsOf(U"a", plain()) + glyphsOf(U"\u05D1", plain()) + glyphsOf(U"\u05D0", plain()));
+    EXPECT_EQ(glyphsOf(U"e\u0301", plain()), glyphsOf(U"\u00E9", plain()));
+    StringFormatObject turned = plain();
+    turned.isRightToLeft = true;
+    EXPECT_EQ(glyphsOf(U"\u05D0!", turned), glyphsOf(U"!", plain()) + glyphsOf(U"\u05D0", plain()));
+}
+
+TEST(EmfPlusText, WordsAreNotCutBeforeMarks)
+{
+    // f and an accent are two glyphs.
+    const double width = layOut(U"ff", sized(), plain(), {}).width();
+    EXPECT_NEAR(layOut(U"f\u0301f\u0301", sized(), plain(), {}).width(), width, 0.1);
+    EXPECT_EQ(lineLengths(layOut(U"f\u0301f\u0301f\u0301", sized(), plain(), { 0, 0, width + 1, 0 })),
+        (std::vector<std::size_t> { 4, 2 }));
+    EXPECT_EQ(lineLengths(layOut(U"f\u0301f\u0301", sized(), plain(), { 0, 0, width / 4, 0 })),
+        (std::vector<std::size_t> { 2, 2 }));
+}
+
+TEST(EmfPlusText, MarksAreDrawnOverTheirLetter)
+{
+    const auto markedBy = [](const std::u16string& text) {
+        Records records = header();
+        records.object(6, 0, arial(100));
+        const auto length = static_cast<std::uint32_t>(text.size());
+        records.add(0x401C, kColor, Fields().u32({ kInk, 99, length }).f32({ 100, 50, 0, 0 }).text(text).padded());
+        Sheet sheet(300, 300);
+        return sheet.play(records).marked();
+    };
+    const PixelRect letter = markedBy(u"f");
+    const PixelRect both = markedBy(u"f\u0301");
+    EXPECT_LT(both.top, letter.top - 5);
+    EXPECT_NEAR(both.left, letter.left, 5);
+    EXPECT_LT(both.right, letter.right + 15);
 }
