@@ -3,6 +3,7 @@
 #include "quillrip/base/escape_sequence.h"
 #include "quillrip/fonts/faces/font_file.h"
 #include "quillrip/fonts/faces/internal_face.h"
+#include "quillrip/fonts/glyph_painter.h"
 #include "quillrip/fonts/select/font_names.h"
 #include "quillrip/fonts/select/font_selection.h"
 
@@ -114,6 +115,7 @@ FontLibrary::FontLibrary(const Limits& limits, DiagnosticSink* sink)
     : m_sink(sink)
     , m_softFonts(limits.fontBytes)
     , m_internal(std::make_unique<InternalFaces>(sink))
+    , m_glyphs(std::make_unique<GlyphPainter>())
 {
     m_softFonts.setShapeFinder([this](const FontTraits& traits) {
         FontRequest request;

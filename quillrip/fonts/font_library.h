@@ -14,6 +14,7 @@
 
 namespace quillrip {
 
+class GlyphPainter;
 class InternalFaces;
 
 /// The seven attributes of a font selection.
@@ -135,6 +136,9 @@ public:
     /// The built-in faces, in the order of their numbers on a type specimen.
     std::vector<std::shared_ptr<const Typeface>> builtInFaces() const;
 
+    /// Draws glyphs for all interpreters of the job, so that text of one part finds the masks that another has made.
+    GlyphPainter& glyphs() { return *m_glyphs; }
+
 private:
     struct UserSymbolSet {
         std::shared_ptr<const SymbolSet> set;
@@ -158,6 +162,7 @@ private:
     std::map<std::uint16_t, UserSymbolSet> m_userSymbolSets;
     std::uint64_t m_symbolSetGeneration = 0;
     std::unique_ptr<InternalFaces> m_internal;
+    std::unique_ptr<GlyphPainter> m_glyphs;
     mutable std::vector<Selection> m_selections;
     mutable std::size_t m_nextSelection = 0; ///< the one that the next new selection replaces
     mutable std::uint64_t m_selectionGeneration = 0;

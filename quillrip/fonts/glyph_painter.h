@@ -8,7 +8,7 @@
 namespace quillrip {
 
 /// Draws glyphs on pages, for all languages: small ones by masks that are kept, large ones as filled outlines. One
-/// painter serves one interpreter, whose pages share the masks.
+/// painter serves all pages of a job, which share the masks.
 class GlyphPainter {
 public:
     /// How the outline of a large glyph, in device pixels, is filled where the language has a way of its own.
@@ -24,7 +24,7 @@ public:
     /// one that draw() would not draw either.
     static bool appendOutline(const Typeface& face, GlyphId glyph, const Matrix& glyphToPath, Path& path);
 
-    GlyphCache& cache() { return m_cache; }
+    const GlyphCache& cache() const { return m_cache; }
 
 private:
     GlyphCache m_cache;

@@ -9,7 +9,7 @@ DrawingPass::DrawingPass(PageDevice& device, FontLibrary& fonts, DiagnosticSink&
     const RasterLanguageFactory& rasterLanguage, std::vector<PlotPage> pages)
     : m_device(device)
     , m_pages(std::move(pages))
-    , m_surface(*this)
+    , m_surface(*this, fonts.glyphs())
     , m_rasterLanguage(rasterLanguage ? rasterLanguage(fonts, sink) : nullptr)
     , m_machine(*this, m_surface, fonts, sink, limits, this, m_rasterLanguage.get())
 {

@@ -7,7 +7,7 @@ namespace quillrip::hpgl {
 
 struct Interpreter::Parts {
     Parts(Host& host, FontLibrary& fonts, DiagnosticSink& sink, const Limits& limits)
-        : surface(host)
+        : surface(host, fonts.glyphs())
         , machine(host, surface, fonts, sink, limits, nullptr)
     {
     }

@@ -11,8 +11,9 @@ namespace quillrip::hpgl {
 /// Draws on the host's page, which begins with the first mark that is not cut away.
 class PageSurface final : public Surface {
 public:
-    explicit PageSurface(Host& host)
+    PageSurface(Host& host, GlyphPainter& glyphs)
         : m_host(host)
+        , m_glyphs(glyphs)
     {
     }
 
@@ -39,12 +40,12 @@ private:
     const PaintState& paintState(const PenInk& ink, Clip& clip);
 
     Host& m_host;
+    GlyphPainter& m_glyphs;
     PageCanvas m_canvas;
     bool m_hasCanvas = false;
     Clip m_areaClip;
     Clip m_lineClip;
     PaintState m_state;
-    GlyphPainter m_glyphs;
     RunStatus m_status = RunStatus::Done;
 };
 

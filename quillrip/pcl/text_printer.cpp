@@ -20,6 +20,7 @@ TextPrinter::TextPrinter(const Surroundings& surroundings)
     , m_page(surroundings.page)
     , m_printModel(surroundings.printModel)
     , m_underline(surroundings.underline)
+    , m_glyphs(m_fonts.library().glyphs())
 {
 }
 

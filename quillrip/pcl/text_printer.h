@@ -49,7 +49,7 @@ private:
     PrintModel& m_printModel;
     UnderlineRun& m_underline;
     CharacterDecoder m_decoder;
-    GlyphPainter m_glyphs;
+    GlyphPainter& m_glyphs;
 };
 
 } // namespace quillrip::pcl

@@ -1,6 +1,7 @@
 #include "quillrip/pclxl/machine.h"
 
 #include "quillrip/base/reporter.h"
+#include "quillrip/fonts/font_library.h"
 #include "quillrip/pclxl/drawing.h"
 #include "quillrip/pclxl/graphics_stack.h"
 #include "quillrip/pclxl/held_diagnostics.h"
@@ -29,12 +30,12 @@ constexpr std::uint64_t kUnitsPerOperator = 200;
 } // namespace
 
 struct Machine::Rooms {
-    Rooms(PageDevice& device, DiagnosticSink& diagnostics, const Limits& limits)
+    Rooms(PageDevice& device, DiagnosticSink& diagnostics, const Limits& limits, GlyphPainter& glyphs)
         : sink(diagnostics)
         , reporter(&diagnostics)
         , page(device)
         , drawing(page, graphics, limits, reporter)
-        , textSetter(page, graphics, drawing, limits, reporter)
+        , textSetter(page, graphics, drawing, glyphs, limits, reporter)
         , patterns(limits.patternBytes)
         , softFonts(limits.fontBytes)
         , userStreams(limits.macroBytes)
@@ -64,7 +65,7 @@ Machine::Machine(PageDevice& device, DiagnosticSink& diagnostics, const Limits& 
     : m_limits(limits)
     , m_fonts(fonts)
     , m_environment(environment)
-    , m_rooms(std::make_unique<Rooms>(device, diagnostics, m_limits))
+    , m_rooms(std::make_unique<Rooms>(device, diagnostics, m_limits, fonts.glyphs()))
 {
 }
 
@@ -353,7 +354,6 @@ void Machine::resetSession()
     m_rooms->session = {};
     m_rooms->patterns.endSession();
     m_rooms->softFonts.endSession();
-    m_rooms->textSetter.endSession();
     m_rooms->userStreams.abandonDefinition();
     m_rooms->dataSource.isOpen = false;
 }

@@ -23,10 +23,12 @@ struct TextRun {
 /// Sets text at the cursor in the font of the graphics state: onto the page, or as outlines into the path.
 class TextSetter {
 public:
-    TextSetter(Page& page, GraphicsStack& graphics, Drawing& drawing, const Limits& limits, Reporter& reporter)
+    TextSetter(Page& page, GraphicsStack& graphics, Drawing& drawing, GlyphPainter& glyphs, const Limits& limits,
+        Reporter& reporter)
         : m_page(page)
         , m_graphics(graphics)
         , m_drawing(drawing)
+        , m_glyphs(glyphs)
         , m_limits(limits)
         , m_reporter(reporter)
     {
@@ -36,9 +38,6 @@ public:
     /// There has to be a font and a cursor. The cursor moves by the advances alone; the widths in the font do not
     /// count. IllegalAttributeValue when it leaves all numbers, LimitExceeded when the path grows too long.
     Status set(const TextRun& run, Use use);
-
-    /// Drops what is kept of the glyphs, as their fonts go.
-    void endSession() { m_glyphs.cache().clear(); }
 
 private:
     GraphicsState& state() { return m_graphics.state(); }
@@ -50,9 +49,9 @@ private:
     Page& m_page;
     GraphicsStack& m_graphics;
     Drawing& m_drawing;
+    GlyphPainter& m_glyphs;
     const Limits& m_limits;
     Reporter& m_reporter;
-    GlyphPainter m_glyphs;
 };
 
 } // namespace quillrip::pclxl

@@ -1,4 +1,7 @@
+#include "quillrip/fonts/font_library.h"
+#include "quillrip/fonts/glyph_painter.h"
 #include "tests/pcl/printer.h"
+#include "tests/support/recording_sink.h"
 
 #include <gtest/gtest.h>
 
@@ -271,4 +274,23 @@ TEST(PclText, TwoByteCodesTakeTwoBytes)
                   .ink()
                   .right,
         175 + 18);
+}
+
+TEST(PclText, PartsOfAJobShareTheGlyphsThatOneHasMade)
+{
+    FontLibrary fonts;
+    RecordingSink sink;
+    MemoryPageDevice device { PixelFormat::Gray8, 75 };
+    const auto glyphsAfter = [&](const std::string& part) {
+        pcl::Interpreter interpreter { device, sink, {}, fonts, {} };
+        MemoryInputStream input { ByteView { reinterpret_cast<const std::uint8_t*>(part.data()), part.size() } };
+        EXPECT_EQ(interpreter.run(input), pcl::Interpreter::End::InputEnded);
+        EXPECT_EQ(interpreter.finish(), RunStatus::Done);
+        return fonts.glyphs().cache().rasterisations();
+    };
+    const std::string text = e("E") + "abcabc";
+    EXPECT_EQ(glyphsAfter(text), 3u);
+    EXPECT_EQ(glyphsAfter(text), 3u);
+    EXPECT_EQ(glyphsAfter(text + "d"), 4u);
+    EXPECT_EQ(device.pages().size(), 3u);
 }

@@ -138,11 +138,4 @@ void GlyphCache::shrinkTo(std::size_t bytes)
     }
 }
 
-void GlyphCache::clear()
-{
-    m_index.clear();
-    m_entries.clear();
-    m_bytes = 0;
-}
-
 } // namespace quillrip

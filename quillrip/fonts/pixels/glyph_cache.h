@@ -35,7 +35,6 @@ public:
 
     std::size_t bytes() const { return m_bytes; }
     std::size_t rasterisations() const { return m_rasterisations; }
-    void clear();
 
 private:
     struct Key {
