@@ -1,7 +1,6 @@
 #include "fuzz/fuzz_page_device.h"
 #include "fuzz/token_mutator.h"
 
-#include "quillrip/fonts/font_library.h"
 #include "quillrip/hpgl/plot_file.h"
 #include "quillrip/pcl/plotter_raster.h"
 
@@ -13,7 +12,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     fuzz::NoDiagnostics diagnostics;
     fuzz::NoPages pages;
     ImagePageDevice device(pages, fuzz::smallPages(size), limits);
-    FontLibrary fonts(limits);
+    FontLibrary& fonts = fuzz::cleanFonts();
     hpgl::PlotFile plot(device, fonts, diagnostics, limits, {}, [&limits](FontLibrary& library, DiagnosticSink& sink) {
         return std::make_unique<pcl::PlotterRaster>(library, sink, limits);
     });

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "quillrip/fonts/font_library.h"
 #include "quillrip/job/image_page_device.h"
 
 namespace quillrip::fuzz {
@@ -16,7 +17,7 @@ public:
     std::string reason() const override { return {}; }
 };
 
-/// Small enough for thousands of runs a minute.
+/// Small enough for a hundred runs a second under the sanitizers.
 inline Limits smallLimits()
 {
     Limits limits;
@@ -26,7 +27,8 @@ inline Limits smallLimits()
     limits.pathPoints = 1 << 14;
     limits.imageRowBytes = 1 << 16;
     WorkBudget budget;
-    budget.page = 50'000'000;
+    budget.page = budget.job = 10'000'000;
+    budget.perPage = 0;
     limits.work = std::make_shared<WorkMeter>(budget);
     return limits;
 }
@@ -38,6 +40,16 @@ inline PageSettings smallPages(std::size_t size)
     settings.resolution = { 36, 36 };
     settings.format = size % 3 == 0 ? PixelFormat::Bilevel : size % 3 == 1 ? PixelFormat::Gray8 : PixelFormat::Rgb24;
     return settings;
+}
+
+/// The one library of all runs, as a job finds it. Opening the faces and making their glyphs anew for each run would
+/// take half of the time; what a run can add to the library goes.
+inline FontLibrary& cleanFonts()
+{
+    static FontLibrary fonts(smallLimits());
+    fonts.softFonts().removeAll();
+    fonts.removeAllSymbolSets();
+    return fonts;
 }
 
 } // namespace quillrip::fuzz

@@ -1,7 +1,6 @@
 #include "fuzz/fuzz_page_device.h"
 #include "fuzz/token_mutator.h"
 
-#include "quillrip/fonts/font_library.h"
 #include "quillrip/pcl/interpreter.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
@@ -12,7 +11,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     fuzz::NoDiagnostics diagnostics;
     fuzz::NoPages pages;
     ImagePageDevice device(pages, fuzz::smallPages(size), limits);
-    FontLibrary fonts(limits);
+    FontLibrary& fonts = fuzz::cleanFonts();
     pcl::Interpreter interpreter(device, diagnostics, limits, fonts, {});
     while (interpreter.run(input) == pcl::Interpreter::End::UniversalExit)
         input.skip(sizeof "\x1b%-12345X" - 1);

@@ -1,7 +1,6 @@
 #include "fuzz/fuzz_page_device.h"
 #include "fuzz/token_mutator.h"
 
-#include "quillrip/fonts/font_library.h"
 #include "quillrip/pclxl/interpreter.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
@@ -12,7 +11,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     fuzz::NoDiagnostics diagnostics;
     fuzz::NoPages pages;
     ImagePageDevice device(pages, fuzz::smallPages(size), limits);
-    FontLibrary fonts(limits);
+    FontLibrary& fonts = fuzz::cleanFonts();
     pclxl::Interpreter interpreter(device, diagnostics, limits, fonts, {});
     interpreter.run(input);
     return 0;
