@@ -95,6 +95,7 @@ TEST(IntellifontSoftFont, TruncatedDataNeverCrash)
             SoftFont::fromPclHeader(ByteView(bytes.data(), length), {});
     }
     const auto font = SoftFont::fromPclHeader(header(10), {});
+    ASSERT_NE(font, nullptr);
     Bytes compound;
     compound.u8(10).u8(0).u8(2).u8(4).u16(4391).u8(200).u8(0).u16('e').u16(0).u16(0).u8(0);
     for (std::size_t length = 0; length < compound.size(); ++length)
