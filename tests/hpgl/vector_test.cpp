@@ -256,11 +256,13 @@ TEST(HpglSwitch, AResetForgetsThePenButLeavesTheLogicalOperation)
 {
     PlotSheet sheet;
     sheet.run("IN;SP1;");
-    sheet.operation = 90;
+    sheet.operation = 160; // the page and the pen: one that shows on white paper
     sheet.interpreter().reset();
     sheet.run("PU100,500;PD400,500;PU;");
     EXPECT_EQ(sheet.inkCount(), 0);
-    EXPECT_EQ(sheet.operation, 90);
+    EXPECT_EQ(sheet.operation, 160);
+    sheet.run("SP1;PU100,500;PD400,500;PU;");
+    EXPECT_GT(sheet.inkCount(), 0);
 }
 
 } // namespace
