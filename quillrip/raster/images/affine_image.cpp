@@ -1,5 +1,6 @@
+#include "quillrip/raster/images/affine_sampler.h"
 #include "quillrip/raster/images/aligned_image.h"
-#include "quillrip/raster/images/image_source.h"
+#include "quillrip/raster/images/row_window.h"
 #include "quillrip/raster/paths/flatten.h"
 
 #include <algorithm>
@@ -12,222 +13,292 @@ namespace quillrip {
 
 namespace {
 
-/// A turned image is kept whole; rows beyond this are dropped.
-constexpr std::size_t kMostBytes = std::size_t { 256 } << 20;
 constexpr std::uint64_t kUnitsPerSample = 8;
-/// Samples across a device pixel.
-constexpr int kMostSamples = 8;
+/// Rows that a pixel may have its samples in. Larger images that are reduced to a few pixels are sampled at the pixels'
+/// centres once so many rows have come.
+constexpr std::size_t kMostKeptBytes = std::size_t { 16 } << 20;
+/// Rows that come before all pixels that have become known are painted: enough for long spans, and near the processor.
+constexpr std::size_t kBatchBytes = std::size_t { 1 } << 20;
+constexpr std::int64_t kFewestBatchRows = 16;
+constexpr std::size_t kMostBatchBytes = std::size_t { 4 } << 20; ///< but for a single row
+constexpr std::int64_t kMostRows = INT32_MAX;
 
+/// Device columns, half open.
+struct Columns {
+    int begin = 0;
+    int end = 0;
+    bool empty() const { return begin >= end; }
+};
+
+bool isFiniteMatrix(const Matrix& m)
+{
+    return isFinite(Point { m.a, m.b }) && isFinite(Point { m.c, m.d }) && isFinite(Point { m.e, m.f });
+}
+
+/// What is no number is low.
+int limited(double value, int low, int high)
+{
+    return value > low ? value < high ? static_cast<int>(value) : high : low;
+}
+
+/// Source rows come in order, so the device pixels that they make known are a strip of the page, slanted as the image
+/// is. It is painted as soon as a batch of rows has come, each pixel once, and rows that no later pixel needs are
+/// given up.
 class AffineImage final : public ImagePainter {
 public:
-    AffineImage(const ImageGeometry& image, std::unique_ptr<Compositor> compositor)
+    AffineImage(const ImageGeometry& image, std::unique_ptr<Compositor> compositor, std::int64_t mostBatchRows)
         : m_image(image)
         , m_compositor(std::move(compositor))
-        , m_isMono(image.format == ImageFormat::Mono)
-        , m_isBilevelPage(m_compositor->format() == PixelFormat::Bilevel)
-        , m_hasAlpha(image.format == ImageFormat::Rgba32)
-        , m_inkChannels(!m_isMono && m_compositor->format() == PixelFormat::Rgb24 ? 3 : 1)
-        , m_channels(m_inkChannels + (m_hasAlpha ? 1 : 0))
-        , m_rowBytes(static_cast<std::size_t>(image.width) * m_channels)
-        , m_mostRows(std::min(kMostBytes / m_rowBytes, static_cast<std::size_t>(INT32_MAX)))
+        , m_mostBatchRows(mostBatchRows)
+        , m_sampler(image, m_compositor->format(), m_compositor->isSourceTransparent())
+        , m_mostRows(image.height < 0 ? kMostRows : image.height)
+        , m_unitsPerRow(static_cast<std::uint64_t>(image.width)
+              * (static_cast<std::uint64_t>(m_sampler.inkChannels()) + (image.format == ImageFormat::Rgba32 ? 1 : 0)))
+        , m_box(visibleBox())
+        , m_needed(neededPart())
+        , m_rows(image.format, m_sampler.inkChannels(), m_needed.left, m_needed.right)
     {
-        if (image.height >= 0)
-            m_mostRows = std::min(m_mostRows, static_cast<std::size_t>(image.height));
+        chooseCapacity();
+        m_line.resize(static_cast<std::size_t>(m_box.width() * m_sampler.inkChannels()));
+        m_coverage.resize(static_cast<std::size_t>(m_box.width()));
+        m_left.reserve(static_cast<std::size_t>(m_box.height()));
+        for (int y = m_box.top; y < m_box.bottom; ++y)
+            m_left.push_back(columnsOfImage(y));
+        m_top = m_box.top;
+        m_bottom = m_box.bottom;
     }
 
     void row(const std::uint8_t* pixels) override
     {
-        if (m_rows >= m_mostRows || !m_compositor->work().allows(Work::Images, m_rowBytes))
+        if (m_rows.end() >= m_mostRows || !m_compositor->work().allows(Work::Images, m_unitsPerRow))
             return;
-        m_ink.resize((m_rows + 1) * m_rowBytes);
-        std::uint8_t* ink = m_ink.data() + m_rows * m_rowBytes;
-        const int inkChannels = static_cast<int>(m_inkChannels);
-        convertRow(pixels, m_image.format, m_image.width, inkChannels, ink);
-        if (m_hasAlpha)
-            interleaveAlpha(ink, m_image.width, inkChannels, pixels + 3, 4);
-        ++m_rows;
+        if (m_rows.end() < m_needed.top || m_rows.end() >= m_needed.bottom)
+            return m_rows.pass(1);
+        if (m_rows.count() >= m_capacity)
+            giveUpRows();
+        m_rows.add(pixels);
     }
 
     void blankRows(int count) override
     {
-        m_rows += std::min(m_mostRows - m_rows, static_cast<std::size_t>(std::max(0, count)));
-        m_ink.resize(m_rows * m_rowBytes);
+        const auto most = [&](std::int64_t end) {
+            const std::int64_t rows = std::min<std::int64_t>(end - m_rows.end(), count);
+            count -= static_cast<int>(std::max<std::int64_t>(rows, 0));
+            return std::max<std::int64_t>(rows, 0);
+        };
+        count = static_cast<int>(std::min<std::int64_t>(std::max(count, 0), m_mostRows - m_rows.end()));
+        m_rows.pass(most(m_needed.top));
+        m_rows.addBlank(most(m_needed.bottom));
+        m_rows.pass(count);
     }
 
     void finish() override
     {
-        const Matrix toSource = m_image.imageToDevice.inverted();
-        const PixelRect box = deviceBox();
-        if (m_rows == 0 || box.empty())
-            return;
-        const double reach = std::max(std::hypot(toSource.a, toSource.b), std::hypot(toSource.c, toSource.d));
-        const int fewest = m_isBilevelPage || m_image.dropsPixels ? 1 : 2;
-        const int most = m_image.dropsPixels ? 1 : kMostSamples;
-        m_samples = std::clamp(static_cast<int>(std::ceil(std::min(reach, 1.0 * most))), fewest, most);
-        m_line.resize(static_cast<std::size_t>(box.width()) * m_inkChannels);
-        m_coverage.resize(static_cast<std::size_t>(box.width()));
-        const auto samples
-            = static_cast<std::uint64_t>(box.width()) * static_cast<std::uint64_t>(m_samples * m_samples);
-        for (int y = box.top; y < box.bottom; ++y) {
-            if (!m_compositor->work().allows(Work::Images, samples * kUnitsPerSample))
-                break;
-            paintRow(y, box, toSource);
+        if (m_rows.count() > 0) {
+            for (int y = m_top; y < m_bottom; ++y) {
+                Columns& left = m_left[static_cast<std::size_t>(y - m_box.top)];
+                const Columns image = columnsWithin(m_sampler.toSource().b, m_sampler.toSource().d,
+                    m_sampler.toSource().f, static_cast<double>(m_rows.end()), y);
+                left = { std::max(left.begin, image.begin), std::min(left.end, image.end) };
+                if (!left.empty() && !paint(y, left))
+                    break;
+            }
         }
         m_compositor->chargePixels();
     }
 
 private:
-    PixelRect deviceBox() const
+    /// Device pixels that the image may touch.
+    PixelRect visibleBox() const
     {
-        const double width = m_image.width;
-        const auto height = static_cast<double>(m_rows);
-        double left = HUGE_VAL, top = HUGE_VAL, right = -HUGE_VAL, bottom = -HUGE_VAL;
-        for (const Point corner :
-            { Point { 0, 0 }, Point { width, 0 }, Point { 0, height }, Point { width, height } }) {
-            const Point at = m_image.imageToDevice.apply(corner);
-            if (!isFinite(at))
-                return {};
-            left = std::min(left, at.x);
-            top = std::min(top, at.y);
-            right = std::max(right, at.x);
-            bottom = std::max(bottom, at.y);
-        }
         const PixelRect& bounds = m_compositor->bounds();
-        const auto limited = [](double value, int low, int high) {
-            return static_cast<int>(
-                std::clamp(value, static_cast<double>(low), static_cast<double>(std::max(low, high))));
-        };
-        return { limited(std::floor(left), bounds.left, bounds.right),
-            limited(std::floor(top), bounds.top, bounds.bottom), limited(std::ceil(right), bounds.left, bounds.right),
-            limited(std::ceil(bottom), bounds.top, bounds.bottom) };
+        const Rect shape
+            = m_image.imageToDevice.boundsOf({ 0, 0, 1.0 * m_image.width, static_cast<double>(m_mostRows) });
+        if (!isFiniteMatrix(m_sampler.toSource()) || !(shape.left <= shape.right && shape.top <= shape.bottom))
+            return {};
+        return { limited(std::floor(shape.left), bounds.left, bounds.right),
+            limited(std::floor(shape.top), bounds.top, bounds.bottom),
+            limited(std::ceil(shape.right), bounds.left, bounds.right),
+            limited(std::ceil(shape.bottom), bounds.top, bounds.bottom) };
     }
 
-    void paintRow(int y, const PixelRect& box, const Matrix& toSource)
+    /// Source pixels that the box may need, with some to spare for rounding.
+    PixelRect neededPart() const
     {
-        int first = box.right;
-        int last = box.left - 1;
-        for (int x = box.left; x < box.right; ++x) {
-            const auto at = static_cast<std::size_t>(x - box.left);
-            samplePixel(x, y, toSource, m_line.data() + at * m_inkChannels, m_coverage[at]);
-            if (m_coverage[at] != 0) {
-                first = std::min(first, x);
-                last = x;
-            }
+        if (m_box.empty())
+            return {};
+        const Rect part = m_sampler.toSource().boundsOf(
+            { 1.0 * m_box.left, 1.0 * m_box.top, 1.0 * m_box.right, 1.0 * m_box.bottom });
+        const int rows = static_cast<int>(m_mostRows);
+        constexpr double spare = 3;
+        PixelRect needed { limited(part.left - spare, 0, m_image.width - 1), limited(part.top - spare, 0, rows - 1), 0,
+            0 };
+        needed.right = limited(part.right + spare, needed.left + 1, m_image.width);
+        needed.bottom = limited(part.bottom + spare, needed.top + 1, rows);
+        return needed;
+    }
+
+    /// How many rows are held: those that a pixel's samples lie in, and a batch.
+    void chooseCapacity()
+    {
+        const std::size_t rowBytes
+            = RowWindow::rowBytes(m_image.format, m_sampler.inkChannels(), std::max(m_needed.width(), 1));
+        const auto rowsIn = [&](std::size_t bytes) { return static_cast<std::int64_t>(bytes / rowBytes); };
+        constexpr double rounding = 2;
+        m_keptRows = static_cast<std::int64_t>(
+            std::ceil(std::min(m_sampler.rowsAcrossPixel() + rounding, 1.0 * m_needed.height())));
+        m_isTooTall = m_sampler.samples() > 1 && m_keptRows > rowsIn(kMostKeptBytes);
+        // Kept rows are moved once a batch.
+        const std::int64_t most = std::max<std::int64_t>(rowsIn(kMostBatchBytes), 1);
+        const std::int64_t batch = std::min(
+            m_mostBatchRows, std::max(rowsIn(kBatchBytes), std::min(std::max(m_keptRows, kFewestBatchRows), most)));
+        m_capacity
+            = m_isTooTall ? rowsIn(kMostKeptBytes) : std::min<std::int64_t>(m_keptRows + batch, m_needed.height());
+        m_rows.reserve(m_capacity);
+    }
+
+    /// Makes room for more rows.
+    void giveUpRows()
+    {
+        if (m_isTooTall) {
+            m_sampler.takeCentresOnly();
+            chooseCapacity();
         }
-        if (first > last)
-            return;
-        const auto offset = static_cast<std::size_t>(first - box.left);
-        const int count = last - first + 1;
-        const std::uint8_t* ink = m_line.data() + offset * m_inkChannels;
-        if (m_hasAlpha)
-            return m_compositor->blended(y, first, ink, m_coverage.data() + offset, count);
-        if (!m_isMono)
-            return m_compositor->colors(y, first, ink, m_coverage.data() + offset, count);
+        paintKnown();
+        m_rows.dropBefore(m_rows.end() - m_keptRows);
+    }
+
+    /// The columns of device row y, and one to spare at both ends, where a source coordinate, which is
+    /// across x + down y + origin, lies between 0 and `end`.
+    Columns columnsWithin(double across, double down, double origin, double end, int y) const
+    {
+        const double one = down * y + origin;
+        const double other = down * (y + 1) + origin;
+        const double low = -std::max(one, other);
+        const double high = end - std::min(one, other);
+        if (across == 0)
+            return low <= 0 && high >= 0 ? Columns { m_box.left, m_box.right } : Columns {};
+        const double first = (across > 0 ? low : high) / across;
+        const double last = (across > 0 ? high : low) / across;
+        return { limited(std::floor(first) - 1, m_box.left, m_box.right),
+            limited(std::ceil(last) + 1, m_box.left, m_box.right) };
+    }
+
+    Columns columnsOfImage(int y) const
+    {
+        const Matrix& m = m_sampler.toSource();
+        const Columns across = columnsWithin(m.a, m.c, m.e, m_image.width, y);
+        const Columns down = columnsWithin(m.b, m.d, m.f, static_cast<double>(m_mostRows), y);
+        return { std::max(across.begin, down.begin), std::min(across.end, down.end) };
+    }
+
+    /// Paints what the rows that have come suffice for.
+    void paintKnown()
+    {
+        for (int y = m_top; y < m_bottom; ++y) {
+            Columns& left = m_left[static_cast<std::size_t>(y - m_box.top)];
+            if (left.empty())
+                continue;
+            const Columns known = takeKnown(left, y);
+            if (!known.empty() && !paint(y, known))
+                break;
+        }
+        const auto isDone = [&](int y) { return m_left[static_cast<std::size_t>(y - m_box.top)].empty(); };
+        while (m_top < m_bottom && isDone(m_top))
+            ++m_top;
+        while (m_top < m_bottom && isDone(m_bottom - 1))
+            --m_bottom;
+        m_compositor->chargePixels();
+    }
+
+    /// Takes off the columns that need no more rows: from the left or the right on, as rows rise with x or fall.
+    Columns takeKnown(Columns& left, int y) const
+    {
+        const auto rows = static_cast<double>(m_rows.end());
+        const auto isKnown = [&](int x) { return m_sampler.rowsNeeded(x, y) <= rows; };
+        const bool rises = m_sampler.toSource().b >= 0;
+        if (!isKnown(rises ? left.begin : left.end - 1))
+            return {};
+        // Between `known`, which is, and `unknown`, which is not or lies beyond the end.
+        int known = rises ? left.begin : left.end - 1;
+        int unknown = rises ? left.end : left.begin - 1;
+        while (std::abs(unknown - known) > 1) {
+            const int middle = known + (unknown - known) / 2;
+            (isKnown(middle) ? known : unknown) = middle;
+        }
+        const Columns taken = rises ? Columns { left.begin, unknown } : Columns { unknown + 1, left.end };
+        (rises ? left.begin : left.end) = rises ? taken.end : taken.begin;
+        return taken;
+    }
+
+    /// False when the job's work is at its end.
+    bool paint(int y, Columns columns)
+    {
+        const auto count = static_cast<std::size_t>(columns.end - columns.begin);
+        const std::uint64_t samples = count * static_cast<std::uint64_t>(m_sampler.samples());
+        if (!m_compositor->work().allows(Work::Images, samples * kUnitsPerSample))
+            return false;
+        m_sampler.sample(m_rows, y, columns.begin, columns.end, m_line.data(), m_coverage.data());
+        std::size_t first = 0;
+        std::size_t end = count;
+        while (first < end && m_coverage[first] == 0)
+            ++first;
+        while (first < end && m_coverage[end - 1] == 0)
+            --end;
+        if (first < end)
+            paintCovered(y, columns.begin, first, end);
+        return true;
+    }
+
+    /// Columns left + first <= x < left + end.
+    void paintCovered(int y, int left, std::size_t first, std::size_t end)
+    {
+        const std::uint8_t* const ink = m_line.data() + first * static_cast<std::size_t>(m_sampler.inkChannels());
+        const std::uint8_t* const coverage = m_coverage.data() + first;
+        const int x = left + static_cast<int>(first);
+        const auto count = static_cast<int>(end - first);
+        if (m_image.format == ImageFormat::Rgba32)
+            return m_compositor->blended(y, x, ink, coverage, count);
+        if (m_image.format != ImageFormat::Mono)
+            return m_compositor->colors(y, x, ink, coverage, count);
         // Bilevel ink is a mask; an opaque one whitens the rest of its box, which only whole pixels can say.
-        if (!m_compositor->isSourceTransparent()) {
-            for (int x = first; x <= last; ++x) {
-                if (m_coverage[static_cast<std::size_t>(x - box.left)] >= 128)
-                    m_compositor->coverage(y, x, m_line.data() + (x - box.left), 1, true);
-            }
-            return;
+        if (m_compositor->isSourceTransparent())
+            return m_compositor->coverage(y, x, ink, count, false);
+        for (int from = 0; from < count;) {
+            int to = from;
+            while (to < count && coverage[to] != 0)
+                ++to;
+            m_compositor->coverage(y, x + from, ink + from, to - from, true);
+            for (from = to; from < count && coverage[from] == 0;)
+                ++from;
         }
-        m_compositor->coverage(y, first, m_line.data() + offset, count, false);
-    }
-
-    /// The ink in a device pixel and how much of the pixel the image takes.
-    void samplePixel(int x, int y, const Matrix& toSource, std::uint8_t* ink, std::uint8_t& coverage) const
-    {
-        float sums[4] = {};
-        int inside = 0;
-        int counted = 0;
-        for (int j = 0; j < m_samples; ++j) {
-            for (int i = 0; i < m_samples; ++i) {
-                const Point at = toSource.apply({ x + (i + 0.5) / m_samples, y + (j + 0.5) / m_samples });
-                if (!(at.x >= 0 && at.y >= 0 && at.x < m_image.width && at.y < static_cast<double>(m_rows)))
-                    continue;
-                ++inside;
-                counted += addSample(at, sums) ? 1 : 0;
-            }
-        }
-        const int samples = m_samples * m_samples;
-        if (m_isMono) {
-            // Ink over the whole pixel; on a bilevel page any ink counts, so that thin lines stay.
-            const float share = sums[0] / static_cast<float>(samples);
-            ink[0] = m_isBilevelPage ? (sums[0] > 0 ? 255 : 0) : static_cast<std::uint8_t>(share + 0.5F);
-            coverage = inside * 2 >= samples || sums[0] > 0 ? 255 : 0;
-            return;
-        }
-        if (m_hasAlpha) {
-            const float alpha = sums[m_inkChannels];
-            const float whole = alpha > 0 ? 255 / alpha : 0;
-            coverage = static_cast<std::uint8_t>(alpha / static_cast<float>(samples) + 0.5F);
-            for (std::size_t channel = 0; channel < m_inkChannels; ++channel)
-                ink[channel] = static_cast<std::uint8_t>(std::min(sums[channel] * whole + 0.5F, 255.0F));
-            return;
-        }
-        const int share = m_compositor->isSourceTransparent() ? counted : inside;
-        coverage = static_cast<std::uint8_t>((share * 255 + samples / 2) / samples);
-        for (std::size_t channel = 0; channel < m_channels; ++channel)
-            ink[channel] = share == 0 ? 0 : static_cast<std::uint8_t>(sums[channel] / static_cast<float>(share) + 0.5F);
-    }
-
-    /// False if the sample is white.
-    bool addSample(Point at, float* sums) const
-    {
-        if ((m_image.smooth || m_image.smoothsBlocks) && !m_isBilevelPage)
-            return addLinearSample(at, sums);
-        return addWeighted(static_cast<std::int64_t>(at.x), static_cast<std::int64_t>(at.y), 1, sums);
-    }
-
-    bool addLinearSample(Point at, float* sums) const
-    {
-        const double left = std::floor(at.x - 0.5);
-        const double top = std::floor(at.y - 0.5);
-        const auto partX = static_cast<float>(at.x - 0.5 - left);
-        const auto partY = static_cast<float>(at.y - 0.5 - top);
-        const auto x = static_cast<std::int64_t>(left);
-        const auto y = static_cast<std::int64_t>(top);
-        bool isInk = addWeighted(x, y, (1 - partX) * (1 - partY), sums);
-        isInk = addWeighted(x + 1, y, partX * (1 - partY), sums) || isInk;
-        isInk = addWeighted(x, y + 1, (1 - partX) * partY, sums) || isInk;
-        return addWeighted(x + 1, y + 1, partX * partY, sums) || isInk;
-    }
-
-    bool addWeighted(std::int64_t x, std::int64_t y, float weight, float* sums) const
-    {
-        const auto column = static_cast<std::size_t>(std::clamp<std::int64_t>(x, 0, m_image.width - 1));
-        const auto row
-            = static_cast<std::size_t>(std::clamp<std::int64_t>(y, 0, static_cast<std::int64_t>(m_rows) - 1));
-        const std::uint8_t* pixel = m_ink.data() + row * m_rowBytes + column * m_channels;
-        bool isInk = false;
-        for (std::size_t channel = 0; channel < m_channels; ++channel) {
-            sums[channel] += weight * static_cast<float>(pixel[channel]);
-            isInk = isInk || pixel[channel] != 0;
-        }
-        return isInk && weight > 0;
     }
 
     ImageGeometry m_image;
     std::unique_ptr<Compositor> m_compositor;
-    bool m_isMono;
-    bool m_isBilevelPage;
-    bool m_hasAlpha; ///< behind the ink of every pixel, which is multiplied by it
-    std::size_t m_inkChannels;
-    std::size_t m_channels;
-    std::size_t m_rowBytes;
-    std::size_t m_mostRows;
-    std::size_t m_rows = 0;
-    int m_samples = 1;
-    std::vector<std::uint8_t> m_ink; ///< the whole image
+    std::int64_t m_mostBatchRows;
+    AffineSampler m_sampler;
+    std::int64_t m_mostRows;
+    std::uint64_t m_unitsPerRow;
+    PixelRect m_box; ///< device pixels
+    PixelRect m_needed; ///< source pixels
+    RowWindow m_rows;
+    std::int64_t m_keptRows = 0; ///< the latest, which pixels still to be painted may need
+    bool m_isTooTall = false; ///< those of a single pixel are too many, if the image has as many
+    std::int64_t m_capacity = 0; ///< rows that have come before what is known is painted
+    std::vector<Columns> m_left; ///< of each row of the box: what is still to be painted
+    int m_top = 0; ///< device rows with something left
+    int m_bottom = 0;
     std::vector<std::uint8_t> m_line;
     std::vector<std::uint8_t> m_coverage;
 };
 
 } // namespace
 
-std::unique_ptr<ImagePainter> makeAffineImage(const ImageGeometry& geometry, std::unique_ptr<Compositor> compositor)
+std::unique_ptr<ImagePainter> makeAffineImage(
+    const ImageGeometry& geometry, std::unique_ptr<Compositor> compositor, std::int64_t mostBatchRows)
 {
-    return std::make_unique<AffineImage>(geometry, std::move(compositor));
+    return std::make_unique<AffineImage>(geometry, std::move(compositor), mostBatchRows);
 }
 
 } // namespace quillrip

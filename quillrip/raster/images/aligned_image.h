@@ -75,7 +75,9 @@ std::unique_ptr<ImagePainter> makeBitImage(const AlignedGeometry& geometry, std:
 /// A source in tones, or a bilevel one that becomes coverage: blocks, averages over the area, or linear between pixels.
 std::unique_ptr<ImagePainter> makeToneImage(const AlignedGeometry& geometry, std::unique_ptr<Compositor> compositor);
 
-/// An image at any angle. It is kept whole until its end.
-std::unique_ptr<ImagePainter> makeAffineImage(const ImageGeometry& geometry, std::unique_ptr<Compositor> compositor);
+/// An image at any angle: its rows are kept until all pixels that they show in are painted. Pixels
+/// are painted when a batch of rows has come, of `mostBatchRows` at most.
+std::unique_ptr<ImagePainter> makeAffineImage(
+    const ImageGeometry& geometry, std::unique_ptr<Compositor> compositor, std::int64_t mostBatchRows = INT32_MAX);
 
 } // namespace quillrip

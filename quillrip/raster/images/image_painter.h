@@ -31,7 +31,7 @@ struct ImageGeometry {
     bool dropsPixels = false;
 };
 
-/// Rows in, marks out; no image is held whole while its rows run along the device's axes.
+/// Rows in, marks out; no image is held whole.
 class ImagePainter {
 public:
     virtual ~ImagePainter() = default;
