@@ -12,10 +12,10 @@ _quillrip() {
         -c) words="0 1 2 3 4 5 6 7" ;;
         -faxtif) words="0 1" ;;
         -sync | -writelocal) words="y n" ;;
-        -gw | -gh | -limit-pages | -limit-output | -limit-seconds) return ;;
+        -gw | -gh | -limit-pages | -limit-output | -limit-memory | -limit-seconds) return ;;
         *)
-            words="-o -i -r -gw -gh -b -c -faxtif -sync -limit-pages -limit-output -limit-seconds --report -q
-                -writelocal --trace --help --version"
+            words="-o -i -r -gw -gh -b -c -faxtif -sync -limit-pages -limit-output -limit-memory -limit-seconds --report
+                -q -writelocal --trace --help --version"
             ;;
     esac
     mapfile -t COMPREPLY < <(compgen -W "$words" -- "$current")

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "quillrip/base/heap_account.h"
 #include "quillrip/base/work_meter.h"
 
 #include <cstddef>
@@ -20,6 +21,7 @@ struct Limits {
     std::size_t pathPoints = std::size_t { 16 } << 20; ///< one path
     std::size_t imageRowBytes = std::size_t { 4 } << 20; ///< one decoded source row: far wider than any page
     std::uint32_t stateDepth = 1000; ///< saved graphics states
+    MemoryBudget memory; ///< all that is not a page's bitmap, together
     /// The job's account of its work. Copies of the limits share it; another job takes another one.
     std::shared_ptr<WorkMeter> work = std::make_shared<WorkMeter>();
 };

@@ -11,7 +11,7 @@ namespace quillrip {
 enum class Work : std::uint8_t {
     Commands, ///< reading and obeying the language
     Recordings, ///< macros and user streams
-    Decoding, ///< compressed rows, fonts
+    Decoding, ///< rows of images out of their compression
     Lines, ///< dashes, hatches, joins and caps
     Shapes, ///< edges in rows
     Pixels, ///< of the page that change

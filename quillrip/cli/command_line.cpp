@@ -21,6 +21,7 @@ struct Arguments {
     bool isDurable = false;
     std::optional<int> mostPages;
     std::optional<int> mostOutput;
+    std::optional<int> mostMemory;
     int mostSeconds = 24 * 60 * 60;
     std::string report;
     bool isQuiet = false;
@@ -106,6 +107,12 @@ bool takeLimitOutput(Arguments& arguments, const std::string& value)
 {
     arguments.mostOutput = wholeNumber(value, 1, kMostMegabytes);
     return arguments.mostOutput.has_value();
+}
+
+bool takeLimitMemory(Arguments& arguments, const std::string& value)
+{
+    arguments.mostMemory = wholeNumber(value, 1, kMostMegabytes);
+    return arguments.mostMemory.has_value();
 }
 
 bool takeLimitSeconds(Arguments& arguments, const std::string& value)
@@ -196,6 +203,10 @@ constexpr std::array s_options {
         "A job whose images need more megabytes, of 1,048,576 bytes, ends likewise.\n"
         "Default 4096 and another for each byte of the job.",
         takeLimitOutput },
+    Option { "-limit-memory", "MB", "a whole number of megabytes from 1 to 100000000",
+        "A job that needs more megabytes of memory besides its pages ends likewise. Default 32, with another 32\n"
+        "for each megabyte of the job, 1024 at most, and up to 256 for its largest compressed picture.",
+        takeLimitMemory },
     Option { "-limit-seconds", "S", "a whole number of seconds from 1 to 10000000",
         "A job that takes longer, in real time, ends likewise. Default 86400, a day.", takeLimitSeconds },
     Option { "--report", "FILE", "the path of a file that is no image",
@@ -235,6 +246,8 @@ Request conversionOf(const Arguments& arguments)
     options.document.isDurable = arguments.isDurable;
     options.limits.pages = static_cast<std::uint32_t>(arguments.mostPages.value_or(kMostPages));
     options.limits.outputBytes = static_cast<std::uint64_t>(arguments.mostOutput.value_or(0)) << 20;
+    if (arguments.mostMemory)
+        options.limits.memory = { static_cast<std::uint64_t>(*arguments.mostMemory) << 20, 0, 0, 0 };
     options.inputPath = arguments.input;
     options.document.path = arguments.output;
     options.document.type = *type;

@@ -335,6 +335,7 @@ Pixels decodeDib(ByteView headerBytes, ByteView bits, const DibContext& context,
         return {};
     }
     if (isRuns) {
+        expectPixels(width, static_cast<std::uint64_t>(stored));
         unpacked = unpackRuns(bits, width, static_cast<std::size_t>(stored), header.compression == kRle4);
         bits = unpacked;
         stride = width;

@@ -67,4 +67,8 @@ Pixels decodeBitmapFile(ByteView file, std::string& problem);
 Pixels decodePng(ByteView file, std::uint64_t mostPixels, std::string& problem);
 Pixels decodeJpeg(ByteView file, std::uint64_t mostPixels, std::string& problem);
 
+/// Tells the heap's account of a picture whose pixels, decoded, have nothing to do with the bytes that they come from.
+/// `otherBytes` are taken besides.
+void expectPixels(std::uint64_t width, std::uint64_t height, std::uint64_t otherBytes = 0);
+
 } // namespace quillrip::emf

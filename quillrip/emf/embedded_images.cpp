@@ -2,23 +2,20 @@
 
 #include "quillrip/emf/dib.h"
 
+#include "quillrip/base/heap_account.h"
+#include "quillrip/base/jpeg_coefficients.h"
+
 #include <csetjmp>
 #include <cstdint>
-#include <cstdio>
 #include <cstring>
 #include <string>
 
 #include <png.h>
 
-extern "C" {
-#include <jpeglib.h>
-}
-
 namespace quillrip::emf {
 
 namespace {
 
-constexpr long kMostDecoderMemory = 256L << 20;
 constexpr int kMostScans = 200;
 
 /// The library's error handler may not return, so it jumps; what it jumps over is plain data or lies outside.
@@ -41,6 +38,7 @@ struct JpegReader {
     jpeg_decompress_struct info {};
     JpegErrors errors {};
     jpeg_progress_mgr progress {};
+    HeapClaim coefficients;
 
     JpegReader()
     {
@@ -60,7 +58,6 @@ bool readJpeg(JpegReader& reader, ByteView file, std::uint64_t mostPixels, Pixel
     if (setjmp(reader.errors.escape) != 0)
         return false;
     jpeg_create_decompress(&info);
-    info.mem->max_memory_to_use = kMostDecoderMemory;
     info.progress = &reader.progress;
     jpeg_mem_src(&info, file.data, static_cast<unsigned long>(file.size));
     jpeg_read_header(&info, TRUE);
@@ -68,6 +65,9 @@ bool readJpeg(JpegReader& reader, ByteView file, std::uint64_t mostPixels, Pixel
     info.out_color_space = isCmyk ? JCS_CMYK : JCS_RGB;
     if (std::uint64_t { info.image_width } * info.image_height > mostPixels)
         return false;
+    const std::uint64_t coefficients = coefficientBytes(info);
+    expectPixels(info.image_width, info.image_height, coefficients);
+    reader.coefficients.add(coefficients);
     jpeg_start_decompress(&info);
     pixels.format = isCmyk ? Pixels::Format::Rgba32 : Pixels::Format::Rgb24;
     pixels.width = static_cast<int>(info.output_width);
@@ -92,6 +92,12 @@ void blackToRgb(Pixels& pixels)
 }
 
 } // namespace
+
+void expectPixels(std::uint64_t width, std::uint64_t height, std::uint64_t otherBytes)
+{
+    // Four bytes a pixel, and as many in the form that it is decoded to at first.
+    HeapAccount::expectPicture(width * height * 8 + otherBytes);
+}
 
 Pixels decodeJpeg(ByteView file, std::uint64_t mostPixels, std::string& problem)
 {
@@ -122,6 +128,7 @@ Pixels decodePng(ByteView file, std::uint64_t mostPixels, std::string& problem)
         problem = "its PNG file is too large";
         return pixels;
     }
+    expectPixels(image.width, image.height);
     const bool hasAlpha = (image.format & PNG_FORMAT_FLAG_ALPHA) != 0;
     image.format = hasAlpha ? PNG_FORMAT_RGBA : PNG_FORMAT_RGB;
     pixels.format = hasAlpha ? Pixels::Format::Rgba32 : Pixels::Format::Rgb24;

@@ -1,5 +1,6 @@
 #include "quillrip/image/document_writer.h"
 
+#include "quillrip/base/heap_account.h"
 #include "quillrip/image/encoding_pipeline.h"
 #include "quillrip/image/file_encoder.h"
 #include "quillrip/image/output_files.h"
@@ -69,7 +70,7 @@ public:
     bool failForMemory()
     {
         m_isOutOfMemory = true;
-        m_reason = "there is not enough memory";
+        m_reason = HeapAccount::reason();
         return false;
     }
 

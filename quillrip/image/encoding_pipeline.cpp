@@ -1,5 +1,7 @@
 #include "quillrip/image/encoding_pipeline.h"
 
+#include "quillrip/base/heap_account.h"
+
 #include <algorithm>
 #include <new>
 #include <system_error>
@@ -14,8 +16,6 @@ constexpr std::size_t kPagesInWork = 2;
 constexpr std::size_t kBytesInWork = std::size_t { 16 } << 20;
 /// Pieces of a page that are encoded and wait for one before them, per thread.
 constexpr int kPiecesAhead = 4;
-
-constexpr const char* kOutOfMemory = "there is not enough memory to encode a page";
 
 std::size_t bytesOf(const PageBitmap& page) { return page.stride() * static_cast<std::size_t>(page.height()); }
 
@@ -103,7 +103,7 @@ bool EncodingPipeline::drain()
 std::string EncodingPipeline::encodingReason() const
 {
     const std::lock_guard<std::mutex> lock { m_mutex };
-    return m_isOutOfMemory ? kOutOfMemory : m_reason;
+    return m_isOutOfMemory ? HeapAccount::reason() : m_reason;
 }
 
 bool EncodingPipeline::isOutOfMemory() const

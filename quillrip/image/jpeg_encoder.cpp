@@ -18,9 +18,11 @@
 #include <cstdint>
 #include <cstdio>
 #include <memory>
+#include <new>
 #include <string>
 #include <vector>
 
+#include <jerror.h>
 #include <jpeglib.h>
 
 namespace quillrip {
@@ -38,6 +40,7 @@ struct Compressor {
     std::array<char, JMSG_LENGTH_MAX> message {};
     std::vector<std::uint8_t>* out = nullptr;
     std::size_t used = 0; ///< of `out`, before the library's present step
+    bool isOutOfMemory = false;
 };
 
 Compressor& compressorOf(j_common_ptr library) { return *static_cast<Compressor*>(library->client_data); }
@@ -46,6 +49,7 @@ Compressor& compressorOf(j_compress_ptr library) { return *static_cast<Compresso
 void failWithMessage(j_common_ptr library)
 {
     Compressor& compressor = compressorOf(library);
+    compressor.isOutOfMemory = compressor.isOutOfMemory || compressor.errors.msg_code == JERR_OUT_OF_MEMORY;
     compressor.errors.format_message(library, compressor.message.data());
     std::longjmp(compressor.failure, 1); // NOLINT
 }
@@ -58,6 +62,7 @@ bool growOutput(Compressor& compressor)
     try {
         compressor.out->resize(compressor.used + kOutputStep);
     } catch (const std::bad_alloc&) {
+        compressor.isOutOfMemory = true;
         return false;
     }
     compressor.destination.next_output_byte = &(*compressor.out)[compressor.used];
@@ -106,7 +111,10 @@ public:
         compressor.out = &encoded.bytes;
         const int top = piece * m_bandHeight;
         const int bottom = std::min(page().height() - top, m_bandHeight) + top;
-        if (!compress(compressor, top, bottom, row.data()))
+        const bool isGood = compress(compressor, top, bottom, row.data());
+        if (compressor.isOutOfMemory)
+            throw std::bad_alloc {};
+        if (!isGood)
             return std::string { "JPEG: " } + compressor.message.data();
         return makePart(piece, encoded.bytes) ? std::string {} : std::string { "JPEG: the data has no start" };
     }

@@ -45,11 +45,14 @@ public:
         return m_document.encodeStrip(page(), m_layout, strip, encoded.bytes);
     }
 
-    bool begin() override { return m_document.beginPage(m_layout); }
+    bool begin() override { return m_document.outcome(m_document.beginPage(m_layout)); }
 
-    bool write(const EncodedPiece& piece) override { return m_document.writeStrip(m_nextStrip++, piece.bytes); }
+    bool write(const EncodedPiece& piece) override
+    {
+        return m_document.outcome(m_document.writeStrip(m_nextStrip++, piece.bytes));
+    }
 
-    bool end() override { return m_document.endPage(); }
+    bool end() override { return m_document.outcome(m_document.endPage()); }
 
 private:
     TiffDocument& m_document;
@@ -161,7 +164,14 @@ bool TiffDocument::finish()
     m_tiff.reset();
     // A file of one page holds no "page of a multi-page image", unless it is a fax.
     const bool isSinglePage = m_pagesWritten == 1 && !m_options.fax;
-    return file().reason().empty() && fillInPageCount(file(), clampedToU16(m_pagesWritten), isSinglePage);
+    return outcome(file().reason().empty()) && fillInPageCount(file(), clampedToU16(m_pagesWritten), isSinglePage);
+}
+
+bool TiffDocument::outcome(bool isGood) const
+{
+    if (m_isOutOfMemory)
+        throw std::bad_alloc {};
+    return isGood;
 }
 
 tmsize_t TiffDocument::read(thandle_t client, void* data, tmsize_t count)
@@ -182,6 +192,7 @@ tmsize_t TiffDocument::write(thandle_t client, void* data, tmsize_t count)
         if (!(document.m_at == file.size() ? file.append(bytes) : file.writeAt(document.m_at, bytes)))
             return -1;
     } catch (const std::bad_alloc&) { // must not cross the library
+        document.m_isOutOfMemory = true;
         return -1;
     }
     document.m_at += bytes.size;

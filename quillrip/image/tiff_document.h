@@ -44,6 +44,9 @@ private:
     std::string encodeStrip(
         const PageBitmap& page, const TiffLayout& layout, std::uint32_t strip, std::vector<std::uint8_t>& out);
 
+    /// What a step came to; throws std::bad_alloc where write(), which the library calls, had to keep it to itself.
+    bool outcome(bool isGood) const;
+
     static tmsize_t read(thandle_t client, void* data, tmsize_t count);
     static tmsize_t write(thandle_t client, void* data, tmsize_t count);
     static toff_t seek(thandle_t client, toff_t offset, int whence);
@@ -57,6 +60,7 @@ private:
     std::uint32_t m_pagesWritten = 0;
     std::uint64_t m_firstStripBytes = 0; ///< of the first page
     bool m_isBig = false;
+    bool m_isOutOfMemory = false;
     TiffHandle m_tiff;
 
     /// Encoded strips without a mark, by format, width and rows: most pages have many.

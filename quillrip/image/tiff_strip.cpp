@@ -19,6 +19,7 @@ public:
     static TiffCallbacks callbacksOf(MemoryFile& file) { return { &file, read, write, seek, size }; }
 
     const std::vector<std::uint8_t>& bytes() const { return m_bytes; }
+    bool isOutOfMemory() const { return m_isOutOfMemory; }
 
 private:
     static MemoryFile& self(thandle_t client) { return *static_cast<MemoryFile*>(client); }
@@ -33,6 +34,7 @@ private:
             if (file.m_at + size > file.m_bytes.size())
                 file.m_bytes.resize(file.m_at + size);
         } catch (const std::bad_alloc&) { // must not cross the library
+            file.m_isOutOfMemory = true;
             return -1;
         }
         if (size > 0)
@@ -55,6 +57,7 @@ private:
 
     std::vector<std::uint8_t> m_bytes;
     std::size_t m_at = 0;
+    bool m_isOutOfMemory = false;
 };
 
 /// Bilevel strips keep ink, as their photometric interpretation says that 0 is white; the others hold light.
@@ -150,6 +153,8 @@ std::string encodeTiffStrip(
     const bool isGood = layout.isCcitt()
         ? writeRows(tiff.get(), page, layout, top, rows)
         : TIFFWriteEncodedStrip(tiff.get(), 0, plain.data(), static_cast<tmsize_t>(plain.size())) >= 0;
+    if (file.isOutOfMemory())
+        throw std::bad_alloc {};
     const std::uint64_t* offsets = nullptr;
     const std::uint64_t* sizes = nullptr;
     if (!isGood || TIFFGetField(tiff.get(), TIFFTAG_STRIPOFFSETS, &offsets) != 1

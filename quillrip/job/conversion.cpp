@@ -1,6 +1,7 @@
 #include "quillrip/job/conversion.h"
 #include "quillrip/base/outcome.h"
 
+#include "quillrip/base/heap_account.h"
 #include "quillrip/base/input_stream.h"
 #include "quillrip/fonts/faces/font_file.h"
 #include "quillrip/image/document_writer.h"
@@ -194,9 +195,10 @@ ConversionResult convertWithMemory(
 ConversionResult convert(const ConversionOptions& options, DiagnosticSink& diagnostics, ConversionObserver& observer)
 {
     const auto outOfMemory = [&] {
-        return ConversionResult { ConversionStatus::LimitExceeded, "there is not enough memory", options.inputPath, 0 };
+        return ConversionResult { ConversionStatus::LimitExceeded, HeapAccount::reason(), options.inputPath, 0 };
     };
     try {
+        const HeapBound bound(options.limits.memory);
         return convertWithMemory(options, diagnostics, observer);
     } catch (const std::bad_alloc&) {
         return outOfMemory();

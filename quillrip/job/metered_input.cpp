@@ -1,5 +1,7 @@
 #include "quillrip/job/metered_input.h"
 
+#include "quillrip/base/heap_account.h"
+
 #include <algorithm>
 #include <cstdint>
 
@@ -24,6 +26,7 @@ std::size_t MeteredInput::pull(std::uint8_t* to, std::size_t count)
     std::copy_n(window.data, taken, to);
     m_input.skip(taken);
     m_failed = m_input.failed();
+    HeapAccount::addInput(taken);
     m_charged += kUnitsPerByte * taken;
     m_work.charge(Work::Commands, kUnitsPerByte * taken);
     return taken;

@@ -8,8 +8,8 @@
 
 namespace quillrip {
 
-/// An input whose bytes are charged. What is passed over since no language has it costs next to nothing, and a device
-/// or a pipe need never end: when the job's budget is exhausted, the input ends.
+/// An input whose bytes are charged, and add to what the job may keep. What is passed over since no language has it
+/// costs next to nothing, and a device or a pipe need never end: when the job's budget is exhausted, the input ends.
 class MeteredInput final : public InputStream {
 public:
     /// Both must outlive it.

@@ -1,21 +1,18 @@
 #include "quillrip/pclxl/image_decoders.h"
 
+#include "quillrip/base/heap_account.h"
+#include "quillrip/base/jpeg_coefficients.h"
+
 #include <algorithm>
 #include <csetjmp>
 #include <cstdint>
-#include <cstdio>
 #include <vector>
-
-extern "C" {
-#include <jpeglib.h>
-}
 
 namespace quillrip::pclxl {
 
 namespace {
 
-// Progressive streams are held whole by the library, and each of their scans passes over all of them.
-constexpr long kMaxDecoderMemory = 256L << 20;
+// Each scan of a progressive stream passes over the whole picture.
 constexpr int kMaxScans = 200;
 
 /// The library's error handler may not return, so it jumps; everything it jumps over is plain data or lives outside.
@@ -95,6 +92,12 @@ struct Decoding {
     jpeg_progress_mgr progress {};
     std::vector<std::uint8_t> decoded;
     std::vector<std::uint8_t> row;
+    HeapClaim coefficients;
+
+    Decoding() = default;
+    ~Decoding() { jpeg_destroy_decompress(&info); }
+    Decoding(const Decoding&) = delete;
+    Decoding& operator=(const Decoding&) = delete;
 };
 
 Status decode(Decoding& state, const BlockLayout& layout, std::uint32_t rows, RowSink& sink, bool hasPlainComponents)
@@ -103,7 +106,6 @@ Status decode(Decoding& state, const BlockLayout& layout, std::uint32_t rows, Ro
         return state.source.isAtEnd ? Error::MissingData : Error::IllegalDataValue;
     jpeg_decompress_struct& info = state.info;
     jpeg_create_decompress(&info);
-    info.mem->max_memory_to_use = kMaxDecoderMemory;
     info.src = &state.source.base;
     info.progress = &state.progress;
     jpeg_read_header(&info, TRUE);
@@ -111,6 +113,9 @@ Status decode(Decoding& state, const BlockLayout& layout, std::uint32_t rows, Ro
     // With another number of components the library finds this an error.
     if (hasPlainComponents)
         info.jpeg_color_space = info.out_color_space;
+    const std::uint64_t coefficients = coefficientBytes(info);
+    HeapAccount::expectPicture(coefficients);
+    state.coefficients.add(coefficients);
     jpeg_start_decompress(&info);
 
     state.decoded.resize(static_cast<std::size_t>(info.output_width) * static_cast<std::size_t>(layout.components));
@@ -151,9 +156,7 @@ Status decodeJpegBlock(
     state.source.base.term_source = termSource;
     state.progress.progress_monitor = onProgress;
     state.row.assign(std::max<std::size_t>(layout.rowBytes, 1), 0xFF);
-    const Status status = decode(state, layout, rows, sink, form.hasPlainComponents);
-    jpeg_destroy_decompress(&state.info);
-    return status;
+    return decode(state, layout, rows, sink, form.hasPlainComponents);
 }
 
 } // namespace quillrip::pclxl

@@ -7,6 +7,7 @@
 #include <iterator>
 #include <spawn.h>
 #include <stdexcept>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -44,10 +45,11 @@ Outcome runQuillrip(
     const int failure = posix_spawn(&process, words[0].c_str(), &files, nullptr, pointersTo(words).data(),
         environment.empty() ? environ : own.data());
     posix_spawn_file_actions_destroy(&files);
-    if (failure != 0 || waitpid(process, &status, 0) != process)
+    struct rusage usage { };
+    if (failure != 0 || ::wait4(process, &status, 0, &usage) != process)
         throw std::runtime_error("quillrip cannot be started");
-    return { WIFEXITED(status) ? WEXITSTATUS(status) : -1, contentOf(folder.path("err")),
-        contentOf(folder.path("out")) };
+    return { WIFEXITED(status) ? WEXITSTATUS(status) : -1, contentOf(folder.path("err")), contentOf(folder.path("out")),
+        static_cast<std::uint64_t>(usage.ru_maxrss) * 1024 };
 }
 
 TemporaryFolder::TemporaryFolder()

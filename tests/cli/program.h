@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -9,6 +10,7 @@ struct Outcome {
     int exitCode = -1; ///< -1: ended by a signal
     std::string errors; ///< what it wrote to standard error
     std::string output; ///< and to standard output
+    std::uint64_t peakBytes = 0; ///< of memory that was resident; not less than what this program has
 };
 
 /// Runs the quillrip that was built, as the window does: arguments as separate words, nothing on standard input unless

@@ -125,7 +125,7 @@ TEST(EncodingPipeline, FailuresEndItAndSayWhy)
             EXPECT_EQ(page, 0);
         const std::string expected = fault == Fault::Encoding ? "it went wrong"
             : fault == Fault::Writing                         ? "" // the output knows
-                                                              : "there is not enough memory to encode a page";
+                                                              : "there is not enough memory";
         EXPECT_EQ(pipeline.encodingReason(), expected);
     }
 }

@@ -26,6 +26,8 @@ public:
     std::shared_ptr<const Pixels> pixels(const std::shared_ptr<const ImageObject>& image, std::string& problem);
 
 private:
+    Pixels decode(const ImageObject& image, std::string& problem);
+
     static constexpr std::size_t kMostBytes = std::size_t { 256 } << 20;
     /// Of all images of a metafile, however often: many large ones in turn would take for ever.
     static constexpr std::uint64_t kMostDecodedBytes = std::uint64_t { 64 } << 30;

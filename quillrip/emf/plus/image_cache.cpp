@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <new>
 #include <string>
 
 namespace quillrip::emf::plus {
@@ -18,7 +19,7 @@ std::shared_ptr<const Pixels> ImageCache::pixels(const std::shared_ptr<const Ima
         problem = "the images before it were larger than any page needs";
         return nullptr;
     }
-    auto pixels = std::make_shared<const Pixels>(decodeImage(*image, problem));
+    auto pixels = std::make_shared<const Pixels>(decode(*image, problem));
     if (pixels->isNull())
         pixels = nullptr;
     m_entries.push_front({ image, pixels });
@@ -30,6 +31,20 @@ std::shared_ptr<const Pixels> ImageCache::pixels(const std::shared_ptr<const Ima
         m_entries.pop_back();
     }
     return pixels;
+}
+
+Pixels ImageCache::decode(const ImageObject& image, std::string& problem)
+{
+    try {
+        return decodeImage(image, problem);
+    } catch (const std::bad_alloc&) {
+        if (m_entries.empty())
+            throw;
+    }
+    // What is kept to save time makes room.
+    m_entries.clear();
+    m_bytes = 0;
+    return decodeImage(image, problem);
 }
 
 } // namespace quillrip::emf::plus

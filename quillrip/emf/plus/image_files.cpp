@@ -1,5 +1,6 @@
 #include "quillrip/emf/plus/image_files.h"
 
+#include "quillrip/base/heap_account.h"
 #include "quillrip/emf/plus/pixel_formats.h"
 
 #include <algorithm>
@@ -120,6 +121,7 @@ Pixels decodeGif(ByteView file, std::string& problem)
     if (!colors || !isDecodable(gif->SWidth, gif->SHeight) || !isDecodable(picture.Width, picture.Height))
         return {};
     problem.clear();
+    expectPixels(static_cast<std::uint64_t>(gif->SWidth), static_cast<std::uint64_t>(gif->SHeight));
     Pixels pixels = transparentPixels(gif->SWidth, gif->SHeight);
     std::vector<GifByteType> line(static_cast<std::size_t>(picture.Width));
     for (const int y : rowOrder(picture.Height, picture.Interlace)) {
@@ -171,6 +173,19 @@ struct TiffCloser {
 };
 using Tiff = std::unique_ptr<TIFF, TiffCloser>;
 
+/// What the library takes to decode a piece: a strip or a tile, of each of the planes that make up a pixel.
+std::uint64_t pieceBytes(TIFF* tiff)
+{
+    constexpr std::uint16_t mostPlanes = 4;
+    std::uint16_t arrangement = PLANARCONFIG_CONTIG;
+    std::uint16_t planes = 1;
+    TIFFGetFieldDefaulted(tiff, TIFFTAG_PLANARCONFIG, &arrangement);
+    TIFFGetFieldDefaulted(tiff, TIFFTAG_SAMPLESPERPIXEL, &planes);
+    const tmsize_t bytes = TIFFIsTiled(tiff) ? TIFFTileSize(tiff) : TIFFStripSize(tiff);
+    return static_cast<std::uint64_t>(std::max<tmsize_t>(bytes, 0))
+        * (arrangement == PLANARCONFIG_SEPARATE ? std::min(planes, mostPlanes) : 1U);
+}
+
 Pixels decodeTiff(ByteView file, std::string& problem)
 {
     MemoryFile memory { file };
@@ -185,6 +200,10 @@ Pixels decodeTiff(ByteView file, std::string& problem)
     if (!tiff || !TIFFGetField(tiff.get(), TIFFTAG_IMAGEWIDTH, &width)
         || !TIFFGetField(tiff.get(), TIFFTAG_IMAGELENGTH, &height) || !isDecodable(width, height))
         return {};
+    const std::uint64_t piece = pieceBytes(tiff.get());
+    expectPixels(width, height, piece);
+    HeapClaim claim;
+    claim.add(piece);
     std::vector<std::uint32_t> raster(static_cast<std::size_t>(width) * height);
     if (!TIFFReadRGBAImageOriented(tiff.get(), width, height, raster.data(), ORIENTATION_TOPLEFT, 1))
         return {};

@@ -168,6 +168,8 @@ Pixels decodePixels(const ImageObject& image, std::string& problem)
     }
     palette.resize(256, Rgba { 0, 0, 0, 255 });
 
+    // Of a picture of one bit a pixel there are 32 bytes for one.
+    expectPixels(static_cast<std::uint64_t>(image.width), static_cast<std::uint64_t>(image.height));
     Pixels pixels;
     pixels.format = Pixels::Format::Rgba32;
     pixels.width = image.width;

@@ -4,6 +4,8 @@
 #include <array>
 #include <cstdlib>
 #include <filesystem>
+#include <fts.h>
+#include <memory>
 #include <system_error>
 
 #include <ft2build.h>
@@ -23,6 +25,10 @@ constexpr std::array<const char*, 4> kExtensions { ".otf", ".ttf", ".t1", ".pfb"
 /// Walking the system's folders stops here; no installation comes near.
 constexpr int kMostSystemFiles = 20000;
 constexpr int kDeepestFolder = 6;
+
+struct WalkEnd {
+    void operator()(FTS* walk) const { fts_close(walk); }
+};
 
 std::vector<std::string> searchFolders()
 {
@@ -347,14 +353,16 @@ void FontFiles::scanSystemFolders()
         return -1;
     };
     int seen = 0;
-    for (const std::string& folder : systemFolders()) {
-        std::error_code error;
-        fs::recursive_directory_iterator walk(folder, fs::directory_options::skip_permission_denied, error);
-        for (; !error && walk != fs::recursive_directory_iterator() && seen < kMostSystemFiles; walk.increment(error)) {
-            if (walk.depth() > kDeepestFolder)
-                walk.disable_recursion_pending();
-            const fs::path& path = walk->path();
-            const int wanted = rank(path.extension().string());
+    for (std::string folder : systemFolders()) {
+        // The standard library's walk ends the process when memory is short.
+        std::array<char*, 2> roots { folder.data(), nullptr };
+        const std::unique_ptr<FTS, WalkEnd> walk(
+            fts_open(roots.data(), FTS_PHYSICAL | FTS_COMFOLLOW | FTS_NOCHDIR | FTS_NOSTAT, nullptr));
+        while (const FTSENT* const entry = walk && seen < kMostSystemFiles ? fts_read(walk.get()) : nullptr) {
+            if (entry->fts_level > kDeepestFolder)
+                fts_set(walk.get(), const_cast<FTSENT*>(entry), FTS_SKIP);
+            const fs::path path(entry->fts_path);
+            const int wanted = entry->fts_info == FTS_DP ? -1 : rank(path.extension().string());
             if (wanted < 0)
                 continue;
             ++seen;
