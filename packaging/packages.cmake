@@ -113,8 +113,9 @@ MuPDF is.")
 # The fonts that stand for a printer's own, in the packages that the widths and shapes were checked with.
 set(CPACK_DEBIAN_QUILLRIP_PACKAGE_DEPENDS "fonts-urw-base35, fonts-liberation2 | fonts-liberation, fonts-dejavu-core, \
 fonts-crosextra-carlito, fonts-crosextra-caladea, fonts-symbola, fonts-tlwg-waree-ttf, fonts-ebgaramond, \
-fonts-linuxlibertine")
-set(CPACK_DEBIAN_QUILLRIP_PACKAGE_SUGGESTS "ghostscript, mupdf-tools")
+fonts-linuxlibertine, fonts-lohit-deva, fonts-lohit-beng-bengali, fonts-lohit-guru, fonts-lohit-gujr, fonts-lohit-orya, \
+fonts-lohit-taml, fonts-lohit-telu, fonts-lohit-knda, fonts-lohit-mlym")
+set(CPACK_DEBIAN_QUILLRIP_PACKAGE_SUGGESTS "ghostscript, mupdf-tools, fonts-noto-core")
 set(CPACK_DEBIAN_PRISMO_PACKAGE_NAME prismo)
 set(CPACK_DEBIAN_PRISMO_PACKAGE_SECTION graphics)
 set(CPACK_COMPONENT_PRISMO_DESCRIPTION "Prismo is a window that lists the files that printer drivers wrote (PCL 5,

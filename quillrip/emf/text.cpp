@@ -152,9 +152,17 @@ private:
             const WindowsFont::Glyph glyph = glyphOf(unit.code);
             m_placed.push_back({ glyph, m_width, m_drop });
             advance = glyph.advance;
+            if (!isIndex && !glyph.face)
+                missed(unit.code);
         }
         const bool isSpace = unit.code == U' ' && !isIndex;
         move(advance, unit.dx, unit.dy, isSpace ? 1 : 0, unit.code != 0 || isIndex);
+    }
+
+    void missed(char32_t character)
+    {
+        if (leavesMark(character))
+            m_machine.warn("emf.letters-missing", "letters that no installed font has are left out");
     }
 
     /// The line goes on by what the job gives, or by an advance in em; `spaces` of them are widened to justify the
@@ -218,8 +226,11 @@ private:
             }
         }
         for (const ShapedCluster& cluster : shaped.clusters) {
-            for (std::size_t i = cluster.firstGlyph; i < cluster.lastGlyph; ++i)
+            for (std::size_t i = cluster.firstGlyph; i < cluster.lastGlyph; ++i) {
                 m_placed.push_back({ shaped.glyphs[i], m_width, m_drop });
+                if (!shaped.glyphs[i].face)
+                    missed(line[cluster.begin]);
+            }
             Point step = stepOf(cluster);
             if (isLast(cluster) && cluster.isRightToLeft && advances > 0) {
                 constexpr double kClose = 0.1;
@@ -262,7 +273,7 @@ private:
         const double turn = radians(m_turn * (m_run.isCompatible ? m_logical.escapement : m_logical.orientation));
         const double cosine = std::cos(turn);
         const double sine = std::sin(turn);
-        const Matrix shape { m_em * m_stretch, 0, m_em * m_font.slant() * m_stretch, -m_em, 0, 0 };
+        const Matrix shape { m_em * m_stretch, 0, m_em * placed.glyph.slant * m_stretch, -m_em, 0, 0 };
         const Matrix turned = shape * Matrix { cosine, -sine, sine, cosine, 0, 0 };
         Matrix result = turned * m_toReference;
         const Point origin = at(placed.x, placed.y) + result.applyVector(placed.glyph.shift);
@@ -284,7 +295,6 @@ private:
         }
         const GlyphMask::Depth depth
             = canvas.format() == PixelFormat::Bilevel ? GlyphMask::Depth::Bits : GlyphMask::Depth::Coverage;
-        const GlyphStyle style { m_font.bold() };
         for (const Placed& placed : m_placed) {
             if (!placed.glyph.face || placed.glyph.id == kNoGlyph)
                 continue;
@@ -295,8 +305,8 @@ private:
                 canvas.painter().fillPath(outlineOf(placed).transformed(toDevice), FillRule::NonZero, state);
                 continue;
             }
-            const PlacedGlyph pixels
-                = m_machine.job().glyphs.place(*placed.glyph.face, placed.glyph.id, toDevice, depth, style);
+            const PlacedGlyph pixels = m_machine.job().glyphs.place(
+                *placed.glyph.face, placed.glyph.id, toDevice, depth, { placed.glyph.bold });
             if (pixels.mask)
                 canvas.painter().drawMask(*pixels.mask, pixels.x, pixels.y, state);
         }
@@ -307,7 +317,8 @@ private:
         Path outline;
         if (!placed.glyph.face || !placed.glyph.face->outline(placed.glyph.id, outline))
             return {};
-        return m_font.bold() > 0 ? emboldened(outline, m_font.bold(), m_font.bold()) : outline;
+        const double bold = placed.glyph.bold;
+        return bold > 0 ? emboldened(outline, bold, bold) : outline;
     }
 
     void addOutlines()

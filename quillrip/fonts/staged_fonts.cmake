@@ -25,11 +25,21 @@ set(staged_fonts_crosextra-carlito Carlito-Bold Carlito-BoldItalic Carlito-Itali
 set(staged_fonts_crosextra-caladea Caladea-Bold Caladea-BoldItalic Caladea-Italic Caladea-Regular)
 set(staged_fonts_dejavu-core DejaVuSans DejaVuSans-Bold DejaVuSansMono)
 set(staged_fonts_symbola Symbola_hint)
-set(staged_fonts_tlwg-waree-ttf Waree)
+set(staged_fonts_tlwg-waree-ttf Waree Waree-Bold)
+set(staged_fonts_lohit-deva Lohit-Devanagari)
+set(staged_fonts_lohit-beng-bengali Lohit-Bengali)
+set(staged_fonts_lohit-guru Lohit-Gurmukhi)
+set(staged_fonts_lohit-gujr Lohit-Gujarati)
+set(staged_fonts_lohit-orya Lohit-Odia)
+set(staged_fonts_lohit-taml Lohit-Tamil)
+set(staged_fonts_lohit-telu Lohit-Telugu)
+set(staged_fonts_lohit-knda Lohit-Kannada)
+set(staged_fonts_lohit-mlym Lohit-Malayalam)
 set(staged_fonts_ebgaramond EBGaramond12-Italic EBGaramond12-Regular)
 set(staged_fonts_linuxlibertine LinBiolinum_R LinBiolinum_RB LinBiolinum_RI)
 
 set(staged_packages urw-base35 liberation2 crosextra-carlito crosextra-caladea dejavu-core symbola tlwg-waree-ttf
+    lohit-deva lohit-beng-bengali lohit-guru lohit-gujr lohit-orya lohit-taml lohit-telu lohit-knda lohit-mlym
     ebgaramond linuxlibertine)
 
 # First match wins.
@@ -41,6 +51,15 @@ set(font_folders
     /usr/share/fonts/truetype/dejavu
     /usr/share/fonts/truetype/ancient-scripts
     /usr/share/fonts/truetype/tlwg
+    /usr/share/fonts/truetype/lohit-devanagari
+    /usr/share/fonts/truetype/lohit-bengali
+    /usr/share/fonts/truetype/lohit-punjabi
+    /usr/share/fonts/truetype/lohit-gujarati
+    /usr/share/fonts/truetype/lohit-oriya
+    /usr/share/fonts/truetype/lohit-tamil
+    /usr/share/fonts/truetype/lohit-telugu
+    /usr/share/fonts/truetype/lohit-kannada
+    /usr/share/fonts/truetype/lohit-malayalam
     /usr/share/fonts/opentype/ebgaramond
     /usr/share/fonts/opentype/linux-libertine
 )

@@ -230,6 +230,16 @@ TEST(EmfText, MarksAreDrawnOverTheirLetter)
     EXPECT_NEAR(leftOf(both), leftOf(letter), 5);
 }
 
+TEST(EmfText, LettersThatNoFontHasAreTold)
+{
+    const std::u16string chakma = u"\U00011103\U00011127";
+    EXPECT_TRUE(play(arial(-100) + text(500, 500, chakma, { 60, 0, 60, 0 })).report.has("emf.letters-missing"));
+    EXPECT_TRUE(
+        play(arial(-100) + text(500, 500, chakma, { 60, 0, 60, 0 }, kAsItIs)).report.has("emf.letters-missing"));
+    EXPECT_FALSE(play(arial(-100) + text(500, 500, u"a\u200B \uE123\u0301", { 60, 0, 60, 60, 0 }))
+                     .report.has("emf.letters-missing"));
+}
+
 TEST(EmfText, TheLinesDirectionMovesPunctuation)
 {
     const Bytes string = text(500, 500, u"\u05D0.", { 60, 28 });

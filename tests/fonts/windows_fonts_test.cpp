@@ -52,10 +52,28 @@ TEST(WindowsFonts, StylesHaveTheirOwnFilesOrAreMade)
 {
     WindowsFonts fonts;
     const WindowsFont bold = fonts.select(request("Arial", 700), {});
-    EXPECT_EQ(bold.bold(), 0);
+    EXPECT_EQ(bold.glyphOfCharacter(U'H').bold, 0);
     EXPECT_NE(bold.face().id(), fonts.select(request("Arial"), {}).face().id());
     const WindowsFont slanted = fonts.select(request("Verdana", 400, true), {});
-    EXPECT_GT(slanted.slant(), 0);
+    EXPECT_GT(slanted.glyphOfCharacter(U'H').slant, 0);
+}
+
+TEST(WindowsFonts, FacesThatStandInAreBoldAndSlantedToo)
+{
+    WindowsFonts fonts;
+    constexpr char32_t beh = 0x0628; // Liberation Sans has no Arabic letters, DejaVu Sans has, in bold as well
+    const auto plain = fonts.select(request("Arial"), {}).glyphOfCharacter(beh);
+    const auto bold = fonts.select(request("Arial", 700, true), {}).glyphOfCharacter(beh);
+    ASSERT_NE(plain.face, nullptr);
+    EXPECT_NE(plain.face, bold.face);
+    EXPECT_EQ(bold.bold, 0);
+    EXPECT_EQ(plain.slant, 0);
+    EXPECT_GT(bold.slant, 0);
+    constexpr char32_t ka = 0x0915; // of Devanagari; in one weight only
+    const auto made = fonts.select(request("Arial", 700), {}).glyphOfCharacter(ka);
+    if (!made.face)
+        GTEST_SKIP() << "no face with Devanagari letters is installed";
+    EXPECT_GT(made.bold, 0);
 }
 
 TEST(WindowsFonts, UnknownNamesGoByTheirFamily)

@@ -6,6 +6,7 @@
 #include "quillrip/fonts/shaping/scripts.h"
 #include "quillrip/fonts/shaping/text_shaper.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <string>
@@ -84,6 +85,9 @@ void drawString(Machine& machine, const Record& record, FieldReader& fields)
     if (needsShaping(text))
         canvas.host().painter.work().charge(Work::Glyphs, kWorkPerShapedCharacter * text.size());
     const StringLayout layout = layOut(text, font, format, rect);
+    if (std::any_of(text.begin(), text.end(),
+            [&](char32_t code) { return leavesMark(code) && !font.font.glyphOfCharacter(code).face; }))
+        machine.warn("emf.letters-missing", "letters that no installed font has are left out");
     const PixelSet within = clipOf(canvas, layout, format, font, rect);
     for (const StringLayout::Line& line : layout.lines) {
         painter.draw(font, line.glyphs, Matrix(), *paint, within);

@@ -2,6 +2,7 @@
 
 #include "quillrip/emf/plus/shapes.h"
 #include "quillrip/fonts/pixels/glyph_cache.h"
+#include "quillrip/fonts/pixels/outline_raster.h"
 
 namespace quillrip::emf::plus {
 
@@ -38,9 +39,6 @@ void TextPainter::draw(const SizedFont& font, const std::vector<TextGlyph>& glyp
     const Host& host = m_canvas.host();
     const GlyphMask::Depth depth
         = host.format == PixelFormat::Bilevel ? GlyphMask::Depth::Bits : GlyphMask::Depth::Coverage;
-    const GlyphStyle style { font.font.bold() };
-    Matrix glyphSpace { font.font.stretch(), 0, font.font.slant(), 1, 0, 0 };
-    glyphSpace = glyphSpace * Matrix::scaling(font.em, -font.em);
     Matrix turned = shape;
     turned.e = turned.f = 0;
     const Matrix toDevice = m_canvas.worldToDevice();
@@ -48,15 +46,20 @@ void TextPainter::draw(const SizedFont& font, const std::vector<TextGlyph>& glyp
         if (!glyph.glyph.face || glyph.glyph.id == kNoGlyph)
             continue;
         const Typeface& face = *glyph.glyph.face;
+        const Matrix glyphSpace
+            = Matrix { font.font.stretch(), 0, glyph.glyph.slant, 1, 0, 0 } * Matrix::scaling(font.em, -font.em);
         const Matrix matrix = Matrix::translation(glyph.glyph.shift.x, glyph.glyph.shift.y) * glyphSpace * turned
             * Matrix::translation(glyph.at.x, glyph.at.y) * toDevice;
         if (GlyphCache::isTooLarge(face, matrix)) {
             Path outline;
-            if (face.outline(glyph.glyph.id, outline))
+            if (face.outline(glyph.glyph.id, outline)) {
+                if (glyph.glyph.bold > 0)
+                    outline = emboldened(outline, glyph.glyph.bold, glyph.glyph.bold);
                 host.painter.fillPath(outline.transformed(matrix), FillRule::NonZero, *painting);
+            }
             continue;
         }
-        const PlacedGlyph placed = host.glyphs.place(face, glyph.glyph.id, matrix, depth, style);
+        const PlacedGlyph placed = host.glyphs.place(face, glyph.glyph.id, matrix, depth, { glyph.glyph.bold });
         if (placed.mask)
             host.painter.drawMask(*placed.mask, placed.x, placed.y, *painting);
     }

@@ -190,13 +190,17 @@ unsigned FontFile::glyphOfSymbolCode(unsigned code) const
 
 unsigned FontFile::glyphCount() const { return static_cast<unsigned>(std::max<FT_Long>(0, m_face->num_glyphs)); }
 
+bool FontFile::isBold() const { return (m_face->style_flags & FT_STYLE_FLAG_BOLD) != 0; }
+
+bool FontFile::isItalic() const { return (m_face->style_flags & FT_STYLE_FLAG_ITALIC) != 0; }
+
 FontFileTraits FontFile::traits() const
 {
     const double em = m_face->units_per_EM;
     FontFileTraits traits;
     traits.family = m_face->family_name ? m_face->family_name : "";
-    traits.isBold = (m_face->style_flags & FT_STYLE_FLAG_BOLD) != 0;
-    traits.isItalic = (m_face->style_flags & FT_STYLE_FLAG_ITALIC) != 0;
+    traits.isBold = isBold();
+    traits.isItalic = isItalic();
     traits.lineAscent = m_face->ascender / em;
     traits.lineDescent = -m_face->descender / em;
     traits.lineGap = std::max(0.0, m_face->height / em - traits.lineAscent - traits.lineDescent);

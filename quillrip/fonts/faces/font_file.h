@@ -51,6 +51,8 @@ public:
     unsigned glyphOfSymbolCode(unsigned code) const;
     unsigned glyphCount() const;
     FontFileTraits traits() const;
+    bool isBold() const;
+    bool isItalic() const;
 
     double advance(unsigned glyph) const;
     /// Unhinted, y up. False when the glyph is blank or broken.

@@ -24,12 +24,14 @@ std::shared_ptr<const FileFace> WindowsFaceShelf::add(std::vector<std::uint8_t> 
     return m_carried.back();
 }
 
-const FileFace* WindowsFaceShelf::findHelping(char32_t character, const Question& fits)
+const FileFace* WindowsFaceShelf::findHelping(char32_t character, bool wantsBold, const Question& fits)
 {
     const auto ask
         = [&](const std::shared_ptr<const FileFace>& face) { return face && fits(*face) ? face.get() : nullptr; };
-    for (const char* const stem : kHelpingFonts) {
-        if (const FileFace* const found = ask(face(stem)))
+    for (const HelpingFont& helping : kHelpingFonts) {
+        if (const FileFace* const found = wantsBold ? ask(face(helping.boldFile)) : nullptr)
+            return found;
+        if (const FileFace* const found = ask(face(helping.file)))
             return found;
     }
     for (const auto& carried : m_carried) {
@@ -45,8 +47,8 @@ const FileFace* WindowsFaceShelf::findHelping(char32_t character, const Question
 
 std::shared_ptr<const FileFace> WindowsFaceShelf::anyFace()
 {
-    for (const char* const stem : kHelpingFonts) {
-        if (auto found = face(stem))
+    for (const HelpingFont& helping : kHelpingFonts) {
+        if (auto found = face(helping.file))
             return found;
     }
     return m_carried.empty() ? nullptr : m_carried.front();

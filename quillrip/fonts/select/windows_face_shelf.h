@@ -24,7 +24,7 @@ public:
     using Question = std::function<bool(const FileFace&)>;
     /// The first face, in the order in which faces stand in for another, to which the answer is yes: the helping fonts,
     /// those that the job carries, those made for the character's script. Null when there is none.
-    const FileFace* findHelping(char32_t character, const Question& fits);
+    const FileFace* findHelping(char32_t character, bool wantsBold, const Question& fits);
     /// The first helping font there is.
     std::shared_ptr<const FileFace> anyFace();
 

@@ -137,8 +137,14 @@ const WindowsFaceSpec s_han { "han", kHan, false, kUnknown, 1, 0, 0, false };
 
 } // namespace
 
-const std::array<const char*, 6> kHelpingFonts { "LiberationSans-Regular", "DejaVuSans", "Symbola_hint", "Waree",
-    "DroidSansFallbackFull", "StandardSymbolsPS" };
+const std::array<HelpingFont, 6> kHelpingFonts { {
+    { "LiberationSans-Regular", "LiberationSans-Bold" },
+    { "DejaVuSans", "DejaVuSans-Bold" },
+    { "Symbola_hint", nullptr },
+    { "Waree", "Waree-Bold" },
+    { "DroidSansFallbackFull", nullptr },
+    { "StandardSymbolsPS", nullptr },
+} };
 
 std::array<const char*, 3> scriptFontsOf(char32_t character)
 {

@@ -32,8 +32,14 @@ const WindowsFaceSpec* findWindowsFace(const std::string& family);
 /// The substitute by what LOGFONT tells besides the name.
 const WindowsFaceSpec& windowsFaceByTraits(std::uint8_t charset, std::uint8_t pitchAndFamily);
 
-/// Stems of fonts that are asked for characters which a face lacks, in this order.
-extern const std::array<const char*, 6> kHelpingFonts;
+/// A font that is asked for characters which a face lacks.
+struct HelpingFont {
+    const char* file; ///< stem
+    const char* boldFile; ///< null: there is none
+};
+
+/// In the order in which they are asked.
+extern const std::array<HelpingFont, 6> kHelpingFonts;
 
 /// Stems of fonts for the script that a character belongs to and that no helping font has, in this order; null ones
 /// behind the last.

@@ -193,6 +193,8 @@ WindowsFont WindowsFonts::select(const WindowsFontRequest& asked, const Reporter
         font.m_metrics.descent = spec->descent;
     }
     font.m_isWingdings = spec && lowerCase(request.face) == "wingdings";
+    font.m_wantsBold = wantsBold;
+    font.m_wantsItalic = request.isItalic;
     if (wantsBold && !isBold)
         font.m_bold = kMadeBold;
     if (request.isItalic && !isItalic)
@@ -200,12 +202,19 @@ WindowsFont WindowsFonts::select(const WindowsFontRequest& asked, const Reporter
     return font;
 }
 
+WindowsFont::Glyph WindowsFont::glyphOf(const FileFace& face, GlyphId id) const
+{
+    const bool isOwn = &face == m_face.get();
+    const double bold = isOwn ? m_bold : m_wantsBold && !face.file().isBold() ? kMadeBold : 0;
+    const double slant = isOwn ? m_slant : m_wantsItalic && !face.file().isItalic() ? kMadeSlant : 0;
+    return { &face, id, face.advance(id), bold, slant };
+}
+
 WindowsFont::Glyph WindowsFont::glyphOfCharacter(char32_t character) const
 {
     if (!m_face)
         return {};
     const auto& own = static_cast<const FileFace&>(*m_face);
-    const auto made = [](const Typeface& face, GlyphId id) { return Glyph { &face, id, face.advance(id) }; };
     const char32_t code
         = character >= kPrivateArea && character < kPrivateArea + 0x100 ? character - kPrivateArea : character;
     if (m_isSymbolic && code >= 0x20 && code < 0x100) {
@@ -213,17 +222,17 @@ WindowsFont::Glyph WindowsFont::glyphOfCharacter(char32_t character) const
             const SymbolSet* const set = findSymbolSet(kWingdingsSet);
             character = set ? set->unicode(code) : character;
         } else if (const unsigned glyph = own.file().glyphOfSymbolCode(code)) {
-            return made(own, glyph);
+            return glyphOf(own, glyph);
         }
     }
-    if (const GlyphId id = m_face->glyph(character); id != kNoGlyph)
-        return made(*m_face, id);
+    if (const GlyphId id = own.glyph(character); id != kNoGlyph)
+        return glyphOf(own, id);
     for (const char32_t wanted : { character, lookAlike(character) }) {
         const auto has = [wanted](const FileFace& face) { return face.glyph(wanted) != kNoGlyph; };
-        if (const FileFace* const helping = wanted == 0 ? nullptr : m_shelf->findHelping(wanted, has))
-            return made(*helping, helping->glyph(wanted));
+        if (const FileFace* const helping = wanted == 0 ? nullptr : m_shelf->findHelping(wanted, m_wantsBold, has))
+            return glyphOf(*helping, helping->glyph(wanted));
     }
-    return { nullptr, kNoGlyph, m_face->advance(kNoGlyph) };
+    return { nullptr, kNoGlyph, m_face->advance(kNoGlyph), 0, 0 };
 }
 
 const FileFace* WindowsFont::faceWithAll(const std::u32string& text, std::size_t begin, std::size_t end) const
@@ -240,7 +249,7 @@ const FileFace* WindowsFont::faceWithAll(const std::u32string& text, std::size_t
         return true;
     };
     const auto& own = static_cast<const FileFace&>(*m_face);
-    return hasAll(own) ? &own : m_shelf->findHelping(text[begin], hasAll);
+    return hasAll(own) ? &own : m_shelf->findHelping(text[begin], m_wantsBold, hasAll);
 }
 
 WindowsFont::Glyph WindowsFont::glyphOfIndex(std::uint32_t index) const
@@ -251,7 +260,7 @@ WindowsFont::Glyph WindowsFont::glyphOfIndex(std::uint32_t index) const
     case Indices::Own: {
         const auto& own = static_cast<const FileFace&>(*m_face);
         if (index < own.file().glyphCount())
-            return { m_face.get(), index, m_face->advance(index) };
+            return glyphOf(own, index);
         break;
     }
     case Indices::Classic:
@@ -261,7 +270,7 @@ WindowsFont::Glyph WindowsFont::glyphOfIndex(std::uint32_t index) const
     case Indices::Unknown:
         break;
     }
-    return { nullptr, kNoGlyph, m_face->advance(kNoGlyph) };
+    return { nullptr, kNoGlyph, m_face->advance(kNoGlyph), 0, 0 };
 }
 
 } // namespace quillrip

@@ -49,11 +49,15 @@ public:
         const Typeface* face = nullptr; ///< null: nothing to draw
         GlyphId id = kNoGlyph;
         double advance = 0; ///< em
+        double bold = 0; ///< em, for GlyphStyle: emboldening where a bold face is asked for and this one is not
+        double slant = 0; ///< x grows by this times y where an italic face is asked for and this one is not
         Point shift {}; ///< em, y up: of a mark, from where the line has come to
     };
 
     /// The glyph of a character; the advance is told even where no face has it.
     Glyph glyphOfCharacter(char32_t character) const;
+    /// A glyph of the font's own face or of one that stands in, with what makes it bold and italic.
+    Glyph glyphOf(const FileFace& face, GlyphId id) const;
     /// The first of the faces, the font's own and those that stand in, that has all characters of a part of a text, so
     /// that they can be shaped together; null when none has.
     const FileFace* faceWithAll(const std::u32string& text, std::size_t begin, std::size_t end) const;
@@ -76,10 +80,6 @@ public:
     bool isEmbedded() const { return m_isEmbedded; }
     /// Stretch of the substitute along the line that brings it near the face asked for; 1 mostly.
     double stretch() const { return m_stretch; }
-    /// Emboldening where a bold face is asked for and missing, for GlyphStyle; em.
-    double bold() const { return m_bold; }
-    /// x grows by this times y where an italic face is asked for and missing.
-    double slant() const { return m_slant; }
 
 private:
     friend class WindowsFonts;
@@ -96,6 +96,8 @@ private:
     double m_stretch = 1;
     double m_bold = 0;
     double m_slant = 0;
+    bool m_wantsBold = false;
+    bool m_wantsItalic = false;
 };
 
 /// All fonts of a Windows job: those that it carries, and free ones for all others, equal in widths where there are

@@ -66,16 +66,6 @@ hb_font_funcs_t* glyphFunctions()
     return functions;
 }
 
-constexpr hb_feature_t switchedOff(hb_tag_t tag) { return { tag, 0, HB_FEATURE_GLOBAL_START, HB_FEATURE_GLOBAL_END }; }
-
-constexpr std::array<hb_feature_t, 5> kPlainLetters {
-    switchedOff(HB_TAG('l', 'i', 'g', 'a')),
-    switchedOff(HB_TAG('c', 'l', 'i', 'g')),
-    switchedOff(HB_TAG('c', 'a', 'l', 't')),
-    switchedOff(HB_TAG('r', 'l', 'i', 'g')),
-    switchedOff(HB_TAG('k', 'e', 'r', 'n')),
-};
-
 } // namespace
 
 void FaceShaper::FontDeleter::operator()(hb_font_t* font) const { hb_font_destroy(font); }
@@ -109,8 +99,7 @@ std::vector<PositionedGlyph> FaceShaper::shape(const std::u32string& text, const
     hb_buffer_set_direction(buffer, run.isRightToLeft ? HB_DIRECTION_RTL : HB_DIRECTION_LTR);
     // No other shaper than the one for OpenType, whatever tables a job's font has.
     constexpr std::array<const char*, 2> kShapers { "ot", nullptr };
-    const bool isDone = hb_shape_full(m_font.get(), buffer, run.isSimple ? kPlainLetters.data() : nullptr,
-        run.isSimple ? static_cast<unsigned>(kPlainLetters.size()) : 0, kShapers.data());
+    const bool isDone = hb_shape_full(m_font.get(), buffer, nullptr, 0, kShapers.data());
     if (!isDone || !hb_buffer_allocation_successful(buffer))
         return {};
     unsigned count = 0;

@@ -21,8 +21,6 @@ struct ShapingRun {
     std::size_t end = 0;
     std::uint32_t script = 0; ///< ISO 15924 tag as four bytes
     bool isRightToLeft = false;
-    /// Only marks are placed: no ligatures, no kerning, as Windows prints Latin text.
-    bool isSimple = false;
 };
 
 /// A glyph as the face's own layout tables place it. Lengths in em.

@@ -98,6 +98,25 @@ bool isInvisible(char32_t character)
         || character == 0xFEFF || (character >= 0xE0000 && character <= 0xE0FFF);
 }
 
+bool leavesMark(char32_t character)
+{
+    if (isInvisible(character))
+        return false;
+    switch (hb_unicode_general_category(hb_unicode_funcs_get_default(), character)) {
+    case HB_UNICODE_GENERAL_CATEGORY_CONTROL:
+    case HB_UNICODE_GENERAL_CATEGORY_FORMAT:
+    case HB_UNICODE_GENERAL_CATEGORY_UNASSIGNED:
+    case HB_UNICODE_GENERAL_CATEGORY_PRIVATE_USE:
+    case HB_UNICODE_GENERAL_CATEGORY_SURROGATE:
+    case HB_UNICODE_GENERAL_CATEGORY_LINE_SEPARATOR:
+    case HB_UNICODE_GENERAL_CATEGORY_PARAGRAPH_SEPARATOR:
+    case HB_UNICODE_GENERAL_CATEGORY_SPACE_SEPARATOR:
+        return false;
+    default:
+        return true;
+    }
+}
+
 bool needsShaping(char32_t character)
 {
     return character >= kFirstMark && (partOf(character) != Part::Alone || isInvisible(character));
@@ -121,9 +140,7 @@ char32_t mirrored(char32_t character) { return hb_unicode_mirroring(hb_unicode_f
 std::vector<ScriptRun> scriptRunsOf(const std::u32string& text, std::size_t begin, std::size_t end)
 {
     std::vector<ScriptRun> runs;
-    const auto begins = [&](std::size_t at, hb_script_t script, bool isSimple) {
-        runs.push_back({ at, at + 1, script, isSimple });
-    };
+    const auto begins = [&](std::size_t at, hb_script_t script) { runs.push_back({ at, at + 1, script }); };
     for (std::size_t i = begin; i < end; ++i) {
         const char32_t character = text[i];
         const hb_script_t script = scriptOf(character);
@@ -134,23 +151,22 @@ std::vector<ScriptRun> scriptRunsOf(const std::u32string& text, std::size_t begi
             if (last && !isLastShaped)
                 last->end = i + 1;
             else
-                begins(i, hb_script_t(0), true);
+                begins(i, hb_script_t(0));
             break;
         case Part::Shaped:
             // Signs at the front of a line wait for the first letter's script.
             if (isLastShaped && (last->script == script || last->script == HB_SCRIPT_COMMON)) {
                 last->script = script;
-                last->isSimple = isSimpleScript(script);
                 last->end = i + 1;
             } else {
-                begins(i, script, isSimpleScript(script));
+                begins(i, script);
             }
             break;
         case Part::Shared:
             if (isLastShaped)
                 last->end = i + 1;
             else
-                begins(i, HB_SCRIPT_COMMON, true);
+                begins(i, HB_SCRIPT_COMMON);
             break;
         case Part::Attached:
             if (isLastShaped) {
@@ -159,16 +175,16 @@ std::vector<ScriptRun> scriptRunsOf(const std::u32string& text, std::size_t begi
                 if (last)
                     last->end = i + 1;
                 else if (isInvisible(character))
-                    begins(i, hb_script_t(0), true);
+                    begins(i, hb_script_t(0));
                 else
-                    begins(i, script == HB_SCRIPT_INHERITED ? HB_SCRIPT_COMMON : script, isSimpleScript(script));
+                    begins(i, script == HB_SCRIPT_INHERITED ? HB_SCRIPT_COMMON : script);
             } else {
                 // The letter before it is drawn together with it.
                 const hb_script_t own = script == HB_SCRIPT_INHERITED ? scriptOf(text[i - 1]) : script;
                 last->end = i - 1;
                 if (last->begin == last->end)
                     runs.pop_back();
-                runs.push_back({ i - 1, i + 1, static_cast<std::uint32_t>(own), isSimpleScript(own) });
+                runs.push_back({ i - 1, i + 1, static_cast<std::uint32_t>(own) });
             }
             break;
         }

@@ -16,6 +16,9 @@ bool needsShaping(const std::u32string& text);
 /// Has no shape of its own and no width: joiners, direction marks, variation selectors.
 bool isInvisible(char32_t character);
 
+/// Has a shape: a letter, mark, figure, punctuation or symbol. No blank, control or private character.
+bool leavesMark(char32_t character);
+
 /// Goes along with the character before it: marks, joiners, variation selectors.
 bool isAttached(char32_t character);
 
@@ -30,12 +33,11 @@ struct ScriptRun {
     std::size_t end = 0;
     /// The ISO 15924 tag as four bytes; 0: each character is its own glyph.
     std::uint32_t script = 0;
-    /// Its letters stand alone, and only marks have to be placed about them: Latin, Greek, Cyrillic and others.
-    bool isSimple = false;
 };
 
 /// Cuts `text` from `begin` to `end`, in the order of reading, so that letters of a script that shapes them lie
-/// together with their marks, and all else is left to its own glyphs.
+/// together with their marks, and all else is left to its own glyphs. A letter of another script whose marks have to be
+/// placed is a run of its own.
 std::vector<ScriptRun> scriptRunsOf(const std::u32string& text, std::size_t begin, std::size_t end);
 
 } // namespace quillrip

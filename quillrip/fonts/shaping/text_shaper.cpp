@@ -65,7 +65,7 @@ private:
         if (isRightToLeft)
             std::reverse(parts.begin(), parts.end());
         for (const FacePart& part : parts) {
-            const ShapingRun wanted { part.begin, part.end, run.script, isRightToLeft, run.isSimple };
+            const ShapingRun wanted { part.begin, part.end, run.script, isRightToLeft };
             std::vector<PositionedGlyph> glyphs;
             if (part.face)
                 glyphs = part.face->shaper().shape(m_text, wanted);
@@ -105,8 +105,11 @@ private:
             ShapedCluster cluster { glyphs[i].cluster, part.end, m_line.glyphs.size(), 0, 0, isRightToLeft };
             for (; i < glyphs.size() && glyphs[i].cluster == cluster.begin; ++i) {
                 const PositionedGlyph& from = glyphs[i];
-                const WindowsFont::Glyph glyph { from.glyph == kNoGlyph ? nullptr : part.face, from.glyph, from.advance,
-                    { cluster.advance + from.shiftX, from.shiftY } };
+                WindowsFont::Glyph glyph;
+                if (from.glyph != kNoGlyph)
+                    glyph = m_font.glyphOf(*part.face, from.glyph);
+                glyph.advance = from.advance;
+                glyph.shift = { cluster.advance + from.shiftX, from.shiftY };
                 m_line.glyphs.push_back(glyph);
                 cluster.advance += from.advance;
             }
