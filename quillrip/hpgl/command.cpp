@@ -1,9 +1,13 @@
 #include "quillrip/hpgl/command.h"
 
+#include "quillrip/hpgl/number_reader.h"
+
 #include <algorithm>
 #include <cmath>
 
 namespace quillrip::hpgl {
+
+bool Command::isInRange(std::size_t index) const { return std::abs(operand(index)) < NumberReader::kLargest; }
 
 int Command::clampedInteger(std::size_t index, int otherwise) const
 {

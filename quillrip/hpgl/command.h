@@ -25,6 +25,8 @@ public:
     {
         return index < operands.size() ? operands[index] : otherwise;
     }
+    /// False for what no number of the language is, as programs write that have divided by zero.
+    bool isInRange(std::size_t index) const;
     /// Rounded and cut to -32768 ... 32767.
     int clampedInteger(std::size_t index, int otherwise = 0) const;
     /// Cut to -32768 ... 32767.9999.

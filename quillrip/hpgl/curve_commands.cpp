@@ -40,7 +40,7 @@ double sweepOf(const Command& command) { return std::clamp(command.operand(2), -
 
 void arcAbsolute(Plotter& plotter, Command& command)
 {
-    if (command.count() < 3)
+    if (command.count() < 3 || !command.isInRange(0) || !command.isInRange(1))
         return;
     const Point centre = plotter.coordinates.toPlotter({ command.operand(0), command.operand(1) });
     const Point radius = plotter.coordinates.vectorToUser(plotter.state.pen - centre);
@@ -49,7 +49,7 @@ void arcAbsolute(Plotter& plotter, Command& command)
 
 void arcRelative(Plotter& plotter, Command& command)
 {
-    if (command.count() < 3)
+    if (command.count() < 3 || !command.isInRange(0) || !command.isInRange(1))
         return;
     const Point toCentre { command.operand(0), command.operand(1) };
     const Point centre = plotter.state.pen + plotter.coordinates.vectorToPlotter(toCentre);

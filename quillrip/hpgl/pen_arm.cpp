@@ -47,6 +47,8 @@ std::vector<LineVertex> PenArm::pointsOf(const Arc& arc) const
 
 void PenArm::follow(const Arc& arc)
 {
+    if (m_state.isLost)
+        return;
     if (lengthOf(arc.radius) == 0) {
         travel(m_state.pen, m_state.isPenDown);
         return;
@@ -60,6 +62,8 @@ void PenArm::follow(const Arc& arc)
 /// pen up: that has drawn nothing which would lead back to its start.
 void PenArm::circle(double radius, double chord)
 {
+    if (m_state.isLost)
+        return;
     const Point toStart { radius, 0 };
     if (m_polygon.isOpen()) {
         if (const auto start = m_polygon.endBeforeCircle(m_state.isPenDown))
@@ -81,6 +85,8 @@ void PenArm::circle(double radius, double chord)
 
 void PenArm::bezier(Point control1, Point control2, Point end)
 {
+    if (m_state.isLost)
+        return;
     const std::vector<LineVertex> points = bezierPoints(m_coordinates, m_state.pen, control1, control2, end);
     m_work.charge(Work::Lines, kUnitsPerCurvePoint * points.size());
     for (const LineVertex& vertex : points)

@@ -50,6 +50,7 @@ void Plotter::initialise()
 {
     state.isPenDown = false;
     state.pen = {};
+    state.isLost = false;
     state.chordIsDeviation = false;
     linePen.forgetTouch();
     linePen.restartPattern();
@@ -116,6 +117,7 @@ void Plotter::setPenOnPage(Point page)
 {
     makeReady();
     state.pen = coordinates.fromPage(page);
+    state.isLost = false;
     state.carriageReturn = state.pen;
     linePen.restartPattern();
     linePen.forgetTouch();

@@ -21,6 +21,7 @@ struct State {
     Point carriageReturn; ///< where the line of a label begins
     int symbol = -1; ///< SM; -1: none
     bool chordIsDeviation = false; ///< CT1
+    bool isLost = false; ///< a coordinate beyond all numbers was asked for; the next one in range finds the pen again
     bool hasDrawn = false; ///< something was asked for that leaves marks
 };
 

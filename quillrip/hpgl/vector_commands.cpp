@@ -13,9 +13,19 @@ namespace {
 void plotPoints(Plotter& plotter, const Command& command)
 {
     const Coordinates& coordinates = plotter.coordinates;
-    const State& state = plotter.state;
+    State& state = plotter.state;
     for (std::size_t i = 0; i + 1 < command.count(); i += 2) {
+        const bool isInRange = command.isInRange(i) && command.isInRange(i + 1);
+        if (!isInRange || (state.isLost && !state.isAbsolute)) {
+            state.isLost = true;
+            continue;
+        }
         const Point point { command.operands[i], command.operands[i + 1] };
+        if (state.isLost) {
+            state.isLost = false;
+            plotter.arm.travel(coordinates.toPlotter(point), false);
+            continue;
+        }
         plotter.arm.travelToPoint(
             state.isAbsolute ? coordinates.toPlotter(point) : state.pen + coordinates.vectorToPlotter(point));
     }

@@ -266,6 +266,22 @@ TEST(HpglPlotFile, DrawingsBeyondAnySheetAreReduced)
     EXPECT_GT(printed.device.blackPixelCount(0), 1000u);
 }
 
+TEST(HpglPlotFile, CoordinatesThatAreNoNumbersOfTheLanguageLoseThePen)
+{
+    // As a program writes that has divided by zero.
+    const std::string nowhere = "-2147483648,-2147483648";
+    const std::string broken = "PU" + nowhere + ";PR100,100;CI200;PA;AA" + nowhere + ",90;";
+    const Printed whole("IN;" + kBox);
+    const Printed printed("IN;" + broken + kBox);
+    ASSERT_EQ(printed.device.pages().size(), 1u);
+    EXPECT_FALSE(printed.diagnostics.has("hpgl.huge-plot"));
+    EXPECT_EQ(printed.width(0), whole.width(0));
+    EXPECT_EQ(printed.device.blackPixelCount(0), whole.device.blackPixelCount(0));
+    // Found again, it draws.
+    const Printed again("IN;SP1;PU" + nowhere + ";PA1000,1000;PD2000,1000;PU;");
+    EXPECT_GE(again.device.blackPixelCount(0), 100u);
+}
+
 TEST(HpglPlotFile, PlotsBeyondTheMemoryLimitAreDrawnWhole)
 {
     Limits limits;
