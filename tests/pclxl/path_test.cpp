@@ -84,6 +84,7 @@ TEST(XlPath, RelativeCurvesStartAtTheEndOfTheOneBefore)
     absolute.cursor(2, 10).ubyte(A::NumberOfPoints, 6).ubyte(A::PointType, 3).op(O::BezierPath);
     absolute.pointData({ 2, 2, 12, 2, 12, 10, 12, 18, 22, 18, 22, 10 }).lineTo(22, 18).lineTo(2, 18);
     absolute.op(O::PaintPath);
+    EXPECT_NE(draw(absolute, 24, 20).find('#'), std::string::npos);
     EXPECT_EQ(draw(relative, 24, 20), draw(absolute, 24, 20));
 }
 
