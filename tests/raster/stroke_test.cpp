@@ -3,6 +3,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cmath>
+
 using namespace quillrip;
 using test::textArt;
 
@@ -227,4 +230,30 @@ TEST(Stroke, DashesThatNobodyCouldSeeAreSolid)
     StrokeStyle style = pen(1);
     style.dashes = { 1e-6, 1e-6 };
     EXPECT_EQ(stroked(polyline({ { 0, 0 }, { 5, 0 } }), 5, 1, style), "#####\n");
+}
+
+TEST(Stroke, LinesOfAnyLengthArePaintedWithoutASeam)
+{
+    // More than half a million edges, which no list holds at once; each pixel is painted many times over, and counts
+    // once.
+    constexpr int width = 120;
+    constexpr int height = 90;
+    Path path;
+    path.moveTo({ 60, 45 });
+    for (int i = 0; i < 60000; ++i)
+        path.lineTo({ 60 + 57 * std::sin(i * 0.37), 45 + 43 * std::cos(i * 0.00082) });
+    StrokeStyle style = pen(0.3, LineCap::Butt, LineJoin::Round);
+    PaintState invert;
+    invert.rop = 0x5A;
+    PageBitmap whole(PixelFormat::Gray8, width, height, {});
+    Painter(whole).strokePath(path, {}, style, invert);
+
+    PageBitmap inStrips(PixelFormat::Gray8, width, height, {});
+    for (int top = 0; top < height; top += 9) {
+        PaintState strip = invert;
+        strip.clip = ClipRegion::ofRect({ 0, top, width, top + 9 });
+        Painter(inStrips).strokePath(path, {}, style, strip);
+    }
+    for (int y = 0; y < height; ++y)
+        EXPECT_TRUE(std::equal(whole.row(y), whole.row(y) + width, inStrips.row(y))) << y;
 }

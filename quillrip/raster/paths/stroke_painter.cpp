@@ -201,8 +201,13 @@ private:
     bool m_hasPieces = false;
 };
 
+/// Keeps the edges of the pieces in an area until all have come, since they overlap. Above so many it is overfull: it
+/// keeps none then and paints nothing.
 class CoverageStroke final : public DeviceLines, private PieceSink {
 public:
+    /// 12 MiB of them: some 30,000 vertices with round joins.
+    static constexpr std::size_t kMostEdges = 393216;
+
     CoverageStroke(const Matrix& userToDevice, const Pen& pen, const StrokeStyle& style, const PixelRect& area,
         WorkMeter& work, SpanSink& sink)
         : DeviceLines(userToDevice, pen, work)
@@ -220,23 +225,31 @@ public:
         scanCoverage(m_edges, FillRule::NonZero, m_sink, m_work);
         m_edges = EdgeList(m_area);
     }
+    bool isOverfull() const { return m_isOverfull; }
 
 private:
     void deviceLine(StrokeLine& line) override
     {
+        if (m_isOverfull)
+            return;
         if (pen().isUpright() && runsAlongAxes(line))
             snapToPixels(line, pen().deviceWidth(), pen().deviceHeight());
         m_outline.outline(line, pen());
-        // No honest stroke is as long as this; memory stays bounded at the price of a seam.
-        constexpr std::size_t mostEdges = 4000000;
-        if (m_edges.edges().size() > mostEdges)
-            finish();
     }
 
     void piece(const Point* points, std::size_t count) override
     {
+        if (m_isOverfull)
+            return;
         charge(kUnitsPerPieceVertex * count);
         m_edges.addConvex(points, count);
+        if (m_edges.edges().size() <= kMostEdges)
+            return;
+        // Memory stays bounded at the price of a seam.
+        if (m_area.height() == 1)
+            return finish();
+        m_edges = EdgeList(m_area);
+        m_isOverfull = true;
     }
 
     WorkMeter& m_work;
@@ -244,6 +257,7 @@ private:
     SpanSink& m_sink;
     EdgeList m_edges;
     StrokeOutline m_outline;
+    bool m_isOverfull = false;
 };
 
 } // namespace
@@ -263,9 +277,22 @@ void paintStroke(const Path& userPath, const Matrix& userToDevice, const StrokeS
 
     PaintingSink painting(compositor);
     if (compositor.format() != PixelFormat::Bilevel) {
-        CoverageStroke lines(userToDevice, pen, style, area, work, painting);
-        run(lines);
-        return lines.finish();
+        // A row's coverage is that of the edges that meet it, whatever else there is.
+        std::vector<PixelRect> bands { area };
+        while (!bands.empty() && !work.isExhausted()) {
+            const PixelRect band = bands.back();
+            bands.pop_back();
+            CoverageStroke lines(userToDevice, pen, style, band, work, painting);
+            run(lines);
+            if (!lines.isOverfull()) {
+                lines.finish();
+                continue;
+            }
+            const int middle = band.top + band.height() / 2;
+            bands.push_back({ band.left, middle, band.right, band.bottom });
+            bands.push_back({ band.left, band.top, band.right, middle });
+        }
+        return;
     }
     SpanUnion spanUnion(area, painting);
     SpanSink& sink = compositor.isIdempotent() ? static_cast<SpanSink&>(painting) : spanUnion;

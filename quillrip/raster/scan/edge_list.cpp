@@ -143,6 +143,10 @@ void EdgeList::addFixed(Point from, Point to)
         edge.slope = (std::int64_t { edge.bottomX } - edge.x) * (std::int64_t { 1 } << 32) / (edge.bottom - edge.top);
     else if (!m_keepLevelEdges)
         return;
+    // Thousands of edges are mostly followed by some more, not by as many.
+    constexpr std::size_t step = 65536;
+    if (m_edges.size() == m_edges.capacity() && m_edges.size() >= step)
+        m_edges.reserve(m_edges.size() + std::max(step, m_edges.size() / 4));
     m_edges.push_back(edge);
 }
 
