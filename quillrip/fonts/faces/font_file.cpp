@@ -253,11 +253,12 @@ Rect FontFile::extent(unsigned glyph) const
 
 unsigned FontFile::unitsPerEm() const { return m_face->units_per_EM; }
 
-std::vector<std::uint8_t> FontFile::table(std::uint32_t tag) const
+std::size_t FontFile::size() const { return m_face->stream ? m_face->stream->size : 0; }
+
+std::vector<std::uint8_t> FontFile::table(std::uint32_t tag, std::size_t mostBytes) const
 {
-    constexpr FT_ULong kLargest = FT_ULong { 8 } << 20;
     FT_ULong size = 0;
-    if (FT_Load_Sfnt_Table(m_face, tag, 0, nullptr, &size) != 0 || size == 0 || size > kLargest)
+    if (FT_Load_Sfnt_Table(m_face, tag, 0, nullptr, &size) != 0 || size == 0 || size > mostBytes)
         return {};
     std::vector<std::uint8_t> bytes(size);
     if (FT_Load_Sfnt_Table(m_face, tag, 0, bytes.data(), &size) != 0)

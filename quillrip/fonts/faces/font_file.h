@@ -60,9 +60,11 @@ public:
     /// The box around the glyph, y up: its `bottom` is the upper side. Empty for blank ones.
     Rect extent(unsigned glyph) const;
     unsigned unitsPerEm() const;
+    /// Of the file, bytes.
+    std::size_t size() const;
     /// A table of an OpenType or TrueType file by its tag as four bytes ('GPOS' begins with G in the highest); empty
-    /// when there is none, or one that is larger than those of any honest font.
-    std::vector<std::uint8_t> table(std::uint32_t tag) const;
+    /// when there is none, or one above `mostBytes`.
+    std::vector<std::uint8_t> table(std::uint32_t tag, std::size_t mostBytes) const;
 
 private:
     friend class FontFiles;

@@ -5,7 +5,8 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <new>
+#include <memory>
+#include <vector>
 
 #include <hb-ot.h>
 #include <hb.h>
@@ -25,17 +26,33 @@ hb_position_t unitsOf(double em)
     return static_cast<hb_position_t>(std::lround(std::clamp(em, -kFarthest, kFarthest) * kUnits));
 }
 
-hb_blob_t* tableOf(hb_face_t*, hb_tag_t tag, void* user)
-{
-    using Bytes = std::vector<std::uint8_t>;
-    auto* const bytes = new (std::nothrow) Bytes(faceOf(user).file().table(tag));
-    if (!bytes || bytes->empty()) {
-        delete bytes;
-        return nullptr;
+/// Hands a face's tables over. All together they are as large as the file at most: in a hostile one they overlap.
+class TableSource {
+public:
+    explicit TableSource(const FontFile& file)
+        : m_file(file)
+        , m_left(file.size())
+    {
     }
-    return hb_blob_create(reinterpret_cast<const char*>(bytes->data()), static_cast<unsigned>(bytes->size()),
-        HB_MEMORY_MODE_READONLY, bytes, [](void* own) { delete static_cast<Bytes*>(own); });
-}
+
+    hb_blob_t* table(hb_tag_t tag)
+    {
+        using Bytes = std::vector<std::uint8_t>;
+        auto bytes = std::make_unique<Bytes>(m_file.table(tag, m_left));
+        if (bytes->empty())
+            return nullptr;
+        m_left -= bytes->size();
+        // Writable, so that what has to be mended is not copied once more.
+        auto* const data = reinterpret_cast<char*>(bytes->data());
+        const auto size = static_cast<unsigned>(bytes->size());
+        return hb_blob_create(
+            data, size, HB_MEMORY_MODE_WRITABLE, bytes.release(), [](void* own) { delete static_cast<Bytes*>(own); });
+    }
+
+private:
+    const FontFile& m_file;
+    std::size_t m_left;
+};
 
 hb_bool_t nominalGlyph(hb_font_t*, void* user, hb_codepoint_t character, hb_codepoint_t* glyph, void*)
 {
@@ -75,7 +92,9 @@ FaceShaper::FaceShaper(const FileFace& face)
     : m_buffer(hb_buffer_create())
 {
     void* const user = const_cast<FileFace*>(&face);
-    hb_face_t* const tables = hb_face_create_for_tables(tableOf, user, nullptr);
+    hb_face_t* const tables = hb_face_create_for_tables(
+        [](hb_face_t*, hb_tag_t tag, void* source) { return static_cast<TableSource*>(source)->table(tag); },
+        new TableSource(face.file()), [](void* source) { delete static_cast<TableSource*>(source); });
     hb_face_set_upem(tables, face.file().unitsPerEm());
     hb_face_set_glyph_count(tables, face.file().glyphCount());
     m_font.reset(hb_font_create(tables));
