@@ -22,13 +22,13 @@ Span visible(double start, double length, int size)
     return { static_cast<int>(low), static_cast<int>(std::max(low, high)) };
 }
 
-bool isBlackAndWhite(const Pixels& pixels, bool& isInkSet)
+bool isBlackAndWhite(const PictureShape& shape, bool& isInkSet)
 {
     constexpr Rgb kBlack { 0, 0, 0 };
     constexpr Rgb kWhite { 255, 255, 255 };
-    isInkSet = pixels.table[1] == kBlack;
-    return (pixels.table[0] == kWhite && pixels.table[1] == kBlack)
-        || (pixels.table[0] == kBlack && pixels.table[1] == kWhite);
+    isInkSet = shape.table[1] == kBlack;
+    return (shape.table[0] == kWhite && shape.table[1] == kBlack)
+        || (shape.table[0] == kBlack && shape.table[1] == kWhite);
 }
 
 } // namespace
@@ -87,22 +87,22 @@ void fillTarget(Canvas& canvas, const Parallelogram& target, PaintState state)
 
 void draw(Canvas& canvas, const Blit& blit, PaintState state)
 {
-    const Pixels& pixels = blit.pixels;
-    if (pixels.isNull() || blit.source.width == 0 || blit.source.height == 0)
+    const PictureShape& shape = blit.picture.shape();
+    if (blit.picture.isNull() || blit.source.width == 0 || blit.source.height == 0)
         return;
-    const Span columns = visible(blit.source.x, blit.source.width, pixels.width);
-    const Span rows = visible(blit.source.y, blit.source.height, pixels.height);
+    const Span columns = visible(blit.source.x, blit.source.width, shape.width);
+    const Span rows = visible(blit.source.y, blit.source.height, shape.height);
     if (columns.first >= columns.end || rows.first >= rows.end)
         return;
 
     ImageGeometry geometry;
     bool isInkSet = false;
     // Black and white may stay bits where whole bytes can be handed on.
-    const bool staysMono = pixels.format == Pixels::Format::Mono && isBlackAndWhite(pixels, isInkSet)
-        && columns.first % 8 == 0 && (isInkSet || columns.end == pixels.width);
-    geometry.format = staysMono                   ? ImageFormat::Mono
-        : pixels.format == Pixels::Format::Rgba32 ? ImageFormat::Rgba32
-                                                  : ImageFormat::Rgb24;
+    const bool staysMono = shape.format == PictureShape::Format::Mono && isBlackAndWhite(shape, isInkSet)
+        && columns.first % 8 == 0 && (isInkSet || columns.end == shape.width);
+    geometry.format = staysMono                        ? ImageFormat::Mono
+        : shape.format == PictureShape::Format::Rgba32 ? ImageFormat::Rgba32
+                                                       : ImageFormat::Rgb24;
     geometry.width = columns.end - columns.first;
     geometry.height = rows.end - rows.first;
     geometry.imageToDevice = Matrix::translation(columns.first, rows.first) * blit.pictureToDevice();
@@ -114,25 +114,26 @@ void draw(Canvas& canvas, const Blit& blit, PaintState state)
     const auto image = canvas.painter().beginImage(geometry, state);
     if (!image)
         return;
+    std::vector<std::uint8_t> stored;
     std::vector<std::uint8_t> line;
     for (int y = rows.first; y < rows.end; ++y) {
-        const std::uint8_t* const row = pixels.row(y);
+        const std::uint8_t* const row = blit.picture.row(y, stored);
         if (staysMono) {
-            line.assign(row + columns.first / 8, row + pixels.stride);
+            line.assign(row + columns.first / 8, row + shape.rowBytes());
             if (!isInkSet) {
                 for (std::uint8_t& byte : line)
                     byte = static_cast<std::uint8_t>(~byte);
             }
             image->row(line.data());
-        } else if (pixels.format == Pixels::Format::Mono) {
+        } else if (shape.format == PictureShape::Format::Mono) {
             line.clear();
             for (int x = columns.first; x < columns.end; ++x) {
-                const Rgb color = pixels.color(x, y);
+                const Rgb color = shape.color(row, x);
                 line.insert(line.end(), { color.red, color.green, color.blue });
             }
             image->row(line.data());
         } else {
-            const std::size_t bytes = pixels.format == Pixels::Format::Rgba32 ? 4 : 3;
+            const std::size_t bytes = shape.format == PictureShape::Format::Rgba32 ? 4 : 3;
             image->row(row + bytes * static_cast<std::size_t>(columns.first));
         }
     }

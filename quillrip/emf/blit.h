@@ -1,7 +1,7 @@
 #pragma once
 
 #include "quillrip/emf/canvas.h"
-#include "quillrip/emf/dib.h"
+#include "quillrip/emf/picture.h"
 
 namespace quillrip::emf {
 
@@ -26,7 +26,7 @@ struct Parallelogram {
 
 /// One picture and where it goes.
 struct Blit {
-    Pixels pixels;
+    Picture picture;
     Extent source; ///< pixels of the picture, from its top left
     Parallelogram target;
     bool isSmooth = false; ///< interpolate where it is enlarged
@@ -48,19 +48,20 @@ void draw(Canvas& canvas, const Blit& blit, PaintState state);
 /// Fills the whole target.
 void fillTarget(Canvas& canvas, const Parallelogram& target, PaintState state);
 
-/// The device pixels of those of the picture's pixels that `isIn` tells, by column and row.
-template <typename Test> Region regionOfPixels(const Canvas& canvas, const Blit& blit, Test isIn)
+/// The device pixels of those of a grid's cells that `isIn` tells, by column and row. Cells are a unit wide and high
+/// before `toDevice`.
+template <typename Test>
+Region regionOfCells(const Canvas& canvas, int width, int height, const Matrix& toDevice, Test isIn)
 {
     Path path;
-    const Matrix toDevice = blit.pictureToDevice();
-    for (int y = 0; y < blit.pixels.height; ++y) {
-        for (int x = 0; x < blit.pixels.width;) {
+    for (int y = 0; y < height; ++y) {
+        for (int x = 0; x < width;) {
             if (!isIn(x, y)) {
                 ++x;
                 continue;
             }
             const int start = x;
-            while (x < blit.pixels.width && isIn(x, y))
+            while (x < width && isIn(x, y))
                 ++x;
             Path run;
             run.rectangle(start, y, x, y + 1);
@@ -70,8 +71,8 @@ template <typename Test> Region regionOfPixels(const Canvas& canvas, const Blit&
     return ClipRegion::ofPath(path, FillRule::NonZero, canvas.bounds());
 }
 
-/// The fields that BITBLT, STRETCHBLT and their kin share, decoded. Null pixels, after a warning, when the record holds
-/// no picture that can be read.
+/// The fields that BITBLT, STRETCHBLT and their kin share, and the picture. A null one, after a warning, when the
+/// record holds no picture that can be read.
 Blit readBlit(Machine& machine, const Record& record, bool hasSourceSize);
 
 } // namespace quillrip::emf

@@ -52,38 +52,58 @@ struct BitmapFields {
     std::size_t offsets; ///< offset and size of the header, then of the bits
 };
 
-Pixels readPixels(
-    Machine& machine, const Record& record, BitmapFields fields, std::uint32_t background, int storedRows = -1)
+/// A bitmap's bytes, and what it takes from the device context.
+struct Dib {
+    ByteView header;
+    ByteView bits;
+    DibContext context;
+};
+
+Dib dibAt(Machine& machine, const Record& record, BitmapFields fields, std::uint32_t background)
 {
     const DeviceContext& dc = machine.dc();
-    DibContext context;
-    context.usage = static_cast<ColorUsage>(std::min<std::uint32_t>(record.u32(fields.usage), 2));
-    context.palette = &std::get<Palette>(*dc.palette).entries;
-    context.monoColors = { colorOf(dc.textColor, dc), colorOf(background, dc) };
-    context.storedRows = storedRows;
     const std::size_t at = fields.offsets;
-    std::string problem;
-    Pixels pixels = decodeDib(record.part(record.u32(at), record.u32(at + 4)),
-        record.part(record.u32(at + 8), record.u32(at + 12)), context, problem);
+    Dib dib;
+    dib.header = record.part(record.u32(at), record.u32(at + 4));
+    dib.bits = record.part(record.u32(at + 8), record.u32(at + 12));
+    dib.context.usage = static_cast<ColorUsage>(std::min<std::uint32_t>(record.u32(fields.usage), 2));
+    dib.context.palette = &std::get<Palette>(*dc.palette).entries;
+    dib.context.monoColors = { colorOf(dc.textColor, dc), colorOf(background, dc) };
+    return dib;
+}
+
+/// Of what has been read: the reason why it is not whole, and the work.
+void account(Machine& machine, const PictureShape& shape, const std::string& problem)
+{
     if (!problem.empty())
         machine.warn("emf.bitmap", "a bitmap: " + problem);
-    machine.spend(static_cast<std::uint64_t>(pixels.width) * static_cast<std::uint64_t>(pixels.height));
-    return pixels;
+    machine.spend(static_cast<std::uint64_t>(shape.width) * static_cast<std::uint64_t>(shape.height));
+}
+
+Picture readPicture(
+    Machine& machine, const Record& record, BitmapFields fields, std::uint32_t background, int storedRows = -1)
+{
+    Dib dib = dibAt(machine, record, fields, background);
+    dib.context.storedRows = storedRows;
+    std::string problem;
+    Picture picture(dib.header, dib.bits, dib.context, problem);
+    account(machine, picture.shape(), problem);
+    return picture;
 }
 
 /// Enlarging smoothly would make edges where masks and pictures meet.
 void chooseFilter(Blit& blit, const DeviceContext& dc, std::uint8_t operation)
 {
     blit.isSmooth = operation == kCopySource && dc.stretchMode == StretchMode::Halftone
-        && blit.pixels.format != Pixels::Format::Mono;
+        && blit.picture.shape().format != PictureShape::Format::Mono;
     blit.dropsPixels = dc.stretchMode == StretchMode::Delete;
 }
 
 /// Opacity of pixels means something to blends only.
-void dropAlpha(Pixels& pixels)
+void dropAlpha(Picture& picture)
 {
-    if (pixels.format == Pixels::Format::Rgba32)
-        pixels = std::move(pixels).toRgb();
+    if (picture.shape().format == PictureShape::Format::Rgba32)
+        picture.leaveOutAlpha();
 }
 
 void blit(Machine& machine, const Record& record, bool hasSourceSize)
@@ -96,7 +116,7 @@ void blit(Machine& machine, const Record& record, bool hasSourceSize)
         return fillTarget(
             machine.canvas(), targetOf(machine.canvas(), extentAt(record, kDestination, kDestination + 8)), *state);
     Blit blit = readBlit(machine, record, hasSourceSize);
-    dropAlpha(blit.pixels);
+    dropAlpha(blit.picture);
     chooseFilter(blit, machine.dc(), operation);
     draw(machine.canvas(), blit, *state);
 }
@@ -122,7 +142,10 @@ Mask readMask(Machine& machine, const Record& record, std::size_t position, Bitm
     Mask mask;
     if (record.u32(fields.offsets + 4) == 0)
         return mask;
-    mask.bits = readPixels(machine, record, fields, 0);
+    const Dib dib = dibAt(machine, record, fields, 0);
+    std::string problem;
+    mask.bits = decodeDib(dib.header, dib.bits, dib.context, problem);
+    account(machine, mask.bits, problem);
     if (mask.bits.format != Pixels::Format::Mono)
         mask.bits = {};
     mask.x = record.i32(position);
@@ -130,15 +153,22 @@ Mask readMask(Machine& machine, const Record& record, std::size_t position, Bitm
     return mask;
 }
 
-/// A picture without content: one pixel for each of the mask's, over the target.
-Blit gridOver(const Blit& blit)
+/// One cell for each pixel of a mask, over the target.
+struct MaskGrid {
+    int width;
+    int height;
+    Matrix toDevice;
+};
+
+MaskGrid gridOver(const Blit& blit)
 {
-    Blit grid;
     constexpr double kMost = 4096;
-    grid.pixels.width = static_cast<int>(std::clamp(std::abs(blit.source.width), 1.0, kMost));
-    grid.pixels.height = static_cast<int>(std::clamp(std::abs(blit.source.height), 1.0, kMost));
-    grid.source = { 0, 0, double(grid.pixels.width), double(grid.pixels.height) };
-    grid.target = blit.target;
+    MaskGrid grid { static_cast<int>(std::clamp(std::abs(blit.source.width), 1.0, kMost)),
+        static_cast<int>(std::clamp(std::abs(blit.source.height), 1.0, kMost)), {} };
+    Blit cells;
+    cells.source = { 0, 0, double(grid.width), double(grid.height) };
+    cells.target = blit.target;
+    grid.toDevice = cells.pictureToDevice();
     return grid;
 }
 
@@ -162,15 +192,17 @@ void drawThrough(Machine& machine, const Blit& blit, std::uint8_t operation, con
 void drawMasked(Machine& machine, const Blit& blit, const Mask& mask, std::uint8_t whereSet, std::uint8_t whereClear)
 {
     constexpr std::uint8_t kKeep = 0xAA;
-    const Blit grid = gridOver(blit);
-    machine.spend(static_cast<std::uint64_t>(grid.pixels.width) * static_cast<std::uint64_t>(grid.pixels.height));
+    const MaskGrid grid = gridOver(blit);
+    machine.spend(static_cast<std::uint64_t>(grid.width) * static_cast<std::uint64_t>(grid.height));
     Canvas& canvas = machine.canvas();
+    const auto cells = [&](bool areSet) {
+        return regionOfCells(
+            canvas, grid.width, grid.height, grid.toDevice, [&](int x, int y) { return mask.isSet(x, y) == areSet; });
+    };
     if (whereSet != kKeep)
-        drawThrough(
-            machine, blit, whereSet, regionOfPixels(canvas, grid, [&](int x, int y) { return mask.isSet(x, y); }));
+        drawThrough(machine, blit, whereSet, cells(true));
     if (whereClear != kKeep)
-        drawThrough(
-            machine, blit, whereClear, regionOfPixels(canvas, grid, [&](int x, int y) { return !mask.isSet(x, y); }));
+        drawThrough(machine, blit, whereClear, cells(false));
 }
 
 } // namespace
@@ -192,7 +224,7 @@ Blit readBlit(Machine& machine, const Record& record, bool hasSourceSize)
         machine.warn("emf.no-bitmap", "a bitmap is copied that is not there, left out");
         return blit;
     }
-    blit.pixels = readPixels(machine, record, { kUsage, kBitmap }, record.u32(kBackground));
+    blit.picture = readPicture(machine, record, { kUsage, kBitmap }, record.u32(kBackground));
     return blit;
 }
 
@@ -208,8 +240,8 @@ void maskBlt(Machine& machine, const Record& record)
     const auto whereClear = static_cast<std::uint8_t>(code >> 24);
     const std::uint8_t whereSet = operationOf(code);
     if (record.u32(kBitmap + 4) > 0) {
-        blit.pixels = readPixels(machine, record, { kUsage, kBitmap }, record.u32(kBackground));
-        dropAlpha(blit.pixels);
+        blit.picture = readPicture(machine, record, { kUsage, kBitmap }, record.u32(kBackground));
+        dropAlpha(blit.picture);
     } else if (needsSource(whereSet) || needsSource(whereClear)) {
         return machine.warn("emf.no-bitmap", "a bitmap is copied that is not there, left out");
     }
@@ -231,10 +263,10 @@ void plgBlt(Machine& machine, const Record& record)
     blit.target
         = { toDevice.apply(record.point(24)), toDevice.apply(record.point(32)), toDevice.apply(record.point(40)) };
     blit.source = extentAt(record, 48, 56);
-    blit.pixels = readPixels(machine, record, { 92, 96 }, record.u32(88));
-    if (blit.pixels.isNull() || blit.source.width == 0 || blit.source.height == 0)
+    blit.picture = readPicture(machine, record, { 92, 96 }, record.u32(88));
+    if (blit.picture.isNull() || blit.source.width == 0 || blit.source.height == 0)
         return;
-    dropAlpha(blit.pixels);
+    dropAlpha(blit.picture);
     chooseFilter(blit, machine.dc(), kCopySource);
     const Mask mask = readMask(machine, record, 112, { 120, 124 });
     if (!mask.bits.isNull())
@@ -254,10 +286,10 @@ void stretchDibits(Machine& machine, const Record& record)
     if (!needsSource(operation))
         return fillTarget(machine.canvas(), blit.target, *state);
     blit.source = extentAt(record, 32, 40);
-    blit.pixels = readPixels(machine, record, { 64, 48 }, machine.dc().backgroundColor);
-    dropAlpha(blit.pixels);
+    blit.picture = readPicture(machine, record, { 64, 48 }, machine.dc().backgroundColor);
+    dropAlpha(blit.picture);
     // Rows count from the bottom, also of bitmaps that start at their top.
-    blit.source.y = blit.pixels.height - blit.source.y - blit.source.height;
+    blit.source.y = blit.picture.shape().height - blit.source.y - blit.source.height;
     chooseFilter(blit, machine.dc(), operation);
     draw(machine.canvas(), blit, *state);
 }
@@ -270,16 +302,16 @@ void setDibitsToDevice(Machine& machine, const Record& record)
     if (!state || scans < 1)
         return;
     Blit blit;
-    blit.pixels = readPixels(machine, record, { 64, 48 }, machine.dc().backgroundColor, static_cast<int>(scans));
-    if (blit.pixels.isNull())
+    blit.picture = readPicture(machine, record, { 64, 48 }, machine.dc().backgroundColor, static_cast<int>(scans));
+    if (blit.picture.isNull())
         return;
-    dropAlpha(blit.pixels);
+    dropAlpha(blit.picture);
     const Extent wanted = extentAt(record, 32, 40);
-    const double stored = blit.pixels.height;
+    const double stored = blit.picture.shape().height;
     // Rows of the stored part's picture: scans count from the bitmap's origin.
     blit.source = wanted;
     blit.source.y = wanted.y - static_cast<double>(firstScan);
-    if (blit.pixels.isBottomUp)
+    if (blit.picture.shape().isBottomUp)
         blit.source.y = stored - blit.source.y - wanted.height;
     // A pixel of the source is one of the reference device, whatever the transforms.
     const Point at = machine.dc().coordinates.toReference().apply(record.point(kDestination));

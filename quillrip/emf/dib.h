@@ -10,8 +10,8 @@
 
 namespace quillrip::emf {
 
-/// Pixels of a picture, rows from the top, the first pixel on the left.
-struct Pixels {
+/// What a picture's rows are made of. Rows count from the top, the first pixel is on the left.
+struct PictureShape {
     enum class Format : std::uint8_t {
         Mono, ///< packed, first pixel in the highest bit; a set bit takes table[1], a clear one table[0]
         Rgb24, ///< three bytes a pixel: red, green, blue
@@ -21,18 +21,30 @@ struct Pixels {
     Format format = Format::Rgb24;
     int width = 0;
     int height = 0;
-    std::size_t stride = 0; ///< bytes from row to row
-    std::vector<std::uint8_t> bytes;
     std::array<Rgb, 2> table {}; ///< Mono only
     bool isBottomUp = false; ///< how the rows were stored: some records count source rows from there
     bool hasAlpha
         = false; ///< Rgba32: the fourth byte was meant as opacity (a mask names it, or the image file says so)
 
+    std::size_t rowBytes() const
+    {
+        const auto pixels = static_cast<std::size_t>(width);
+        return format == Format::Mono ? (pixels + 7) / 8 : format == Format::Rgb24 ? pixels * 3 : pixels * 4;
+    }
+    /// Whatever the format: of a row, the pixel `x`.
+    Rgb color(const std::uint8_t* row, int x) const;
+};
+
+/// Pixels of a picture.
+struct Pixels : PictureShape {
+    std::size_t stride = 0; ///< bytes from row to row
+    std::vector<std::uint8_t> bytes;
+
     bool isNull() const { return bytes.empty(); }
     const std::uint8_t* row(int y) const { return bytes.data() + static_cast<std::size_t>(y) * stride; }
     std::uint8_t* row(int y) { return bytes.data() + static_cast<std::size_t>(y) * stride; }
     /// Whatever the format; `x` and `y` inside the picture.
-    Rgb color(int x, int y) const;
+    Rgb color(int x, int y) const { return PictureShape::color(row(y), x); }
     /// The picture as Rgb24; itself when it is that.
     Pixels toRgb() &&;
 };
@@ -66,6 +78,8 @@ Pixels decodeBitmapFile(ByteView file, std::string& problem);
 /// `mostPixels` bounds width times height. Null pixels with a reason when the file cannot be read.
 Pixels decodePng(ByteView file, std::uint64_t mostPixels, std::string& problem);
 Pixels decodeJpeg(ByteView file, std::uint64_t mostPixels, std::string& problem);
+/// Either, of what a DIB may have.
+Pixels decodeImageFile(ByteView file, std::string& problem);
 
 /// Tells the heap's account of a picture whose pixels, decoded, have nothing to do with the bytes that they come from.
 /// `otherBytes` are taken besides.

@@ -51,17 +51,20 @@ PatternTile hatchTileOf(std::uint32_t hatch, bool isOpaque, Rgb color, Rgb backg
 
 PatternTile pictureTile(const Pattern& pattern, Rgb text, Rgb background)
 {
-    Pixels pixels = pattern.pixels;
+    PictureShape shape = pattern.pixels;
     if (pattern.takesTextColors)
-        pixels.table = { text, background };
-    pixels = std::move(pixels).toRgb();
+        shape.table = { text, background };
     PatternTile tile;
-    tile.width = pixels.width;
-    tile.height = pixels.height;
+    tile.width = shape.width;
+    tile.height = shape.height;
     tile.isColor = true;
-    for (int y = 0; y < pixels.height; ++y)
-        tile.pixels.insert(
-            tile.pixels.end(), pixels.row(y), pixels.row(y) + 3 * static_cast<std::size_t>(pixels.width));
+    tile.pixels.reserve(static_cast<std::size_t>(shape.width) * static_cast<std::size_t>(shape.height) * 3);
+    for (int y = 0; y < shape.height; ++y) {
+        for (int x = 0; x < shape.width; ++x) {
+            const Rgb pixel = shape.color(pattern.pixels.row(y), x);
+            tile.pixels.insert(tile.pixels.end(), { pixel.red, pixel.green, pixel.blue });
+        }
+    }
     return tile;
 }
 

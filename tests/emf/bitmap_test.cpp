@@ -1,7 +1,9 @@
 // Bitmaps: records that copy them, and what lies in them.
 
 #include "quillrip/emf/dib.h"
+#include "quillrip/emf/picture.h"
 #include "tests/emf/emf_bench.h"
+#include "tests/support/peak_memory.h"
 
 #include <gtest/gtest.h>
 
@@ -174,6 +176,52 @@ TEST(EmfBitmap, MonochromeBrushTakesTheTextColors)
     EXPECT_EQ(played.pixel(0, 0), kGreenPixel); // a set bit: background
     EXPECT_EQ(played.pixel(1, 0), kBluePixel); // a clear one: text
     EXPECT_EQ(played.pixel(0, 1), kBluePixel);
+}
+
+TEST(EmfPicture, MakesRowsWhenTheyAreAskedFor)
+{
+    constexpr int width = 1000;
+    constexpr int height = 3000;
+    const Bytes bits(std::size_t { width } * height * 4, 77);
+    std::string problem;
+    const test::PeakMemory peak;
+    const emf::Picture picture(bitmapHeader(width, height, 32), bits, {}, problem);
+    std::vector<std::uint8_t> line;
+    for (int y = 0; y < height; ++y)
+        ASSERT_EQ(picture.row(y, line)[4 * width - 1], 77);
+    EXPECT_LT(peak.bytes(), 16U << 10);
+}
+
+TEST(EmfPicture, ViewsLeaveOutAlphaDivideByItOrHideAColor)
+{
+    // Two rows from the bottom: blue, green, red, alpha.
+    const Bytes header = bitmapHeader(1, 2, 32);
+    const Bytes bits { 1, 2, 3, 4, 50, 100, 128, 128 };
+    std::string problem;
+    std::vector<std::uint8_t> line;
+    const auto row = [&](const emf::Picture& picture, int y) {
+        const std::uint8_t* const pixels = picture.row(y, line);
+        return Bytes(pixels, pixels + picture.shape().rowBytes());
+    };
+    emf::Picture picture(header, bits, {}, problem);
+    EXPECT_EQ(row(picture, 0), (Bytes { 128, 100, 50, 128 }));
+    picture.unmultiply();
+    EXPECT_EQ(row(picture, 0), (Bytes { 255, 199, 100, 128 }));
+    picture.leaveOutAlpha();
+    EXPECT_EQ(row(picture, 1), (Bytes { 3, 2, 1 }));
+    picture.hide({ 3, 2, 1 });
+    EXPECT_EQ(row(picture, 0), (Bytes { 128, 100, 50, 255 }));
+    EXPECT_EQ(row(picture, 1), (Bytes { 3, 2, 1, 0 }));
+    // Bits become colours, too.
+    const Bytes monoBits { 0x01, 0x80, 0, 0 };
+    emf::Picture mono(bitmapHeader(9, 1, 1) + Bytes { 10, 20, 30, 0, 40, 50, 60, 0 }, monoBits, {}, problem);
+    mono.leaveOutAlpha();
+    const Bytes colors = row(mono, 0);
+    EXPECT_EQ(Bytes(colors.begin(), colors.begin() + 3), (Bytes { 30, 20, 10 }));
+    EXPECT_EQ(Bytes(colors.begin() + 21, colors.end()), (Bytes { 60, 50, 40, 60, 50, 40 }));
+    mono.hide({ 60, 50, 40 });
+    EXPECT_EQ(row(mono, 0)[35], 0);
+    EXPECT_EQ(row(mono, 0)[3], 255);
 }
 
 TEST(EmfDib, RunsOfBytes)
