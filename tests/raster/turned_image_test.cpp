@@ -4,7 +4,7 @@
 #include "quillrip/raster/images/aligned_image.h"
 #include "quillrip/raster/images/image_source.h"
 #include "quillrip/raster/painter.h"
-#include "tests/support/peak_memory.h"
+#include "tests/support/spare_heap.h"
 
 #include <gtest/gtest.h>
 
@@ -282,19 +282,18 @@ TEST(TurnedImage, HasThePixelsOfTheImageAsAWhole)
 
 namespace {
 
-/// Paints an image of grey 100 that many rows make, and returns the most memory that it took.
-std::size_t megabytesFor(PageBitmap& page, const ImageGeometry& image, int rows)
+/// Paints an image of grey 100 that many rows make, in so many bytes.
+void paintWithin(std::uint64_t bytes, PageBitmap& page, const ImageGeometry& image, int rows)
 {
     Painter painter(page);
     const std::vector<std::uint8_t> row(rowBytes(image), 100);
-    const test::PeakMemory peak;
+    const test::SpareHeap bound(bytes);
     PaintState state;
     state.sourceTransparent = false;
     const auto painted = painter.beginImage(image, state);
     for (int y = 0; y < rows; ++y)
         painted->row(row.data());
     painted->finish();
-    return peak.megabytes();
 }
 
 } // namespace
@@ -310,7 +309,7 @@ TEST(TurnedImage, OfAnyHeightIsHeldInPartOnly)
         = Matrix::translation(-3000, -5000) * Matrix::scaling(0.01, 0.01) * turnedBy(1) * Matrix::translation(75, 75);
     for (const int height : { 10000, -1 }) {
         image.height = height;
-        EXPECT_LE(megabytesFor(page, image, 10000), 8U);
+        paintWithin(8U << 20, page, image, 10000);
         EXPECT_EQ(page.row(75)[225], 155);
     }
 }
@@ -325,7 +324,7 @@ TEST(TurnedImage, LargerThanItsPlaceOnThePageCostsBoundedMemory)
     image.height = 1000;
     image.imageToDevice = Matrix::translation(-20000, -500) * Matrix::scaling(3 / 40000.0, 3 / 1000.0) * turnedBy(0.4)
         * Matrix::translation(2.5, 2.5);
-    EXPECT_LE(megabytesFor(page, image, 1000), 24U);
+    paintWithin(24U << 20, page, image, 1000);
     EXPECT_EQ(page.row(2)[6], 155);
 }
 
@@ -340,15 +339,14 @@ TEST(TurnedImage, ThatIsBlankForLongTakesNoMemoryForIt)
     image.imageToDevice = Matrix::scaling(0.02, 1e-8) * turnedBy(0.4) * Matrix::translation(20, 5);
     PaintState state;
     state.sourceTransparent = false;
-    const test::PeakMemory peak;
-    const auto painted = painter.beginImage(image, state);
     const std::vector<std::uint8_t> row(1000, 100);
+    const test::SpareHeap bound(24U << 20);
+    const auto painted = painter.beginImage(image, state);
     painted->row(row.data());
     painted->blankRows(1'000'000'000);
     for (int y = 0; y < 1000; ++y)
         painted->row(row.data());
     painted->blankRows(INT32_MAX);
     painted->finish();
-    EXPECT_LE(peak.megabytes(), 24U);
     EXPECT_EQ(page.row(12)[25], 0);
 }
