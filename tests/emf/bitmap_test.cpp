@@ -15,8 +15,6 @@ using emf::decodeDib;
 using emf::DibContext;
 using emf::Pixels;
 
-Played play(const Bytes& records) { return Played(spoolHeader() + spoolPage(metafile(records))); }
-
 /// Rows from the bottom: blue and green, then red and white.
 Bytes fourColors() { return { 255, 0, 0, 0, 255, 0, 0, 0, 0, 0, 255, 255, 255, 255, 0, 0 }; }
 

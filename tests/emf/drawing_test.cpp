@@ -7,7 +7,6 @@
 namespace quillrip::test {
 namespace {
 
-Played play(const Bytes& records) { return Played(spoolHeader() + spoolPage(metafile(records))); }
 Bytes filled() { return nullPen() + blackBrush(); }
 
 TEST(EmfDrawing, LineLeavesItsLastPixelOut)

@@ -78,6 +78,9 @@ public:
     RunStatus status = RunStatus::Done;
 };
 
+/// Plays records as the only page of a spool file.
+inline Played play(const Bytes& records) { return Played(spoolHeader() + spoolPage(metafile(records))); }
+
 constexpr Rgb kWhitePixel { 255, 255, 255 };
 constexpr Rgb kBlackPixel { 0, 0, 0 };
 constexpr Rgb kRedPixel { 255, 0, 0 };

@@ -13,8 +13,6 @@ namespace {
 
 enum : std::uint32_t { kBytes = 0x53, kUtf16 = 0x54 };
 
-Played play(const Bytes& records) { return Played(spoolHeader() + spoolPage(metafile(records))); }
-
 Bytes utf16(const std::u16string& text)
 {
     Bytes bytes;

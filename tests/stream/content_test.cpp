@@ -1,4 +1,5 @@
 #include "quillrip/stream/content.h"
+#include "tests/support/files.h"
 
 #include <gtest/gtest.h>
 
@@ -9,11 +10,7 @@ namespace quillrip::stream {
 namespace {
 
 using namespace std::string_literals;
-
-ByteView bytesOf(const std::string& text)
-{
-    return { reinterpret_cast<const std::uint8_t*>(text.data()), text.size() };
-}
+using test::bytesOf;
 
 bool beginsWithInit(ByteView bytes) { return bytes.size >= 3 && bytes[0] == 'I' && bytes[1] == 'N' && bytes[2] == ';'; }
 
