@@ -4,8 +4,10 @@
 #include <gtest/gtest.h>
 
 #include <cstdio>
+#include <fcntl.h>
 #include <fstream>
 #include <string>
+#include <unistd.h>
 
 namespace quillrip {
 namespace {
@@ -85,6 +87,20 @@ TEST(ChildProcess, ReadsNoFileButItsOwnAndWritesNone)
     std::getline(std::ifstream { secret }, kept);
     EXPECT_EQ(kept, "secret");
     std::remove(secret.c_str());
+}
+
+TEST(ChildProcess, HasFourGibibytesAndWritesNoFileOrDumpAndInheritsNothing)
+{
+    const Input input("");
+    const int inherited = ::fcntl(input.descriptor(), F_DUPFD, 3);
+    ASSERT_TRUE(inherited > 2 && inherited < 10); // shells name descriptors by one digit
+    const std::string probe = "(: <&" + std::to_string(inherited) + ") && echo open || echo closed";
+    RunBudget budget;
+    ChildProcess child(budget);
+    ASSERT_TRUE(child.start({ "/bin/sh", "-c", "ulimit -v; ulimit -f; ulimit -c; " + probe }, input.descriptor()));
+    ::close(inherited);
+    EXPECT_EQ(allOf(child.output()), "4194304\n0\n0\nclosed\n"); // KiB, blocks, blocks
+    EXPECT_EQ(child.finish(), ChildProcess::End::Done);
 }
 
 TEST(ChildProcess, AProgramThatIsNotThereFails)
