@@ -156,7 +156,7 @@ private:
                 missed(unit.code);
         }
         const bool isSpace = unit.code == U' ' && !isIndex;
-        move(advance, unit.dx, unit.dy, isSpace ? 1 : 0, unit.code != 0 || isIndex);
+        move(advance, unit.dx, unit.dy, isSpace, unit.code != 0 || isIndex);
     }
 
     void missed(char32_t character)
@@ -165,12 +165,12 @@ private:
             m_machine.warn("emf.letters-missing", "letters that no installed font has are left out");
     }
 
-    /// The line goes on by what the job gives, or by an advance in em; `spaces` of them are widened to justify the
-    /// line.
-    void move(double advance, double dx, double dy, int spaces, bool hasLetters)
+    /// The line goes on by what the job gives, or by an advance in em, which is widened at a space to justify the line.
+    /// `countsAsLetters`: what the widths of the face are compared by.
+    void move(double advance, double dx, double dy, bool isSpace, bool countsAsLetters)
     {
         advance *= m_stretch * m_em;
-        if (hasLetters && spaces == 0) {
+        if (countsAsLetters && !isSpace) {
             m_natural += advance;
             m_given += dx;
         }
@@ -178,7 +178,7 @@ private:
             m_width += dx;
             m_drop -= dy;
         } else {
-            m_width += advance + m_extra * spaces;
+            m_width += advance + (isSpace ? m_extra : 0);
         }
     }
 
@@ -206,11 +206,18 @@ private:
         places.front() = 0;
         places.push_back(units.size());
         m_machine.job().limits.work->charge(Work::Glyphs, kWorkPerShapedCharacter * line.size());
-        const ShapedLine shaped = shapeLine(line, m_font, isRightToLeft);
+        placeClusters(shapeLine(line, m_font, isRightToLeft), line, places);
+        return true;
+    }
+
+    /// Characters that are drawn together move by the sum of their steps. `places`: of the line's characters among the
+    /// string's units, and where these end.
+    void placeClusters(const ShapedLine& shaped, const std::u32string& line, const std::vector<std::size_t>& places)
+    {
         const auto stepOf = [&](const ShapedCluster& cluster) {
             Point step;
             for (std::size_t i = places[cluster.begin]; i < places[cluster.end]; ++i)
-                step = step + Point { units[i].dx, units[i].dy };
+                step = step + Point { m_run.units[i].dx, m_run.units[i].dy };
             return step;
         };
         // The last character of a string needs no step, and writers do not give a true one: it does not count for the
@@ -238,9 +245,8 @@ private:
                 if (std::abs(step.x - likely) > kClose * likely)
                     step.x = likely;
             }
-            move(cluster.advance, step.x, step.y, isSpace(cluster) ? 1 : 0, !isLast(cluster));
+            move(cluster.advance, step.x, step.y, isSpace(cluster), !isLast(cluster));
         }
-        return true;
     }
 
     /// Where the line's first reference point lies, from the record's own: text space.
