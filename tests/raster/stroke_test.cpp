@@ -239,19 +239,22 @@ TEST(Stroke, LinesOfAnyLengthArePaintedWithoutASeam)
     constexpr int width = 120;
     constexpr int height = 90;
     Path path;
-    path.moveTo({ 60, 45 });
-    for (int i = 0; i < 60000; ++i)
-        path.lineTo({ 60 + 57 * std::sin(i * 0.37), 45 + 43 * std::cos(i * 0.00082) });
-    StrokeStyle style = pen(0.3, LineCap::Butt, LineJoin::Round);
+    constexpr int vertices = 80000;
+    path.moveTo({ 60, 5 });
+    // A star that wanders to and fro and slowly down.
+    for (int i = 0; i < vertices; ++i)
+        path.lineTo(
+            { 60 + 50 * std::sin(i * 0.003) + 3 * std::cos(2.0 * i), 5 + 80.0 * i / vertices + 3 * std::sin(2.0 * i) });
+    StrokeStyle style = pen(1, LineCap::Butt, LineJoin::Round);
     PaintState invert;
-    invert.rop = 0x5A;
+    invert.rop = rop::kDestinationInvert;
     PageBitmap whole(PixelFormat::Gray8, width, height, {});
     Painter(whole).strokePath(path, {}, style, invert);
 
     PageBitmap inStrips(PixelFormat::Gray8, width, height, {});
-    for (int top = 0; top < height; top += 9) {
+    for (int top = 0; top < height; top += 18) {
         PaintState strip = invert;
-        strip.clip = ClipRegion::ofRect({ 0, top, width, top + 9 });
+        strip.clip = ClipRegion::ofRect({ 0, top, width, top + 18 });
         Painter(inStrips).strokePath(path, {}, style, strip);
     }
     for (int y = 0; y < height; ++y)
