@@ -167,8 +167,7 @@ void RasterSession::emitRow(const std::uint8_t* pixels, int count)
         if (std::all_of(pixels, pixels + bytes, [white](std::uint8_t byte) { return byte == white; })) {
             m_image->blankRows(visible);
         } else {
-            for (int i = 0; i < visible; ++i)
-                m_image->row(pixels);
+            m_image->rows(pixels, visible);
         }
     }
     m_row += count;

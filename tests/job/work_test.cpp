@@ -192,6 +192,14 @@ TEST(Work, EmptyRowsOfAWideRasterScaledDownAreStopped)
     EXPECT_TRUE(spent.result.status == ConversionStatus::LimitExceeded || spent.units < kPageBudget);
 }
 
+TEST(Work, RowsThatADeclaredAreaLacksCostWhatIsSeenOfThem)
+{
+    const Spent spent = run(kReset + "\x1b*v6W" + std::string("\x00\x03\x00\x08\x08\x08", 6)
+        + "\x1b*r65535s65535T\x1b*t2000h2400V\x1b*r3A\x1b*b2M" + repeated("\x1b*bW", 100) + "\x1b*rC");
+    EXPECT_EQ(spent.result.status, ConversionStatus::Done);
+    EXPECT_LT(spent.units, kPageBudget);
+}
+
 TEST(Work, RowsWiderThanAnyPageAreRefused)
 {
     XlStream c;

@@ -240,3 +240,44 @@ TEST(MonoImage, ShrinkingKeepsThinLines)
     EXPECT_EQ(
         monoImage({ "........", "#.......", "........", "........" }, { 0.5, 0, 0, 0.5, 0, 0 }, 4, 2), "#...\n....\n");
 }
+
+TEST(Images, ARowThatIsGivenOnceWithItsCountIsThatManyRows)
+{
+    constexpr int kWidth = 16;
+    constexpr int kCounts[] = { 1, 7, 1, 30, 2 };
+    const auto page = [&](ImageFormat format, PixelFormat pageFormat, const Matrix& matrix, bool isCounted) {
+        PageBitmap bitmap(pageFormat, 60, 60, {});
+        Painter painter(bitmap);
+        ImageGeometry geometry;
+        geometry.format = format;
+        geometry.width = kWidth;
+        geometry.imageToDevice = matrix;
+        const auto image = painter.beginImage(geometry, {});
+        std::vector<std::uint8_t> row(kWidth * 4);
+        for (int i = 0; i < 5; ++i) {
+            for (std::size_t at = 0; at < row.size(); ++at)
+                row[at] = static_cast<std::uint8_t>(i == 2 ? 0 : 37 * at + 85 * static_cast<unsigned>(i));
+            if (isCounted)
+                image->rows(row.data(), kCounts[i]);
+            else
+                for (int count = kCounts[i]; count > 0; --count)
+                    image->row(row.data());
+        }
+        image->finish();
+        std::vector<Rgb> pixels;
+        for (int y = 0; y < 60; ++y)
+            for (int x = 0; x < 60; ++x)
+                pixels.push_back(bitmap.pixel(x, y));
+        return pixels;
+    };
+    const Matrix matrices[] = { { 1, 0, 0, 1, 3, 2 }, { 2.5, 0, 0, 1.75, 1, -9 }, { 0.5, 0, 0, 0.3, 4, 4 },
+        { 3, 0, 0, -0.4, 0, 50 }, { -1, 0, 0, 2, 40, -20 }, { 0, 1.5, 0.25, 0, 5, 5 }, { 0.8, 0.6, -0.6, 0.8, 30, 5 } };
+    for (const Matrix& matrix : matrices) {
+        for (const ImageFormat format :
+            { ImageFormat::Mono, ImageFormat::Gray8, ImageFormat::Rgb24, ImageFormat::Rgba32 }) {
+            for (const PixelFormat pageFormat : { PixelFormat::Bilevel, PixelFormat::Gray8, PixelFormat::Rgb24 })
+                EXPECT_EQ(page(format, pageFormat, matrix, true), page(format, pageFormat, matrix, false))
+                    << "scale " << matrix.a << " " << matrix.d << ", format " << static_cast<int>(format);
+        }
+    }
+}

@@ -113,9 +113,9 @@ AlignedImage::AlignedImage(const AlignedGeometry& geometry, std::unique_ptr<Comp
 {
 }
 
-void AlignedImage::row(const std::uint8_t* pixels)
+void AlignedImage::rows(const std::uint8_t* pixels, int count)
 {
-    feed(m_geometry.mirrorsColumns ? reversed(pixels) : pixels, 1, false);
+    feed(m_geometry.mirrorsColumns ? reversed(pixels) : pixels, count, false);
 }
 
 void AlignedImage::blankRows(int count)

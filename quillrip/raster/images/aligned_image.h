@@ -33,7 +33,8 @@ class AlignedImage : public ImagePainter {
 public:
     AlignedImage(const AlignedGeometry& geometry, std::unique_ptr<Compositor> compositor);
 
-    void row(const std::uint8_t* pixels) final;
+    void row(const std::uint8_t* pixels) final { rows(pixels, 1); }
+    void rows(const std::uint8_t* pixels, int count) final;
     void blankRows(int count) final;
     void finish() final;
 

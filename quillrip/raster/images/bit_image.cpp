@@ -62,10 +62,18 @@ private:
         gatherInto(first);
         if (!isBlank && isVisibleLine(first))
             addScaled(pixels);
-        if (last > first) {
+        if (last <= first)
+            return;
+        if (isBlank) {
             emitGathered();
             whiteLines(first + 1, last);
             gatherInto(last);
+            return;
+        }
+        const std::int64_t end = std::min<std::int64_t>(last + 1, axis.visibleEnd);
+        for (std::int64_t line = std::max<std::int64_t>(first + 1, axis.visibleBegin); line < end; ++line) {
+            gatherInto(line);
+            addScaled(pixels);
         }
     }
 

@@ -37,6 +37,12 @@ public:
     virtual ~ImagePainter() = default;
     /// The next source row, whole (ceil(width * bits / 8) bytes). Rows beyond `height` are ignored.
     virtual void row(const std::uint8_t* pixels) = 0;
+    /// `count` rows like this one.
+    virtual void rows(const std::uint8_t* pixels, int count)
+    {
+        for (; count > 0; --count)
+            row(pixels);
+    }
     /// `count` rows all white (no source at all where the source is transparent, or has alpha).
     virtual void blankRows(int count) = 0;
     /// No more rows: paints what is still held back. Must be called once.
