@@ -2,7 +2,9 @@
 
 #include "quillrip/hpgl/command_table.h"
 
+#include <algorithm>
 #include <cstddef>
+#include <cstdint>
 #include <string>
 
 namespace quillrip::hpgl {
@@ -52,6 +54,11 @@ End Machine::run(InputStream& input)
         }
         m_plotter.work.charge(Work::Commands, kUnitsPerCommand);
         m_plotter.reporter.at(input.offset() - 2);
+        // Within PCL a plot has no pages that noise could multiply, and PCL watches its own text.
+        if (m_plotter.listener && hearsNoise(input)) {
+            m_plotter.reporter.damage("hpgl.noise", "binary data where commands of a plot would be");
+            break;
+        }
         if (m_isSwitchedOff)
             lexer.skipOperands();
         else
@@ -59,6 +66,23 @@ End Machine::run(InputStream& input)
     }
     m_plotter.linePen.end();
     return status() == RunStatus::Done ? end : End::Failed;
+}
+
+/// Listens to what stands ahead of a command, each byte once; behind an escape sequence there may be raster.
+bool Machine::hearsNoise(InputStream& input)
+{
+    constexpr std::size_t kAhead = 256;
+    const TextState& text = m_plotter.text;
+    const bool isText = text.mode == LabelMode::OneByte || text.mode == LabelMode::OneByteVertical;
+    if (input.offset() < m_heardUntil || !isText)
+        return false;
+    const ByteView ahead = input.window(kAhead);
+    bool isNoise = false;
+    std::size_t heard = 0;
+    while (heard < std::min(ahead.size, kAhead) && ahead[heard] != kEscape)
+        isNoise = m_noise.isNoise(ahead[heard++], false) || isNoise;
+    m_heardUntil = input.offset() + heard;
+    return isNoise;
 }
 
 /// Tells the end when the escape sequence ends the run.

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "quillrip/base/input_stream.h"
+#include "quillrip/base/noise_watch.h"
 #include "quillrip/hpgl/command.h"
 #include "quillrip/hpgl/end.h"
 #include "quillrip/hpgl/lexer.h"
@@ -34,6 +35,7 @@ private:
     void obeyDeviceControl(char control);
     void execute(Mnemonic mnemonic, Lexer& lexer, Command& command);
     void reportUnknown(Mnemonic mnemonic);
+    bool hearsNoise(InputStream& input);
     void trace(const MnemonicEntry& entry, const std::vector<double>& operands) const;
 
     Plotter m_plotter;
@@ -41,6 +43,8 @@ private:
     bool m_isSwitchedOff = false; ///< between ESC.Z and ESC.Y
     std::set<Mnemonic> m_unknown;
     unsigned m_errors = 0;
+    NoiseWatch m_noise;
+    std::uint64_t m_heardUntil = 0; ///< offset of the input
 };
 
 } // namespace quillrip::hpgl

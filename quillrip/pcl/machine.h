@@ -2,10 +2,10 @@
 
 #include "quillrip/base/input_stream.h"
 #include "quillrip/base/limits.h"
+#include "quillrip/base/noise_watch.h"
 #include "quillrip/pcl/environment.h"
 #include "quillrip/pcl/interpreter.h"
 #include "quillrip/pcl/macro_store.h"
-#include "quillrip/pcl/noise_watch.h"
 #include "quillrip/pcl/state.h"
 
 #include <cstdint>

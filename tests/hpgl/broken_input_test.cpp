@@ -134,5 +134,44 @@ TEST(HpglBrokenInput, ManyUnknownCommandsWithoutADrawingAreDamage)
     EXPECT_TRUE(sheet.diagnostics().has("hpgl.not-a-plot"));
 }
 
+TEST(HpglBrokenInput, BinaryDataEndThePlotAsFarAsItWasDrawn)
+{
+    std::string plot = "IN;PS1000,1000;SP1;PU0,0;PD900,900;PG;PU0,0;PD900,900;";
+    std::mt19937 dice(1);
+    while (plot.size() < 200000) {
+        for (int i = 0; i < 200; ++i) {
+            const char byte = static_cast<char>(dice() >> 24);
+            plot += byte == '\x1b' ? '\0' : byte;
+        }
+        plot += ";PG;PU0,0;PD900,900;";
+    }
+    MemoryPageDevice device(PixelFormat::Bilevel, 20);
+    FontLibrary fonts;
+    RecordingSink diagnostics;
+    hpgl::PlotFile file(device, fonts, diagnostics, {}, {});
+    MemoryInputStream input({ reinterpret_cast<const std::uint8_t*>(plot.data()), plot.size() });
+    EXPECT_EQ(file.run(input), hpgl::PlotFile::End::InputEnded);
+    EXPECT_TRUE(diagnostics.has("hpgl.noise"));
+    EXPECT_GE(device.pages().size(), 2u);
+    EXPECT_LE(device.pages().size(), 20u);
+}
+
+TEST(HpglBrokenInput, LabelsOfTwoBytesAreNoNoise)
+{
+    std::string letters;
+    for (int i = 0; i < 2000; ++i)
+        letters += std::string("\x30") + static_cast<char>(i % 31 == 3 || i % 31 == 27 ? 32 : i % 31);
+    MemoryPageDevice device(PixelFormat::Bilevel, 20);
+    FontLibrary fonts;
+    RecordingSink diagnostics;
+    hpgl::PlotFile file(device, fonts, diagnostics, {}, {});
+    std::string plot = "IN;PS1000,1000;SP1;LM1;PA9,9;";
+    for (std::size_t i = 0; i + 40 <= letters.size(); i += 40)
+        plot += "LB" + letters.substr(i, 40) + std::string("\0\3", 2) + ";";
+    MemoryInputStream input({ reinterpret_cast<const std::uint8_t*>(plot.data()), plot.size() });
+    EXPECT_EQ(file.run(input), hpgl::PlotFile::End::InputEnded);
+    EXPECT_FALSE(diagnostics.has("hpgl.noise"));
+}
+
 } // namespace
 } // namespace quillrip::test

@@ -1,4 +1,4 @@
-#include "quillrip/pcl/noise_watch.h"
+#include "quillrip/base/noise_watch.h"
 #include "tests/pcl/printer.h"
 
 #include <gtest/gtest.h>
@@ -61,7 +61,7 @@ TEST(PclBrokenStreams, StrangeTextIsText)
 
 TEST(PclBrokenStreams, CodesOfSoftFontsAreNoNoise)
 {
-    pcl::NoiseWatch watch;
+    NoiseWatch watch;
     for (int i = 0; i < 100000; ++i)
         ASSERT_FALSE(watch.isNoise(static_cast<std::uint8_t>(i % 32), true));
     int heard = 0;

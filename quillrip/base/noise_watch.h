@@ -4,10 +4,10 @@
 #include <cstddef>
 #include <cstdint>
 
-namespace quillrip::pcl {
+namespace quillrip {
 
-/// Tells binary data from text. When a count of bytes is wrong, what is left of a raster or a font is printed,
-/// thousands of pages of it, since one byte in 256 ends a page.
+/// Tells binary data from text and from commands in letters. When a count of bytes is wrong, what is left of a raster
+/// or a font is printed, thousands of pages of it, since one byte in 256 ends a page.
 ///
 /// It shows by the codes below space that are no control codes: all of them come, one byte in twelve, where text has
 /// none, or a few of a kind around its lines. A table of all characters that a printer has is told apart by its length,
@@ -47,4 +47,4 @@ private:
     int m_noisyStretches = 0;
 };
 
-} // namespace quillrip::pcl
+} // namespace quillrip
