@@ -241,6 +241,14 @@ TEST(MonoImage, ShrinkingKeepsThinLines)
         monoImage({ "........", "#.......", "........", "........" }, { 0.5, 0, 0, 0.5, 0, 0 }, 4, 2), "#...\n....\n");
 }
 
+TEST(GrayImage, AveragesAreTheSameUpsideDown)
+{
+    using Ink = std::vector<std::vector<int>>;
+    const std::vector<std::vector<std::uint8_t>> rows { { 0 }, { 100 }, { 200 }, { 50 } };
+    EXPECT_EQ(grayImage(rows, { 1, 0, 0, 0.5, 0, 0 }, false, 1, 2), (Ink { { 205 }, { 130 } }));
+    EXPECT_EQ(grayImage(rows, { 1, 0, 0, -0.5, 0, 2 }, false, 1, 2), (Ink { { 130 }, { 205 } }));
+}
+
 TEST(Images, ARowThatIsGivenOnceWithItsCountIsThatManyRows)
 {
     constexpr int kWidth = 16;

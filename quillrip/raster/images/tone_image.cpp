@@ -288,9 +288,10 @@ private:
             return static_cast<std::int64_t>(
                 std::clamp(line, static_cast<double>(axis.visibleBegin) - 1, static_cast<double>(axis.visibleEnd)));
         };
-        const std::int64_t last = limited(std::ceil(end - axis.bias) - 1);
-        for (std::int64_t line = std::max(limited(std::floor(begin + axis.bias)), axis.start(0)); line <= last;
-             ++line) {
+        // What lies beyond a line's edge by a rounding error is not of the next line, whichever way the rows go.
+        const double error = std::abs(axis.bias);
+        const std::int64_t last = limited(std::ceil(end - error) - 1);
+        for (std::int64_t line = std::max(limited(std::floor(begin + error)), axis.start(0)); line <= last; ++line) {
             if (line != m_nextLine) {
                 emitAverage();
                 m_nextLine = line;
