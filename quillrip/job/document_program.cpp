@@ -34,12 +34,12 @@ std::optional<DocumentPageSize> sizeOfPoints(double width, double height)
 // Ghostscript. -dSAFER: no file but the job itself may be opened, no program started. -P-: nothing from the current
 // folder. Large pages are drawn in bands, whose lists are kept in memory since there is no folder for temporary files.
 
-const Arguments kGhostscript { "-q", "-P-", "-dSAFER", "-dBATCH", "-dNOPAUSE", "-dNOPROMPT",
+constexpr std::array kGhostscript { "-q", "-P-", "-dSAFER", "-dBATCH", "-dNOPAUSE", "-dNOPROMPT",
     "-sBandListStorage=memory" };
 
 Arguments ghostscriptMeasuring(const std::string& document, const std::string& mark)
 {
-    Arguments arguments = kGhostscript;
+    Arguments arguments(kGhostscript.begin(), kGhostscript.end());
     // Tells the size of every page that leaves, in points, as the page device has it then.
     arguments.insert(arguments.end(),
         { "-sDEVICE=nullpage", "-c",
@@ -62,7 +62,7 @@ std::optional<DocumentPageSize> ghostscriptSize(const std::string& line, const s
 
 Arguments ghostscriptDrawing(const std::string& document, const DrawingOrder& order)
 {
-    Arguments arguments = kGhostscript;
+    Arguments arguments(kGhostscript.begin(), kGhostscript.end());
     const char* device = order.format == PixelFormat::Bilevel ? "pbmraw"
         : order.format == PixelFormat::Gray8                  ? "pgmraw"
                                                               : "ppmraw";
@@ -79,11 +79,11 @@ Arguments ghostscriptDrawing(const std::string& document, const DrawingOrder& or
 
 // MuPDF. Documents cannot run programs or open files; -N keeps it from looking for colour profiles.
 
-const Arguments kMuPdf { "draw", "-q", "-N", "-o", "-" };
+constexpr std::array kMuPdf { "draw", "-q", "-N", "-o", "-" };
 
 Arguments muPdfMeasuring(const std::string& document, const std::string&)
 {
-    Arguments arguments = kMuPdf;
+    Arguments arguments(kMuPdf.begin(), kMuPdf.end());
     // Its pages as text, each begun by a line with the size; what a page says itself is quoted.
     arguments.insert(arguments.end(), { "-F", "stext", document });
     return arguments;
@@ -100,7 +100,7 @@ std::optional<DocumentPageSize> muPdfSize(const std::string& line, const std::st
 
 Arguments muPdfDrawing(const std::string& document, const DrawingOrder& order)
 {
-    Arguments arguments = kMuPdf;
+    Arguments arguments(kMuPdf.begin(), kMuPdf.end());
     if (order.format == PixelFormat::Bilevel)
         arguments.insert(arguments.end(), { "-F", "pbm" });
     else

@@ -98,9 +98,13 @@ template <typename Call> auto suffer(const char* kind, int error, const Call& ca
     return result;
 }
 
+/// Whether the libraries' own initialisers have run. GLib's, which HarfBuzz brings along, end the process or wait for
+/// ever when memory is missing, before a line of the program is reached.
+bool s_hasBegun = false;
+
 bool hasMemory()
 {
-    if (actionFor("alloc") == Action::None)
+    if (!s_hasBegun || actionFor("alloc") == Action::None)
         return true;
     errno = ENOMEM;
     return false;
@@ -215,6 +219,17 @@ int flock(int descriptor, int operation) noexcept
         return -1;
     }
     return suffer("lock", ENOLCK, [&] { return static_cast<int>(syscall(SYS_flock, descriptor, operation)); });
+}
+
+/// The dynamic linker has initialised all libraries when it is called; the program's own initialisers come next.
+int __libc_start_main(int (*main)(int, char**, char**), int count, char** words, void (*init)(),
+    void (*fini)(), // NOLINT
+    void (*linkerFini)(), void* stackEnd)
+{
+    using Start = int (*)(int (*)(int, char**, char**), int, char**, void (*)(), void (*)(), void (*)(), void*);
+    const auto start = reinterpret_cast<Start>(dlsym(RTLD_NEXT, "__libc_start_main"));
+    s_hasBegun = true;
+    return start(main, count, words, init, fini, linkerFini, stackEnd);
 }
 
 void* __libc_malloc(size_t count); // NOLINT
