@@ -43,8 +43,10 @@ public:
     {
         while (m_text.size() < end.size() || m_text.compare(m_text.size() - end.size(), end.size(), end) != 0) {
             char byte = 0;
-            if (read(m_screen, &byte, 1) != 1)
-                return m_text + " and no more";
+            if (read(m_screen, &byte, 1) != 1) {
+                ADD_FAILURE() << "the terminal ends before " << end;
+                return m_text;
+            }
             m_text += byte;
         }
         return m_text;
