@@ -1,4 +1,5 @@
 #include "quillrip/raster/painter.h"
+#include "tests/support/spare_heap.h"
 #include "tests/support/text_art.h"
 
 #include <gtest/gtest.h>
@@ -286,6 +287,62 @@ TEST(Images, ARowThatIsGivenOnceWithItsCountIsThatManyRows)
             for (const PixelFormat pageFormat : { PixelFormat::Bilevel, PixelFormat::Gray8, PixelFormat::Rgb24 })
                 EXPECT_EQ(page(format, pageFormat, matrix, true), page(format, pageFormat, matrix, false))
                     << "scale " << matrix.a << " " << matrix.d << ", format " << static_cast<int>(format);
+        }
+    }
+}
+
+TEST(WideImage, OfMillionsOfPixelsARowTakesMemoryForThePage)
+{
+    // Packed, a row of 22 million pixels has less than 3 MB.
+    constexpr int width = 22'000'000;
+    std::vector<std::uint8_t> row(width / 8, 0xF0);
+    std::fill(row.begin() + width / 16, row.end(), std::uint8_t { 0xFF });
+    for (const bool isTurned : { false, true }) {
+        PageBitmap page(PixelFormat::Gray8, 100, 100, {});
+        Painter painter(page);
+        ImageGeometry geometry;
+        geometry.width = width;
+        geometry.height = 2;
+        geometry.imageToDevice = Matrix::scaling(100.0 / width, 50);
+        if (isTurned)
+            geometry.imageToDevice = geometry.imageToDevice * Matrix::quarterTurns(1) * Matrix::translation(100, 0);
+        const test::SpareHeap bound(1U << 20);
+        const auto image = painter.beginImage(geometry, {});
+        image->row(row.data());
+        image->row(row.data());
+        image->finish();
+        for (const int at : { 0, 20, 49, 50, 99 })
+            EXPECT_EQ(page.row(isTurned ? at : 30)[isTurned ? 30 : at], at < 50 ? 128 : 255) << at;
+    }
+}
+
+TEST(WideImage, InPartsHasThePixelsOfTheWhole)
+{
+    // 200,000 grey pixels, shrunk by 20, against their means; and every twentieth of them.
+    constexpr int width = 200'000;
+    std::vector<std::uint8_t> row(width);
+    for (std::size_t x = 0; x < row.size(); ++x)
+        row[x] = static_cast<std::uint8_t>(x * x / 77);
+    for (const bool drops : { false, true }) {
+        PageBitmap page(PixelFormat::Gray8, width / 20, 1, {});
+        Painter painter(page);
+        ImageGeometry geometry;
+        geometry.format = ImageFormat::Gray8;
+        geometry.width = width;
+        geometry.height = 1;
+        geometry.imageToDevice = Matrix::scaling(1 / 20.0, 1);
+        geometry.dropsPixels = drops;
+        PaintState state;
+        state.sourceTransparent = false;
+        const auto image = painter.beginImage(geometry, state);
+        image->row(row.data());
+        image->finish();
+        for (int x = 0; x < page.width(); ++x) {
+            double mean = 0;
+            for (std::size_t i = 0; i < 20; ++i)
+                mean += row[static_cast<std::size_t>(x) * 20 + i] / 20.0;
+            const double expected = drops ? row[static_cast<std::size_t>(x) * 20 + 9] : mean;
+            ASSERT_NEAR(255 - page.row(0)[x], expected, drops ? 0 : 0.51) << x;
         }
     }
 }

@@ -93,24 +93,30 @@ public:
 private:
     enum class Kind { Bits, Coverage, Colors, Blended };
     static constexpr int kMostLines = 64;
+    /// Of pages longer than any paper, fewer lines are collected.
+    static constexpr std::size_t kMostBytes = std::size_t { 8 } << 20;
 
     std::size_t columns() const { return static_cast<std::size_t>(m_count); }
+    std::size_t slots() const { return static_cast<std::size_t>(m_mostLines); }
     /// Lines have fixed places, whichever way they come.
-    static std::size_t slot(int line) { return static_cast<unsigned>(line) % kMostLines; }
+    std::size_t slot(int line) const { return static_cast<unsigned>(line) % static_cast<unsigned>(m_mostLines); }
 
     /// Where the line's pixels go, `bytes` each.
     std::uint8_t* begin(Kind kind, int line, int left, int count, std::size_t bytes, bool hasCoverage)
     {
-        const bool isNext = m_first < m_end && (line == m_end || line == m_first - 1) && m_end - m_first < kMostLines;
+        const bool isNext = m_first < m_end && (line == m_end || line == m_first - 1) && m_end - m_first < m_mostLines;
         if (!isNext || kind != m_kind || left != m_left || count != m_count || hasCoverage != m_hasCoverage) {
             finish();
             m_kind = kind;
             m_left = left;
             m_count = count;
             m_hasCoverage = hasCoverage;
-            m_pixels.resize(kMostLines * columns() * bytes);
+            m_mostLines = kMostLines;
+            while (m_mostLines > 1 && slots() * columns() * bytes > kMostBytes)
+                m_mostLines /= 2;
+            m_pixels.resize(slots() * columns() * bytes);
             if (hasCoverage)
-                m_coverage.resize(kMostLines * columns());
+                m_coverage.resize(slots() * columns());
             m_first = line;
             m_end = line;
         }
@@ -154,6 +160,7 @@ private:
     Compositor& m_compositor;
     std::size_t m_channels;
     Kind m_kind = Kind::Bits;
+    int m_mostLines = kMostLines; ///< a power of two
     int m_first = 0; ///< the lines held, half open
     int m_end = 0;
     int m_left = 0;

@@ -13,6 +13,8 @@ namespace {
 
 constexpr std::uint64_t kUnitsPerCopiedPixel = 1;
 constexpr std::uint64_t kUnitsPerMixedPixel = 4;
+/// Source pixels that are converted at a time: whole bytes of a bilevel row.
+constexpr int kMostPart = 1 << 16;
 
 /// How source pixels become device pixels along an axis.
 enum class Resampling {
@@ -35,6 +37,7 @@ class ColumnScaler {
 public:
     ColumnScaler(const ImageAxis& axis, int sourceWidth, Resampling resampling, int channels)
         : m_channels(static_cast<std::size_t>(channels))
+        , m_sourceWidth(sourceWidth)
     {
         m_columns.reserve(static_cast<std::size_t>(axis.visible()));
         for (int column = axis.visibleBegin; column < axis.visibleEnd; ++column) {
@@ -50,17 +53,21 @@ public:
         }
     }
 
-    void scale(const std::uint8_t* source, float* result) const
+    /// Adds the `count` source pixels from `first` on, which follow those of the last call or begin a row. Columns
+    /// whose last pixel is among them are done.
+    void scale(const std::uint8_t* source, std::int64_t first, std::int64_t count, float* result)
     {
+        if (first == 0)
+            m_nextColumn = 0;
         switch (m_channels) {
         case 1:
-            return scaleChannels<1>(source, result);
+            return scaleChannels<1>(source, first, first + count, result);
         case 2:
-            return scaleChannels<2>(source, result);
+            return scaleChannels<2>(source, first, first + count, result);
         case 3:
-            return scaleChannels<3>(source, result);
+            return scaleChannels<3>(source, first, first + count, result);
         default:
-            return scaleChannels<4>(source, result);
+            return scaleChannels<4>(source, first, first + count, result);
         }
     }
 
@@ -73,6 +80,7 @@ private:
         float innerWeight = 1;
         float lastWeight = 1;
 
+        std::int64_t last() const { return first + (count - 1) * step; }
         float weight(std::int64_t i) const { return i == 0 ? firstWeight : i + 1 == count ? lastWeight : innerWeight; }
     };
 
@@ -82,20 +90,54 @@ private:
             sums[channel] += weight * static_cast<float>(pixel[channel]);
     }
 
-    template <std::size_t Channels> void scaleChannels(const std::uint8_t* source, float* result) const
+    template <std::size_t Channels>
+    void scaleChannels(const std::uint8_t* source, std::int64_t begin, std::int64_t end, float* result)
     {
-        for (const Column& column : m_columns) {
-            float sums[Channels] = {};
-            const std::uint8_t* pixel = source + static_cast<std::size_t>(column.first) * Channels;
-            const auto step = static_cast<std::size_t>(column.step) * Channels;
-            add<Channels>(pixel, column.firstWeight, sums);
-            for (std::int64_t i = 1; i + 1 < column.count; ++i)
-                add<Channels>(pixel += step, column.innerWeight, sums);
-            if (column.count > 1)
-                add<Channels>(pixel + step, column.lastWeight, sums);
-            for (const float sum : sums)
-                *result++ = sum;
+        if (begin == 0 && end == m_sourceWidth) {
+            for (const Column& column : m_columns) {
+                addAll<Channels>(column, source + static_cast<std::size_t>(column.first) * Channels, result);
+                result += Channels;
+            }
+            return;
         }
+        for (std::size_t at = m_nextColumn; at < m_columns.size() && m_columns[at].first < end; ++at) {
+            const Column& column = m_columns[at];
+            float* const sums = result + at * Channels;
+            if (column.first < begin || column.last() >= end) {
+                addPart<Channels>(column, source, begin, end, sums);
+            } else {
+                const std::uint8_t* const first = source + static_cast<std::size_t>(column.first - begin) * Channels;
+                addAll<Channels>(column, first, sums);
+            }
+            if (column.last() < end && at == m_nextColumn)
+                ++m_nextColumn;
+        }
+    }
+
+    template <std::size_t Channels> static void addAll(const Column& column, const std::uint8_t* pixel, float* result)
+    {
+        float sums[Channels] = {};
+        const auto step = static_cast<std::size_t>(column.step) * Channels;
+        add<Channels>(pixel, column.firstWeight, sums);
+        for (std::int64_t i = 1; i + 1 < column.count; ++i)
+            add<Channels>(pixel += step, column.innerWeight, sums);
+        if (column.count > 1)
+            add<Channels>(pixel + step, column.lastWeight, sums);
+        for (const float sum : sums)
+            *result++ = sum;
+    }
+
+    /// Of a column that takes pixels beyond those that are there, too.
+    template <std::size_t Channels>
+    static void addPart(
+        const Column& column, const std::uint8_t* source, std::int64_t begin, std::int64_t end, float* sums)
+    {
+        if (column.first >= begin)
+            std::fill(sums, sums + Channels, 0.0F);
+        const std::int64_t stop = std::min(column.count, end - column.first);
+        for (std::int64_t i = std::max<std::int64_t>(begin - column.first, 0); i < stop; ++i)
+            add<Channels>(
+                source + static_cast<std::size_t>(column.first + i - begin) * Channels, column.weight(i), sums);
     }
 
     static Column columnOf(const ImageAxis& axis, int sourceWidth, Resampling resampling, int column)
@@ -141,7 +183,9 @@ private:
     }
 
     std::size_t m_channels;
+    std::int64_t m_sourceWidth;
     std::vector<Column> m_columns;
+    std::size_t m_nextColumn = 0; ///< of the row: those before are done
 };
 
 class ToneImage final : public AlignedImage {
@@ -159,7 +203,7 @@ public:
               && (m_isBlended || (compositor().isSourceTransparent() && compositor().format() != PixelFormat::Bilevel)))
         , m_channels(m_inkChannels + (m_hasAlpha ? 1 : 0))
         , m_scaler(aligned.columns, aligned.width, m_columnWay, m_channels)
-        , m_ink(static_cast<std::size_t>(aligned.width) * static_cast<std::size_t>(m_channels))
+        , m_ink(static_cast<std::size_t>(std::min(aligned.width, kMostPart)) * static_cast<std::size_t>(m_channels))
         , m_line(static_cast<std::size_t>(aligned.columns.visible()) * static_cast<std::size_t>(m_inkChannels))
         , m_alpha(static_cast<std::size_t>(aligned.columns.visible()))
         , m_current(static_cast<std::size_t>(aligned.columns.visible()) * static_cast<std::size_t>(m_channels))
@@ -181,12 +225,14 @@ private:
             return addBlocks(pixels, index, count, isBlank);
         charge(kUnitsPerMixedPixel * static_cast<std::uint64_t>(geometry().width));
         m_current.swap(m_previous);
-        convertRow(pixels, geometry().format, geometry().width, m_inkChannels, m_ink.data());
-        if (m_hasAlpha && m_isBlended)
-            interleaveAlpha(m_ink.data(), geometry().width, m_inkChannels, pixels + 3, 4);
-        else if (m_hasAlpha)
-            addAlpha();
-        m_scaler.scale(m_ink.data(), m_current.data());
+        for (int first = 0; first < geometry().width; first += kMostPart) {
+            const int part = convertPart(pixels, first);
+            if (m_hasAlpha && m_isBlended)
+                interleaveAlpha(m_ink.data(), part, m_inkChannels, pixels + 4 * static_cast<std::size_t>(first) + 3, 4);
+            else if (m_hasAlpha)
+                addAlpha(static_cast<std::size_t>(part));
+            m_scaler.scale(m_ink.data(), first, part, m_current.data());
+        }
         switch (m_lineWay) {
         case Resampling::Blocks:
             return repeatLine(index, count);
@@ -222,7 +268,6 @@ private:
             return whiteLines(begin, end);
         const ImageAxis& columns = geometry().columns;
         charge(kUnitsPerCopiedPixel * static_cast<std::uint64_t>(geometry().width));
-        convertRow(pixels, geometry().format, geometry().width, m_inkChannels, m_ink.data());
         const auto channels = static_cast<std::size_t>(m_inkChannels);
         const std::uint8_t* line = m_line.data();
         if (m_isBlended) {
@@ -230,17 +275,53 @@ private:
             for (const std::size_t from : blockColumns())
                 *to++ = pixels[4 * from + 3];
         }
-        if (columns.isIdentity()) {
+        if (columns.isIdentity() && geometry().width <= kMostPart) {
+            convertPart(pixels, 0);
             line = m_ink.data() + static_cast<std::size_t>(columns.visibleBegin - columns.start(0)) * channels;
-        } else {
+        } else if (geometry().width <= kMostPart) {
+            convertPart(pixels, 0);
             std::uint8_t* to = m_line.data();
             for (const std::size_t from : blockColumns()) {
                 for (std::size_t channel = 0; channel < channels; ++channel)
                     *to++ = m_ink[from * channels + channel];
             }
+        } else {
+            convertBlocks(pixels);
         }
         for (std::int64_t at = begin; at < end; ++at)
             emitBytes(at, line, m_isBlended ? m_alpha.data() : nullptr);
+    }
+
+    /// Fills m_ink with the pixels from `first` on, as many as it holds or the row has left; says how many.
+    int convertPart(const std::uint8_t* pixels, int first)
+    {
+        const ImageFormat format = geometry().format;
+        const int part = std::min(geometry().width - first, kMostPart);
+        const auto before = static_cast<std::size_t>(first);
+        const std::size_t bytes = format == ImageFormat::Mono ? before / 8
+            : format == ImageFormat::Gray8                    ? before
+            : format == ImageFormat::Rgb24                    ? 3 * before
+                                                              : 4 * before;
+        convertRow(pixels + bytes, format, part, m_inkChannels, m_ink.data());
+        return part;
+    }
+
+    /// Fills m_line with the source pixel of each column.
+    void convertBlocks(const std::uint8_t* pixels)
+    {
+        const auto channels = static_cast<std::size_t>(m_inkChannels);
+        const std::vector<std::size_t>& blocks = blockColumns();
+        std::uint8_t* to = m_line.data();
+        std::size_t end = 0;
+        std::size_t first = 0;
+        for (const std::size_t block : blocks) {
+            if (block >= end) {
+                first = block / kMostPart * kMostPart;
+                end = first + static_cast<std::size_t>(convertPart(pixels, static_cast<int>(first)));
+            }
+            for (std::size_t channel = 0; channel < channels; ++channel)
+                *to++ = m_ink[(block - first) * channels + channel];
+        }
     }
 
     /// The source pixel of each visible column.
@@ -255,11 +336,11 @@ private:
     }
 
     /// White has no ink, so the ink of mixed pixels is that of the others already; only their number is missing.
-    void addAlpha()
+    void addAlpha(std::size_t pixels)
     {
         const auto inkChannels = static_cast<std::size_t>(m_inkChannels);
         const auto channels = static_cast<std::size_t>(m_channels);
-        for (auto x = static_cast<std::size_t>(geometry().width); x-- > 0;) {
+        for (std::size_t x = pixels; x-- > 0;) {
             std::uint8_t any = 0;
             for (std::size_t channel = inkChannels; channel-- > 0;) {
                 const std::uint8_t value = m_ink[x * inkChannels + channel];
@@ -381,7 +462,7 @@ private:
     int m_channels; ///< with alpha
     ColumnScaler m_scaler;
     std::vector<std::size_t> m_blocks;
-    std::vector<std::uint8_t> m_ink; ///< the source row
+    std::vector<std::uint8_t> m_ink; ///< the source row, or a part of it
     std::vector<std::uint8_t> m_line;
     std::vector<std::uint8_t> m_alpha;
     std::vector<float> m_current; ///< the source row in device columns
