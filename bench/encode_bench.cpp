@@ -107,7 +107,7 @@ int main(int argc, char** argv)
 
     const auto start = std::chrono::steady_clock::now();
     const auto writer = DocumentWriter::create(options);
-    bool isGood = writer != nullptr;
+    bool isGood = static_cast<bool>(writer);
     for (std::size_t i = 0; isGood && i < pageCount; ++i)
         isGood = writer->addPage(copyOf(pages[i % pages.size()]));
     isGood = isGood && writer->commit();

@@ -1,7 +1,10 @@
 #include "quillrip/base/page_bitmap.h"
 
+#include "quillrip/base/sanitizer.h"
+
 #include <algorithm>
 #include <cstring>
+#include <utility>
 
 namespace quillrip {
 
@@ -12,20 +15,25 @@ PageBitmap::PageBitmap(PixelFormat format, int width, int height, Resolution res
     , m_resolution(resolution)
     , m_stride((rowBytes() + 7) / 8 * 8)
     , m_pool(std::move(pool))
-    , m_bytes(static_cast<std::size_t>(height) * m_stride)
 {
-    m_pixels = m_pool->take(m_bytes);
-    if (m_pixels)
-        m_extents.resize(static_cast<std::size_t>(height));
+    while ((m_stride << (m_blockShift + 1)) <= PagePool::kBlockBytes)
+        ++m_blockShift;
+    // Of one size for most pages, so that they share them; a sanitizer sees where the rows end.
+    const std::size_t rows = std::min(std::size_t { 1 } << m_blockShift, static_cast<std::size_t>(height));
+    m_blockBytes = kIsWatchedBySanitizer ? rows * m_stride : std::max(m_stride, PagePool::kBlockBytes);
+    m_endBlock = blockCount();
+    m_extents.resize(static_cast<std::size_t>(height));
+    // Not one whose zeros are written: it may be as long as a small page, and never be read.
+    m_whiteRow.reset(static_cast<std::uint8_t*>(std::calloc(m_stride, 1)));
+    if (!m_whiteRow)
+        return;
+    m_blocks = std::make_unique<std::uint8_t*[]>(static_cast<std::size_t>(m_endBlock));
 }
 
 PageBitmap::~PageBitmap()
 {
-    if (!m_pixels)
-        return;
-    if (PagePool::keeps(m_bytes))
-        clearRows(0, m_height);
-    m_pool->giveBack(m_pixels, m_bytes);
+    if (m_blocks)
+        giveBack(m_firstBlock, m_endBlock);
 }
 
 PageBitmap::PageBitmap(PageBitmap&& other) noexcept { swap(other); }
@@ -45,10 +53,57 @@ void PageBitmap::swap(PageBitmap& other) noexcept
     std::swap(m_resolution, other.m_resolution);
     std::swap(m_stride, other.m_stride);
     std::swap(m_pool, other.m_pool);
-    std::swap(m_pixels, other.m_pixels);
-    std::swap(m_bytes, other.m_bytes);
+    std::swap(m_blockShift, other.m_blockShift);
+    std::swap(m_blockBytes, other.m_blockBytes);
+    std::swap(m_blocks, other.m_blocks);
+    std::swap(m_firstBlock, other.m_firstBlock);
+    std::swap(m_endBlock, other.m_endBlock);
+    std::swap(m_isFinished, other.m_isFinished);
+    std::swap(m_whiteRow, other.m_whiteRow);
     std::swap(m_extents, other.m_extents);
     std::swap(m_paintedPixels, other.m_paintedPixels);
+}
+
+std::uint8_t* PageBitmap::takeBlock(int y)
+{
+    std::uint8_t*& block = m_blocks[static_cast<unsigned>(y) >> m_blockShift];
+    block = m_pool->take(m_blockBytes);
+    return block;
+}
+
+void PageBitmap::giveBack(int first, int end)
+{
+    for (int i = first; i < end; ++i) {
+        std::uint8_t*& block = m_blocks[static_cast<std::size_t>(i)];
+        if (!block)
+            continue;
+        clearRows(i << m_blockShift, std::min(m_height, (i + 1) << m_blockShift));
+        if (m_isFinished)
+            m_pool->giveBackExpected(block, m_blockBytes);
+        else
+            m_pool->giveBack(block, m_blockBytes);
+        block = nullptr;
+    }
+}
+
+void PageBitmap::finish()
+{
+    if (!m_blocks || m_isFinished)
+        return;
+    m_isFinished = true;
+    const auto isTaken = [](const std::uint8_t* block) { return block != nullptr; };
+    const auto blocks = std::count_if(m_blocks.get() + m_firstBlock, m_blocks.get() + m_endBlock, isTaken);
+    m_pool->expect(static_cast<std::size_t>(blocks), m_blockBytes);
+}
+
+void PageBitmap::keepOnly(int top, int bottom)
+{
+    const int first = std::clamp(top >> m_blockShift, m_firstBlock, m_endBlock);
+    const int end = bottom <= top ? first : std::clamp(((bottom - 1) >> m_blockShift) + 1, first, m_endBlock);
+    giveBack(m_firstBlock, first);
+    giveBack(end, m_endBlock);
+    m_firstBlock = first;
+    m_endBlock = end;
 }
 
 void PageBitmap::clearRows(int top, int bottom)
@@ -60,7 +115,8 @@ void PageBitmap::clearRows(int top, int bottom)
             continue;
         const std::size_t first = static_cast<std::size_t>(touched.left) * depth / 8;
         const std::size_t last = (static_cast<std::size_t>(touched.right) * depth + 7) / 8;
-        std::memset(row(y) + first, 0, last - first);
+        if (std::uint8_t* block = m_blocks[static_cast<unsigned>(y) >> m_blockShift])
+            std::memset(block + offsetInBlock(y) + first, 0, last - first);
     }
 }
 
@@ -111,6 +167,8 @@ PageBitmap PageBitmap::cropped(int left, int width, int height) &&
     if (left == 0 && width == m_width && height <= m_height) {
         clearRows(height, m_height);
         m_height = height;
+        giveBack(blockCount(), m_endBlock);
+        m_endBlock = blockCount();
         m_extents.resize(static_cast<std::size_t>(height));
         return std::move(*this);
     }
@@ -126,7 +184,7 @@ PageBitmap PageBitmap::cropped(int left, int width, int height) &&
         const int last = std::min(width, extent(y).right - left);
         if (first >= last)
             continue;
-        const std::uint8_t* from = row(y);
+        const std::uint8_t* from = std::as_const(*this).row(y);
         std::uint8_t* to = result.row(y);
         const auto byteAt = [&](std::int64_t i) { return i < 0 || i >= stride ? 0u : from[i]; };
         for (std::int64_t i = first * depth / 8; i <= (last * depth - 1) / 8; ++i) {

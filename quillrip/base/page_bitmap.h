@@ -6,6 +6,7 @@
 #include "quillrip/base/page_pool.h"
 
 #include <cstdint>
+#include <cstdlib>
 #include <memory>
 #include <vector>
 
@@ -31,8 +32,8 @@ struct Resolution {
 /// One page's pixels: filled by the painter, read by an encoder, moved from one to the other.
 ///
 /// Every format stores INK, not light: 0 is white in all of them, a set bit or 255 is full ink (for Rgb24: the
-/// complements of red, green and blue). So a page is born from zeroed memory that the system maps when it is first
-/// written, and what a page never marks costs neither time nor memory; encoders complement what they read.
+/// complements of red, green and blue). So a page is born from zeroed memory, which rows get in blocks when they are
+/// first written, and what a page never marks costs neither time nor memory; encoders complement what they read.
 ///
 /// Rows start on 8-byte boundaries; the bits and bytes of a row behind `width` are 0.
 class PageBitmap {
@@ -46,7 +47,7 @@ public:
     PageBitmap(PageBitmap&& other) noexcept;
     PageBitmap& operator=(PageBitmap&& other) noexcept;
 
-    bool isNull() const { return !m_pixels; }
+    bool isNull() const { return !m_blocks; }
     PixelFormat format() const { return m_format; }
     int width() const { return m_width; }
     int height() const { return m_height; }
@@ -59,9 +60,22 @@ public:
         return (static_cast<std::size_t>(m_width) * static_cast<std::size_t>(bitsPerPixel(m_format)) + 7) / 8;
     }
     PixelRect bounds() const { return { 0, 0, m_width, m_height }; }
+    const std::shared_ptr<PagePool>& pool() const { return m_pool; }
 
-    const std::uint8_t* row(int y) const { return m_pixels + static_cast<std::size_t>(y) * m_stride; }
-    std::uint8_t* row(int y) { return m_pixels + static_cast<std::size_t>(y) * m_stride; }
+    const std::uint8_t* row(int y) const
+    {
+        const std::uint8_t* block = m_blocks[static_cast<unsigned>(y) >> m_blockShift];
+        return block ? block + offsetInBlock(y) : m_whiteRow.get();
+    }
+    /// For writing: the row gets memory if it has none. Throws std::bad_alloc when that is short. May wait for memory
+    /// of the page before (see PagePool).
+    std::uint8_t* row(int y)
+    {
+        std::uint8_t* block = m_blocks[static_cast<unsigned>(y) >> m_blockShift];
+        return (block ? block : takeBlock(y)) + offsetInBlock(y);
+    }
+    /// How many rows from y on lie one stride behind each other; those of the next block lie elsewhere.
+    int rowsInBlock(int y) const { return (1 << m_blockShift) - (y & ((1 << m_blockShift) - 1)); }
 
     /// The columns of a row that may hold ink, half open; empty (left >= right) when the row was never marked.
     struct Extent {
@@ -101,7 +115,26 @@ public:
     /// nothing; null pixels when memory is short.
     PageBitmap cropped(int left, int width, int height) &&;
 
+    /// The page is finished: nothing is marked any more, and all of its memory will come back to the pool as it is
+    /// encoded.
+    void finish();
+    /// Gives back the memory of rows that nobody will read again: all but top <= y < bottom. Other threads may read
+    /// those meanwhile. Of a finished page.
+    void keepOnly(int top, int bottom);
+
 private:
+    struct FreeDeleter {
+        void operator()(std::uint8_t* bytes) const { std::free(bytes); }
+    };
+
+    std::size_t offsetInBlock(int y) const
+    {
+        return (static_cast<std::size_t>(y) & ((std::size_t { 1 } << m_blockShift) - 1)) * m_stride;
+    }
+    int blockCount() const { return m_height == 0 ? 0 : ((m_height - 1) >> m_blockShift) + 1; }
+    std::uint8_t* takeBlock(int y);
+    /// Gives the blocks first <= index < end back, cleaned.
+    void giveBack(int first, int end);
     void swap(PageBitmap& other) noexcept;
     /// Makes the rows from `top` to `bottom` white again.
     void clearRows(int top, int bottom);
@@ -112,8 +145,13 @@ private:
     Resolution m_resolution;
     std::size_t m_stride = 0;
     std::shared_ptr<PagePool> m_pool;
-    std::uint8_t* m_pixels = nullptr; ///< of the pool
-    std::size_t m_bytes = 0; ///< all rows that were taken, also those that have been cropped since
+    unsigned m_blockShift = 0; ///< binary logarithm of the rows in a block
+    std::size_t m_blockBytes = 0;
+    std::unique_ptr<std::uint8_t*[]> m_blocks; ///< of the pool; null where no row was written
+    int m_firstBlock = 0; ///< those before it have been given back
+    int m_endBlock = 0; ///< and those from it on
+    bool m_isFinished = false;
+    std::unique_ptr<std::uint8_t, FreeDeleter> m_whiteRow; ///< what reads a row without memory
     std::vector<Extent> m_extents;
     std::uint64_t m_paintedPixels = 0;
 };

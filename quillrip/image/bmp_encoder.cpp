@@ -59,6 +59,9 @@ public:
         return {};
     }
 
+protected:
+    RowRange rowsFrom(int piece) const override { return { 0, m_bands.bottom(m_bands.count() - 1 - piece) }; }
+
 private:
     void writeHeader(std::vector<std::uint8_t>& out) const
     {

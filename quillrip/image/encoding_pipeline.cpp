@@ -69,6 +69,7 @@ bool EncodingPipeline::add(std::unique_ptr<PageEncoder> encoder)
         return false;
     auto job = std::make_unique<Job>();
     job->pageBytes = bytesOf(encoder->page());
+    job->pool = encoder->page().pool();
     job->encoder = std::move(encoder);
     job->pieceCount = job->encoder->pieceCount();
     const auto threads
@@ -141,11 +142,18 @@ void EncodingPipeline::encodeOnePieceOrFail(std::unique_lock<std::mutex>& lock, 
         if (!lock.owns_lock())
             lock.lock();
         m_isOutOfMemory = true;
-        m_hasFailed = true;
         m_isWriting = false;
-        m_progressed.notify_all();
-        m_workChanged.notify_all();
+        fail();
     }
+}
+
+void EncodingPipeline::fail()
+{
+    m_hasFailed = true;
+    for (const auto& job : m_jobs)
+        job->pool->expectNoMore();
+    m_progressed.notify_all();
+    m_workChanged.notify_all();
 }
 
 void EncodingPipeline::encodeOnePiece(std::unique_lock<std::mutex>& lock, Job& job)
@@ -158,8 +166,7 @@ void EncodingPipeline::encodeOnePiece(std::unique_lock<std::mutex>& lock, Job& j
     lock.lock();
     if (!reason.empty()) {
         m_reason = m_reason.empty() ? reason : m_reason;
-        m_hasFailed = true;
-        m_progressed.notify_all();
+        fail();
         return;
     }
     // The job is still there: it ends when its last piece, this one perhaps, has been written.
@@ -200,14 +207,17 @@ void EncodingPipeline::writeWhatIsDone(std::unique_lock<std::mutex>& lock)
             = (!isFirst || job.encoder->begin()) && job.encoder->write(piece) && (!isLast || job.encoder->end());
         if (isLast)
             job.encoder.reset(); // frees the page
+        else
+            job.encoder->freeRowsBefore(job.written + 1);
         lock.lock();
         keepSpare(std::move(piece));
         ++job.written;
         job.slots.pop_front();
-        m_hasFailed = m_hasFailed || !isGood;
         if (isLast)
             m_jobs.pop_front();
-        if (isLast || m_hasFailed)
+        if (!isGood)
+            fail();
+        if (isLast)
             m_progressed.notify_all();
         m_workChanged.notify_all();
     }

@@ -42,6 +42,7 @@ private:
     struct Job {
         std::unique_ptr<PageEncoder> encoder;
         std::size_t pageBytes = 0;
+        std::shared_ptr<PagePool> pool; ///< of the page, which whoever draws may wait for
         int pieceCount = 0;
         int taken = 0; ///< pieces that a thread has begun
         int written = 0;
@@ -58,6 +59,8 @@ private:
     void run();
     void encodeOnePiece(std::unique_lock<std::mutex>& lock, Job& job);
     void encodeOnePieceOrFail(std::unique_lock<std::mutex>& lock, Job& job);
+    /// Nothing is encoded any more, and nobody waits for that.
+    void fail();
     void writeWhatIsDone(std::unique_lock<std::mutex>& lock);
     EncodedPiece takeSpare();
     void keepSpare(EncodedPiece&& piece);

@@ -119,6 +119,9 @@ public:
         return makePart(piece, encoded.bytes) ? std::string {} : std::string { "JPEG: the data has no start" };
     }
 
+protected:
+    RowRange rowsFrom(int piece) const override { return { piece * m_bandHeight, page().height() }; }
+
 private:
     static constexpr int kBlock = 8; ///< pixels across and down that are coded together
     static constexpr int kLongestRestart = 65535; ///< blocks from one restart marker to the next

@@ -23,6 +23,7 @@ public:
     explicit PageEncoder(PageBitmap&& page)
         : m_page(std::move(page))
     {
+        m_page.finish();
     }
     virtual ~PageEncoder() = default;
 
@@ -33,11 +34,26 @@ public:
     /// or what went wrong. `encoded.bytes` may hold what a former piece has left there: all of it is replaced.
     virtual std::string encode(int piece, EncodedPiece& encoded) const = 0;
 
+    /// Gives back the memory of rows that only pieces before this one look at; those are encoded.
+    void freeRowsBefore(int piece)
+    {
+        const RowRange rows = rowsFrom(piece);
+        m_page.keepOnly(rows.top, rows.bottom);
+    }
+
     /// begin(), write() of all pieces in order, end(): from one thread at a time. False when the output failed; whoever
     /// owns the output knows why.
     virtual bool begin() = 0;
     virtual bool write(const EncodedPiece& piece) = 0;
     virtual bool end() = 0;
+
+protected:
+    struct RowRange {
+        int top = 0;
+        int bottom = 0;
+    };
+    /// All rows that encode() of a piece or of those behind it looks at.
+    virtual RowRange rowsFrom(int piece) const = 0;
 
 private:
     PageBitmap m_page;

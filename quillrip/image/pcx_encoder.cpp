@@ -89,6 +89,9 @@ public:
         return {};
     }
 
+protected:
+    RowRange rowsFrom(int piece) const override { return { m_bands.top(piece), page().height() }; }
+
 private:
     void writeHeader(std::vector<std::uint8_t>& out) const
     {

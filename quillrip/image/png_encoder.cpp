@@ -140,6 +140,13 @@ public:
         return append(out);
     }
 
+protected:
+    /// A band's filters look at the row above it.
+    RowRange rowsFrom(int piece) const override
+    {
+        return { std::max(0, m_bandTops[static_cast<std::size_t>(piece)] - 1), page().height() };
+    }
+
 private:
     int repeatedWhiteRows(int y, int bottom) const
     {

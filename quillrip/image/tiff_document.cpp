@@ -54,6 +54,12 @@ public:
 
     bool end() override { return m_document.outcome(m_document.endPage()); }
 
+protected:
+    RowRange rowsFrom(int piece) const override
+    {
+        return { static_cast<int>(static_cast<std::uint32_t>(piece) * m_layout.rowsPerStrip), page().height() };
+    }
+
 private:
     TiffDocument& m_document;
     TiffLayout m_layout;

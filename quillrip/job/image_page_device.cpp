@@ -25,6 +25,8 @@ void removeColour(PageBitmap& page)
 {
     for (int y = 0; y < page.height(); ++y) {
         const PageBitmap::Extent extent = page.extent(y);
+        if (extent.empty())
+            continue;
         std::uint8_t* row = page.row(y);
         for (int x = extent.left; x < extent.right; ++x) {
             std::uint8_t* pixel = row + 3 * static_cast<std::size_t>(x);

@@ -1,13 +1,6 @@
 #include "quillrip/base/page_bitmap.h"
 
-#include "quillrip/base/sanitizer.h"
-
 #include <gtest/gtest.h>
-
-#include <cstring>
-
-#include <sys/mman.h>
-#include <unistd.h>
 
 namespace quillrip {
 namespace {
@@ -83,9 +76,9 @@ TEST_P(EveryPageBitmap, CroppedKeepsEachPixelAtItsNewPlace)
 TEST_P(EveryPageBitmap, CroppedInHeightAloneKeepsItsMemory)
 {
     mark(m_page, 5, 2);
-    const std::uint8_t* pixels = m_page.row(0);
+    const std::uint8_t* pixels = m_page.row(2);
     const PageBitmap cropped = std::move(m_page).cropped(0, 37, 10);
-    EXPECT_EQ(cropped.row(0), pixels);
+    EXPECT_EQ(cropped.row(2), pixels);
     EXPECT_EQ(cropped.height(), 10);
     EXPECT_TRUE(isMarked(cropped, 5, 2));
 }
@@ -97,31 +90,6 @@ TEST_P(EveryPageBitmap, CroppedBeyondItsEndIsWhite)
     EXPECT_TRUE(isMarked(larger, 36, 19));
     EXPECT_FALSE(larger.hasInk({ 37, 0, 60, 30 }));
     EXPECT_FALSE(larger.hasInk({ 0, 20, 60, 30 }));
-}
-
-/// System pages of a bitmap that take memory.
-std::size_t residentPages(PageBitmap& page)
-{
-    const std::size_t bytes = page.stride() * static_cast<std::size_t>(page.height());
-    const std::size_t systemPage = static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
-    std::vector<unsigned char> states((bytes + systemPage - 1) / systemPage);
-    EXPECT_EQ(mincore(page.row(0), bytes, states.data()), 0);
-    std::size_t count = 0;
-    for (const unsigned char state : states)
-        count += state & 1;
-    return count;
-}
-
-TEST(PageBitmapMemory, WhatAPageNeverMarksTakesNoMemoryAlsoAfterOtherPages)
-{
-    if (kIsWatchedBySanitizer)
-        GTEST_SKIP() << "with a sanitizer pages come from the heap, which it watches";
-    for (int i = 0; i < 3; ++i) {
-        PageBitmap page(PixelFormat::Rgb24, 2550, 3300, {});
-        EXPECT_EQ(residentPages(page), 0u) << "page " << i;
-        std::memset(page.row(0), 1, page.stride() * 3300);
-        EXPECT_GT(residentPages(page), 6000u);
-    }
 }
 
 INSTANTIATE_TEST_SUITE_P(

@@ -4,7 +4,8 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cstring>
+#include <atomic>
+#include <thread>
 
 namespace quillrip {
 namespace {
@@ -31,10 +32,14 @@ void scribble(PageBitmap& page)
     }
 }
 
-bool isAllZero(const PageBitmap& page)
+bool isAllZero(PageBitmap&& page)
 {
-    const std::uint8_t* end = page.row(0) + page.stride() * kHeight;
-    return std::all_of(page.row(0), end, [](std::uint8_t byte) { return byte == 0; });
+    for (int y = 0; y < page.height(); ++y) {
+        const std::uint8_t* row = page.row(y);
+        if (!std::all_of(row, row + page.stride(), [](std::uint8_t byte) { return byte == 0; }))
+            return false;
+    }
+    return true;
 }
 
 class PooledPage : public testing::TestWithParam<PixelFormat> { };
@@ -48,10 +53,10 @@ TEST_P(PooledPage, TheNextPageOfTheSizeTakesItsMemoryWhite)
         first = page.row(0);
         scribble(page);
     }
-    const PageBitmap next = pageOf(pool, GetParam());
+    PageBitmap next = pageOf(pool, GetParam());
     EXPECT_EQ(next.row(0), first);
-    EXPECT_TRUE(isAllZero(next));
     EXPECT_TRUE(next.extent(0).empty());
+    EXPECT_TRUE(isAllZero(std::move(next)));
 }
 
 TEST_P(PooledPage, WhatWasCutOffDoesNotComeBack)
@@ -73,10 +78,8 @@ TEST_P(PooledPage, MovingAPageIntoAnotherGivesTheOtherBack)
     const std::uint8_t* first = page.row(0);
     scribble(page);
     page = pageOf(pool, GetParam());
-    EXPECT_TRUE(isAllZero(page));
-    const PageBitmap next = pageOf(pool, GetParam());
-    EXPECT_EQ(next.row(0), first);
-    EXPECT_TRUE(isAllZero(next));
+    EXPECT_EQ(page.row(0), first);
+    EXPECT_TRUE(isAllZero(std::move(page)));
 }
 
 TEST_P(PooledPage, OutlivesItsPoolsOwner)
@@ -91,17 +94,120 @@ TEST_P(PooledPage, OutlivesItsPoolsOwner)
 INSTANTIATE_TEST_SUITE_P(
     Formats, PooledPage, testing::Values(PixelFormat::Bilevel, PixelFormat::Gray8, PixelFormat::Rgb24));
 
-TEST(PagePool, PagesOfOtherSizesDoNotShare)
+/// A page with ink in every row.
+PageBitmap fullPage(const std::shared_ptr<PagePool>& pool, int width, int height)
+{
+    PageBitmap page(PixelFormat::Gray8, width, height, {}, pool);
+    for (int y = 0; y < height; ++y) {
+        page.row(y)[y % width] = 255;
+        page.touch(y, y % width, y % width + 1);
+    }
+    return page;
+}
+
+TEST(PagePool, PagesOfOtherShapesAreWhite)
 {
     const auto pool = std::make_shared<PagePool>();
-    {
-        PageBitmap small(PixelFormat::Gray8, 8, 8, {}, pool);
-        std::memset(small.row(0), 1, 64);
-        small.touch(0, 0, 8);
-    }
+    fullPage(pool, 8, 8);
     const PageBitmap large(PixelFormat::Gray8, 4000, 4000, {}, pool);
     EXPECT_FALSE(large.hasInk(large.bounds()));
     EXPECT_EQ(large.row(3999)[3999], 0);
+    fullPage(pool, 4000, 1000);
+    EXPECT_TRUE(isAllZero(PageBitmap(PixelFormat::Gray8, 1000, 4000, {}, pool)));
+    // Rows that need blocks of their own.
+    constexpr int wide = static_cast<int>(PagePool::kBlockBytes) + 5;
+    fullPage(pool, wide, 3);
+    EXPECT_TRUE(isAllZero(PageBitmap(PixelFormat::Gray8, wide, 2, {}, pool)));
+    EXPECT_TRUE(isAllZero(PageBitmap(PixelFormat::Gray8, 1000, 4000, {}, pool)));
+}
+
+TEST(PagePool, RowsThatAreNotWrittenTakeNoMemory)
+{
+    const auto pool = std::make_shared<PagePool>();
+    PageBitmap page(PixelFormat::Rgb24, 2550, 3300, {}, pool);
+    const PageBitmap& asRead = page;
+    EXPECT_EQ(asRead.row(1234)[7000], 0);
+    EXPECT_FALSE(asRead.hasInk(page.bounds()));
+    EXPECT_EQ(pool->takenBytes(), 0u);
+    page.row(1234)[7000] = 1;
+    page.touch(1234, 2333, 2334);
+    EXPECT_EQ(asRead.row(1234)[7000], 1);
+    EXPECT_LE(pool->takenBytes(), PagePool::kBlockBytes);
+    EXPECT_EQ(asRead.row(3000)[7000], 0);
+}
+
+TEST(PagePool, AFinishedPageGivesBackWhatIsNotReadAgain)
+{
+    const auto pool = std::make_shared<PagePool>();
+    PageBitmap page = fullPage(pool, 1000, 4000);
+    page.finish();
+    const std::size_t whole = pool->takenBytes();
+    page.keepOnly(2000, 4000);
+    EXPECT_LT(pool->takenBytes(), whole * 6 / 10);
+    page.keepOnly(0, 3000); // what was given back stays so
+    EXPECT_LT(pool->takenBytes(), whole * 4 / 10);
+    for (int y = 2000; y < 3000; ++y)
+        ASSERT_EQ(page.row(y)[y % 1000], 255) << y;
+    page.keepOnly(2500, 2500);
+    EXPECT_EQ(pool->takenBytes(), 0u);
+}
+
+/// Blocks of a page that is much larger than what may be drawn ahead.
+constexpr int kLargeWidth = 4096;
+constexpr int kLargeHeight = 8192;
+
+TEST(PagePool, TheNextPageIsDrawnOnlySoFarAheadUntilMemoryComesBack)
+{
+    const auto pool = std::make_shared<PagePool>();
+    PageBitmap page = fullPage(pool, kLargeWidth, kLargeHeight);
+    page.finish();
+    const std::size_t whole = pool->takenBytes();
+    std::atomic<bool> isDrawn { false };
+    std::thread drawing([&] {
+        fullPage(pool, kLargeWidth, kLargeHeight);
+        isDrawn = true;
+    });
+    for (int top = 0; top < kLargeHeight; top += 512) {
+        page.keepOnly(top, kLargeHeight);
+        while (!pool->hasWaiter() && !isDrawn)
+            std::this_thread::yield();
+        EXPECT_LE(pool->mappedBytes(), whole + PagePool::kBytesAhead);
+        if (top == 0) {
+            EXPECT_FALSE(isDrawn) << "two pages were in memory";
+        }
+    }
+    page = {};
+    drawing.join();
+    EXPECT_LE(pool->mappedBytes(), whole + PagePool::kBytesAhead);
+}
+
+TEST(PagePool, NobodyWaitsForAPageThatIsNotEncodedToItsEnd)
+{
+    const auto pool = std::make_shared<PagePool>();
+    PageBitmap page = fullPage(pool, kLargeWidth, kLargeHeight);
+    page.finish();
+    std::thread drawing([&] { fullPage(pool, kLargeWidth, kLargeHeight); });
+    while (!pool->hasWaiter())
+        std::this_thread::yield();
+    pool->expectNoMore();
+    drawing.join();
+    fullPage(pool, kLargeWidth, kLargeHeight);
+}
+
+TEST(PagePool, MemoryOfALargePageIsNotKeptForSmallOnes)
+{
+    const auto pool = std::make_shared<PagePool>();
+    for (const int height : { kLargeHeight, 64 }) {
+        PageBitmap page = fullPage(pool, kLargeWidth, height);
+        page.finish();
+    }
+    fullPage(pool, kLargeWidth, 64);
+    for (int i = 0; i < 2; ++i) {
+        PageBitmap large = fullPage(pool, kLargeWidth, kLargeHeight);
+        PageBitmap small = fullPage(pool, kLargeWidth, 64);
+        small.finish();
+    }
+    EXPECT_LE(pool->mappedBytes(), PagePool::kBytesAhead + (std::size_t { 2 } << 20));
 }
 
 } // namespace

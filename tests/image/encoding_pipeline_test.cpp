@@ -61,6 +61,9 @@ public:
         return true;
     }
 
+protected:
+    RowRange rowsFrom(int) const override { return { 0, page().height() }; }
+
 private:
     int m_page;
     int m_pieces;

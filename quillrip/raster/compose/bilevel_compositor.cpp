@@ -117,6 +117,19 @@ void BilevelCompositor::maskRun(int y, int left, const MaskRows& rows)
 
 template <bool Sets> void BilevelCompositor::paintMask(int y, int left, const MaskRows& rows)
 {
+    // Within a block of the page's memory each row is a stride behind the one before.
+    for (int done = 0; done < rows.count;) {
+        MaskRows part = rows;
+        part.bytes = rows.row(done);
+        part.count = std::min(rows.count - done, m_page.rowsInBlock(y + done));
+        paintMaskInBlock<Sets>(m_page.row(y + done), left, part);
+        done += part.count;
+    }
+}
+
+template <bool Sets>
+void BilevelCompositor::paintMaskInBlock(std::uint8_t* firstRow, int left, const MaskRows& rows) const
+{
     // So many bits, moved to where they belong within a byte, still fit a word.
     constexpr int atATime = 56;
     const std::size_t stride = m_page.stride();
@@ -129,7 +142,7 @@ template <bool Sets> void BilevelCompositor::paintMask(int y, int left, const Ma
         // Rows have a multiple of eight bytes: near their end the bits come from further right in a word.
         const std::size_t back = column + 8 > stride ? column + 8 - stride : 0;
         const std::uint8_t* source = rows.bytes + from / 8;
-        std::uint8_t* at = m_page.row(y) + column - back;
+        std::uint8_t* at = firstRow + column - back;
         for (int i = 0; i < rows.count; ++i, source += rows.stride, at += stride) {
             std::uint64_t ink = 0;
             for (std::size_t byte = 0; byte < bytes; ++byte)

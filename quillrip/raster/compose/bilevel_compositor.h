@@ -25,6 +25,7 @@ private:
     void blendedRun(int y, int left, int right, const std::uint8_t* ink, const std::uint8_t* alpha) override;
     /// Sets or clears the pixels under the mask's bits.
     template <bool Sets> void paintMask(int y, int left, const MaskRows& rows);
+    template <bool Sets> void paintMaskInBlock(std::uint8_t* firstRow, int left, const MaskRows& rows) const;
     /// `shares` are coverage or alpha, or null.
     void tonesRun(int y, int left, int right, const std::uint8_t* ink, const std::uint8_t* shares, bool isAlpha);
 
