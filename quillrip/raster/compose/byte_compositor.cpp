@@ -3,6 +3,7 @@
 #include "quillrip/raster/compose/mixing.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdint>
 #include <cstring>
 #include <memory>
@@ -13,6 +14,81 @@ namespace {
 
 /// Pixels that the general way handles at a time.
 constexpr int kChunk = 256;
+/// Pixels, at least, that the operation is worked out for with a texture that repeats itself.
+constexpr int kWorkedOut = 64;
+
+/// What an operation does to bytes of the page under one texture: for each byte
+///   page = (page & (keep ^ (keepOfSource & source))) ^ flip ^ (flipOfSource & source).
+template <std::size_t Bytes> struct TextureTerms {
+    std::array<std::uint8_t, Bytes> keep;
+    std::array<std::uint8_t, Bytes> flip;
+    std::array<std::uint8_t, Bytes> keepOfSource; ///< unused with a source of one colour, which is part of the others
+    std::array<std::uint8_t, Bytes> flipOfSource;
+
+    /// For a source that is all `plain`.
+    void workOut(const RasterOperation& operation, const std::uint8_t* texture, std::uint8_t plain, std::size_t bytes)
+    {
+        workOut(operation, texture, plain, bytes, keep.data(), flip.data());
+    }
+
+    /// For any source.
+    void workOut(const RasterOperation& operation, const std::uint8_t* texture, std::size_t bytes)
+    {
+        workOut(operation, texture, 0, bytes, keep.data(), flip.data());
+        workOut(operation, texture, 255, bytes, keepOfSource.data(), flipOfSource.data());
+        for (std::size_t i = 0; i < bytes; ++i) {
+            keepOfSource[i] = keepOfSource[i] ^ keep[i];
+            flipOfSource[i] = flipOfSource[i] ^ flip[i];
+        }
+    }
+
+    /// Bytes of the page stay as they are where `changes` has 0; elsewhere it has 255.
+    void restrictTo(const std::uint8_t* changes, std::size_t bytes)
+    {
+        for (std::size_t i = 0; i < bytes; ++i) {
+            keep[i] = static_cast<std::uint8_t>(keep[i] | ~changes[i]);
+            flip[i] = flip[i] & changes[i];
+        }
+    }
+
+    void apply(std::uint8_t* __restrict page, std::size_t bytes) const
+    {
+        const std::uint8_t* __restrict keeps = keep.data();
+        const std::uint8_t* __restrict flips = flip.data();
+        for (std::size_t i = 0; i < bytes; ++i)
+            page[i] = static_cast<std::uint8_t>((page[i] & keeps[i]) ^ flips[i]);
+    }
+
+    void apply(std::uint8_t* __restrict page, const std::uint8_t* __restrict source, std::size_t bytes) const
+    {
+        const std::uint8_t* __restrict keeps = keep.data();
+        const std::uint8_t* __restrict flips = flip.data();
+        const std::uint8_t* __restrict keepsOfSource = keepOfSource.data();
+        const std::uint8_t* __restrict flipsOfSource = flipOfSource.data();
+        for (std::size_t i = 0; i < bytes; ++i) {
+            const std::uint8_t s = source[i];
+            page[i] = static_cast<std::uint8_t>(
+                (page[i] & (keeps[i] ^ (keepsOfSource[i] & s))) ^ flips[i] ^ (flipsOfSource[i] & s));
+        }
+    }
+
+private:
+    static void workOut(const RasterOperation& operation, const std::uint8_t* texture, std::uint8_t source,
+        std::size_t bytes, std::uint8_t* keeps, std::uint8_t* flips)
+    {
+        // A page all 0 becomes what is flipped, one all 1 that and what is kept.
+        std::uint8_t sources[Bytes];
+        std::uint8_t zeros[Bytes];
+        std::uint8_t ones[Bytes];
+        std::memset(sources, source, bytes);
+        std::memset(zeros, 0, bytes);
+        std::memset(ones, 255, bytes);
+        operation.applyBytes(sources, texture, zeros, flips, bytes);
+        operation.applyBytes(sources, texture, ones, keeps, bytes);
+        for (std::size_t i = 0; i < bytes; ++i)
+            keeps[i] = keeps[i] ^ flips[i];
+    }
+};
 
 template <int Channels> bool isWhite(const std::uint8_t* ink)
 {
@@ -33,6 +109,24 @@ template <std::size_t Count> bool hasZeroByte(const std::uint8_t* bytes)
         found |= (word - ones) & ~word;
     }
     return (found & ones << 7) != 0;
+}
+
+/// Sets the bytes of `flags` where pixels of ink are white.
+template <int Channels> void markWhite(const std::uint8_t* ink, int count, std::uint8_t flag, std::uint8_t* flags)
+{
+    // Most pixels of a picture have some of every ink.
+    constexpr int block = 16;
+    for (int i = 0; i < count;) {
+        const std::uint8_t* pixel = ink + static_cast<std::ptrdiff_t>(i) * Channels;
+        if (count - i >= block && !hasZeroByte<block * Channels>(pixel)) {
+            i += block;
+            continue;
+        }
+        for (const int end = std::min(count, i + block); i < end; ++i, pixel += Channels) {
+            if (isWhite<Channels>(pixel))
+                std::memset(flags + static_cast<std::ptrdiff_t>(i) * Channels, flag, Channels);
+        }
+    }
 }
 
 } // namespace
@@ -254,6 +348,9 @@ void ByteCompositor<Channels>::combine(
     const bool isPlain = source == nullptr;
     if (isPlain && plain == 0 && m_sourceTransparent)
         return;
+    const bool sourceDecides = !isPlain && (m_sourceTransparent || tileDecides(source, plain));
+    if (!coverage && !sourceDecides && !m_texture.hasAlpha() && m_opacity == 255)
+        return combineOpaque(y, left, right, source, plain);
     const int chunk = std::min(kChunk, right - left);
     std::uint8_t plainInk[kChunk * Channels];
     if (isPlain)
@@ -275,16 +372,10 @@ void ByteCompositor<Channels>::combine(
         m_operation.applyBytes(ink, texture, at, result, bytes);
 
         // The tile's white says what changes only under a source that is not white itself.
-        const bool tileDecides = m_patternTransparent && !(isPlain && plain == 0);
-        if (!tileDecides || m_texture.isSolid())
+        if (!tileDecides(source, plain))
             std::memset(changes, 255, bytes);
-        if (!isPlain && (m_sourceTransparent || tileDecides)) {
-            for (int i = 0; i < count; ++i) {
-                if (isWhite<Channels>(ink + static_cast<std::ptrdiff_t>(i) * Channels))
-                    std::memset(
-                        changes + static_cast<std::ptrdiff_t>(i) * Channels, m_sourceTransparent ? 0 : 255, Channels);
-            }
-        }
+        if (sourceDecides)
+            markWhite<Channels>(ink, count, m_sourceTransparent ? 0 : 255, changes);
 
         const std::uint8_t* shares = coverage ? coverage + (from - left) : nullptr;
         if (m_texture.hasAlpha() || m_opacity != 255) {
@@ -296,6 +387,33 @@ void ByteCompositor<Channels>::combine(
             shares = alpha;
         }
         store(at, result, changes, shares, count);
+    }
+}
+
+template <int Channels>
+void ByteCompositor<Channels>::combineOpaque(int y, int left, int right, const std::uint8_t* source, std::uint8_t plain)
+{
+    const int period = m_texture.period();
+    const bool isRepeated = period > 0 && period <= kChunk;
+    const int step = std::min(right - left, !isRepeated ? kChunk : std::max(period, kWorkedOut / period * period));
+    TextureTerms<std::size_t { kChunk } * Channels> terms;
+    for (int from = left; from < right; from += step) {
+        const auto bytes = static_cast<std::size_t>(std::min(step, right - from)) * Channels;
+        if (from == left || !isRepeated) {
+            std::uint8_t texture[kChunk * Channels];
+            std::uint8_t changes[kChunk * Channels];
+            m_texture.gather(y, from, static_cast<int>(bytes) / Channels, texture, changes, nullptr);
+            if (source)
+                terms.workOut(m_operation, texture, bytes);
+            else
+                terms.workOut(m_operation, texture, plain, bytes);
+            if (!source && tileDecides(source, plain))
+                terms.restrictTo(changes, bytes);
+        }
+        if (source)
+            terms.apply(pixelAt(y, from), source + static_cast<std::ptrdiff_t>(from - left) * Channels, bytes);
+        else
+            terms.apply(pixelAt(y, from), bytes);
     }
 }
 

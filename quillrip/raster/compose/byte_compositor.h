@@ -49,6 +49,13 @@ private:
     /// The whole model for any source: `source` has `Channels` bytes a pixel, or is null for one that is all `plain`.
     void combine(
         int y, int left, int right, const std::uint8_t* source, std::uint8_t plain, const std::uint8_t* coverage);
+    /// The same where nothing is mixed with the page and no pixel of the source decides what changes.
+    void combineOpaque(int y, int left, int right, const std::uint8_t* source, std::uint8_t plain);
+    /// Whether the white of the texture's tile leaves the page as it is under such a source.
+    bool tileDecides(const std::uint8_t* source, std::uint8_t plain) const
+    {
+        return m_patternTransparent && !m_texture.isSolid() && (source || plain != 0);
+    }
     /// Replaces pixels by `result` where `changes` has 255, by their shares unless those are null.
     static void store(std::uint8_t* at, const std::uint8_t* result, const std::uint8_t* changes,
         const std::uint8_t* shares, int count);

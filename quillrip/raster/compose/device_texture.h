@@ -22,6 +22,8 @@ public:
 
     bool isFor(const Texture& texture) const;
     bool isSolid() const { return !m_tile && !m_texture.colors; }
+    /// Pixels after which a row repeats itself; 0 where it does not.
+    int period() const { return m_tile ? m_tile->width : m_texture.colors ? 0 : 1; }
     /// Some of the page may show through.
     bool hasAlpha() const { return m_texture.colors != nullptr; }
     /// Every pixel of the page has all the ink or none (a bilevel page only).
