@@ -58,35 +58,45 @@ Painter::Painter(PageBitmap& page, std::shared_ptr<WorkMeter> work)
 
 Painter::~Painter() = default;
 
-std::unique_ptr<Compositor> Painter::compositorFor(const PaintState& state)
+std::unique_ptr<Compositor> Painter::makeCompositor(const PaintState& state)
 {
     if (!m_texture || !m_texture->isFor(state.texture))
         m_texture = std::make_shared<DeviceTexture>(state.texture, m_page.format());
     return Compositor::create(m_page, state, m_texture, *m_work);
 }
 
+Compositor& Painter::compositorFor(const PaintState& state)
+{
+    if (!m_compositor || state != m_state) {
+        m_compositor = makeCompositor(state);
+        m_state = state;
+    }
+    m_compositor->beginMark();
+    return *m_compositor;
+}
+
 void Painter::fillRect(const PixelRect& rect, const PaintState& state)
 {
     if (!m_work->allows(Work::Pixels, kUnitsPerMark))
         return;
-    const std::unique_ptr<Compositor> compositor = compositorFor(state);
-    const int top = std::max(rect.top, compositor->bounds().top);
-    const int bottom = std::min(rect.bottom, compositor->bounds().bottom);
+    Compositor& compositor = compositorFor(state);
+    const int top = std::max(rect.top, compositor.bounds().top);
+    const int bottom = std::min(rect.bottom, compositor.bounds().bottom);
     for (int y = top; y < bottom; ++y)
-        compositor->ink(y, rect.left, rect.right);
-    compositor->chargePixels();
+        compositor.ink(y, rect.left, rect.right);
+    compositor.chargePixels();
 }
 
 void Painter::fillPath(const Path& devicePath, FillRule rule, const PaintState& state, PixelRule pixels)
 {
     if (!m_work->allows(Work::Shapes, kUnitsPerMark + kUnitsPerPathPoint * devicePath.pointCount()))
         return;
-    const std::unique_ptr<Compositor> compositor = compositorFor(state);
-    const PixelRect& area = compositor->bounds();
+    Compositor& compositor = compositorFor(state);
+    const PixelRect& area = compositor.bounds();
     if (area.empty() || liesOutside(devicePath, {}, 0, area))
         return;
-    paintShape(devicePath, rule, pixels, *compositor);
-    compositor->chargePixels();
+    paintShape(devicePath, rule, pixels, compositor);
+    compositor.chargePixels();
 }
 
 void Painter::paintShape(const Path& devicePath, FillRule rule, PixelRule pixels, Compositor& compositor)
@@ -117,20 +127,20 @@ void Painter::strokePath(
 {
     if (!m_work->allows(Work::Lines, kUnitsPerMark + kUnitsPerPathPoint * userPath.pointCount()))
         return;
-    const std::unique_ptr<Compositor> compositor = compositorFor(state);
-    const PixelRect& area = compositor->bounds();
+    Compositor& compositor = compositorFor(state);
+    const PixelRect& area = compositor.bounds();
     if (area.empty() || liesOutside(userPath, userToDevice, reachOf(style, userToDevice), area))
         return;
-    paintStroke(userPath, userToDevice, style, *compositor);
-    compositor->chargePixels();
+    paintStroke(userPath, userToDevice, style, compositor);
+    compositor.chargePixels();
 }
 
 void Painter::drawMask(const GlyphMask& mask, int x, int y, const PaintState& state)
 {
     if (mask.width < 1 || mask.height < 1 || !m_work->allows(Work::Glyphs, kUnitsPerMark))
         return;
-    const std::unique_ptr<Compositor> compositor = compositorFor(state);
-    const PixelRect& bounds = compositor->bounds();
+    Compositor& compositor = compositorFor(state);
+    const PixelRect& bounds = compositor.bounds();
     // Far positions are cut here, before they are added up.
     const std::int64_t left = std::int64_t { x } + mask.left;
     const std::int64_t top = std::int64_t { y } + mask.top;
@@ -140,7 +150,7 @@ void Painter::drawMask(const GlyphMask& mask, int x, int y, const PaintState& st
     const std::int64_t endRow = std::min<std::int64_t>(mask.height, bounds.bottom - top);
     const bool isBits = mask.depth == GlyphMask::Depth::Bits;
     if (firstRow < endRow) {
-        const std::int64_t unitsPerPixel = isBits ? 0 : compositor->isSourceTransparent() ? 2 : 15;
+        const std::int64_t unitsPerPixel = isBits ? 0 : compositor.isSourceTransparent() ? 2 : 15;
         m_work->charge(
             Work::Glyphs, static_cast<std::uint64_t>((endRow - firstRow) * (10 + mask.width * unitsPerPixel)));
     }
@@ -156,9 +166,9 @@ void Painter::drawMask(const GlyphMask& mask, int x, int y, const PaintState& st
     if (firstRow < lastRow) {
         rows.bytes = mask.bytes.data() + static_cast<std::size_t>(firstRow) * mask.stride;
         rows.count = static_cast<int>(lastRow - firstRow);
-        compositor->mask(static_cast<int>(top + firstRow), static_cast<int>(left), rows);
+        compositor.mask(static_cast<int>(top + firstRow), static_cast<int>(left), rows);
     }
-    compositor->chargePixels();
+    compositor.chargePixels();
 }
 
 std::unique_ptr<ImagePainter> Painter::beginImage(const ImageGeometry& geometry, const PaintState& state)
@@ -173,7 +183,7 @@ std::unique_ptr<ImagePainter> Painter::beginImage(const ImageGeometry& geometry,
     PaintState ownState = state;
     if (geometry.format == ImageFormat::Rgba32)
         ownState.sourceTransparent = false;
-    std::unique_ptr<Compositor> compositor = compositorFor(ownState);
+    std::unique_ptr<Compositor> compositor = makeCompositor(ownState);
     if (compositor->bounds().empty())
         return nullptr;
     AlignedGeometry aligned;

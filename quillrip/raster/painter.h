@@ -57,11 +57,15 @@ public:
 
 private:
     void paintShape(const Path& devicePath, FillRule rule, PixelRule pixels, Compositor& compositor);
-    std::unique_ptr<Compositor> compositorFor(const PaintState& state);
+    /// For one mark. It stays for the next ones that have the same state: glyph after glyph.
+    Compositor& compositorFor(const PaintState& state);
+    std::unique_ptr<Compositor> makeCompositor(const PaintState& state);
 
     PageBitmap& m_page;
     std::shared_ptr<WorkMeter> m_work;
     std::shared_ptr<const DeviceTexture> m_texture; ///< of the last state: mostly the next one's too
+    PaintState m_state;
+    std::unique_ptr<Compositor> m_compositor; ///< for m_state; null at the start
 };
 
 } // namespace quillrip

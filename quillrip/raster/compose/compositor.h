@@ -28,7 +28,7 @@ struct MaskRows {
 };
 
 /// Where spans go: the one place where mask, source, texture, raster operation, transparencies and clip meet the
-/// page. One for each call of the painter.
+/// page. One for as many marks as have the same state.
 ///
 /// Rows and columns may lie anywhere; what is outside page or clip is cut off. Spans of one mark must not overlap,
 /// except where `isIdempotent()`.
@@ -39,6 +39,8 @@ public:
     virtual ~Compositor() = default;
 
     WorkMeter& work() { return m_work; }
+    /// What others have painted since the last mark is not charged again.
+    void beginMark() { m_charged = m_page.paintedPixels(); }
     /// Charges what has been painted since the last time: at the end of a mark, and within long ones.
     void chargePixels()
     {

@@ -102,11 +102,7 @@ DeviceTexture::DeviceTexture(const Texture& texture, PixelFormat format)
     }
 }
 
-bool DeviceTexture::isFor(const Texture& texture) const
-{
-    return texture.color == m_texture.color && texture.tile == m_texture.tile && texture.colors == m_texture.colors
-        && texture.originX == m_texture.originX && texture.originY == m_texture.originY;
-}
+bool DeviceTexture::isFor(const Texture& texture) const { return texture == m_texture; }
 
 const DeviceTexture::TileRow& DeviceTexture::tileRow(int y) const
 {

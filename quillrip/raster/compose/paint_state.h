@@ -37,6 +37,13 @@ struct Texture {
     int originY = 0; ///< device pixel where the tile's first row falls
 };
 
+/// Tiles and colours are the same when they are one object.
+inline bool operator==(const Texture& a, const Texture& b)
+{
+    return a.color == b.color && a.tile == b.tile && a.colors == b.colors && a.originX == b.originX
+        && a.originY == b.originY;
+}
+
 /// How a mark combines with what the page holds already. One state serves all languages.
 ///
 /// For every pixel of the mark: source S is black where the mask or the bilevel image has ink, white where a mask's
@@ -55,5 +62,12 @@ struct PaintState {
     std::uint8_t opacity = 255; ///< of the whole mark: 0 leaves the page as it is, 255 hides it
     std::shared_ptr<const ClipRegion> clip; ///< null: the whole page
 };
+
+inline bool operator==(const PaintState& a, const PaintState& b)
+{
+    return a.rop == b.rop && a.sourceTransparent == b.sourceTransparent && a.patternTransparent == b.patternTransparent
+        && a.texture == b.texture && a.opacity == b.opacity && a.clip == b.clip;
+}
+inline bool operator!=(const PaintState& a, const PaintState& b) { return !(a == b); }
 
 } // namespace quillrip
