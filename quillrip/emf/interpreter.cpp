@@ -7,7 +7,7 @@
 #include "quillrip/emf/record.h"
 #include "quillrip/emf/sheet.h"
 #include "quillrip/emf/spool_reader.h"
-#include "quillrip/fonts/pixels/glyph_cache.h"
+#include "quillrip/fonts/glyph_painter.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -155,7 +155,7 @@ private:
     Reporter m_reporter;
     const Limits& m_limits;
     WindowsFonts m_fonts;
-    GlyphCache m_glyphs;
+    GlyphPainter m_glyphs;
     Job m_job;
     RunStatus m_status = RunStatus::Done;
 };

@@ -22,7 +22,7 @@ struct Command;
 /// What every metafile of a job is played with.
 struct Job {
     WindowsFonts& fonts;
-    GlyphCache& glyphs;
+    GlyphPainter& glyphs;
     const Limits& limits;
     DiagnosticSink& diagnostics;
 };

@@ -1,7 +1,7 @@
 #include "quillrip/emf/text.h"
 
 #include "quillrip/emf/machine.h"
-#include "quillrip/fonts/pixels/glyph_cache.h"
+#include "quillrip/fonts/glyph_painter.h"
 #include "quillrip/fonts/pixels/outline_raster.h"
 #include "quillrip/fonts/shaping/scripts.h"
 #include "quillrip/fonts/shaping/text_shaper.h"
@@ -299,22 +299,12 @@ private:
             state.clip = intersection(
                 state.clip, canvas.regionOf(box.transformed(canvas.logicalToDevice()), FillRule::NonZero));
         }
-        const GlyphMask::Depth depth
-            = canvas.format() == PixelFormat::Bilevel ? GlyphMask::Depth::Bits : GlyphMask::Depth::Coverage;
+        const PageCanvas page { &canvas.painter(), Matrix(), canvas.format(), {} };
         for (const Placed& placed : m_placed) {
-            if (!placed.glyph.face || placed.glyph.id == kNoGlyph)
-                continue;
-            const Matrix toDevice = matrixOf(placed) * canvas.toDevice();
-            if (!toDevice.isInvertible())
-                continue;
-            if (GlyphCache::isTooLarge(*placed.glyph.face, toDevice)) {
-                canvas.painter().fillPath(outlineOf(placed).transformed(toDevice), FillRule::NonZero, state);
-                continue;
+            if (placed.glyph.face) {
+                m_machine.job().glyphs.draw(page, *placed.glyph.face, placed.glyph.id,
+                    matrixOf(placed) * canvas.toDevice(), state, { placed.glyph.bold });
             }
-            const PlacedGlyph pixels = m_machine.job().glyphs.place(
-                *placed.glyph.face, placed.glyph.id, toDevice, depth, { placed.glyph.bold });
-            if (pixels.mask)
-                canvas.painter().drawMask(*pixels.mask, pixels.x, pixels.y, state);
         }
     }
 

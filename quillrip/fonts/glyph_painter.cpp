@@ -1,5 +1,7 @@
 #include "quillrip/fonts/glyph_painter.h"
 
+#include "quillrip/fonts/pixels/outline_raster.h"
+
 #include <cmath>
 
 namespace quillrip {
@@ -25,17 +27,13 @@ void GlyphPainter::draw(const PageCanvas& canvas, const Typeface& face, GlyphId 
         Path outline;
         if (!face.outline(glyph, outline))
             return;
+        if (style.bold > 0)
+            outline = emboldened(outline, style.bold, style.bold);
         const Path devicePath = outline.transformed(glyphToDevice);
         if (fill)
             fill(devicePath);
         else
             canvas.painter->fillPath(devicePath, FillRule::NonZero, state);
-        if (style.bold > 0) {
-            StrokeStyle pen;
-            pen.width = style.bold;
-            pen.join = LineJoin::Round;
-            canvas.painter->strokePath(outline, glyphToDevice, pen, state);
-        }
         return;
     }
     const GlyphMask::Depth depth

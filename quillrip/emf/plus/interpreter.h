@@ -11,7 +11,7 @@
 
 namespace quillrip {
 
-class GlyphCache;
+class GlyphPainter;
 class WindowsFonts;
 
 namespace emf::plus {
@@ -28,7 +28,7 @@ struct Host {
     /// clip records of the same metafile do not count for EMF+.
     std::shared_ptr<const ClipRegion> clip;
     WindowsFonts& fonts;
-    GlyphCache& glyphs;
+    GlyphPainter& glyphs;
     const Limits& limits;
     DiagnosticSink& diagnostics;
     /// Plays a whole metafile (EMF, with or without EMF+) that an image object holds. The matrix takes the unit square

@@ -1,8 +1,7 @@
 #include "quillrip/emf/plus/text_painter.h"
 
 #include "quillrip/emf/plus/shapes.h"
-#include "quillrip/fonts/pixels/glyph_cache.h"
-#include "quillrip/fonts/pixels/outline_raster.h"
+#include "quillrip/fonts/glyph_painter.h"
 
 namespace quillrip::emf::plus {
 
@@ -37,31 +36,18 @@ void TextPainter::draw(const SizedFont& font, const std::vector<TextGlyph>& glyp
         return;
     painting->clip = combine(painting->clip, within, CombineMode::Intersect, m_canvas.pageBounds());
     const Host& host = m_canvas.host();
-    const GlyphMask::Depth depth
-        = host.format == PixelFormat::Bilevel ? GlyphMask::Depth::Bits : GlyphMask::Depth::Coverage;
+    const PageCanvas page { &host.painter, Matrix(), host.format, {} };
     Matrix turned = shape;
     turned.e = turned.f = 0;
     const Matrix toDevice = m_canvas.worldToDevice();
     for (const TextGlyph& glyph : glyphs) {
-        if (!glyph.glyph.face || glyph.glyph.id == kNoGlyph)
+        if (!glyph.glyph.face)
             continue;
-        const Typeface& face = *glyph.glyph.face;
         const Matrix glyphSpace
             = Matrix { font.font.stretch(), 0, glyph.glyph.slant, 1, 0, 0 } * Matrix::scaling(font.em, -font.em);
         const Matrix matrix = Matrix::translation(glyph.glyph.shift.x, glyph.glyph.shift.y) * glyphSpace * turned
             * Matrix::translation(glyph.at.x, glyph.at.y) * toDevice;
-        if (GlyphCache::isTooLarge(face, matrix)) {
-            Path outline;
-            if (face.outline(glyph.glyph.id, outline)) {
-                if (glyph.glyph.bold > 0)
-                    outline = emboldened(outline, glyph.glyph.bold, glyph.glyph.bold);
-                host.painter.fillPath(outline.transformed(matrix), FillRule::NonZero, *painting);
-            }
-            continue;
-        }
-        const PlacedGlyph placed = host.glyphs.place(face, glyph.glyph.id, matrix, depth, { glyph.glyph.bold });
-        if (placed.mask)
-            host.painter.drawMask(*placed.mask, placed.x, placed.y, *painting);
+        host.glyphs.draw(page, *glyph.glyph.face, glyph.glyph.id, matrix, *painting, { glyph.glyph.bold });
     }
 }
 
