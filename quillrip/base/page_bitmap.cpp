@@ -1,7 +1,5 @@
 #include "quillrip/base/page_bitmap.h"
 
-#include "quillrip/base/sanitizer.h"
-
 #include <algorithm>
 #include <cstring>
 #include <utility>
@@ -18,9 +16,8 @@ PageBitmap::PageBitmap(PixelFormat format, int width, int height, Resolution res
 {
     while ((m_stride << (m_blockShift + 1)) <= PagePool::kBlockBytes)
         ++m_blockShift;
-    // Of one size for most pages, so that they share them; a sanitizer sees where the rows end.
     const std::size_t rows = std::min(std::size_t { 1 } << m_blockShift, static_cast<std::size_t>(height));
-    m_blockBytes = kIsWatchedBySanitizer ? rows * m_stride : std::max(m_stride, PagePool::kBlockBytes);
+    m_blockBytes = rows * m_stride;
     m_endBlock = blockCount();
     m_extents.resize(static_cast<std::size_t>(height));
     // Not one whose zeros are written: it may be as long as a small page, and never be read.

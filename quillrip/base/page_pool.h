@@ -17,7 +17,7 @@ namespace quillrip {
 /// larger one needs by itself: whoever draws gets as far as that, and goes on as blocks of the other page come back.
 class PagePool {
 public:
-    /// Of most blocks; a row that is longer has one of its own.
+    /// Of a block, at most; a row that is longer has one of its own.
     static constexpr std::size_t kBlockBytes = std::size_t { 256 } << 10;
     static constexpr std::size_t kBytesAhead = std::size_t { 8 } << 20;
 
