@@ -49,6 +49,9 @@ Pixels decodeDib(ByteView header, ByteView bits, const DibContext& context, std:
     DibReader reader;
     if (!reader.open(header, bits, context, problem))
         return {};
+    if (reader.isRunLengthCoded())
+        expectPixels(
+            static_cast<std::uint64_t>(reader.shape().width), static_cast<std::uint64_t>(reader.shape().height));
     Pixels pixels { reader.shape(), reader.shape().rowBytes(), {} };
     pixels.bytes.resize(pixels.stride * static_cast<std::size_t>(pixels.height));
     for (int y = 0; y < pixels.height; ++y)

@@ -106,54 +106,6 @@ std::vector<Rgb> readTable(const Fields& fields, const Header& header, const Dib
     return table;
 }
 
-/// Numbers of colours from run-length coding, one byte a pixel, rows from the bottom.
-std::vector<std::uint8_t> unpackRuns(ByteView bytes, std::size_t width, std::size_t height, bool isNibbles)
-{
-    enum : std::uint8_t { kEndOfLine = 0, kEndOfBitmap = 1, kDelta = 2 };
-    std::vector<std::uint8_t> pixels(width * height);
-    std::size_t x = 0;
-    std::size_t y = 0;
-    std::size_t at = 0;
-    const auto put = [&](std::uint8_t value) {
-        if (x < width && y < height)
-            pixels[y * width + x] = value;
-        ++x;
-    };
-    while (at + 1 < bytes.size && y < height) {
-        const std::uint8_t count = bytes[at];
-        const std::uint8_t value = bytes[at + 1];
-        at += 2;
-        const auto nibble = [](std::uint8_t byte, std::size_t i) {
-            return static_cast<std::uint8_t>(i % 2 == 0 ? byte >> 4 : byte & 0xF);
-        };
-        if (count > 0) {
-            for (std::size_t i = 0; i < count; ++i)
-                put(isNibbles ? nibble(value, i) : value);
-        } else if (value == kEndOfLine) {
-            x = 0;
-            ++y;
-        } else if (value == kEndOfBitmap) {
-            break;
-        } else if (value == kDelta) {
-            if (at + 1 >= bytes.size)
-                break;
-            x += bytes[at];
-            y += bytes[at + 1];
-            at += 2;
-        } else {
-            for (std::size_t i = 0; i < value; ++i) {
-                const std::size_t from = at + (isNibbles ? i / 2 : i);
-                if (from >= bytes.size)
-                    return pixels;
-                put(isNibbles ? nibble(bytes[from], i) : bytes[from]);
-            }
-            const std::size_t used = isNibbles ? (value + std::size_t { 1 }) / 2 : value;
-            at += (used + 1) / 2 * 2;
-        }
-    }
-    return pixels;
-}
-
 void decodeIndexedRow(
     const std::uint8_t* from, int bits, std::size_t width, const std::vector<Rgb>& table, std::uint8_t* to)
 {
@@ -263,14 +215,10 @@ bool DibReader::open(ByteView headerBytes, ByteView bits, const DibContext& cont
     m_depth = header.bits;
     m_stride = (width * static_cast<std::size_t>(header.bits) + 31) / 32 * 4;
     m_bits = bits;
+    m_isRuns = isRuns;
     if (isRuns) {
-        expectPixels(width, static_cast<std::uint64_t>(stored));
-        m_unpacked = std::make_shared<const std::vector<std::uint8_t>>(
-            unpackRuns(bits, width, static_cast<std::size_t>(stored), header.compression == kRle4));
-        m_bits = *m_unpacked;
-        m_stride = width;
-        m_depth = 8;
-        m_table.resize(256);
+        m_runs = RunLengthRows(bits, width, static_cast<std::size_t>(stored),
+            header.compression == kRle4 ? RunLengthRows::Coding::Nibbles : RunLengthRows::Coding::Bytes);
     }
     m_shape.format = m_depth == 1 ? PictureShape::Format::Mono
         : m_depth == 32           ? PictureShape::Format::Rgba32
@@ -281,7 +229,10 @@ bool DibReader::open(ByteView headerBytes, ByteView bits, const DibContext& cont
     if (m_depth == 1)
         m_shape.table = { m_table[0], m_table[1] };
     m_shape.hasAlpha = m_depth == 32 && m_channels.alpha.mask != 0;
-    m_rows = std::min<std::size_t>(static_cast<std::size_t>(stored), m_bits.size / m_stride);
+    // What no run reaches has the first colour: the coding has no end that could be missing.
+    m_rows = static_cast<std::size_t>(stored);
+    if (!isRuns)
+        m_rows = std::min(m_rows, m_bits.size / m_stride);
     if (m_rows < static_cast<std::size_t>(stored))
         problem = "it ends before its last row";
     // Nothing is drawn of a picture of which no row came.
@@ -295,6 +246,8 @@ void DibReader::row(int y, std::uint8_t* to) const
         std::memset(to, 0xFF, m_shape.rowBytes());
         return;
     }
+    if (m_isRuns)
+        return m_runs.row(index, m_table, to);
     const std::uint8_t* const from = m_bits.data + index * m_stride;
     const auto width = static_cast<std::size_t>(m_shape.width);
     if (m_depth == 1)

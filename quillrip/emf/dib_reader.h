@@ -1,9 +1,9 @@
 #pragma once
 
 #include "quillrip/emf/dib.h"
+#include "quillrip/emf/run_length_rows.h"
 
 #include <cstdint>
-#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -45,8 +45,7 @@ struct DibChannels {
     DibChannel alpha;
 };
 
-/// A device-independent bitmap of which rows are decoded when they are asked for. The bits must outlive it, unless they
-/// are run-length coded: those are unpacked at once.
+/// A device-independent bitmap of which rows are decoded when they are asked for. The bits must outlive it.
 class DibReader {
 public:
     /// The JPEG or PNG that stands in the place of the bits; nothing for a DIB of rows, which open() reads.
@@ -57,13 +56,16 @@ public:
     bool open(ByteView header, ByteView bits, const DibContext& context, std::string& problem);
 
     const PictureShape& shape() const { return m_shape; }
+    /// A few bytes can stand for all of its pixels.
+    bool isRunLengthCoded() const { return m_isRuns; }
     /// Writes shape().rowBytes().
     void row(int y, std::uint8_t* to) const;
 
 private:
     PictureShape m_shape;
     ByteView m_bits; ///< rows as they are stored
-    std::shared_ptr<const std::vector<std::uint8_t>> m_unpacked; ///< from run-length coding: a byte a pixel
+    bool m_isRuns = false; ///< the rows are those of m_runs
+    RunLengthRows m_runs;
     std::size_t m_stride = 0;
     std::size_t m_rows = 0; ///< that the bits hold
     int m_depth = 0;

@@ -9,8 +9,8 @@
 
 namespace quillrip::emf {
 
-/// A picture of a record. Its rows are made when they are drawn, from the record's bytes: only what is compressed is
-/// held as a whole. The bytes must outlive it.
+/// A picture of a record. Its rows are made when they are drawn, from the record's bytes: only an image file in
+/// their place is held as a whole. The bytes must outlive it.
 class Picture {
 public:
     Picture() = default;

@@ -221,45 +221,6 @@ TEST(EmfPicture, ViewsLeaveOutAlphaDivideByItOrHideAColor)
     EXPECT_EQ(row(mono, 0)[3], 255);
 }
 
-TEST(EmfDib, RunsOfBytes)
-{
-    const Bytes bits { 3, 4, 5, 6, 0, 3, 0x45, 0x56, 0x67, 0, 2, 0x78, 0, 2, 5, 1, 2, 0x78, 0, 0, 9, 0x1E, 0, 1 };
-    Bytes table;
-    for (int i = 0; i < 256; ++i)
-        table = table + Bytes { static_cast<std::uint8_t>(i), 0, 0, 0 };
-    const Pixels pixels = decode(bitmapHeader(32, 4, 8, 1, table), bits);
-    ASSERT_FALSE(pixels.isNull());
-    const auto at = [&](int x, int scan) { return int(pixels.color(x, 3 - scan).blue); };
-    EXPECT_EQ(at(2, 0), 4);
-    EXPECT_EQ(at(7, 0), 6);
-    EXPECT_EQ(at(9, 0), 0x56);
-    EXPECT_EQ(at(12, 0), 0x78);
-    EXPECT_EQ(at(18, 1), 0x78); // right by five, up by one
-    EXPECT_EQ(at(17, 1), 0);
-    EXPECT_EQ(at(8, 2), 0x1E);
-    EXPECT_EQ(at(9, 2), 0);
-}
-
-TEST(EmfDib, RunsOfNibbles)
-{
-    const Bytes bits { 3, 4, 5, 6, 0, 6, 0x45, 0x56, 0x67, 0, 4, 0x78, 0, 2, 5, 1, 4, 0x78, 0, 0, 9, 0x1E, 0, 1 };
-    Bytes table;
-    for (int i = 0; i < 16; ++i)
-        table = table + Bytes { static_cast<std::uint8_t>(i), 0, 0, 0 };
-    const Pixels pixels = decode(bitmapHeader(32, 4, 4, 2, table), bits);
-    const int first[] { 0, 4, 0, 0, 6, 0, 6, 0, 4, 5, 5, 6, 6, 7, 7, 8, 7, 8 };
-    for (int x = 0; x < 18; ++x)
-        EXPECT_EQ(int(pixels.color(x, 3).blue), first[x]) << x;
-    EXPECT_EQ(int(pixels.color(23, 2).blue), 7);
-    EXPECT_EQ(int(pixels.color(1, 1).blue), 14);
-}
-
-TEST(EmfDib, RunsThatLeaveThePictureAreDropped)
-{
-    const Bytes bits { 0, 2, 255, 255, 5, 1, 0, 2, 0, 200, 9, 1, 0, 0, 0, 0, 0, 0, 9, 1 };
-    EXPECT_FALSE(decode(bitmapHeader(2, 2, 8, 1, words({ 0, 0xFF })), bits).isNull());
-}
-
 TEST(EmfDib, WordsOfFiveAndSixBits)
 {
     const Pixels plain = decode(bitmapHeader(2, 1, 16), { 0x00, 0x7C, 0x1F, 0x00 });
