@@ -1,7 +1,7 @@
 #include "fuzz/fuzz_page_device.h"
 
 #include "quillrip/emf/plus/interpreter.h"
-#include "quillrip/fonts/pixels/glyph_cache.h"
+#include "quillrip/fonts/glyph_painter.h"
 #include "quillrip/fonts/select/windows_fonts.h"
 
 #include <vector>
@@ -19,7 +19,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     PageBitmap page(fuzz::smallPages(size).format, pageSide, pageSide, resolution);
     Painter painter(page, limits.work);
     static WindowsFonts fonts;
-    static GlyphCache glyphs;
+    static GlyphPainter glyphs;
     const auto noMetafiles = [](ByteView, const Matrix&, const std::shared_ptr<const ClipRegion>&) {};
     emf::plus::Interpreter interpreter(
         { painter, page.format(), Matrix(), resolution, nullptr, fonts, glyphs, limits, diagnostics, noMetafiles });

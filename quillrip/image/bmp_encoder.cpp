@@ -14,7 +14,7 @@ namespace {
 
 constexpr std::uint32_t kHeaderBytes = 14 + 40;
 /// What is not compressed gains nothing by larger pieces, and several of them wait for their turn.
-constexpr std::size_t kBandBytes = std::size_t { 256 } << 10;
+constexpr std::size_t kBmpBandBytes = std::size_t { 256 } << 10;
 
 std::uint64_t strideOf(const PageBitmap& page) { return (page.rowBytes() + 3) / 4 * 4; }
 
@@ -33,7 +33,7 @@ class BmpEncoder final : public FileEncoder {
 public:
     BmpEncoder(PageBitmap&& bitmap, PageTarget target)
         : FileEncoder(std::move(bitmap), std::move(target))
-        , m_bands(page(), kBandBytes)
+        , m_bands(page(), kBmpBandBytes)
     {
     }
 

@@ -17,7 +17,7 @@ namespace {
 constexpr int kLongestSide = 65535;
 constexpr std::size_t kLongestRun = 63;
 /// Rows are compressed by themselves, so they gain nothing by larger pieces, and several of those wait for their turn.
-constexpr std::size_t kBandBytes = std::size_t { 256 } << 10;
+constexpr std::size_t kPcxBandBytes = std::size_t { 256 } << 10;
 
 /// The number of bytes from `from` on that are the same, at most `limit`.
 std::size_t runLength(const std::uint8_t* from, std::size_t limit)
@@ -53,7 +53,7 @@ class PcxEncoder final : public FileEncoder {
 public:
     PcxEncoder(PageBitmap&& bitmap, PageTarget target)
         : FileEncoder(std::move(bitmap), std::move(target))
-        , m_bands(page(), kBandBytes)
+        , m_bands(page(), kPcxBandBytes)
         , m_planes(page().format() == PixelFormat::Rgb24 ? 3 : 1)
         , m_planeBytes((page().rowBytes() / m_planes + 1) / 2 * 2)
     {

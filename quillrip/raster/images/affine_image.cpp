@@ -21,7 +21,7 @@ constexpr std::size_t kMostKeptBytes = std::size_t { 16 } << 20;
 constexpr std::size_t kBatchBytes = std::size_t { 1 } << 20;
 constexpr std::int64_t kFewestBatchRows = 16;
 constexpr std::size_t kMostBatchBytes = std::size_t { 4 } << 20; ///< but for a single row
-constexpr std::int64_t kMostRows = INT32_MAX;
+constexpr std::int64_t kRowsUnknown = INT32_MAX;
 
 /// Device columns, half open.
 struct Columns {
@@ -51,7 +51,7 @@ public:
         , m_compositor(std::move(compositor))
         , m_mostBatchRows(mostBatchRows)
         , m_sampler(image, m_compositor->format(), m_compositor->isSourceTransparent())
-        , m_mostRows(image.height < 0 ? kMostRows : image.height)
+        , m_mostRows(image.height < 0 ? kRowsUnknown : image.height)
         , m_unitsPerRow(static_cast<std::uint64_t>(image.width)
               * (static_cast<std::uint64_t>(m_sampler.inkChannels()) + (image.format == ImageFormat::Rgba32 ? 1 : 0)))
         , m_box(visibleBox())

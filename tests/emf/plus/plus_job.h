@@ -1,7 +1,7 @@
 #pragma once
 
 #include "quillrip/emf/plus/interpreter.h"
-#include "quillrip/fonts/pixels/glyph_cache.h"
+#include "quillrip/fonts/glyph_painter.h"
 #include "quillrip/fonts/select/windows_fonts.h"
 #include "tests/support/recording_sink.h"
 
@@ -94,7 +94,7 @@ private:
     PageBitmap m_page;
     Painter m_painter;
     WindowsFonts m_fonts;
-    GlyphCache m_glyphs;
+    GlyphPainter m_glyphs;
     Limits m_limits;
     quillrip::test::RecordingSink m_diagnostics;
     std::vector<Metafile> m_metafiles;
