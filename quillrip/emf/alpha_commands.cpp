@@ -38,7 +38,7 @@ void alphaBlend(Machine& machine, const Record& record)
     blit.isSmooth = machine.dc().stretchMode == StretchMode::Halftone;
     PaintState state = sourceState();
     state.opacity = record.u8(kBlend + 2);
-    draw(machine.canvas(), blit, state);
+    draw(machine, blit, state);
 }
 
 void transparentBlt(Machine& machine, const Record& record)
@@ -49,7 +49,7 @@ void transparentBlt(Machine& machine, const Record& record)
     blit.picture.hide(colorOf(record.u32(kBlend), machine.dc()));
     // Mixed colours would be neither the one that is left out nor one of the picture's.
     blit.dropsPixels = true;
-    draw(machine.canvas(), blit, sourceState());
+    draw(machine, blit, sourceState());
 }
 
 } // namespace quillrip::emf

@@ -1,8 +1,11 @@
 #include "quillrip/emf/blit.h"
 
+#include "quillrip/emf/machine.h"
+
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
+#include <string>
 #include <vector>
 
 namespace quillrip::emf {
@@ -85,8 +88,9 @@ void fillTarget(Canvas& canvas, const Parallelogram& target, PaintState state)
     canvas.painter().fillPath(path, FillRule::NonZero, state);
 }
 
-void draw(Canvas& canvas, const Blit& blit, PaintState state)
+void draw(Machine& machine, const Blit& blit, PaintState state)
 {
+    Canvas& canvas = machine.canvas();
     const PictureShape& shape = blit.picture.shape();
     if (blit.picture.isNull() || blit.source.width == 0 || blit.source.height == 0)
         return;
@@ -138,6 +142,8 @@ void draw(Canvas& canvas, const Blit& blit, PaintState state)
         }
     }
     image->finish();
+    if (const std::string damage = blit.picture.damage(); !damage.empty())
+        machine.warn("emf.bitmap", "a bitmap: " + damage);
 }
 
 } // namespace quillrip::emf

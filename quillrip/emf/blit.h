@@ -42,8 +42,9 @@ Parallelogram targetOf(const Canvas& canvas, const Extent& destination);
 /// The same for any units; `pixel`: device pixels of a reference pixel.
 Parallelogram targetOf(const Matrix& toDevice, double pixel, const Extent& destination);
 
-/// Draws what lies both in the source rectangle and in the picture. `state` holds operation and pattern.
-void draw(Canvas& canvas, const Blit& blit, PaintState state);
+/// Draws what lies both in the source rectangle and in the picture, and warns when the picture turns out to be damaged.
+/// `state` holds operation and pattern.
+void draw(Machine& machine, const Blit& blit, PaintState state);
 
 /// Fills the whole target.
 void fillTarget(Canvas& canvas, const Parallelogram& target, PaintState state);

@@ -118,7 +118,7 @@ void blit(Machine& machine, const Record& record, bool hasSourceSize)
     Blit blit = readBlit(machine, record, hasSourceSize);
     dropAlpha(blit.picture);
     chooseFilter(blit, machine.dc(), operation);
-    draw(machine.canvas(), blit, *state);
+    draw(machine, blit, *state);
 }
 
 /// The mask's bits as a picture in the place of the source: (x, y) of the mask falls on its upper left corner.
@@ -182,7 +182,7 @@ void drawThrough(Machine& machine, const Blit& blit, std::uint8_t operation, con
     const Region kept = clip.clip;
     clip.clip = intersection(kept, region);
     if (needsSource(operation))
-        draw(canvas, blit, *state);
+        draw(machine, blit, *state);
     else
         fillTarget(canvas, blit.target, *state);
     clip.clip = kept;
@@ -248,8 +248,7 @@ void maskBlt(Machine& machine, const Record& record)
     const Mask mask = readMask(machine, record, kSourceSize, { 108, 112 });
     if (mask.bits.isNull()) {
         if (const auto state = stateOf(machine, whereSet))
-            needsSource(whereSet) ? draw(machine.canvas(), blit, *state)
-                                  : fillTarget(machine.canvas(), blit.target, *state);
+            needsSource(whereSet) ? draw(machine, blit, *state) : fillTarget(machine.canvas(), blit.target, *state);
         return;
     }
     drawMasked(machine, blit, mask, whereSet, whereClear);
@@ -272,7 +271,7 @@ void plgBlt(Machine& machine, const Record& record)
     if (!mask.bits.isNull())
         return drawMasked(machine, blit, mask, kCopySource, kKeep);
     if (const auto state = stateOf(machine, kCopySource))
-        draw(machine.canvas(), blit, *state);
+        draw(machine, blit, *state);
 }
 
 void stretchDibits(Machine& machine, const Record& record)
@@ -291,7 +290,7 @@ void stretchDibits(Machine& machine, const Record& record)
     // Rows count from the bottom, also of bitmaps that start at their top.
     blit.source.y = blit.picture.shape().height - blit.source.y - blit.source.height;
     chooseFilter(blit, machine.dc(), operation);
-    draw(machine.canvas(), blit, *state);
+    draw(machine, blit, *state);
 }
 
 void setDibitsToDevice(Machine& machine, const Record& record)
@@ -318,7 +317,7 @@ void setDibitsToDevice(Machine& machine, const Record& record)
     blit.target = targetOf(machine.canvas().toDevice(), std::abs(machine.canvas().toDevice().a),
         { at.x, at.y, wanted.width, wanted.height });
     chooseFilter(blit, machine.dc(), kCopySource);
-    draw(machine.canvas(), blit, *state);
+    draw(machine, blit, *state);
 }
 
 } // namespace quillrip::emf

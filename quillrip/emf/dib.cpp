@@ -1,5 +1,6 @@
 #include "quillrip/emf/dib.h"
 
+#include "quillrip/base/heap_account.h"
 #include "quillrip/emf/dib_reader.h"
 #include "quillrip/emf/record.h"
 
@@ -35,10 +36,15 @@ Pixels Pixels::toRgb() &&
     return result;
 }
 
+void expectPixels(std::uint64_t width, std::uint64_t height, std::uint64_t otherBytes)
+{
+    // Four bytes a pixel, and as many in the form that it is decoded to at first.
+    HeapAccount::expectPicture(width * height * 8 + otherBytes);
+}
+
 Pixels decodeImageFile(ByteView file, std::string& problem)
 {
-    const bool isPng = file.size > 1 && file[0] == 0x89 && file[1] == 'P';
-    return isPng ? decodePng(file, kMostDibPixels, problem) : decodeJpeg(file, kMostDibPixels, problem);
+    return isPngFile(file) ? decodePng(file, kMostDibPixels, problem) : decodeJpeg(file, kMostDibPixels, problem);
 }
 
 Pixels decodeDib(ByteView header, ByteView bits, const DibContext& context, std::string& problem)

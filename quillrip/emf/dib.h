@@ -78,6 +78,7 @@ Pixels decodeBitmapFile(ByteView file, std::string& problem);
 /// `mostPixels` bounds width times height. Null pixels with a reason when the file cannot be read.
 Pixels decodePng(ByteView file, std::uint64_t mostPixels, std::string& problem);
 Pixels decodeJpeg(ByteView file, std::uint64_t mostPixels, std::string& problem);
+bool isPngFile(ByteView file);
 /// Either, of what a DIB may have.
 Pixels decodeImageFile(ByteView file, std::string& problem);
 

@@ -55,15 +55,25 @@ Picture::Picture(ByteView header, ByteView bits, const DibContext& context, std:
 {
     problem.clear();
     if (const auto file = DibReader::imageFile(header, bits)) {
-        auto whole = std::make_shared<Pixels>(decodeImageFile(*file, problem));
-        if (whole->isNull())
-            return;
-        m_stored = *whole;
-        m_whole = std::move(whole);
+        m_imageRows = openImageFile(*file, problem);
+        if (m_imageRows) {
+            m_stored = m_imageRows->shape();
+        } else if (problem.empty()) {
+            auto whole = std::make_shared<Pixels>(decodeImageFile(*file, problem));
+            if (whole->isNull())
+                return;
+            m_stored = *whole;
+            m_whole = std::move(whole);
+        }
     } else if (m_reader.open(header, bits, context, problem)) {
         m_stored = m_reader.shape();
     }
     m_shape = m_stored;
+}
+
+std::string Picture::damage() const
+{
+    return m_imageRows && m_imageRows->isDamaged() ? "its image file is damaged" : "";
 }
 
 void Picture::leaveOutAlpha()
@@ -90,6 +100,8 @@ const std::uint8_t* Picture::row(int y, std::vector<std::uint8_t>& line) const
     line.resize(std::max(m_stored.rowBytes(), m_shape.rowBytes()));
     if (m_whole)
         std::memcpy(line.data(), m_whole->row(y), m_stored.rowBytes());
+    else if (m_imageRows)
+        m_imageRows->row(y, line.data());
     else
         m_reader.row(y, line.data());
     switch (m_view) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "quillrip/emf/dib_reader.h"
+#include "quillrip/emf/image_rows.h"
 
 #include <cstdint>
 #include <memory>
@@ -9,8 +10,8 @@
 
 namespace quillrip::emf {
 
-/// A picture of a record. Its rows are made when they are drawn, from the record's bytes: only an image file in
-/// their place is held as a whole. The bytes must outlive it.
+/// A picture of a record. Its rows are made when they are drawn, from the record's bytes: only an interlaced PNG
+/// file is held as a whole. The bytes must outlive it.
 class Picture {
 public:
     Picture() = default;
@@ -18,6 +19,8 @@ public:
     Picture(ByteView header, ByteView bits, const DibContext& context, std::string& problem);
 
     bool isNull() const { return m_shape.width == 0; }
+    /// What the rows that have been read so far showed; a reason as the constructor gives it, empty when there is none.
+    std::string damage() const;
     const PictureShape& shape() const { return m_shape; }
 
     /// Makes it Rgb24, whatever its alpha says.
@@ -38,7 +41,8 @@ private:
     View m_view = View::Stored;
     Rgb m_hidden {};
     DibReader m_reader;
-    std::shared_ptr<const Pixels> m_whole; ///< null: the reader makes the rows
+    std::shared_ptr<ImageRows> m_imageRows; ///< of an image file; null: there is none, or it had to be read whole
+    std::shared_ptr<const Pixels> m_whole; ///< null: the rows are made
 };
 
 } // namespace quillrip::emf
