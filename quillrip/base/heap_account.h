@@ -18,8 +18,8 @@ struct MemoryBudget {
     /// path is filled.
     std::uint32_t perInputByte = 32;
     std::uint64_t mostForInput = std::uint64_t { 1 } << 30;
-    /// For the largest compressed picture that has to be decoded as a whole: an A4 sheet at 600 dpi in colour, 35
-    /// million pixels, takes 4 bytes for each of them and, from a progressive JPEG file, 3 for its coefficients. It has
+    /// For the largest compressed picture that cannot be decoded row by row: an A4 sheet at 600 dpi in colour, 35
+    /// million pixels, takes 4 bytes for each of them or, as coefficients of a progressive JPEG file, 6. It has
     /// nothing to do with the bytes of its file: a white sheet takes next to none.
     std::uint64_t mostForPicture = std::uint64_t { 256 } << 20;
 };
