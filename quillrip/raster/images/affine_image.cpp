@@ -59,7 +59,7 @@ public:
         , m_rows(image.format, m_sampler.inkChannels(), m_needed.left, m_needed.right)
     {
         chooseCapacity();
-        m_line.resize(static_cast<std::size_t>(m_box.width() * m_sampler.inkChannels()));
+        m_line.resize(static_cast<std::size_t>(m_box.width()) * static_cast<std::size_t>(m_sampler.inkChannels()));
         m_coverage.resize(static_cast<std::size_t>(m_box.width()));
         m_left.reserve(static_cast<std::size_t>(m_box.height()));
         for (int y = m_box.top; y < m_box.bottom; ++y)

@@ -29,7 +29,7 @@ std::size_t RowWindow::channels(ImageFormat format, int pageChannels)
 {
     if (format == ImageFormat::Mono || format == ImageFormat::Gray8)
         return 1;
-    return static_cast<std::size_t>(pageChannels + (format == ImageFormat::Rgba32 ? 1 : 0));
+    return static_cast<std::size_t>(pageChannels) + (format == ImageFormat::Rgba32 ? 1 : 0);
 }
 
 std::size_t RowWindow::rowBytes(ImageFormat format, int pageChannels, std::int64_t columns)
