@@ -103,14 +103,16 @@ bool isPngFile(ByteView file) { return file.size > 1 && file[0] == 0x89 && file[
 std::unique_ptr<ImageRows> openPng(ByteView file, std::uint64_t mostPixels, std::string& problem)
 {
     auto rows = std::make_unique<PngRows>(file);
-    if (!rows->readHeader())
-        problem = "its PNG file is damaged";
-    else if (rows->pixels() > mostPixels)
+    const bool hasHeader = rows->readHeader();
+    if (hasHeader && rows->pixels() > mostPixels) {
         problem = "its PNG file is too large";
-    else if (!rows->isInterlaced() && !rows->begin())
-        problem = "its PNG file is damaged";
-    else if (!rows->isInterlaced())
+        return nullptr;
+    }
+    if (hasHeader && rows->isInterlaced())
+        return nullptr;
+    if (hasHeader && rows->begin())
         return rows;
+    problem = "its PNG file is damaged";
     return nullptr;
 }
 
