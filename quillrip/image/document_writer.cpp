@@ -74,7 +74,6 @@ public:
         return false;
     }
 
-    void waitForRoom(std::uint64_t bytes, std::uint64_t mostBytes) { m_pipeline.waitForRoom(bytes, mostBytes); }
     std::vector<int> folders() const { return m_files.folders(); }
     void setMostBytes(std::uint64_t bytes) { m_files.setMostBytes(bytes); }
     bool isLimitExceeded() const { return m_isOutOfMemory || m_pipeline.isOutOfMemory() || m_files.isOverspent(); }
@@ -158,11 +157,6 @@ bool DocumentWriter::commit()
     } catch (const std::bad_alloc&) {
         return m_implementation->failForMemory();
     }
-}
-
-void DocumentWriter::waitForRoom(std::uint64_t bytes, std::uint64_t mostBytes)
-{
-    m_implementation->waitForRoom(bytes, mostBytes);
 }
 
 std::vector<int> DocumentWriter::folders() const { return m_implementation->folders(); }

@@ -32,9 +32,6 @@ public:
     /// does not fit the file type or a former one could not be written; nothing is written from then on.
     [[nodiscard]] bool addPage(PageBitmap&& page);
 
-    /// Waits until the pages that are being encoded and a new one of so many bytes have no more than `mostBytes`.
-    void waitForRoom(std::uint64_t bytes, std::uint64_t mostBytes);
-
     /// Waits for all pages and makes their files appear. False, with reason(), when that failed: then none of this
     /// document's files is there and former files are as they were. A document without pages commits no file.
     [[nodiscard]] bool commit();

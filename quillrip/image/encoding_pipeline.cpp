@@ -83,17 +83,6 @@ bool EncodingPipeline::add(std::unique_ptr<PageEncoder> encoder)
     return !m_hasFailed;
 }
 
-void EncodingPipeline::waitForRoom(std::uint64_t bytes, std::uint64_t mostBytes)
-{
-    std::unique_lock<std::mutex> lock { m_mutex };
-    m_progressed.wait(lock, [&] {
-        std::uint64_t sum = bytes;
-        for (const auto& job : m_jobs)
-            sum += job->pageBytes;
-        return m_hasFailed || m_jobs.empty() || sum <= mostBytes;
-    });
-}
-
 bool EncodingPipeline::drain()
 {
     std::unique_lock<std::mutex> lock { m_mutex };

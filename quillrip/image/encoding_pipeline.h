@@ -4,7 +4,6 @@
 #include "quillrip/image/page_encoder.h"
 
 #include <condition_variable>
-#include <cstdint>
 #include <deque>
 #include <memory>
 #include <mutex>
@@ -29,8 +28,6 @@ public:
 
     /// Waits until there is room, then takes the page. False when encoding or writing failed, now or before.
     [[nodiscard]] bool add(std::unique_ptr<PageEncoder> encoder);
-    /// Waits until the pages in work and another of so many bytes have no more than `mostBytes`, or none is in work.
-    void waitForRoom(std::uint64_t bytes, std::uint64_t mostBytes);
     /// Waits until all is written; false as for add().
     [[nodiscard]] bool drain();
 

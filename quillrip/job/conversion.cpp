@@ -83,8 +83,6 @@ public:
         return true;
     }
 
-    void waitForRoom(std::uint64_t bytes, std::uint64_t mostBytes) override { m_writer.waitForRoom(bytes, mostBytes); }
-
     bool isLimitExceeded() const { return m_isLimitExceeded || m_writer.isLimitExceeded(); }
 
     std::string reason() const override { return m_reason.empty() ? m_writer.reason() : m_reason; }

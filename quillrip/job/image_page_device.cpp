@@ -14,10 +14,6 @@ constexpr double kLongestEdge = 1 << 28;
 // Drivers and scanned pages overrun the sheet they mean by as much as a printer leaves white at its edge.
 constexpr double kHarmlessOverrun = 180; // decipoints
 
-/// Of pages in memory together: one that is drawn while others are encoded. Larger ones take turns, which costs little
-/// beside the encoding of so many pixels; an A4 sheet at 600 dpi in colour has 100 MiB.
-constexpr std::uint64_t kBytesOfPagesTogether = std::uint64_t { 256 } << 20;
-
 /// Of an edge that has not been refused yet, and may be longer than an int can say.
 int wholePixels(double edge) { return edge < kLongestEdge ? static_cast<int>(edge) : static_cast<int>(kLongestEdge); }
 
@@ -61,8 +57,6 @@ PageBitmap ImagePageDevice::bitmapFor(const PageLayout& layout)
             + " MiB of memory at this resolution and depth";
         return {};
     }
-    m_sink.waitForRoom(
-        static_cast<std::uint64_t>(rowBytes * layout.height), std::min(m_limits.pageBytes, kBytesOfPagesTogether));
     PageBitmap page(
         layout.format, static_cast<int>(layout.width), static_cast<int>(layout.height), layout.imageResolution, m_pool);
     if (page.isNull())

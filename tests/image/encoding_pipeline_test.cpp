@@ -102,19 +102,6 @@ TEST(EncodingPipeline, HoldsNoMoreThanTwoPagesBesidesTheNewOne)
     EXPECT_EQ(log.alive, 0);
 }
 
-TEST(EncodingPipeline, WaitsUntilThereIsRoomForAnotherPage)
-{
-    Log log;
-    EncodingPipeline pipeline { 2 };
-    for (int page = 0; page < 20; ++page) {
-        ASSERT_TRUE(pipeline.add(std::make_unique<FakeEncoder>(page, 30, log)));
-        pipeline.waitForRoom(1000, 1000);
-        EXPECT_EQ(log.ended.size(), static_cast<std::size_t>(page) + 1);
-    }
-    // More than the limit by itself waits for the others, and not for ever.
-    pipeline.waitForRoom(1001, 1000);
-}
-
 TEST(EncodingPipeline, FailuresEndItAndSayWhy)
 {
     for (const Fault fault : { Fault::Encoding, Fault::Memory, Fault::Writing, Fault::MemoryWhileWriting }) {
