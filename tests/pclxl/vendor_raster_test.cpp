@@ -1,5 +1,4 @@
-#include "tests/pclxl/jpeg_writer.h"
-#include "tests/pclxl/xl_job.h"
+#include "tests/pclxl/vendor_raster_stream.h"
 
 #include <algorithm>
 #include <array>
@@ -18,141 +17,6 @@ namespace {
 constexpr Rgb kWhite { 255, 255, 255 };
 constexpr Rgb kBlack { 0, 0, 0 };
 
-using Table = std::array<unsigned, 64>; // divisors row by row
-using Tables = std::array<Table, 3>;
-
-Tables flatTables(unsigned divisor)
-{
-    Table table {};
-    table.fill(divisor);
-    return { table, table, table };
-}
-
-void append(Bytes& to, std::uint32_t value, int byteCount)
-{
-    for (int i = 0; i < byteCount; ++i)
-        to.push_back(static_cast<std::uint8_t>(value >> 8 * i));
-}
-
-Bytes chunk(int tag, const Bytes& contents)
-{
-    Bytes result;
-    append(result, static_cast<std::uint32_t>(tag), 2);
-    append(result, static_cast<std::uint32_t>(contents.size()), 4);
-    result.insert(result.end(), contents.begin(), contents.end());
-    return result;
-}
-
-/// The two chunks of an image's beginning.
-Bytes header(
-    const Tables& tables, const std::array<int, 9>& conversion = { 8192, 0, 0, 8192, -8192, 0, 8192, 0, -8192 })
-{
-    Bytes divisors;
-    for (const Table& table : tables)
-        for (const unsigned divisor : table)
-            append(divisors, divisor, 4);
-    Bytes factors(8);
-    for (const int factor : conversion)
-        append(factors, static_cast<std::uint32_t>(factor) & 0xFFFF, 4);
-    Bytes result = chunk(0x8000, divisors);
-    const Bytes second = chunk(0x8001, factors);
-    result.insert(result.end(), second.begin(), second.end());
-    return result;
-}
-
-/// A JPEG stream of components as they are, without subsampling, each with a table of its own.
-Bytes wholeJpeg(const Bytes& samples, int width, int height, int components, const Tables& tables)
-{
-    return writeJpeg(samples, width, height, components, components == 1 ? JCS_GRAYSCALE : JCS_YCbCr,
-        [&](jpeg_compress_struct& info) {
-            for (int i = 0; i < components; ++i) {
-                jpeg_add_quant_table(&info, i, tables[static_cast<std::size_t>(i)].data(), 100, FALSE);
-                info.comp_info[i].quant_tbl_no = i;
-                info.comp_info[i].h_samp_factor = info.comp_info[i].v_samp_factor = 1;
-            }
-        });
-}
-
-/// What a strip carries: the stream from behind its scan's header on.
-Bytes withoutHeaders(const Bytes& jpeg)
-{
-    std::size_t at = 2;
-    for (;;) {
-        const std::size_t length = jpeg[at + 2] * 256u + jpeg[at + 3];
-        const bool isScan = jpeg[at + 1] == 0xDA;
-        at += 2 + length;
-        if (isScan)
-            return Bytes(jpeg.begin() + static_cast<std::ptrdiff_t>(at), jpeg.end());
-    }
-}
-
-/// RGB pixels as the components of a colour strip.
-Bytes asComponents(const Bytes& rgb)
-{
-    Bytes result;
-    for (std::size_t i = 0; i < rgb.size(); i += 3) {
-        result.push_back(static_cast<std::uint8_t>(rgb[i] / 2));
-        result.push_back(static_cast<std::uint8_t>(128 + (rgb[i] - rgb[i + 1]) / 2));
-        result.push_back(static_cast<std::uint8_t>(128 + (rgb[i] - rgb[i + 2]) / 2));
-    }
-    return result;
-}
-
-Bytes colorStrip(const Bytes& rgb, int width, int height, const Tables& tables)
-{
-    return chunk(0x9021, withoutHeaders(wholeJpeg(asComponents(rgb), width, height, 3, tables)));
-}
-
-Bytes flat(Rgb color, int count)
-{
-    Bytes result;
-    for (int i = 0; i < count; ++i)
-        result.insert(result.end(), { color.red, color.green, color.blue });
-    return result;
-}
-
-XlStream& vendor(XlStream& c, int command, const Bytes& payload)
-{
-    c.uint32(A::VUExtension, 0x68700000u | static_cast<unsigned>(command));
-    return c.uint32(A::VUDataLength, static_cast<std::uint32_t>(payload.size())).op(O::VendorUnique).raw(payload);
-}
-
-XlStream& beginRaster(XlStream& c, bool isColor, int width, int height, const Bytes& payload)
-{
-    c.uint16(A::SourceWidth, width).uint16(A::SourceHeight, height).uint16(A::VUAttr1, 1).uint16(A::VUAttr2, height);
-    c.ubyte(A::VUAttr5, isColor ? 4 : 0).ubyte(A::VUAttr6, 0).uint32(A::VUAttr3, 0x00040000);
-    return vendor(c, 0x4000, payload);
-}
-
-XlStream& strip(XlStream& c, int start, int rows, const Bytes& payload)
-{
-    return vendor(c.uint16(A::StartLine, start).uint16(A::BlockHeight, rows).ubyte(A::VUAttr4, 0), 0x4001, payload);
-}
-
-XlStream& endRaster(XlStream& c) { return vendor(c, 0x4002, {}); }
-
-struct Drawn {
-    XlJob job { PixelFormat::Rgb24 };
-    Drawn(int width, int height, const XlStream& contents) { job.run(onePage(width, height, contents)); }
-    Rgb at(int x, int y) const { return job.pixel(0, x, y); }
-};
-
-bool isNear(Rgb a, Rgb b, int distance)
-{
-    return std::abs(a.red - b.red) <= distance && std::abs(a.green - b.green) <= distance
-        && std::abs(a.blue - b.blue) <= distance;
-}
-
-/// A page of `width` by `rows` pixels with one strip of replacement rows.
-XlStream replacementPage(bool isColor, int width, int rows, const Bytes& data)
-{
-    XlStream c;
-    c.cursor(0, 0);
-    beginRaster(c, isColor, width, rows, {});
-    strip(c, 0, rows, chunk(0x9011, data));
-    return endRaster(c);
-}
-
 TEST(XlVendorRaster, JpegStripsGiveTheirColours)
 {
     const std::array<Rgb, 4> colors = { Rgb { 200, 100, 50 }, Rgb { 10, 20, 30 }, kWhite, kBlack };
@@ -164,10 +28,10 @@ TEST(XlVendorRaster, JpegStripsGiveTheirColours)
         }
     XlStream c;
     c.colorSpace(6).cursor(0, 0);
-    beginRaster(c, true, 32, 8, header(flatTables(1)));
+    beginRaster(c, true, 32, 8, imageHeader(flatTables(1)));
     strip(c, 0, 8, colorStrip(rgb, 32, 8, flatTables(1)));
     endRaster(c);
-    Drawn d(32, 8, c);
+    DrawnPage d(32, 8, c);
     ASSERT_EQ(d.job.pageCount(), 1u) << d.job.sink.message();
     EXPECT_TRUE(d.job.sink.diagnostics.empty());
     for (int i = 0; i < 4; ++i)
@@ -178,7 +42,7 @@ TEST(XlVendorRaster, JpegStripsGiveTheirColours)
 TEST(XlVendorRaster, EachComponentHasItsTableRowByRow)
 {
     // Divisors that differ by table and place: a wrong order multiplies the edges by wrong numbers.
-    Tables tables {};
+    DivisorTables tables {};
     for (unsigned t = 0; t < 3; ++t)
         for (unsigned i = 0; i < 64; ++i)
             tables[t][i] = 1 + (i * 7 + t * 13) % 12;
@@ -193,10 +57,10 @@ TEST(XlVendorRaster, EachComponentHasItsTableRowByRow)
         }
     XlStream c;
     c.cursor(0, 0);
-    beginRaster(c, true, 16, 16, header(tables));
+    beginRaster(c, true, 16, 16, imageHeader(tables));
     strip(c, 0, 16, colorStrip(rgb, 16, 16, tables));
     endRaster(c);
-    Drawn d(16, 16, c);
+    DrawnPage d(16, 16, c);
     ASSERT_EQ(d.job.pageCount(), 1u) << d.job.sink.message();
     int worst = 0;
     for (int y = 0; y < 16; ++y)
@@ -213,11 +77,11 @@ TEST(XlVendorRaster, DivisorsAbove255Count)
 {
     XlStream c;
     c.cursor(0, 0);
-    beginRaster(c, false, 8, 8, header(flatTables(508)));
+    beginRaster(c, false, 8, 8, imageHeader(flatTables(508)));
     // One block whose only coefficient is 1: 508 / 8 above 128.
     strip(c, 0, 8, chunk(0x9021, { 0x5A, 0xFF, 0x00, 0xFF, 0xD9 })); // 010 1 1010, filled up with ones
     endRaster(c);
-    Drawn d(8, 8, c);
+    DrawnPage d(8, 8, c);
     ASSERT_EQ(d.job.pageCount(), 1u) << d.job.sink.message();
     EXPECT_TRUE(isNear(d.at(4, 4), { 63, 63, 63 }, 1)) << int(d.at(4, 4).red);
 }
@@ -226,13 +90,13 @@ TEST(XlVendorRaster, TheColourConversionIsTheImages)
 {
     XlStream c;
     c.cursor(0, 0);
-    beginRaster(c, true, 8, 8, header(flatTables(1), { 4096, 0, 0, 4096, 4096, 0, 0, 0, 8192 }));
+    beginRaster(c, true, 8, 8, imageHeader(flatTables(1), { 4096, 0, 0, 4096, 4096, 0, 0, 0, 8192 }));
     Bytes samples;
     for (int i = 0; i < 64; ++i)
         samples.insert(samples.end(), { 100, 148, 178 });
     strip(c, 0, 8, chunk(0x9021, withoutHeaders(wholeJpeg(samples, 8, 8, 3, flatTables(1)))));
     endRaster(c);
-    Drawn d(8, 8, c);
+    DrawnPage d(8, 8, c);
     ASSERT_EQ(d.job.pageCount(), 1u) << d.job.sink.message();
     EXPECT_TRUE((d.at(3, 3) == Rgb { 100, 120, 100 }));
 }
@@ -243,10 +107,10 @@ TEST(XlVendorRaster, GrayStripsAreInk)
     std::fill(samples.begin() + 64, samples.end(), std::uint8_t { 155 });
     XlStream c;
     c.colorSpace(8).cursor(0, 0);
-    beginRaster(c, false, 8, 16, header(flatTables(1)));
+    beginRaster(c, false, 8, 16, imageHeader(flatTables(1)));
     strip(c, 0, 16, chunk(0x9021, withoutHeaders(wholeJpeg(samples, 8, 16, 1, flatTables(1)))));
     endRaster(c);
-    Drawn d(8, 16, c);
+    DrawnPage d(8, 16, c);
     ASSERT_EQ(d.job.pageCount(), 1u) << d.job.sink.message();
     EXPECT_TRUE((d.at(3, 3) == kWhite));
     EXPECT_TRUE((d.at(3, 12) == Rgb { 100, 100, 100 }));
@@ -259,7 +123,7 @@ TEST(XlVendorRaster, AStripWithHeadersOfItsOwnNeedsNoTables)
     beginRaster(c, true, 8, 8, {});
     strip(c, 0, 8, chunk(0x9011, wholeJpeg(asComponents(flat({ 20, 60, 240 }, 64)), 8, 8, 3, flatTables(1))));
     endRaster(c);
-    Drawn d(8, 8, c);
+    DrawnPage d(8, 8, c);
     ASSERT_EQ(d.job.pageCount(), 1u) << d.job.sink.message();
     EXPECT_TRUE((d.at(3, 3) == Rgb { 20, 60, 240 }));
 }
@@ -304,14 +168,14 @@ TEST(XlVendorRaster, StripsStandAtTheCursorByTheirStartLine)
 {
     XlStream c;
     c.xy(A::PageOrigin, 3, 2).op(O::SetPageOrigin).cursor(1, 1);
-    beginRaster(c, true, 8, 32, header(flatTables(1)));
+    beginRaster(c, true, 8, 32, imageHeader(flatTables(1)));
     const auto put
         = [&](int start, Rgb color) { strip(c, start, 8, colorStrip(flat(color, 64), 8, 8, flatTables(1))); };
     put(0, { 200, 0, 0 });
     put(8, { 0, 200, 0 });
     put(24, { 0, 0, 200 }); // nothing comes for the rows before
     endRaster(c);
-    Drawn d(16, 40, c);
+    DrawnPage d(16, 40, c);
     ASSERT_EQ(d.job.pageCount(), 1u) << d.job.sink.message();
     EXPECT_TRUE((d.at(3, 3) == kWhite));
     EXPECT_TRUE((d.at(4, 2) == kWhite));
@@ -333,12 +197,12 @@ TEST(XlVendorRaster, AStripRightBelowTheImageIsPassedOver)
 {
     XlStream c;
     c.cursor(0, 0);
-    beginRaster(c, true, 8, 8, header(flatTables(1)));
+    beginRaster(c, true, 8, 8, imageHeader(flatTables(1)));
     const Bytes black = colorStrip(flat(kBlack, 64), 8, 8, flatTables(1));
     strip(c, 0, 8, black);
     strip(c, 8, 8, black);
     endRaster(c);
-    Drawn d(8, 16, c);
+    DrawnPage d(8, 16, c);
     ASSERT_EQ(d.job.pageCount(), 1u) << d.job.sink.message();
     EXPECT_TRUE((d.at(3, 7) == kBlack));
     EXPECT_TRUE((d.at(3, 8) == kWhite));
@@ -349,7 +213,7 @@ TEST(XlVendorRaster, APageMayEndBeforeItsRasterDoes)
     // At half size, so that the painter still holds rows back when the page ends.
     XlStream stream = XlStream::withHeader();
     stream.beginSession(200).openDataSource().beginPage(8, 32).cursor(0, 0);
-    beginRaster(stream, true, 8, 64, header(flatTables(1)));
+    beginRaster(stream, true, 8, 64, imageHeader(flatTables(1)));
     strip(stream, 0, 7, colorStrip(flat(kBlack, 56), 8, 7, flatTables(1)));
     stream.endPage().endSession();
     XlJob job(PixelFormat::Rgb24);
@@ -360,80 +224,6 @@ TEST(XlVendorRaster, APageMayEndBeforeItsRasterDoes)
     EXPECT_TRUE((job.pixel(0, 1, 4) == kWhite));
 }
 
-TEST(XlVendorRaster, ReplacementRowsTakePixelsFromAllSources)
-{
-    // Row 0: a new pixel, one from the left after a gap, a run of the last one; the rest stays white.
-    // Row 1: the last pixel of the row before; the one above on the right; a new run of ten.
-    // Row 2: as row 1.
-    const Bytes data = { 0x00, 1, 2, 3, 0x28, 0x89, 9, 8, 7, 0x98, 8 - 3, //
-        0x60, 0x40, 0x87, 5, 5, 5, 10 - 9, 0x18, 0, //
-        0x18, 15 - 3 };
-    Drawn d(15, 3, replacementPage(true, 15, 3, data));
-    ASSERT_EQ(d.job.pageCount(), 1u) << d.job.sink.message();
-    const auto rowOf = [&](int y) {
-        std::vector<int> reds;
-        for (int x = 0; x < 15; ++x)
-            reds.push_back(d.at(x, y).red);
-        return reds;
-    };
-    EXPECT_EQ(rowOf(0), (std::vector<int> { 1, 255, 255, 255, 9, 9, 9, 255, 255, 255, 255, 255, 255, 255, 255 }));
-    EXPECT_TRUE((d.at(0, 0) == Rgb { 1, 2, 3 }));
-    EXPECT_TRUE((d.at(4, 0) == Rgb { 9, 8, 7 }));
-    EXPECT_EQ(rowOf(1), (std::vector<int> { 9, 255, 5, 5, 5, 5, 5, 5, 5, 5, 5, 5, 255, 255, 255 }));
-    EXPECT_EQ(rowOf(2), rowOf(1));
-}
-
-TEST(XlVendorRaster, ReplacementPixelsFromTheLeftAndTheRightAreTheLastOnes)
-{
-    // 1, then the one above on its right, which is white, as the last; then the one on the left, 7, as the last.
-    const Bytes data = { 0x00, 1, 1, 1, 0x40, 0x60, 0x00, 7, 7, 7, 0x00, 8, 8, 8, 0x20, 0x00, 9, 9, 9, 0x68 };
-    const Bytes left = { 0x00, 1, 1, 1, 0x01, 2, 2, 2, 3, 3, 3, 0x20, 0xE0 };
-    Drawn a(9, 1, replacementPage(true, 9, 1, data));
-    ASSERT_EQ(a.job.pageCount(), 1u) << a.job.sink.message();
-    EXPECT_EQ(a.at(1, 0).red, 255);
-    EXPECT_EQ(a.at(2, 0).red, 255);
-    EXPECT_EQ(a.at(5, 0).red, 8);
-    EXPECT_EQ(a.at(8, 0).red, 9);
-    Drawn b(6, 1, replacementPage(true, 6, 1, left));
-    ASSERT_EQ(b.job.pageCount(), 1u) << b.job.sink.message();
-    EXPECT_EQ(b.at(2, 0).red, 3);
-    EXPECT_EQ(b.at(3, 0).red, 3);
-    EXPECT_EQ(b.at(5, 0).red, 3);
-}
-
-TEST(XlVendorRaster, ReplacementRowsEndAtTheirWidth)
-{
-    // A run that passes the end, an offset that does, and a pixel from behind the end, which is black.
-    for (const bool isColor : { true, false }) {
-        const Bytes data = { 0x85, 90, 90, 90, 0x18, 200, 0x10, 50, 50, 50, 0x40 };
-        Drawn d(4, 3, replacementPage(isColor, 4, 3, data));
-        ASSERT_EQ(d.job.pageCount(), 1u) << d.job.sink.message();
-        const int first = isColor ? 90 : 165;
-        EXPECT_EQ(d.at(3, 0).red, first);
-        EXPECT_EQ(d.at(3, 1).red, first);
-        EXPECT_EQ(d.at(1, 2).red, first);
-        EXPECT_EQ(d.at(2, 2).red, isColor ? 50 : 205);
-        EXPECT_TRUE((d.at(3, 2) == kBlack));
-    }
-}
-
-TEST(XlVendorRaster, EachReplacementStripStartsFromWhite)
-{
-    for (const bool isColor : { true, false }) {
-        XlStream c;
-        c.cursor(0, 0);
-        beginRaster(c, isColor, 8, 2, {});
-        strip(c, 0, 1, chunk(0x9011, { 0x86, 60, 60, 60 }));
-        strip(c, 1, 1, chunk(0x9011, { 0x18, 8 - 3 }));
-        endRaster(c);
-        Drawn d(8, 2, c);
-        ASSERT_EQ(d.job.pageCount(), 1u) << d.job.sink.message();
-        EXPECT_EQ(d.at(7, 0).red, isColor ? 60 : 195);
-        EXPECT_TRUE((d.at(0, 1) == kWhite));
-        EXPECT_TRUE((d.at(7, 1) == kWhite));
-    }
-}
-
 TEST(XlVendorRaster, DamagedStripsAreErrorsByName)
 {
     const auto errorOf = [](const Bytes& begin, const Bytes& payload, int start = 0, int rows = 8) {
@@ -442,12 +232,12 @@ TEST(XlVendorRaster, DamagedStripsAreErrorsByName)
         beginRaster(c, true, 8, 8, begin);
         strip(c, start, rows, payload);
         endRaster(c);
-        Drawn d(8, 8, c);
+        DrawnPage d(8, 8, c);
         EXPECT_EQ(d.job.pageCount(), 0u);
         return d.job.sink.message();
     };
     const auto has = [](const std::string& text, const char* what) { return text.find(what) != std::string::npos; };
-    const Bytes begin = header(flatTables(1));
+    const Bytes begin = imageHeader(flatTables(1));
     const Bytes good = colorStrip(flat(kBlack, 64), 8, 8, flatTables(1));
     Bytes cut(good.begin(), good.end() - 4);
     cut[2] = static_cast<std::uint8_t>(cut.size() - 6);
@@ -490,7 +280,7 @@ TEST(XlVendorRaster, AnInputThatEndsWithinAPayloadIsDamage)
 {
     XlStream c;
     c.cursor(0, 0);
-    beginRaster(c, true, 8, 8, header(flatTables(1)));
+    beginRaster(c, true, 8, 8, imageHeader(flatTables(1)));
     strip(c, 0, 8, colorStrip(flat(kBlack, 64), 8, 8, flatTables(1)));
     const Bytes all = onePage(8, 8, c).bytes();
     for (std::size_t size = 1; size < all.size() - 2; size += 3) {
@@ -517,14 +307,14 @@ TEST(XlVendorRaster, RowsThatNoMemoryHoldsEndTheJob)
 TEST(XlVendorRaster, ItNeedsACursor)
 {
     XlStream c;
-    beginRaster(c, true, 8, 8, header(flatTables(1)));
-    EXPECT_NE(Drawn(8, 8, c).job.sink.message().find("CurrentCursorUndefined"), std::string::npos);
+    beginRaster(c, true, 8, 8, imageHeader(flatTables(1)));
+    EXPECT_NE(DrawnPage(8, 8, c).job.sink.message().find("CurrentCursorUndefined"), std::string::npos);
 }
 
 TEST(XlVendorRaster, WhatIsNotKnownIsPassedOverWithItsName)
 {
     const auto warningOf = [](const XlStream& c, const char* kind = "pclxl.vendor-unique") {
-        Drawn d(8, 8, c);
+        DrawnPage d(8, 8, c);
         EXPECT_EQ(d.job.pageCount(), 1u) << d.job.sink.message();
         EXPECT_EQ(d.job.device.blackPixelCount(0), 0u);
         return d.job.sink.message(kind);
