@@ -1,6 +1,7 @@
 // Spool files of Windows and single metafiles: the container, all records, EMF+ and embedded fonts.
 
 #include "fuzz/fuzz_page_device.h"
+#include "fuzz/token_mutator.h"
 
 #include "quillrip/emf/interpreter.h"
 
@@ -15,3 +16,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     emf::Interpreter interpreter(device, diagnostics, limits);
     return static_cast<int>(interpreter.run(input)) * 0;
 }
+
+QUILLRIP_FUZZ_COMMANDS(
+    quillrip::fuzz::isSpoolFile(data, size) ? quillrip::fuzz::kSpoolRecords : quillrip::fuzz::kEmfRecords)

@@ -1,4 +1,5 @@
 #include "fuzz/fuzz_page_device.h"
+#include "fuzz/token_mutator.h"
 
 #include "quillrip/emf/plus/interpreter.h"
 #include "quillrip/fonts/glyph_painter.h"
@@ -27,3 +28,5 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     interpreter.comment({ data, size }, 0, false);
     return 0;
 }
+
+QUILLRIP_FUZZ_COMMANDS(quillrip::fuzz::kEmfPlusRecords)

@@ -19,4 +19,4 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     return static_cast<int>(plot.run(input)) * 0;
 }
 
-QUILLRIP_FUZZ_COMMANDS(quillrip::fuzz::hpglInstructions)
+QUILLRIP_FUZZ_COMMANDS(quillrip::fuzz::kHpglInstructions)

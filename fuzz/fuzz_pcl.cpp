@@ -18,4 +18,4 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     return static_cast<int>(interpreter.finish()) * 0;
 }
 
-QUILLRIP_FUZZ_COMMANDS(quillrip::fuzz::pclCommands)
+QUILLRIP_FUZZ_COMMANDS(quillrip::fuzz::kPclCommands)

@@ -17,4 +17,4 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     return 0;
 }
 
-QUILLRIP_FUZZ_COMMANDS(quillrip::fuzz::pclXlTags)
+QUILLRIP_FUZZ_COMMANDS(quillrip::fuzz::kPclXlTags)

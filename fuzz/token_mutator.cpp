@@ -15,11 +15,11 @@ using Commands = std::vector<Bytes>;
 bool isDigit(std::uint8_t c) { return c >= '0' && c <= '9'; }
 bool isLetter(std::uint8_t c) { return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z'); }
 
-Commands split(const std::uint8_t* data, std::size_t size, Splitter splitter)
+Commands split(const std::uint8_t* data, std::size_t size, const CommandForm& form)
 {
     Commands commands;
     std::size_t from = 0;
-    std::vector<std::size_t> ends = splitter(data, size);
+    std::vector<std::size_t> ends = form.starts(data, size);
     ends.push_back(size);
     for (const std::size_t end : ends) {
         if (end > from && end <= size)
@@ -29,8 +29,9 @@ Commands split(const std::uint8_t* data, std::size_t size, Splitter splitter)
     return commands;
 }
 
-std::size_t join(const Commands& commands, std::uint8_t* out, std::size_t mostSize)
+std::size_t join(const Commands& commands, std::uint8_t* data, std::size_t mostSize, const CommandForm& form)
 {
+    std::uint8_t* out = data;
     std::size_t size = 0;
     for (const Bytes& command : commands) {
         if (command.size() > mostSize - size)
@@ -38,7 +39,23 @@ std::size_t join(const Commands& commands, std::uint8_t* out, std::size_t mostSi
         out = std::copy(command.begin(), command.end(), out);
         size += command.size();
     }
+    if (form.finish)
+        form.finish(data, size);
     return size;
+}
+
+std::uint32_t wordAt(const std::uint8_t* data, std::size_t size, std::size_t at)
+{
+    std::uint32_t word = 0;
+    for (std::size_t i = 4; i-- > 0;)
+        word = word << 8 | (at + i < size ? data[at + i] : 0u);
+    return word;
+}
+
+void putWord(std::uint8_t* to, std::uint32_t word)
+{
+    for (int i = 0; i < 4; ++i)
+        to[i] = static_cast<std::uint8_t>(word >> 8 * i);
 }
 
 /// Another number in the place of one that is written in digits; values at the edges of what handlers expect.
@@ -62,14 +79,21 @@ void changeNumber(Bytes& command, std::mt19937& dice)
     command.insert(command.begin() + static_cast<std::ptrdiff_t>(at), number.begin(), number.end());
 }
 
+void changeWord(Bytes& command, std::mt19937& dice)
+{
+    static constexpr std::array<std::uint32_t, 20> s_words { 0, 1, 2, 3, 4, 7, 8, 12, 16, 100, 255, 256, 0x7FFF, 0x8000,
+        0xFFFF, 0x10000, 0x7FFFFFFF, 0x80000000, 0xFFFFFFFE, 0xFFFFFFFF };
+    // The first two say what the command is, and how long.
+    if (command.size() >= 12)
+        putWord(command.data() + 8 + dice() % (command.size() / 4 - 2) * 4, s_words[dice() % s_words.size()]);
+}
+
 void changeBytes(Bytes& command)
 {
     const std::size_t size = command.size();
     command.resize(size + 16);
     command.resize(LLVMFuzzerMutate(command.data(), size, command.size()));
 }
-
-} // namespace
 
 std::vector<std::size_t> pclCommands(const std::uint8_t* data, std::size_t size)
 {
@@ -135,10 +159,94 @@ std::vector<std::size_t> pclXlTags(const std::uint8_t* data, std::size_t size)
     return starts;
 }
 
-std::size_t mutateCommands(std::uint8_t* data, std::size_t size, std::size_t mostSize, unsigned seed, Splitter splitter)
+/// Records that begin with what they are and how long they are, from `at` on.
+std::vector<std::size_t> recordsFrom(std::size_t at, const std::uint8_t* data, std::size_t size, std::size_t head)
+{
+    std::vector<std::size_t> starts;
+    while (at + head <= size) {
+        const std::size_t length = wordAt(data, size, at + 4);
+        if (length < head || length > size - at)
+            break;
+        starts.push_back(at += length);
+    }
+    return starts;
+}
+
+constexpr std::uint32_t kMetafileHeader = 1;
+constexpr std::size_t kRecordHead = 8;
+constexpr std::size_t kPlusRecordHead = 12;
+
+std::vector<std::size_t> emfRecords(const std::uint8_t* data, std::size_t size)
+{
+    return recordsFrom(0, data, size, kRecordHead);
+}
+
+void mendRecord(Bytes& record)
+{
+    record.resize(std::max(kRecordHead, (record.size() + 3) / 4 * 4));
+    putWord(record.data() + 4, static_cast<std::uint32_t>(record.size()));
+}
+
+std::vector<std::size_t> spoolRecords(const std::uint8_t* data, std::size_t size)
+{
+    // Their lengths are those of what follows these two words; the file's header counts itself.
+    std::vector<std::size_t> starts;
+    for (std::size_t at = wordAt(data, size, 4); at < size; at += kRecordHead + wordAt(data, size, at + 4))
+        starts.push_back(at);
+    return starts;
+}
+
+void mendSpoolRecord(Bytes& record)
+{
+    if (isSpoolFile(record.data(), record.size()))
+        return;
+    record.resize(std::max(kRecordHead, record.size()));
+    putWord(record.data() + 4, static_cast<std::uint32_t>(record.size() - kRecordHead));
+}
+
+/// The first record says how long all are together, and how many.
+void finishMetafile(std::uint8_t* data, std::size_t size)
+{
+    constexpr std::size_t bytesAt = 48;
+    constexpr std::size_t recordsAt = 52;
+    if (size < recordsAt + 4 || wordAt(data, size, 0) != kMetafileHeader)
+        return;
+    putWord(data + bytesAt, static_cast<std::uint32_t>(size));
+    putWord(data + recordsAt, static_cast<std::uint32_t>(recordsFrom(0, data, size, kRecordHead).size()));
+}
+
+std::vector<std::size_t> emfPlusRecords(const std::uint8_t* data, std::size_t size)
+{
+    return recordsFrom(0, data, size, kPlusRecordHead);
+}
+
+void mendPlusRecord(Bytes& record)
+{
+    record.resize(std::max(kPlusRecordHead, (record.size() + 3) / 4 * 4));
+    putWord(record.data() + 4, static_cast<std::uint32_t>(record.size()));
+    putWord(record.data() + 8, static_cast<std::uint32_t>(record.size() - kPlusRecordHead));
+}
+
+} // namespace
+
+bool isSpoolFile(const std::uint8_t* data, std::size_t size)
+{
+    constexpr std::uint32_t firstWord = 0x00010000;
+    return wordAt(data, size, 0) == firstWord;
+}
+
+const CommandForm kPclCommands { pclCommands };
+const CommandForm kHpglInstructions { hpglInstructions };
+const CommandForm kPclXlTags { pclXlTags };
+const CommandForm kEmfRecords { emfRecords, true, mendRecord, finishMetafile };
+const CommandForm kSpoolRecords { spoolRecords, true, mendSpoolRecord };
+const CommandForm kEmfPlusRecords { emfPlusRecords, true, mendPlusRecord };
+
+std::size_t mutateCommands(
+    std::uint8_t* data, std::size_t size, std::size_t mostSize, unsigned seed, const CommandForm& form)
 {
     std::mt19937 dice { seed };
-    Commands commands = split(data, size, splitter);
+    Commands commands = split(data, size, form);
     if (commands.size() < 2 || dice() % 2 == 0)
         return LLVMFuzzerMutate(data, size, mostSize);
     for (auto changes = 1 + dice() % 3; changes > 0 && !commands.empty(); --changes) {
@@ -161,21 +269,23 @@ std::size_t mutateCommands(std::uint8_t* data, std::size_t size, std::size_t mos
             std::rotate(begin + std::min(one, other), begin + std::max(one, other), commands.end());
             break;
         case 4:
-            changeNumber(begin[one], dice);
+            (form.hasWords ? changeWord : changeNumber)(begin[one], dice);
             break;
         default:
             changeBytes(begin[one]);
+            if (form.mend)
+                form.mend(begin[one]);
         }
     }
-    return join(commands, data, mostSize);
+    return join(commands, data, mostSize, form);
 }
 
 std::size_t crossCommands(const std::uint8_t* first, std::size_t firstSize, const std::uint8_t* second,
-    std::size_t secondSize, std::uint8_t* out, std::size_t mostSize, unsigned seed, Splitter splitter)
+    std::size_t secondSize, std::uint8_t* out, std::size_t mostSize, unsigned seed, const CommandForm& form)
 {
     std::mt19937 dice { seed };
-    const Commands ours = split(first, firstSize, splitter);
-    const Commands theirs = split(second, secondSize, splitter);
+    const Commands ours = split(first, firstSize, form);
+    const Commands theirs = split(second, secondSize, form);
     Commands mixed;
     std::size_t i = 0;
     std::size_t j = 0;
@@ -185,7 +295,7 @@ std::size_t crossCommands(const std::uint8_t* first, std::size_t firstSize, cons
         for (auto run = 1 + dice() % 8; run > 0 && j < theirs.size(); --run)
             mixed.push_back(theirs[j++]);
     }
-    return join(mixed, out, mostSize);
+    return join(mixed, out, mostSize, form);
 }
 
 } // namespace quillrip::fuzz
