@@ -223,6 +223,20 @@ TEST(PclColor, GammaLookupAndRenderAlgorithms)
         (Rgb { 64, 128, 200 }));
 }
 
+// Programs choose the gamma, palette entries and the render algorithm when they have started the raster already.
+TEST(PclColor, ColoursMayBeSetBetweenARastersStartAndItsFirstRow)
+{
+    const std::string start = kStart + e("*t300R") + cid(0, 3, 8) + at(0, 10) + e("*r2s30t1A");
+    const Printed gamma = printColor(start + e("*t2I") + row({ 64, 64, 64, 255, 0, 0 }));
+    expectNear(gamma.color(75, 10), { 128, 128, 128 }, 1);
+    EXPECT_EQ(gamma.color(76, 10), kRed);
+    const std::string indexed = kStart + e("*t300R") + cid(0, 1, 8) + at(0, 10) + e("*r2s30t1A");
+    const Printed entry = printColor(indexed + e("*v255a0b0c1I") + row({ 1, 0 }) + e("*v0a255b0c1I") + row({ 1, 0 }));
+    EXPECT_EQ(entry.color(75, 10), kRed);
+    // Behind a row they end the raster, below the height it declared.
+    EXPECT_EQ(entry.color(75, 40), (Rgb { 0, 255, 0 }));
+}
+
 TEST(PclColor, MonochromeModePrintsLuminance)
 {
     const std::uint8_t light = luminance(kRed);
