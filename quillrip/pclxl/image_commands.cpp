@@ -34,7 +34,8 @@ template <typename Target, typename Take> Status readBlock(Machine& machine, Tar
             "pclxl.no-data-source", "image data come without an open data source (DataSourceNotOpen)");
     target.goToRow(rows.first);
     CallingSink sink(take);
-    return decodeBlock(compression, machine.data(), source.layout, rows.count, source.seed, sink);
+    return decodeBlock(
+        compression, machine.data(), source.layout, rows.count, source.seed, sink, *machine.limits().work);
 }
 
 } // namespace

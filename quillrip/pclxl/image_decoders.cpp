@@ -123,7 +123,7 @@ Status decodeDeltaRow(EmbeddedData& data, const BlockLayout& layout, std::uint32
 } // namespace
 
 Status decodeBlock(Compression compression, EmbeddedData& data, const BlockLayout& layout, std::uint32_t rows,
-    SeedRow& seed, RowSink& sink)
+    SeedRow& seed, RowSink& sink, WorkMeter& work)
 {
     switch (compression) {
     case Compression::None:
@@ -131,7 +131,7 @@ Status decodeBlock(Compression compression, EmbeddedData& data, const BlockLayou
     case Compression::RunLength:
         return decodeRunLength(data, layout, rows, seed, sink);
     case Compression::Jpeg:
-        return decodeJpegBlock(data, layout, rows, sink);
+        return decodeJpegBlock(data, layout, rows, sink, work);
     case Compression::DeltaRow:
         return decodeDeltaRow(data, layout, rows, seed, sink);
     }

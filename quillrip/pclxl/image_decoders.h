@@ -1,5 +1,6 @@
 #pragma once
 
+#include "quillrip/base/work_meter.h"
 #include "quillrip/pclxl/status.h"
 #include "quillrip/pclxl/tag_reader.h"
 
@@ -51,9 +52,9 @@ using SeedRow = std::vector<std::uint8_t>;
 
 /// Decodes `rows` rows of a block from its embedded data. Needs memory for one row, whatever the block's height. Rows
 /// decoded before an error have gone to the sink. MissingData when the data end too soon, IllegalDataValue when they
-/// are no JPEG stream.
+/// are no JPEG stream, LimitExceeded when a JPEG stream asks for more work than there is.
 Status decodeBlock(Compression compression, EmbeddedData& data, const BlockLayout& layout, std::uint32_t rows,
-    SeedRow& seed, RowSink& sink);
+    SeedRow& seed, RowSink& sink, WorkMeter& work);
 
 /// What a JPEG stream leaves out, and what its components are.
 struct JpegForm {
@@ -63,7 +64,7 @@ struct JpegForm {
 
 /// One JPEG stream. Its pixels count as the layout says: gray or RGB; a row is cut or padded with white, and rows
 /// beyond the stream's height do not come. IllegalDataValue where plain components are not as many as the layout's.
-Status decodeJpegBlock(
-    EmbeddedData& data, const BlockLayout& layout, std::uint32_t rows, RowSink& sink, const JpegForm& form = {});
+Status decodeJpegBlock(EmbeddedData& data, const BlockLayout& layout, std::uint32_t rows, RowSink& sink,
+    WorkMeter& work, const JpegForm& form = {});
 
 } // namespace quillrip::pclxl

@@ -102,7 +102,7 @@ Status readStrip(Machine& machine, VendorChunk kind, EmbeddedData& chunk)
         return status;
     vendor.image.goToRow(rows.first);
     CallingSink sink([&](const std::uint8_t* pixels) { vendor.image.paintRow(pixels); });
-    return decodeVendorStrip(kind, chunk, vendor.coding, layout, rows.count, sink);
+    return decodeVendorStrip(kind, chunk, vendor.coding, layout, rows.count, sink, *machine.limits().work);
 }
 
 /// What the image's beginning or a strip carries: chunks, each with a tag and its length.

@@ -98,7 +98,7 @@ private:
 };
 
 Status decodeJpegStrip(EmbeddedData& chunk, const StripCoding& coding, const BlockLayout& layout, std::uint32_t rows,
-    bool isComplete, RowSink& sink)
+    bool isComplete, RowSink& sink, WorkMeter& work)
 {
     ConvertingSink converting(coding, layout.width, sink);
     JpegForm form;
@@ -110,7 +110,7 @@ Status decodeJpegStrip(EmbeddedData& chunk, const StripCoding& coding, const Blo
         headers = jpegHeaders(*coding.tables, coding.components(), layout.width, rows);
         form.headers = headers;
     }
-    return decodeJpegBlock(chunk, layout, rows, converting, form);
+    return decodeJpegBlock(chunk, layout, rows, converting, work, form);
 }
 
 } // namespace
@@ -154,15 +154,15 @@ Status readColorConversion(EmbeddedData& chunk, std::uint32_t length, StripCodin
 }
 
 Status decodeVendorStrip(VendorChunk kind, EmbeddedData& chunk, const StripCoding& coding, const BlockLayout& layout,
-    std::uint32_t rows, RowSink& sink)
+    std::uint32_t rows, RowSink& sink, WorkMeter& work)
 {
     if (kind == VendorChunk::JpegStrip)
-        return decodeJpegStrip(chunk, coding, layout, rows, false, sink);
+        return decodeJpegStrip(chunk, coding, layout, rows, false, sink, work);
     // In place of replacement rows some drivers send a whole JPEG stream. No strip of replacement rows can begin so: it
     // would put a pixel that nothing has named yet.
     const ByteView start = chunk.chunk();
     if (start.size >= 3 && start[0] == 0xFF && start[1] == 0xD8 && start[2] == 0xFF)
-        return decodeJpegStrip(chunk, coding, layout, rows, true, sink);
+        return decodeJpegStrip(chunk, coding, layout, rows, true, sink, work);
     return decodeReplacementStrip(chunk, coding.isColor, layout.width, rows, sink);
 }
 

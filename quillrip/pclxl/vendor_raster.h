@@ -54,6 +54,6 @@ Status readColorConversion(EmbeddedData& chunk, std::uint32_t length, StripCodin
 /// One strip into rows of RGB or gray bytes, as `layout` has it. Errors as of decodeBlock; a JPEG strip without tables
 /// of its own or the image's is IllegalDataValue.
 Status decodeVendorStrip(VendorChunk kind, EmbeddedData& chunk, const StripCoding& coding, const BlockLayout& layout,
-    std::uint32_t rows, RowSink& sink);
+    std::uint32_t rows, RowSink& sink, WorkMeter& work);
 
 } // namespace quillrip::pclxl

@@ -213,19 +213,17 @@ TEST_F(Memory, StopsPathsOfMillionsOfPointsWhenTheyAreFilled)
 
 TEST_F(Memory, StopsProgressiveJpegFilesBeforeTheyAreDecoded)
 {
-    constexpr int side = 16384; // 1.5 GiB of coefficients
-    expectStopped(wrapped(jpegImage(side)));
     constexpr std::uint32_t jpeg = 4;
     constexpr int sideInMetafile = 11000;
     expectStopped(Metafile().picture(sideInMetafile, 0, jpeg, progressiveJpeg(sideInMetafile)).bytes());
 }
 
-TEST_F(Memory, DrawsProgressiveJpegFilesOfHonestSize)
+TEST_F(Memory, HoldsOfProgressiveJpegFilesWhatIsNotZero)
 {
-    constexpr int side = 4000;
+    constexpr int side = 12000; // 824 MiB of coefficients
     const Outcome outcome = convert(wrapped(jpegImage(side)));
-    EXPECT_NE(outcome.exitCode, 5) << outcome.errors;
-    expectWithin(outcome, std::uint64_t { side } * side * 3 * 2);
+    EXPECT_EQ(outcome.exitCode, 0) << outcome.errors;
+    expectWithin(outcome, 0);
 }
 
 TEST_F(Memory, HoldsNoPictureThatIsDrawnRowByRow)

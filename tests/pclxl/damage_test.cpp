@@ -1,5 +1,5 @@
-#include "tests/pclxl/jpeg_writer.h"
 #include "tests/pclxl/xl_job.h"
+#include "tests/support/jpeg_writer.h"
 
 #include <gtest/gtest.h>
 #include <random>

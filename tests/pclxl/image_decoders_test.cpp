@@ -1,6 +1,6 @@
 #include "quillrip/pclxl/image_decoders.h"
-#include "tests/pclxl/jpeg_writer.h"
 #include "tests/pclxl/stream_builder.h"
+#include "tests/support/jpeg_writer.h"
 
 #include <gtest/gtest.h>
 
@@ -41,7 +41,7 @@ struct Decoded {
 };
 
 Decoded decode(Compression compression, const Bytes& contents, const BlockLayout& layout, std::uint32_t rows,
-    std::size_t cutBlocksAt = SIZE_MAX)
+    std::size_t cutBlocksAt = SIZE_MAX, const WorkBudget& budget = {})
 {
     XlStream stream;
     for (std::size_t at = 0; at < contents.size(); at += cutBlocksAt == SIZE_MAX ? contents.size() : cutBlocksAt)
@@ -53,7 +53,8 @@ Decoded decode(Compression compression, const Bytes& contents, const BlockLayout
     EmbeddedData data(input, ByteOrder::LittleEndian, ByteOrder::LittleEndian);
     Rows sink(layout.rowBytes);
     SeedRow seed;
-    const Status status = decodeBlock(compression, data, layout, rows, seed, sink);
+    WorkMeter work(budget);
+    const Status status = decodeBlock(compression, data, layout, rows, seed, sink, work);
     return { status.error, sink.rows };
 }
 
@@ -175,6 +176,17 @@ TEST(XlDecoders, JpegOfAnotherSizeIsCutOrPaddedWhite)
     ASSERT_EQ(wide.rows.size(), 8u);
     EXPECT_NEAR(wide.rows[0][7], 100, 1);
     EXPECT_EQ(wide.rows[0][8], 255);
+}
+
+TEST(XlDecoders, JpegEndsWithTheWork)
+{
+    const Bytes jpeg = test::writeJpeg(Bytes(std::size_t { 64 } * 64, 100), 64, 64, 1);
+    WorkBudget budget;
+    budget.page = 20'000;
+    const Decoded d = decode(Compression::Jpeg, jpeg, layoutOf(64), 64, SIZE_MAX, budget);
+    EXPECT_EQ(d.error, Error::LimitExceeded);
+    EXPECT_GT(d.rows.size(), 0u);
+    EXPECT_LT(d.rows.size(), 64u);
 }
 
 TEST(XlDecoders, BrokenJpegIsAnError)

@@ -1,6 +1,6 @@
 #include "tests/pclxl/vendor_raster_stream.h"
 
-#include "tests/pclxl/jpeg_writer.h"
+#include "tests/support/jpeg_writer.h"
 
 #include <cstdlib>
 
