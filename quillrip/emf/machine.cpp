@@ -40,7 +40,7 @@ Machine::Machine(const Job& job, const Place& place, const MetafileHeader& heade
     , m_place(place)
     , m_header(header)
     , m_dc(header)
-    , m_objects(header.handles, stockFontHeight(header))
+    , m_objects(stockFontHeight(header))
     , m_canvas(place.painter, place.format, place.referenceToDevice, place.limit, m_dc)
     , m_plus(plusHost())
 {

@@ -120,7 +120,6 @@ std::optional<MetafileHeader> MetafileHeader::read(ByteView metafile)
     header.size = size;
     header.bounds = fields.box(8);
     header.frame = fields.box(24);
-    header.handles = fields.u16(56);
     header.device = { double(fields.i32(72)), double(fields.i32(76)) };
     header.millimeters = { double(fields.i32(80)), double(fields.i32(84)) };
     if (header.device.width <= 0 || header.device.height <= 0 || header.millimeters.width <= 0

@@ -19,7 +19,6 @@ struct Size {
 struct MetafileHeader {
     Box bounds; ///< reference pixels, inclusive; right < left for an empty picture
     Box frame; ///< 0.01 mm
-    std::uint16_t handles = 0; ///< object slots, the reserved one included
     Size device; ///< pixels of the reference device
     Size millimeters; ///< of the reference device, whole numbers
     Size micrometers; ///< of the reference device; 0: not told, or not believable

@@ -31,7 +31,7 @@ enum : std::uint32_t { kBrushSolid, kBrushNull, kBrushHatched, kBrushPattern, kB
 void put(Machine& machine, const Record& record, Object object)
 {
     if (!machine.objects().put(record.u32(8), std::move(object), machine.job().limits.patternBytes))
-        machine.warn("emf.handle", "an object beyond the metafile's table or the room for patterns, left out");
+        machine.warn("emf.handle", "an object with an impossible number or beyond the room for patterns, left out");
 }
 
 std::vector<Rgb> readEntries(const Record& record, std::size_t at, std::size_t count)

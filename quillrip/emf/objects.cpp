@@ -1,12 +1,10 @@
 #include "quillrip/emf/objects.h"
 
-#include <algorithm>
-
 namespace quillrip::emf {
 
 namespace {
 
-constexpr std::uint32_t kMostSlots = 65536;
+constexpr std::uint32_t kMostSlots = 65536; // the header counts them in 16 bits
 
 Brush solidBrush(std::uint32_t color)
 {
@@ -110,15 +108,14 @@ std::size_t patternBytesOf(const Object& object)
 
 } // namespace
 
-ObjectTable::ObjectTable(std::uint32_t slots, std::int32_t stockFontHeight)
-    : m_slotCount(std::min(slots, kMostSlots))
-    , m_stockFontHeight(stockFontHeight)
+ObjectTable::ObjectTable(std::int32_t stockFontHeight)
+    : m_stockFontHeight(stockFontHeight)
 {
 }
 
 bool ObjectTable::put(std::uint32_t handle, Object object, std::size_t patternBytes)
 {
-    if (handle == 0 || handle >= m_slotCount)
+    if (handle == 0 || handle >= kMostSlots)
         return false;
     remove(handle);
     if (m_patternBytes + patternBytesOf(object) > patternBytes)

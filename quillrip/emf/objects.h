@@ -88,11 +88,12 @@ using Object = std::variant<Brush, LogicalPen, LogicalFont, Palette, Placeholder
 /// Objects by their numbers. What is selected stays alive when its slot is cleared or filled anew.
 class ObjectTable {
 public:
-    /// `slots` as the header declares them, the reserved slot 0 included. Stock fonts have a height of
-    /// `stockFontHeight` as in LogicalFont.
-    ObjectTable(std::uint32_t slots, std::int32_t stockFontHeight);
+    /// Stock fonts have a height of `stockFontHeight` as in LogicalFont.
+    explicit ObjectTable(std::int32_t stockFontHeight);
 
-    /// False when the number has no slot, or when all patterns together would need more than `patternBytes`.
+    /// What the header declares is no limit: programs count their objects wrongly, and viewers draw them all the same.
+    /// False for the reserved number 0 and those beyond 65535, or when all patterns together would need more than
+    /// `patternBytes`.
     bool put(std::uint32_t handle, Object object, std::size_t patternBytes);
     void remove(std::uint32_t handle);
     /// Stock objects have bit 31 set. Null when there is none.
@@ -101,7 +102,6 @@ public:
     Palette* palette(std::uint32_t handle);
 
 private:
-    std::uint32_t m_slotCount;
     std::int32_t m_stockFontHeight;
     std::size_t m_patternBytes = 0; ///< of all slots
     std::vector<std::shared_ptr<Object>> m_slots; ///< grows as they are used

@@ -82,6 +82,21 @@ TEST(EmfDrawing, ColorsAreRedFirst)
     EXPECT_EQ(played.pixel(150, 150), kRedPixel); // deleted, but still selected
 }
 
+TEST(EmfDrawing, ObjectsMayBeMoreThanTheHeaderCounts)
+{
+    Reference few;
+    few.handles = 2;
+    const auto brush = [](int number) { return record(0x27, { number, 0, 0x000000FF, 0 }) + record(0x25, { number }); };
+    const auto drawn = [&](int number) {
+        return Played(
+            spoolHeader() + spoolPage(metafile(nullPen() + brush(number) + rectangle(100, 100, 200, 200), few)));
+    };
+    EXPECT_EQ(drawn(11).pixel(150, 150), kRedPixel);
+    EXPECT_EQ(drawn(65535).pixel(150, 150), kRedPixel);
+    for (const int impossible : { 0, 65536 })
+        EXPECT_TRUE(drawn(impossible).report.has("emf.handle")) << impossible;
+}
+
 TEST(EmfDrawing, ExclusiveOrTwiceLeavesNoTrace)
 {
     const Bytes xorBrush
