@@ -1,6 +1,6 @@
 // Bitmaps within metafiles. The first two bytes choose what the device context adds, the third where the pixels begin.
 
-#include "quillrip/emf/dib.h"
+#include "quillrip/emf/image_rows.h"
 
 #include <algorithm>
 #include <string>
@@ -18,7 +18,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const ByteView bytes(data + 3, size - 3);
     const std::size_t split = std::min<std::size_t>(data[2], bytes.size);
     std::string problem;
-    const emf::Pixels pixels = emf::decodeDib(bytes.sub(0, split), bytes.sub(split), context, problem);
+    WorkMeter work;
+    const auto rows = emf::openDib(bytes.sub(0, split), bytes.sub(split), context, work, problem);
+    if (!rows)
+        return 0;
+    const emf::Pixels pixels = emf::pixelsOf(*rows);
     if (!pixels.isNull())
         return pixels.color(pixels.width - 1, pixels.height - 1).red * 0;
     return 0;

@@ -10,6 +10,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace quillrip::emf {
 
@@ -72,12 +73,13 @@ Dib dibAt(Machine& machine, const Record& record, BitmapFields fields, std::uint
     return dib;
 }
 
-/// Of what has been read: the reason why it is not whole, and the work.
-void account(Machine& machine, const PictureShape& shape, const std::string& problem)
+Picture pictureOf(Machine& machine, const Dib& dib)
 {
+    std::string problem;
+    Picture picture(dib.header, dib.bits, dib.context, *machine.job().limits.work, problem);
     if (!problem.empty())
         machine.warn("emf.bitmap", "a bitmap: " + problem);
-    machine.spend(static_cast<std::uint64_t>(shape.width) * static_cast<std::uint64_t>(shape.height));
+    return picture;
 }
 
 Picture readPicture(
@@ -85,10 +87,7 @@ Picture readPicture(
 {
     Dib dib = dibAt(machine, record, fields, background);
     dib.context.storedRows = storedRows;
-    std::string problem;
-    Picture picture(dib.header, dib.bits, dib.context, problem);
-    account(machine, picture.shape(), problem);
-    return picture;
+    return pictureOf(machine, dib);
 }
 
 /// Enlarging smoothly would make edges where masks and pictures meet.
@@ -122,35 +121,47 @@ void blit(Machine& machine, const Record& record, bool hasSourceSize)
 }
 
 /// The mask's bits as a picture in the place of the source: (x, y) of the mask falls on its upper left corner.
-struct Mask {
-    Pixels bits;
-    std::int64_t x = 0;
-    std::int64_t y = 0;
+class Mask {
+public:
+    Mask() = default;
+    Mask(Picture bits, std::int64_t x, std::int64_t y)
+        : m_bits(std::move(bits))
+        , m_x(x)
+        , m_y(y)
+    {
+    }
 
-    /// Outside the mask it is repeated.
-    bool isSet(std::int64_t column, std::int64_t row) const
+    bool isNull() const { return m_bits.isNull(); }
+    /// Outside the mask it is repeated. Cells are asked for row by row.
+    bool isSet(std::int64_t column, std::int64_t row)
     {
         const auto wrapped = [](std::int64_t value, std::int64_t size) { return ((value % size) + size) % size; };
-        const std::int64_t atX = wrapped(column + x, bits.width);
-        const std::int64_t atY = wrapped(row + y, bits.height);
-        return (bits.row(static_cast<int>(atY))[atX / 8] >> (7 - atX % 8) & 1) != 0;
+        const std::int64_t atX = wrapped(column + m_x, m_bits.shape().width);
+        const std::int64_t atY = wrapped(row + m_y, m_bits.shape().height);
+        if (atY != m_rowAt) {
+            m_row = m_bits.row(static_cast<int>(atY), m_line);
+            m_rowAt = atY;
+        }
+        return (m_row[atX / 8] >> (7 - atX % 8) & 1) != 0;
     }
+
+private:
+    Picture m_bits; ///< Mono
+    std::int64_t m_x = 0;
+    std::int64_t m_y = 0;
+    std::vector<std::uint8_t> m_line;
+    const std::uint8_t* m_row = nullptr;
+    std::int64_t m_rowAt = -1;
 };
 
 Mask readMask(Machine& machine, const Record& record, std::size_t position, BitmapFields fields)
 {
-    Mask mask;
     if (record.u32(fields.offsets + 4) == 0)
-        return mask;
-    const Dib dib = dibAt(machine, record, fields, 0);
-    std::string problem;
-    mask.bits = decodeDib(dib.header, dib.bits, dib.context, problem);
-    account(machine, mask.bits, problem);
-    if (mask.bits.format != Pixels::Format::Mono)
-        mask.bits = {};
-    mask.x = record.i32(position);
-    mask.y = record.i32(position + 4);
-    return mask;
+        return {};
+    Picture bits = pictureOf(machine, dibAt(machine, record, fields, 0));
+    if (bits.shape().format != PictureShape::Format::Mono)
+        return {};
+    return { std::move(bits), record.i32(position), record.i32(position + 4) };
 }
 
 /// One cell for each pixel of a mask, over the target.
@@ -189,7 +200,7 @@ void drawThrough(Machine& machine, const Blit& blit, std::uint8_t operation, con
 }
 
 /// Two operations, chosen by the mask's bits.
-void drawMasked(Machine& machine, const Blit& blit, const Mask& mask, std::uint8_t whereSet, std::uint8_t whereClear)
+void drawMasked(Machine& machine, const Blit& blit, Mask& mask, std::uint8_t whereSet, std::uint8_t whereClear)
 {
     constexpr std::uint8_t kKeep = 0xAA;
     const MaskGrid grid = gridOver(blit);
@@ -245,8 +256,8 @@ void maskBlt(Machine& machine, const Record& record)
     } else if (needsSource(whereSet) || needsSource(whereClear)) {
         return machine.warn("emf.no-bitmap", "a bitmap is copied that is not there, left out");
     }
-    const Mask mask = readMask(machine, record, kSourceSize, { 108, 112 });
-    if (mask.bits.isNull()) {
+    Mask mask = readMask(machine, record, kSourceSize, { 108, 112 });
+    if (mask.isNull()) {
         if (const auto state = stateOf(machine, whereSet))
             needsSource(whereSet) ? draw(machine, blit, *state) : fillTarget(machine.canvas(), blit.target, *state);
         return;
@@ -267,8 +278,8 @@ void plgBlt(Machine& machine, const Record& record)
         return;
     dropAlpha(blit.picture);
     chooseFilter(blit, machine.dc(), kCopySource);
-    const Mask mask = readMask(machine, record, 112, { 120, 124 });
-    if (!mask.bits.isNull())
+    Mask mask = readMask(machine, record, 112, { 120, 124 });
+    if (!mask.isNull())
         return drawMasked(machine, blit, mask, kCopySource, kKeep);
     if (const auto state = stateOf(machine, kCopySource))
         draw(machine, blit, *state);

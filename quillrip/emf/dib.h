@@ -1,11 +1,9 @@
 #pragma once
 
-#include "quillrip/base/bytes.h"
 #include "quillrip/base/page_bitmap.h"
 
 #include <array>
 #include <cstdint>
-#include <string>
 #include <vector>
 
 namespace quillrip::emf {
@@ -45,8 +43,6 @@ struct Pixels : PictureShape {
     std::uint8_t* row(int y) { return bytes.data() + static_cast<std::size_t>(y) * stride; }
     /// Whatever the format; `x` and `y` inside the picture.
     Rgb color(int x, int y) const { return PictureShape::color(row(y), x); }
-    /// The picture as Rgb24; itself when it is that.
-    Pixels toRgb() &&;
 };
 
 /// What a DIB's colour table holds (the usage field of records).
@@ -65,25 +61,5 @@ struct DibContext {
     /// Rows that the bits hold, where that is less than the header says (SETDIBITSTODEVICE); -1: all.
     int storedRows = -1;
 };
-
-/// Decodes a device-independent bitmap: `header` with its colour table, and `bits`. All depths of 1 to 32 bits, bit
-/// fields, RLE4 and RLE8, JPEG and PNG inside. Null pixels, with the reason in `problem`, when it cannot be read or is
-/// above a limit; rows that the bits do not reach are white, and `problem` says so.
-Pixels decodeDib(ByteView header, ByteView bits, const DibContext& context, std::string& problem);
-
-/// A bitmap file as a whole (`BM`, then a DIB). Null pixels with a reason when it is none.
-Pixels decodeBitmapFile(ByteView file, std::string& problem);
-
-/// Image files that lie in DIBs and in EMF+ images. Grey and indexed ones come as Rgb24, transparent ones as Rgba32.
-/// `mostPixels` bounds width times height. Null pixels with a reason when the file cannot be read.
-Pixels decodePng(ByteView file, std::uint64_t mostPixels, std::string& problem);
-Pixels decodeJpeg(ByteView file, std::uint64_t mostPixels, std::string& problem);
-bool isPngFile(ByteView file);
-/// Either, of what a DIB may have.
-Pixels decodeImageFile(ByteView file, std::string& problem);
-
-/// Tells the heap's account of a picture whose pixels, decoded, have nothing to do with the bytes that they come from.
-/// `otherBytes` are taken besides.
-void expectPixels(std::uint64_t width, std::uint64_t height, std::uint64_t otherBytes = 0);
 
 } // namespace quillrip::emf

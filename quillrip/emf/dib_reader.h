@@ -1,5 +1,6 @@
 #pragma once
 
+#include "quillrip/base/bytes.h"
 #include "quillrip/emf/dib.h"
 #include "quillrip/emf/run_length_rows.h"
 
@@ -56,8 +57,6 @@ public:
     bool open(ByteView header, ByteView bits, const DibContext& context, std::string& problem);
 
     const PictureShape& shape() const { return m_shape; }
-    /// A few bytes can stand for all of its pixels.
-    bool isRunLengthCoded() const { return m_isRuns; }
     /// Writes shape().rowBytes().
     void row(int y, std::uint8_t* to) const;
 

@@ -53,10 +53,11 @@ struct JpegReader {
     JpegReader& operator=(const JpegReader&) = delete;
 };
 
-class JpegRows : public ImageRows {
+class JpegRows : public SequentialRows {
 public:
-    JpegRows(ByteView file, std::uint64_t mostPixels)
-        : m_file(file)
+    JpegRows(ByteView file, std::uint64_t mostPixels, WorkMeter& work)
+        : SequentialRows(work, kUnitsPerCodedPixel)
+        , m_file(file)
         , m_mostPixels(mostPixels)
     {
     }
@@ -66,11 +67,9 @@ public:
         m_reader.emplace();
         return start(*m_reader);
     }
-    bool next(std::uint8_t* to) override;
-
-    std::uint64_t coefficientBytes() const { return m_coefficientBytes; }
 
 private:
+    bool next(std::uint8_t* to) override;
     bool start(JpegReader& reader);
     static bool read(JpegReader& reader, std::uint8_t* to);
     bool isCmyk() const { return m_reader->info.num_components == 4; }
@@ -78,7 +77,6 @@ private:
     ByteView m_file;
     std::uint64_t m_mostPixels;
     std::optional<JpegReader> m_reader;
-    std::uint64_t m_coefficientBytes = 0; ///< that the library holds
     std::vector<std::uint8_t> m_inks; ///< a row in CMYK
 };
 
@@ -94,9 +92,9 @@ bool JpegRows::start(JpegReader& reader)
     info.out_color_space = isCmyk() ? JCS_CMYK : JCS_RGB;
     if (std::uint64_t { info.image_width } * info.image_height > m_mostPixels)
         return false;
-    m_coefficientBytes = quillrip::coefficientBytes(info);
-    HeapAccount::expectPicture(m_coefficientBytes);
-    reader.coefficients.add(m_coefficientBytes);
+    const std::uint64_t bytes = coefficientBytes(info);
+    HeapAccount::expectPicture(bytes);
+    reader.coefficients.add(bytes);
     jpeg_start_decompress(&info);
     m_shape.width = static_cast<int>(info.output_width);
     m_shape.height = static_cast<int>(info.output_height);
@@ -130,34 +128,14 @@ bool JpegRows::next(std::uint8_t* to)
 
 } // namespace
 
-std::unique_ptr<ImageRows> openJpeg(ByteView file, std::uint64_t mostPixels, std::string& problem)
+std::unique_ptr<ImageRows> openJpeg(ByteView file, std::uint64_t mostPixels, WorkMeter& work, std::string& problem)
 {
-    auto rows = std::make_unique<JpegRows>(file, mostPixels);
+    auto rows = std::make_unique<JpegRows>(file, mostPixels, work);
     if (!rows->begin()) {
         problem = kDamaged;
         return nullptr;
     }
     return rows;
-}
-
-Pixels decodeJpeg(ByteView file, std::uint64_t mostPixels, std::string& problem)
-{
-    problem.clear();
-    JpegRows rows(file, mostPixels);
-    if (!rows.begin()) {
-        problem = kDamaged;
-        return {};
-    }
-    const PictureShape& shape = rows.shape();
-    expectPixels(
-        static_cast<std::uint64_t>(shape.width), static_cast<std::uint64_t>(shape.height), rows.coefficientBytes());
-    Pixels pixels { shape, shape.rowBytes(), {} };
-    pixels.bytes.resize(pixels.stride * static_cast<std::size_t>(shape.height));
-    for (int y = 0; y < shape.height; ++y)
-        rows.row(y, pixels.row(y));
-    if (rows.isDamaged())
-        problem = kDamaged;
-    return pixels;
 }
 
 } // namespace quillrip::emf

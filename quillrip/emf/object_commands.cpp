@@ -1,6 +1,7 @@
 // Pens, brushes, fonts and palettes: made, selected, deleted.
 
 #include "quillrip/emf/handlers.h"
+#include "quillrip/emf/image_rows.h"
 #include "quillrip/emf/machine.h"
 #include "quillrip/emf/record.h"
 #include "quillrip/emf/utf16.h"
@@ -50,18 +51,24 @@ std::shared_ptr<const Pattern> readPattern(
     context.usage = static_cast<ColorUsage>(std::min<std::uint32_t>(usage, 2));
     context.palette = &std::get<Palette>(*machine.dc().palette).entries;
     std::string problem;
-    auto pattern = std::make_shared<Pattern>();
-    pattern->pixels = decodeDib(record.part(record.u32(fields), record.u32(fields + 4)),
-        record.part(record.u32(fields + 8), record.u32(fields + 12)), context, problem);
-    if (!problem.empty())
-        machine.warn("emf.pattern", "pattern of a brush: " + problem);
-    if (pattern->pixels.isNull())
-        return nullptr;
-    machine.spend(pattern->pixels.bytes.size());
-    if (pattern->pixels.bytes.size() > machine.job().limits.patternBytes) {
+    const auto rows = openDib(record.part(record.u32(fields), record.u32(fields + 4)),
+        record.part(record.u32(fields + 8), record.u32(fields + 12)), context, *machine.job().limits.work, problem);
+    if (rows
+        && rows->shape().rowBytes() * static_cast<std::size_t>(rows->shape().height)
+            > machine.job().limits.patternBytes) {
         machine.warn("emf.pattern-size", "pattern of a brush too large, left out");
         return nullptr;
     }
+    auto pattern = std::make_shared<Pattern>();
+    if (rows) {
+        pattern->pixels = pixelsOf(*rows);
+        if (rows->isDamaged())
+            problem = kDamagedImageFile;
+    }
+    if (!problem.empty())
+        machine.warn("emf.pattern", "pattern of a brush: " + problem);
+    if (!rows)
+        return nullptr;
     pattern->takesTextColors = takesTextColors && pattern->pixels.format == Pixels::Format::Mono;
     return pattern;
 }

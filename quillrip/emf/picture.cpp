@@ -1,7 +1,6 @@
 #include "quillrip/emf/picture.h"
 
 #include <algorithm>
-#include <cstring>
 
 namespace quillrip::emf {
 
@@ -51,30 +50,14 @@ void hideInRow(const PictureShape& stored, Rgb hidden, std::uint8_t* line)
 
 } // namespace
 
-Picture::Picture(ByteView header, ByteView bits, const DibContext& context, std::string& problem)
+Picture::Picture(ByteView header, ByteView bits, const DibContext& context, WorkMeter& work, std::string& problem)
+    : m_rows(openDib(header, bits, context, work, problem))
 {
-    problem.clear();
-    if (const auto file = DibReader::imageFile(header, bits)) {
-        m_imageRows = openImageFile(*file, problem);
-        if (m_imageRows) {
-            m_stored = m_imageRows->shape();
-        } else if (problem.empty()) {
-            auto whole = std::make_shared<Pixels>(decodeImageFile(*file, problem));
-            if (whole->isNull())
-                return;
-            m_stored = *whole;
-            m_whole = std::move(whole);
-        }
-    } else if (m_reader.open(header, bits, context, problem)) {
-        m_stored = m_reader.shape();
-    }
-    m_shape = m_stored;
+    if (m_rows)
+        m_shape = m_stored = m_rows->shape();
 }
 
-std::string Picture::damage() const
-{
-    return m_imageRows && m_imageRows->isDamaged() ? "its image file is damaged" : "";
-}
+std::string Picture::damage() const { return m_rows && m_rows->isDamaged() ? kDamagedImageFile : ""; }
 
 void Picture::leaveOutAlpha()
 {
@@ -95,15 +78,8 @@ void Picture::hide(Rgb color)
 
 const std::uint8_t* Picture::row(int y, std::vector<std::uint8_t>& line) const
 {
-    if (m_whole && m_view == View::Stored)
-        return m_whole->row(y);
     line.resize(std::max(m_stored.rowBytes(), m_shape.rowBytes()));
-    if (m_whole)
-        std::memcpy(line.data(), m_whole->row(y), m_stored.rowBytes());
-    else if (m_imageRows)
-        m_imageRows->row(y, line.data());
-    else
-        m_reader.row(y, line.data());
+    m_rows->row(y, line.data());
     switch (m_view) {
     case View::Stored:
         break;

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "quillrip/emf/dib_reader.h"
 #include "quillrip/emf/image_rows.h"
 
 #include <cstdint>
@@ -10,13 +9,13 @@
 
 namespace quillrip::emf {
 
-/// A picture of a record. Its rows are made when they are drawn, from the record's bytes: only an interlaced PNG
-/// file is held as a whole. The bytes must outlive it.
+/// A picture of a record. Its rows are made when they are drawn, from the record's bytes. These, and the work meter,
+/// must outlive it.
 class Picture {
 public:
     Picture() = default;
     /// Null, with the reason in `problem`, when it cannot be read.
-    Picture(ByteView header, ByteView bits, const DibContext& context, std::string& problem);
+    Picture(ByteView header, ByteView bits, const DibContext& context, WorkMeter& work, std::string& problem);
 
     bool isNull() const { return m_shape.width == 0; }
     /// What the rows that have been read so far showed; a reason as the constructor gives it, empty when there is none.
@@ -40,9 +39,7 @@ private:
     PictureShape m_stored;
     View m_view = View::Stored;
     Rgb m_hidden {};
-    DibReader m_reader;
-    std::shared_ptr<ImageRows> m_imageRows; ///< of an image file; null: there is none, or it had to be read whole
-    std::shared_ptr<const Pixels> m_whole; ///< null: the rows are made
+    std::shared_ptr<ImageRows> m_rows;
 };
 
 } // namespace quillrip::emf

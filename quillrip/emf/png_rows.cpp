@@ -1,147 +1,236 @@
-// PNG files that lie in bitmaps, read by libpng.
+// PNG files that lie in bitmaps and EMF+ images.
 
 #include "quillrip/emf/image_rows.h"
+#include "quillrip/emf/png_reader.h"
 
-#include <csetjmp>
+#include <algorithm>
+#include <array>
 #include <cstdint>
 #include <cstring>
 #include <memory>
+#include <optional>
 #include <string>
-
-#include <png.h>
+#include <vector>
 
 namespace quillrip::emf {
 
 namespace {
 
-void onPngError(png_structp png, png_const_charp) { png_longjmp(png, 1); }
-void onPngWarning(png_structp, png_const_charp) { }
+constexpr const char* kDamaged = "its PNG file is damaged";
 
-class PngRows : public ImageRows {
+class PngRows : public SequentialRows {
 public:
-    explicit PngRows(ByteView file)
-        : m_file(file)
+    PngRows(ByteView file, WorkMeter& work)
+        : SequentialRows(work, kUnitsPerCodedPixel)
+        , m_reader(file)
     {
     }
-    ~PngRows() override { png_destroy_read_struct(&m_png, &m_info, nullptr); }
 
-    /// Up to the first row's data; what it may have and what is in it. False when the file is damaged.
-    bool readHeader();
-    std::uint64_t pixels() const
+    bool begin() override
     {
-        return std::uint64_t { png_get_image_width(m_png, m_info) } * png_get_image_height(m_png, m_info);
+        if (!m_reader.readHeader() || !m_reader.start())
+            return false;
+        m_shape = m_reader.shape();
+        return true;
     }
-    bool isInterlaced() const { return png_get_interlace_type(m_png, m_info) != PNG_INTERLACE_NONE; }
-    bool begin() override { return readHeader() && start(); }
-    bool next(std::uint8_t* to) override;
 
 private:
-    static void give(png_structp png, png_bytep to, std::size_t count);
-    bool start();
+    bool next(std::uint8_t* to) override { return m_reader.readRow(to); }
 
-    ByteView m_file;
-    std::size_t m_at = 0;
-    png_structp m_png = nullptr;
-    png_infop m_info = nullptr;
+    PngReader m_reader;
 };
 
-void PngRows::give(png_structp png, png_bytep to, std::size_t count)
+/// One of the seven pictures that an interlaced file has one after the other (PNG Specification, Adam7): every so many
+/// columns of every so many rows.
+struct Pass {
+    int firstRow;
+    int rowStep;
+    int firstColumn;
+    int columnStep;
+    /// What a pixel stands for until later passes have come: this one and those to the right and below.
+    int blockWidth;
+    int blockHeight;
+
+    int rows(int height) const { return (height - firstRow + rowStep - 1) / rowStep; }
+    int columns(int width) const { return (width - firstColumn + columnStep - 1) / columnStep; }
+};
+
+/// The pixels of a pass in their places.
+template <std::size_t Bytes>
+void spread(const Pass& pass, int blockWidth, int width, const std::uint8_t* from, std::uint8_t* to)
 {
-    auto& rows = *static_cast<PngRows*>(png_get_io_ptr(png));
-    if (count > rows.m_file.size - rows.m_at)
-        png_error(png, "the file ends");
-    std::memcpy(to, rows.m_file.data + rows.m_at, count);
-    rows.m_at += count;
+    for (int x = pass.firstColumn; x < width; x += pass.columnStep, from += Bytes) {
+        const int end = std::min(x + blockWidth, width);
+        for (int column = x; column < end; ++column)
+            std::memcpy(to + static_cast<std::size_t>(column) * Bytes, from, Bytes);
+    }
 }
 
-bool PngRows::readHeader()
+constexpr std::size_t kPasses = 7;
+constexpr std::array<Pass, kPasses> kAdam7 { {
+    { 0, 8, 0, 8, 8, 8 },
+    { 0, 8, 4, 8, 4, 8 },
+    { 4, 8, 0, 4, 4, 4 },
+    { 0, 4, 2, 4, 2, 4 },
+    { 2, 4, 0, 2, 2, 2 },
+    { 0, 2, 1, 2, 1, 2 },
+    { 1, 2, 0, 1, 1, 1 },
+} };
+
+/// The rows of an interlaced file. Its last pass, half of the pixels, stands behind all others, so that no row is whole
+/// before the end; but seven readers, one in each of the passes, meet in every row. A reader has to go through what
+/// lies before its pass: altogether they decode the file twice, and hold no more of it than a row each.
+///
+/// Where a pass is damaged, those before it give a coarser picture.
+class InterlacedPngRows : public ImageRows {
+public:
+    InterlacedPngRows(ByteView file, WorkMeter& work)
+        : ImageRows(work, kUnitsPerCodedPixel)
+        , m_file(file)
+    {
+    }
+
+    /// False when the file is damaged.
+    bool open()
+    {
+        PngReader reader(m_file);
+        if (!reader.readHeader() || !reader.start())
+            return false;
+        m_shape = reader.shape();
+        return true;
+    }
+    void row(int y, std::uint8_t* to) override;
+
+private:
+    /// How far a pass has been read.
+    struct Progress {
+        std::optional<PngReader> reader;
+        std::vector<std::uint8_t> row; ///< the last that was whole
+        std::vector<std::uint8_t> next;
+        int rows = 0;
+        bool hasEnded = false; ///< by damage, or because there is no more work
+    };
+
+    void advance(std::size_t pass, int rows);
+    bool openPass(std::size_t pass);
+    bool readRows(Progress& progress, std::size_t pass, int count);
+    void paint(const Pass& pass, const Progress& progress, int y, std::uint8_t* to) const;
+
+    ByteView m_file;
+    std::array<Progress, kPasses> m_progress;
+    int m_next = 0;
+};
+
+/// Rows of `pass` one by one, the last whole one stays in `progress`.
+bool InterlacedPngRows::readRows(Progress& progress, std::size_t pass, int count)
 {
-    png_destroy_read_struct(&m_png, &m_info, nullptr);
-    m_at = 0;
-    m_png = png_create_read_struct(PNG_LIBPNG_VER_STRING, nullptr, onPngError, onPngWarning);
-    m_info = m_png ? png_create_info_struct(m_png) : nullptr;
-    if (!m_info || setjmp(png_jmpbuf(m_png)) != 0)
-        return false;
-    png_set_read_fn(m_png, this, give);
-    png_set_benign_errors(m_png, 1);
-    png_read_info(m_png, m_info);
+    const auto columns = static_cast<std::uint64_t>(kAdam7[pass].columns(m_shape.width));
+    for (int i = 0; i < count; ++i) {
+        if (!mayMake(columns))
+            return false;
+        if (!progress.reader->readRow(progress.next.data())) {
+            setDamaged(true);
+            return false;
+        }
+        progress.row.swap(progress.next);
+    }
     return true;
 }
 
-bool PngRows::start()
+bool InterlacedPngRows::openPass(std::size_t pass)
 {
-    if (setjmp(png_jmpbuf(m_png)) != 0)
+    Progress& progress = m_progress[pass];
+    progress.row.resize(m_shape.rowBytes());
+    progress.next.resize(m_shape.rowBytes());
+    progress.reader.emplace(m_file);
+    if (!progress.reader->readHeader() || !progress.reader->start())
         return false;
-    // What the library's own reader of whole pictures does: eight bits in the gamma of sRGB, which is taken to be that
-    // of files that name none unless they have 16 bits.
-    png_set_expand(m_png);
-    png_set_gray_to_rgb(m_png);
-    const bool is16Bit = png_get_bit_depth(m_png, m_info) == 16;
-    png_set_alpha_mode_fixed(m_png, PNG_ALPHA_PNG, is16Bit ? PNG_GAMMA_LINEAR : PNG_DEFAULT_sRGB);
-    png_set_scale_16(m_png);
-    png_set_alpha_mode_fixed(m_png, PNG_ALPHA_PNG, PNG_DEFAULT_sRGB);
-    png_read_update_info(m_png, m_info);
-    m_shape.hasAlpha = (png_get_color_type(m_png, m_info) & PNG_COLOR_MASK_ALPHA) != 0;
-    m_shape.format = m_shape.hasAlpha ? PictureShape::Format::Rgba32 : PictureShape::Format::Rgb24;
-    m_shape.width = static_cast<int>(png_get_image_width(m_png, m_info));
-    m_shape.height = static_cast<int>(png_get_image_height(m_png, m_info));
-    return png_get_rowbytes(m_png, m_info) == m_shape.rowBytes();
+    for (std::size_t before = 0; before < pass; ++before) {
+        if (kAdam7[before].columns(m_shape.width) > 0
+            && !readRows(progress, before, kAdam7[before].rows(m_shape.height)))
+            return false;
+    }
+    return true;
 }
 
-bool PngRows::next(std::uint8_t* to)
+void InterlacedPngRows::advance(std::size_t pass, int rows)
 {
-    if (setjmp(png_jmpbuf(m_png)) != 0)
-        return false;
-    png_read_row(m_png, to, nullptr);
-    return true;
+    Progress& progress = m_progress[pass];
+    if (rows <= progress.rows || progress.hasEnded || kAdam7[pass].columns(m_shape.width) < 1)
+        return;
+    const bool isOpen = progress.reader || openPass(pass);
+    for (; isOpen && progress.rows < rows; ++progress.rows) {
+        if (!readRows(progress, pass, 1))
+            break;
+    }
+    progress.hasEnded = progress.rows < rows;
+}
+
+void InterlacedPngRows::paint(const Pass& pass, const Progress& progress, int y, std::uint8_t* to) const
+{
+    const int last = pass.firstRow + (progress.rows - 1) * pass.rowStep;
+    const bool isCoarse = isDamaged();
+    if (progress.rows == 0 || y - last >= (isCoarse ? pass.blockHeight : 1))
+        return;
+    const int blockWidth = isCoarse ? pass.blockWidth : 1;
+    if (m_shape.format == PictureShape::Format::Rgba32)
+        spread<4>(pass, blockWidth, m_shape.width, progress.row.data(), to);
+    else
+        spread<3>(pass, blockWidth, m_shape.width, progress.row.data(), to);
+}
+
+void InterlacedPngRows::row(int y, std::uint8_t* to)
+{
+    if (y < m_next) {
+        for (Progress& progress : m_progress) {
+            progress.reader.reset();
+            progress.rows = 0;
+            progress.hasEnded = false;
+        }
+        setDamaged(false);
+    }
+    m_next = y + 1;
+    bool isWhole = true;
+    for (std::size_t pass = 0; pass < kPasses; ++pass) {
+        advance(pass, kAdam7[pass].rows(y + 1));
+        isWhole = isWhole && !m_progress[pass].hasEnded;
+    }
+    if (!isWhole)
+        whiten(to);
+    for (std::size_t pass = 0; pass < kPasses; ++pass)
+        paint(kAdam7[pass], m_progress[pass], y, to);
 }
 
 } // namespace
 
 bool isPngFile(ByteView file) { return file.size > 1 && file[0] == 0x89 && file[1] == 'P'; }
 
-std::unique_ptr<ImageRows> openPng(ByteView file, std::uint64_t mostPixels, std::string& problem)
+std::unique_ptr<ImageRows> openPng(ByteView file, std::uint64_t mostPixels, WorkMeter& work, std::string& problem)
 {
-    auto rows = std::make_unique<PngRows>(file);
-    const bool hasHeader = rows->readHeader();
-    if (hasHeader && rows->pixels() > mostPixels) {
-        problem = "its PNG file is too large";
-        return nullptr;
+    bool isInterlaced = false;
+    {
+        PngReader reader(file);
+        if (!reader.readHeader()) {
+            problem = kDamaged;
+            return nullptr;
+        }
+        if (std::uint64_t { reader.width() } * reader.height() > mostPixels) {
+            problem = "its PNG file is too large";
+            return nullptr;
+        }
+        isInterlaced = reader.isInterlaced();
     }
-    if (hasHeader && rows->isInterlaced())
-        return nullptr;
-    if (hasHeader && rows->begin())
-        return rows;
-    problem = "its PNG file is damaged";
+    if (isInterlaced) {
+        auto rows = std::make_unique<InterlacedPngRows>(file, work);
+        if (rows->open())
+            return rows;
+    } else {
+        auto rows = std::make_unique<PngRows>(file, work);
+        if (rows->begin())
+            return rows;
+    }
+    problem = kDamaged;
     return nullptr;
-}
-
-Pixels decodePng(ByteView file, std::uint64_t mostPixels, std::string& problem)
-{
-    problem = "its PNG file is damaged";
-    png_image image {};
-    image.version = PNG_IMAGE_VERSION;
-    Pixels pixels;
-    if (!png_image_begin_read_from_memory(&image, file.data, file.size))
-        return pixels;
-    if (std::uint64_t { image.width } * image.height > mostPixels) {
-        png_image_free(&image);
-        problem = "its PNG file is too large";
-        return pixels;
-    }
-    expectPixels(image.width, image.height);
-    const bool hasAlpha = (image.format & PNG_FORMAT_FLAG_ALPHA) != 0;
-    image.format = hasAlpha ? PNG_FORMAT_RGBA : PNG_FORMAT_RGB;
-    pixels.format = hasAlpha ? Pixels::Format::Rgba32 : Pixels::Format::Rgb24;
-    pixels.hasAlpha = hasAlpha;
-    pixels.width = static_cast<int>(image.width);
-    pixels.height = static_cast<int>(image.height);
-    pixels.stride = std::size_t { image.width } * (hasAlpha ? 4 : 3);
-    pixels.bytes.assign(pixels.stride * image.height, 0xFF);
-    if (!png_image_finish_read(&image, nullptr, pixels.bytes.data(), static_cast<png_int_32>(pixels.stride), nullptr))
-        return {};
-    problem.clear();
-    return pixels;
 }
 
 } // namespace quillrip::emf

@@ -1,6 +1,5 @@
 // Bitmaps: records that copy them, and what lies in them.
 
-#include "quillrip/emf/dib.h"
 #include "quillrip/emf/picture.h"
 #include "tests/emf/emf_bench.h"
 #include "tests/support/spare_heap.h"
@@ -11,7 +10,6 @@ namespace quillrip::test {
 namespace {
 
 using emf::ColorUsage;
-using emf::decodeDib;
 using emf::DibContext;
 using emf::Pixels;
 
@@ -38,12 +36,6 @@ Bytes blit(std::uint32_t number, std::int64_t operation, int width, int height, 
             header.empty() ? 0 : start, headerSize, header.empty() ? 0 : start + headerSize,
             static_cast<std::int64_t>(bits.size()) },
         more + header + bits);
-}
-
-Pixels decode(const Bytes& header, const Bytes& bits, std::string* problem = nullptr, const DibContext& context = {})
-{
-    std::string own;
-    return decodeDib(header, bits, context, problem ? *problem : own);
 }
 
 TEST(EmfBitmap, OperationsWithoutASource)
@@ -181,9 +173,10 @@ TEST(EmfPicture, MakesRowsWhenTheyAreAskedFor)
     constexpr int width = 1000;
     constexpr int height = 3000;
     const Bytes bits(std::size_t { width } * height * 4, 77);
+    WorkMeter work;
     std::string problem;
     const test::SpareHeap bound(16U << 10);
-    const emf::Picture picture(bitmapHeader(width, height, 32), bits, {}, problem);
+    const emf::Picture picture(bitmapHeader(width, height, 32), bits, {}, work, problem);
     std::vector<std::uint8_t> line;
     for (int y = 0; y < height; ++y)
         ASSERT_EQ(picture.row(y, line)[4 * width - 1], 77);
@@ -194,13 +187,14 @@ TEST(EmfPicture, ViewsLeaveOutAlphaDivideByItOrHideAColor)
     // Two rows from the bottom: blue, green, red, alpha.
     const Bytes header = bitmapHeader(1, 2, 32);
     const Bytes bits { 1, 2, 3, 4, 50, 100, 128, 128 };
+    WorkMeter work;
     std::string problem;
     std::vector<std::uint8_t> line;
     const auto row = [&](const emf::Picture& picture, int y) {
         const std::uint8_t* const pixels = picture.row(y, line);
         return Bytes(pixels, pixels + picture.shape().rowBytes());
     };
-    emf::Picture picture(header, bits, {}, problem);
+    emf::Picture picture(header, bits, {}, work, problem);
     EXPECT_EQ(row(picture, 0), (Bytes { 128, 100, 50, 128 }));
     picture.unmultiply();
     EXPECT_EQ(row(picture, 0), (Bytes { 255, 199, 100, 128 }));
@@ -211,7 +205,7 @@ TEST(EmfPicture, ViewsLeaveOutAlphaDivideByItOrHideAColor)
     EXPECT_EQ(row(picture, 1), (Bytes { 3, 2, 1, 0 }));
     // Bits become colours, too.
     const Bytes monoBits { 0x01, 0x80, 0, 0 };
-    emf::Picture mono(bitmapHeader(9, 1, 1) + Bytes { 10, 20, 30, 0, 40, 50, 60, 0 }, monoBits, {}, problem);
+    emf::Picture mono(bitmapHeader(9, 1, 1) + Bytes { 10, 20, 30, 0, 40, 50, 60, 0 }, monoBits, {}, work, problem);
     mono.leaveOutAlpha();
     const Bytes colors = row(mono, 0);
     EXPECT_EQ(Bytes(colors.begin(), colors.begin() + 3), (Bytes { 30, 20, 10 }));
@@ -223,11 +217,11 @@ TEST(EmfPicture, ViewsLeaveOutAlphaDivideByItOrHideAColor)
 
 TEST(EmfDib, WordsOfFiveAndSixBits)
 {
-    const Pixels plain = decode(bitmapHeader(2, 1, 16), { 0x00, 0x7C, 0x1F, 0x00 });
+    const Pixels plain = decodedDib(bitmapHeader(2, 1, 16), { 0x00, 0x7C, 0x1F, 0x00 });
     EXPECT_EQ(plain.color(0, 0), kRedPixel);
     EXPECT_EQ(plain.color(1, 0), kBluePixel);
     Bytes header = bitmapHeader(2, 1, 16, 3) + words({ 0xF800, 0x07E0, 0x001F });
-    const Pixels masked = decode(header, { 0xE0, 0x07, 0x08, 0x00 });
+    const Pixels masked = decodedDib(header, { 0xE0, 0x07, 0x08, 0x00 });
     EXPECT_EQ(masked.color(0, 0), kGreenPixel);
     EXPECT_EQ(int(masked.color(1, 0).blue), 0x42); // the five bits said again
 }
@@ -240,7 +234,7 @@ TEST(EmfDib, PaletteNumbersOfTwoBytes)
     context.palette = &palette;
     Bytes header = bitmapHeader(2, 1, 8) + Bytes { 2, 0, 1, 0 };
     header[32] = 2;
-    const Pixels pixels = decode(header, { 0, 1, 0, 0 }, nullptr, context);
+    const Pixels pixels = decodedDib(header, { 0, 1, 0, 0 }, nullptr, context);
     EXPECT_EQ(pixels.color(0, 0), kBluePixel);
     EXPECT_EQ(pixels.color(1, 0), kGreenPixel);
 }
@@ -248,7 +242,7 @@ TEST(EmfDib, PaletteNumbersOfTwoBytes)
 TEST(EmfDib, OldHeadersHaveTriples)
 {
     const Bytes header { 12, 0, 0, 0, 2, 0, 1, 0, 1, 0, 1, 0, 255, 0, 0, 0, 255, 0 };
-    const Pixels pixels = decode(header, { 0x40, 0, 0, 0 });
+    const Pixels pixels = decodedDib(header, { 0x40, 0, 0, 0 });
     EXPECT_EQ(pixels.color(0, 0), kBluePixel);
     EXPECT_EQ(pixels.color(1, 0), kGreenPixel);
 }
@@ -258,7 +252,7 @@ TEST(EmfDib, ImpossibleBitmapsAreNamed)
     for (const Bytes& header : { bitmapHeader(0, 5, 24), bitmapHeader(5, -2147483647 - 1, 24),
              bitmapHeader(65535, 65535, 24), bitmapHeader(2, 2, 7), bitmapHeader(2, 2, 32, 0xB), Bytes { 40, 0 } }) {
         std::string problem;
-        EXPECT_TRUE(decode(header, Bytes(64), &problem).isNull());
+        EXPECT_TRUE(decodedDib(header, Bytes(64), &problem).isNull());
         EXPECT_FALSE(problem.empty());
     }
 }
@@ -266,9 +260,9 @@ TEST(EmfDib, ImpossibleBitmapsAreNamed)
 TEST(EmfDib, DamagedImageFilesAreNamed)
 {
     std::string problem;
-    EXPECT_TRUE(decode(bitmapHeader(2, 2, 0, 5), { 0x89, 'P', 'N', 'G', 0, 0 }, &problem).isNull());
+    EXPECT_TRUE(decodedDib(bitmapHeader(2, 2, 0, 5), { 0x89, 'P', 'N', 'G', 0, 0 }, &problem).isNull());
     EXPECT_NE(problem.find("PNG"), std::string::npos);
-    EXPECT_TRUE(decode(bitmapHeader(2, 2, 0, 4), { 0xFF, 0xD8, 0, 0 }, &problem).isNull());
+    EXPECT_TRUE(decodedDib(bitmapHeader(2, 2, 0, 4), { 0xFF, 0xD8, 0, 0 }, &problem).isNull());
     EXPECT_NE(problem.find("JPEG"), std::string::npos);
 }
 

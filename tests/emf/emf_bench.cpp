@@ -109,6 +109,14 @@ Bytes bitmapHeader(int width, int height, int bits, int compression, const Bytes
         + table;
 }
 
+emf::Pixels decodedDib(const Bytes& header, const Bytes& bits, std::string* problem, const emf::DibContext& context)
+{
+    WorkMeter work;
+    std::string own;
+    const auto rows = emf::openDib(header, bits, context, work, problem ? *problem : own);
+    return rows ? emf::pixelsOf(*rows) : emf::Pixels {};
+}
+
 Played::Played(const Bytes& job, PixelFormat format, double dotsPerInch, const Limits& limits)
     : device(format, dotsPerInch)
 {

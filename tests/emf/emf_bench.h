@@ -1,6 +1,7 @@
 #pragma once
 
 #include "quillrip/base/input_stream.h"
+#include "quillrip/emf/image_rows.h"
 #include "quillrip/emf/interpreter.h"
 #include "tests/support/memory_page_device.h"
 #include "tests/support/recording_sink.h"
@@ -58,6 +59,10 @@ Bytes rectangle(int left, int top, int right, int bottom);
 
 /// A 40-byte bitmap header with its colour table (blue, green, red, 0 each).
 Bytes bitmapHeader(int width, int height, int bits, int compression = 0, const Bytes& table = {}, int imageSize = 0);
+
+/// All pixels of a bitmap; null ones when it cannot be read. `problem` as openDib() gives it.
+emf::Pixels decodedDib(
+    const Bytes& header, const Bytes& bits, std::string* problem = nullptr, const emf::DibContext& context = {});
 
 /// Plays a job at 300 dpi.
 class Played {

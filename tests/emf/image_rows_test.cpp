@@ -3,21 +3,16 @@
 #include "quillrip/emf/image_rows.h"
 #include "quillrip/emf/picture.h"
 #include "tests/emf/emf_bench.h"
+#include "tests/support/image_files.h"
+#include "tests/support/jpeg_writer.h"
 #include "tests/support/spare_heap.h"
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <cstdio>
-#include <cstdlib>
 #include <string>
 #include <vector>
 
 #include <png.h>
-
-extern "C" {
-#include <jpeglib.h>
-}
 
 namespace quillrip::test {
 namespace {
@@ -29,96 +24,63 @@ constexpr int kJpeg = 4;
 constexpr int kPng = 5;
 constexpr std::uint64_t kMostPixels = std::uint64_t { 1 } << 27;
 
-std::uint8_t sample(std::size_t at) { return static_cast<std::uint8_t>(at * at / 7 + at * 13); }
-
-struct PngForm {
-    int width = 37;
-    int height = 23;
-    int colorType = PNG_COLOR_TYPE_RGB;
-    int depth = 8;
-    bool isInterlaced = false;
-    double gamma = 0; ///< 0: the file names none
-    bool hasTransparentColor = false;
-};
-
-Bytes pngFile(const PngForm& form)
-{
-    Bytes file;
-    png_structp png = png_create_write_struct(PNG_LIBPNG_VER_STRING, nullptr, nullptr, nullptr);
-    png_infop info = png_create_info_struct(png);
-    png_set_write_fn(
-        png, &file,
-        [](png_structp writer, png_bytep bytes, std::size_t count) {
-            Bytes& to = *static_cast<Bytes*>(png_get_io_ptr(writer));
-            to.insert(to.end(), bytes, bytes + count);
-        },
-        nullptr);
-    // So that a part of the file has a part of the rows.
-    png_set_compression_level(png, 0);
-    png_set_IHDR(png, info, static_cast<png_uint_32>(form.width), static_cast<png_uint_32>(form.height), form.depth,
-        form.colorType, form.isInterlaced ? PNG_INTERLACE_ADAM7 : PNG_INTERLACE_NONE, 0, 0);
-    if (form.gamma > 0)
-        png_set_gAMA(png, info, form.gamma);
-    const int colors = 1 << std::min(form.depth, 8);
-    std::vector<png_color> palette;
-    Bytes opacities;
-    for (int i = 0; i < colors; ++i) {
-        const auto at = static_cast<std::size_t>(i);
-        palette.push_back({ sample(at), sample(at + 1), sample(at + 2) });
-        opacities.push_back(sample(at + 3));
-    }
-    if (form.colorType == PNG_COLOR_TYPE_PALETTE)
-        png_set_PLTE(png, info, palette.data(), colors);
-    png_color_16 transparent {};
-    if (form.hasTransparentColor)
-        png_set_tRNS(png, info, opacities.data(), colors, &transparent);
-    png_write_info(png, info);
-    Bytes row(png_get_rowbytes(png, info));
-    const int passes = png_set_interlace_handling(png);
-    for (int pass = 0; pass < passes; ++pass) {
-        for (std::size_t y = 0; y < static_cast<std::size_t>(form.height); ++y) {
-            for (std::size_t i = 0; i < row.size(); ++i)
-                row[i] = sample(i + y * 31);
-            png_write_row(png, row.data());
-        }
-    }
-    png_write_end(png, nullptr);
-    png_destroy_write_struct(&png, &info);
-    return file;
-}
-
 /// All pixels of `color`, or, when it is empty, three channels of anything.
-Bytes jpegFile(int width, int height, Bytes color = {}, bool isProgressive = false)
+Bytes jpegFile(int width, int height, const Bytes& color = {}, bool isProgressive = false)
 {
-    jpeg_compress_struct info {};
-    jpeg_error_mgr errors {};
-    info.err = jpeg_std_error(&errors);
-    jpeg_create_compress(&info);
-    unsigned char* bytes = nullptr;
-    unsigned long size = 0;
-    jpeg_mem_dest(&info, &bytes, &size);
-    info.image_width = static_cast<JDIMENSION>(width);
-    info.image_height = static_cast<JDIMENSION>(height);
-    info.input_components = color.size() == 4 ? 4 : 3;
-    info.in_color_space = color.size() == 4 ? JCS_CMYK : JCS_RGB;
-    jpeg_set_defaults(&info);
-    jpeg_set_quality(&info, 100, TRUE);
-    if (isProgressive)
-        jpeg_simple_progression(&info);
-    jpeg_start_compress(&info, TRUE);
-    Bytes row(static_cast<std::size_t>(width * info.input_components));
-    for (std::size_t y = 0; y < static_cast<std::size_t>(height); ++y) {
-        for (std::size_t i = 0; i < row.size(); ++i)
-            row[i] = color.empty() ? sample(i / 9 + y) : color[i % color.size()];
-        JSAMPROW line = row.data();
-        jpeg_write_scanlines(&info, &line, 1);
-    }
-    jpeg_finish_compress(&info);
-    jpeg_destroy_compress(&info);
-    const Bytes file(bytes, bytes + size);
-    std::free(bytes);
-    return file;
+    const int components = color.size() == 4 ? 4 : 3;
+    Bytes pixels(static_cast<std::size_t>(width * height * components));
+    for (std::size_t i = 0; i < pixels.size(); ++i)
+        pixels[i] = color.empty()
+            ? sampleAt(i % static_cast<std::size_t>(width * 3) / 9, static_cast<int>(i) / (width * 3))
+            : color[i % color.size()];
+    return writeJpeg(pixels, width, height, components, components == 4 ? JCS_CMYK : JCS_RGB,
+        [isProgressive](jpeg_compress_struct& info) {
+            jpeg_set_quality(&info, 100, TRUE);
+            if (isProgressive)
+                jpeg_simple_progression(&info);
+        });
 }
+
+/// By libpng's own reader of whole pictures; as many bytes a pixel as the rows have.
+Pixels wholePng(const Bytes& file)
+{
+    png_image image {};
+    image.version = PNG_IMAGE_VERSION;
+    EXPECT_TRUE(png_image_begin_read_from_memory(&image, file.data(), file.size()));
+    Pixels pixels;
+    pixels.hasAlpha = (image.format & PNG_FORMAT_FLAG_ALPHA) != 0;
+    image.format = pixels.hasAlpha ? PNG_FORMAT_RGBA : PNG_FORMAT_RGB;
+    pixels.format = pixels.hasAlpha ? Pixels::Format::Rgba32 : Pixels::Format::Rgb24;
+    pixels.width = static_cast<int>(image.width);
+    pixels.height = static_cast<int>(image.height);
+    pixels.stride = pixels.rowBytes();
+    pixels.bytes.resize(pixels.stride * image.height);
+    EXPECT_TRUE(png_image_finish_read(&image, nullptr, pixels.bytes.data(), 0, nullptr));
+    return pixels;
+}
+
+class EmfImageRows : public testing::Test {
+protected:
+    std::unique_ptr<ImageRows> openPng(const Bytes& file)
+    {
+        return opened(emf::openPng(file, kMostPixels, m_work, m_problem));
+    }
+    std::unique_ptr<ImageRows> openJpeg(const Bytes& file)
+    {
+        return opened(emf::openJpeg(file, kMostPixels, m_work, m_problem));
+    }
+    Pixels wholeJpeg(const Bytes& file) { return emf::pixelsOf(*openJpeg(file)); }
+
+    WorkMeter m_work;
+    std::string m_problem;
+
+private:
+    std::unique_ptr<ImageRows> opened(std::unique_ptr<ImageRows> rows) const
+    {
+        EXPECT_TRUE(rows) << m_problem;
+        return rows;
+    }
+};
 
 Bytes rowOf(ImageRows& rows, int y)
 {
@@ -129,7 +91,17 @@ Bytes rowOf(ImageRows& rows, int y)
 
 Bytes rowOf(const Pixels& pixels, int y) { return Bytes(pixels.row(y), pixels.row(y) + pixels.rowBytes()); }
 
-TEST(EmfImageRows, OfPngFilesAreThoseOfTheWholePicture)
+void expectRows(ImageRows& rows, const Pixels& whole)
+{
+    EXPECT_EQ(rows.shape().hasAlpha, whole.hasAlpha);
+    ASSERT_EQ(rows.shape().width, whole.width);
+    ASSERT_EQ(rows.shape().height, whole.height);
+    for (int y = 0; y < whole.height; ++y)
+        ASSERT_EQ(rowOf(rows, y), rowOf(whole, y)) << y;
+    EXPECT_FALSE(rows.isDamaged());
+}
+
+TEST_F(EmfImageRows, OfPngFilesAreThoseOfTheWholePicture)
 {
     for (const int type : { PNG_COLOR_TYPE_GRAY, PNG_COLOR_TYPE_RGB, PNG_COLOR_TYPE_PALETTE, PNG_COLOR_TYPE_GRAY_ALPHA,
              PNG_COLOR_TYPE_RGB_ALPHA }) {
@@ -140,69 +112,64 @@ TEST(EmfImageRows, OfPngFilesAreThoseOfTheWholePicture)
                 for (const bool hasTransparentColor : { false, true }) {
                     if (!hasDepth || (hasTransparentColor && (type & PNG_COLOR_MASK_ALPHA) != 0))
                         continue;
-                    SCOPED_TRACE(testing::Message() << "type " << type << ", depth " << depth << ", gamma " << gamma
-                                                    << ", transparent " << hasTransparentColor);
-                    const Bytes file = pngFile({ 37, 23, type, depth, false, gamma, hasTransparentColor });
-                    std::string problem;
-                    const Pixels whole = emf::decodePng(file, kMostPixels, problem);
-                    ASSERT_EQ(problem, "");
-                    const auto rows = emf::openPng(file, kMostPixels, problem);
-                    ASSERT_TRUE(rows) << problem;
-                    EXPECT_EQ(rows->shape().hasAlpha, whole.hasAlpha);
-                    ASSERT_EQ(rows->shape().height, whole.height);
-                    for (int y = 0; y < whole.height; ++y)
-                        ASSERT_EQ(rowOf(*rows, y), rowOf(whole, y)) << y;
+                    for (const bool isInterlaced : { false, true }) {
+                        SCOPED_TRACE(testing::Message()
+                            << "type " << type << ", depth " << depth << ", gamma " << gamma << ", transparent "
+                            << hasTransparentColor << ", interlaced " << isInterlaced);
+                        PngForm form { 37, 23, type, depth, isInterlaced, gamma, hasTransparentColor };
+                        const Bytes file = pngFile(form);
+                        // Interlaced files of 16 bits are what the library's reader of whole pictures gets wrong.
+                        form.isInterlaced = false;
+                        expectRows(*openPng(file), wholePng(pngFile(form)));
+                    }
                 }
             }
         }
     }
 }
 
-TEST(EmfImageRows, MayBeLeftOutAndAskedForAgain)
+TEST_F(EmfImageRows, OfSmallInterlacedFilesNeedNotAllPasses)
 {
-    std::string problem;
-    const Bytes jpeg = jpegFile(37, 40);
-    const Bytes png = pngFile({});
-    const auto jpegRows = emf::openJpeg(jpeg, kMostPixels, problem);
-    const auto pngRows = emf::openPng(png, kMostPixels, problem);
-    const Pixels jpegWhole = emf::decodeJpeg(jpeg, kMostPixels, problem);
-    const Pixels pngWhole = emf::decodePng(png, kMostPixels, problem);
-    ASSERT_NE(rowOf(jpegWhole, 20), rowOf(jpegWhole, 7));
-    for (const int y : { 20, 21, 7, 8, 8, 22, 0 }) {
-        EXPECT_EQ(rowOf(*jpegRows, y), rowOf(jpegWhole, y)) << y;
-        EXPECT_EQ(rowOf(*pngRows, y), rowOf(pngWhole, y)) << y;
+    for (int width = 1; width <= 9; ++width) {
+        for (int height = 1; height <= 9; ++height) {
+            SCOPED_TRACE(testing::Message() << width << " x " << height);
+            PngForm form;
+            form.width = width;
+            form.height = height;
+            form.isInterlaced = true;
+            const Bytes file = pngFile(form);
+            expectRows(*openPng(file), wholePng(file));
+        }
     }
 }
 
-TEST(EmfImageRows, OfFourInksAreColors)
+TEST_F(EmfImageRows, MayBeLeftOutAndAskedForAgain)
 {
-    std::string problem;
-    const Pixels pixels = emf::decodeJpeg(jpegFile(20, 20, { 200, 100, 50, 128 }), kMostPixels, problem);
-    ASSERT_FALSE(pixels.isNull());
+    const auto expectAnyOrder = [](ImageRows& rows, const Pixels& whole) {
+        ASSERT_NE(rowOf(whole, 20), rowOf(whole, 7));
+        for (const int y : { 20, 21, 7, 8, 8, 22, 0 })
+            EXPECT_EQ(rowOf(rows, y), rowOf(whole, y)) << y;
+    };
+    const Bytes jpeg = jpegFile(37, 40);
+    expectAnyOrder(*openJpeg(jpeg), wholeJpeg(jpeg));
+    PngForm form;
+    for (const bool isInterlaced : { false, true }) {
+        form.isInterlaced = isInterlaced;
+        const Bytes png = pngFile(form);
+        expectAnyOrder(*openPng(png), wholePng(png));
+    }
+}
+
+TEST_F(EmfImageRows, OfFourInksAreColors)
+{
+    const Pixels pixels = wholeJpeg(jpegFile(20, 20, { 200, 100, 50, 128 }));
     const Rgb color = pixels.color(10, 10);
     EXPECT_NEAR(color.red, 100, 2);
     EXPECT_NEAR(color.green, 50, 2);
     EXPECT_NEAR(color.blue, 25, 2);
 }
 
-TEST(EmfImageRows, OfInterlacedFilesAreMadeAtOnce)
-{
-    PngForm form;
-    const Bytes plain = pngFile(form);
-    form.isInterlaced = true;
-    const Bytes file = pngFile(form);
-    std::string problem;
-    EXPECT_FALSE(emf::openPng(file, kMostPixels, problem));
-    EXPECT_EQ(problem, "");
-    const emf::Picture picture(bitmapHeader(37, 23, 0, kPng), file, {}, problem);
-    ASSERT_FALSE(picture.isNull()) << problem;
-    const Pixels whole = emf::decodePng(plain, kMostPixels, problem);
-    std::vector<std::uint8_t> line;
-    const std::uint8_t* const row = picture.row(11, line);
-    EXPECT_EQ(Bytes(row, row + whole.rowBytes()), rowOf(whole, 11));
-}
-
-TEST(EmfImageRows, TakeNoMoreThanARow)
+TEST_F(EmfImageRows, TakeNoMoreThanARowOfAPass)
 {
     constexpr int side = 2000;
     const Bytes jpeg = jpegFile(side, side, { 10, 200, 30 });
@@ -210,43 +177,45 @@ TEST(EmfImageRows, TakeNoMoreThanARow)
     form.width = side;
     form.height = side;
     const Bytes png = pngFile(form);
-    std::string problem;
+    form.isInterlaced = true;
+    const Bytes interlaced = pngFile(form);
     std::vector<std::uint8_t> line;
     const Bytes jpegHeader = bitmapHeader(side, side, 0, kJpeg);
     const Bytes pngHeader = bitmapHeader(side, side, 0, kPng);
-    const SpareHeap bound(64U << 10);
-    const emf::Picture ofJpeg(jpegHeader, jpeg, {}, problem);
-    EXPECT_NEAR(ofJpeg.row(side - 1, line)[1], 200, 2);
-    const emf::Picture ofPng(pngHeader, png, {}, problem);
-    EXPECT_EQ(ofPng.row(side - 1, line)[4], sample(4 + std::size_t { side - 1 } * 31));
+    {
+        const SpareHeap bound(128U << 10);
+        const emf::Picture ofJpeg(jpegHeader, jpeg, {}, m_work, m_problem);
+        EXPECT_NEAR(ofJpeg.row(side - 1, line)[1], 200, 2);
+        const emf::Picture ofPng(pngHeader, png, {}, m_work, m_problem);
+        EXPECT_EQ(ofPng.row(side - 1, line)[4], sampleAt(4, side - 1));
+    }
+    // Seven passes, where the picture has 12 MB.
+    const SpareHeap bound(900U << 10);
+    const emf::Picture ofPasses(pngHeader, interlaced, {}, m_work, m_problem);
+    EXPECT_EQ(ofPasses.row(side - 1, line)[4], sampleAt(4, side - 1));
 }
 
-TEST(EmfImageRows, AskTheAccountForTheCoefficientsOfSeveralScans)
+TEST_F(EmfImageRows, AskTheAccountForTheCoefficientsOfSeveralScans)
 {
     constexpr int side = 256;
     const HeapBound account({ HeapAccount::used() + (1U << 20), 0, 0, 1U << 30 });
     const std::uint64_t before = HeapAccount::bound();
-    std::string problem;
-    EXPECT_TRUE(emf::openJpeg(jpegFile(side, side), kMostPixels, problem));
-    EXPECT_TRUE(emf::openPng(pngFile({}), kMostPixels, problem));
+    openJpeg(jpegFile(side, side));
     EXPECT_EQ(HeapAccount::bound(), before);
     const Bytes progressive = jpegFile(side, side, {}, true);
-    const auto rows = emf::openJpeg(progressive, kMostPixels, problem);
-    ASSERT_TRUE(rows) << problem;
+    const auto rows = openJpeg(progressive);
     // The brightness of each pixel, and two colours of each four.
     EXPECT_EQ(HeapAccount::bound(), before + std::uint64_t { side } * side * 3 / 2 * sizeof(JCOEF));
 }
 
-TEST(EmfImageRows, AreWhiteFromTheDamageOn)
+TEST_F(EmfImageRows, AreWhiteFromTheDamageOn)
 {
     PngForm form;
     form.height = 200;
     const Bytes file = pngFile(form);
     const Bytes half(file.begin(), file.begin() + static_cast<std::ptrdiff_t>(file.size() / 2));
-    std::string problem;
-    const Pixels whole = emf::decodePng(file, kMostPixels, problem);
-    const auto rows = emf::openPng(half, kMostPixels, problem);
-    ASSERT_TRUE(rows) << problem;
+    const Pixels whole = wholePng(file);
+    const auto rows = openPng(half);
     EXPECT_EQ(rowOf(*rows, 3), rowOf(whole, 3));
     EXPECT_FALSE(rows->isDamaged());
     EXPECT_EQ(rowOf(*rows, 199), Bytes(37 * 3, 0xFF));
@@ -260,6 +229,83 @@ TEST(EmfImageRows, AreWhiteFromTheDamageOn)
     EXPECT_TRUE(played.report.has("emf.bitmap"));
     EXPECT_EQ(played.pixel(103, 103), whole.color(3, 3));
     EXPECT_EQ(played.pixel(103, 299), kWhitePixel);
+}
+
+TEST_F(EmfImageRows, OfDamagedInterlacedFilesAreCoarse)
+{
+    constexpr int kWidth = 256;
+    PngForm form;
+    form.width = kWidth;
+    form.height = 1600;
+    form.isInterlaced = true;
+    const Bytes file = pngFile(form);
+    const Pixels whole = wholePng(file);
+    const auto partOf = [&file](double part) {
+        return Bytes(file.begin(), file.begin() + static_cast<std::ptrdiff_t>(static_cast<double>(file.size()) * part));
+    };
+    // Of the last pass, which has every other row, the first ones came.
+    const Bytes mostly = partOf(0.6);
+    const auto rows = openPng(mostly);
+    EXPECT_EQ(rowOf(*rows, 1), rowOf(whole, 1));
+    EXPECT_FALSE(rows->isDamaged());
+    EXPECT_EQ(rowOf(*rows, 1598), rowOf(whole, 1598));
+    EXPECT_EQ(rowOf(*rows, 1599), rowOf(whole, 1598));
+    EXPECT_TRUE(rows->isDamaged());
+    EXPECT_EQ(rowOf(*rows, 1), rowOf(whole, 1));
+    EXPECT_FALSE(rows->isDamaged());
+    // Of the first two passes, which have four pixels of 64, all came; of the third, some rows.
+    const Bytes little = partOf(0.05);
+    const auto coarse = openPng(little);
+    const Bytes last = rowOf(*coarse, 1599);
+    for (int x = 0; x < kWidth; ++x)
+        EXPECT_EQ(last[static_cast<std::size_t>(3 * x)], whole.color(x / 4 * 4, 1592).red) << x;
+    EXPECT_TRUE(coarse->isDamaged());
+    // Not even the first pass did.
+    const Bytes hardly = partOf(0.008);
+    const auto broken = openPng(hardly);
+    EXPECT_EQ(rowOf(*broken, 0)[24], whole.color(8, 0).red);
+    EXPECT_EQ(rowOf(*broken, 1599), Bytes(kWidth * 3, 0xFF));
+    EXPECT_TRUE(broken->isDamaged());
+}
+
+TEST_F(EmfImageRows, CostAPassOrTwo)
+{
+    const auto cost = [this](ImageRows& rows) {
+        const std::uint64_t before = m_work.spent(Work::Decoding);
+        emf::pixelsOf(rows);
+        return m_work.spent(Work::Decoding) - before;
+    };
+    constexpr std::uint64_t pass = std::uint64_t { 64 } * 48 * emf::kUnitsPerCodedPixel;
+    EXPECT_EQ(cost(*openJpeg(jpegFile(64, 48))), pass);
+    PngForm form;
+    form.width = 64;
+    form.height = 48;
+    const Bytes plain = pngFile(form);
+    const auto rows = openPng(plain);
+    EXPECT_EQ(cost(*rows), pass);
+    EXPECT_EQ(cost(*rows), pass) << "again, as it is decoded again";
+    form.isInterlaced = true;
+    const Bytes interlaced = pngFile(form);
+    const std::uint64_t passes = cost(*openPng(interlaced));
+    EXPECT_GT(passes, pass * 3 / 2);
+    EXPECT_LE(passes, pass * 2);
+}
+
+TEST_F(EmfImageRows, AreWhiteWhenThereIsNoMoreWork)
+{
+    WorkBudget budget;
+    budget.page = 37 * 15 * emf::kUnitsPerCodedPixel;
+    WorkMeter work(budget);
+    PngForm form;
+    for (const bool isInterlaced : { false, true }) {
+        form.isInterlaced = isInterlaced;
+        const Bytes file = pngFile(form);
+        const auto rows = emf::openPng(file, kMostPixels, work, m_problem);
+        ASSERT_TRUE(rows);
+        EXPECT_EQ(rowOf(*rows, 22), Bytes(37 * 3, 0xFF));
+        EXPECT_TRUE(work.isExhausted());
+        EXPECT_FALSE(rows->isDamaged());
+    }
 }
 
 } // namespace

@@ -36,7 +36,7 @@ Bytes runsHeader(int width, int height, int compression)
 Pixels decoded(const Bytes& header, const Bytes& bits)
 {
     std::string problem;
-    Pixels pixels = emf::decodeDib(header, bits, {}, problem);
+    Pixels pixels = decodedDib(header, bits, &problem);
     EXPECT_EQ(problem, "");
     return pixels;
 }
@@ -150,10 +150,7 @@ Bytes randomCoding(std::mt19937& random, int commands, unsigned faults)
 TEST(EmfRuns, OfBytes)
 {
     const Bytes bits { 3, 4, 5, 6, 0, 3, 0x45, 0x56, 0x67, 0, 2, 0x78, 0, 2, 5, 1, 2, 0x78, 0, 0, 9, 0x1E, 0, 1 };
-    Bytes table;
-    for (int i = 0; i < 256; ++i)
-        table = table + Bytes { static_cast<std::uint8_t>(i), 0, 0, 0 };
-    const Pixels pixels = decoded(bitmapHeader(32, 4, 8, 1, table), bits);
+    const Pixels pixels = decoded(runsHeader(32, 4, kRle8), bits);
     ASSERT_FALSE(pixels.isNull());
     const auto at = [&](int x, int scan) { return int(pixels.color(x, 3 - scan).blue); };
     EXPECT_EQ(at(2, 0), 4);
@@ -169,10 +166,7 @@ TEST(EmfRuns, OfBytes)
 TEST(EmfRuns, OfNibbles)
 {
     const Bytes bits { 3, 4, 5, 6, 0, 6, 0x45, 0x56, 0x67, 0, 4, 0x78, 0, 2, 5, 1, 4, 0x78, 0, 0, 9, 0x1E, 0, 1 };
-    Bytes table;
-    for (int i = 0; i < 16; ++i)
-        table = table + Bytes { static_cast<std::uint8_t>(i), 0, 0, 0 };
-    const Pixels pixels = decoded(bitmapHeader(32, 4, 4, 2, table), bits);
+    const Pixels pixels = decoded(runsHeader(32, 4, kRle4), bits);
     const int first[] { 0, 4, 0, 0, 6, 0, 6, 0, 4, 5, 5, 6, 6, 7, 7, 8, 7, 8 };
     for (int x = 0; x < 18; ++x)
         EXPECT_EQ(int(pixels.color(x, 3).blue), first[x]) << x;
@@ -228,7 +222,8 @@ TEST(EmfRuns, OfMillionsOfPixelsTakeTheRoomOfTheirRows)
     const Bytes header = runsHeader(side, side, kRle8);
     std::string problem;
     const SpareHeap bound(256U << 10);
-    const emf::Picture picture(header, coded, {}, problem);
+    WorkMeter work;
+    const emf::Picture picture(header, coded, {}, work, problem);
     std::vector<std::uint8_t> line;
     for (int y = 0; y < side; y += 100)
         ASSERT_EQ(int(picture.row(y, line)[3 * 8 + 2]), (side - 1 - y) % 251);

@@ -21,26 +21,17 @@ bool operator==(const Matrix& a, const Matrix& b)
 
 double scaleOf(const Matrix& matrix) { return std::sqrt(std::abs(matrix.determinant())); }
 
-bool isOpaque(const Pixels& pixels)
-{
-    for (std::size_t i = 3; i < pixels.bytes.size(); i += 4) {
-        if (pixels.bytes[i] != 255)
-            return false;
-    }
-    return true;
-}
-
 /// The whole pixels of an image that a rectangle of it touches.
-PixelRect coveredPixels(const RectF& source, const Pixels& pixels)
+PixelRect coveredPixels(const RectF& source, const OpenImage& image)
 {
     const auto side
         = [](double value, int size) { return static_cast<int>(std::clamp(value, 0.0, static_cast<double>(size))); };
     constexpr double slack = 1e-4;
     const double left = std::min(source.x, source.right());
     const double top = std::min(source.y, source.bottom());
-    return { side(std::floor(left + slack), pixels.width), side(std::floor(top + slack), pixels.height),
-        side(std::ceil(left + std::abs(source.width) - slack), pixels.width),
-        side(std::ceil(top + std::abs(source.height) - slack), pixels.height) };
+    return { side(std::floor(left + slack), image.width()), side(std::floor(top + slack), image.height()),
+        side(std::ceil(left + std::abs(source.width) - slack), image.width()),
+        side(std::ceil(top + std::abs(source.height) - slack), image.height()) };
 }
 
 } // namespace
@@ -49,6 +40,7 @@ Canvas::Canvas(const Host& host, const StateStack& states, Warn warn)
     : m_host(host)
     , m_states(states)
     , m_warn(std::move(warn))
+    , m_images(host.painter.work())
 {
 }
 
@@ -64,12 +56,14 @@ std::shared_ptr<const ColorSource> Canvas::textureOf(const TextureBrush& brush, 
     if (!brush.image)
         return nullptr;
     std::string problem;
-    auto pixels = m_images.pixels(brush.image, problem);
-    if (!pixels) {
+    const auto image = m_images.open(brush.image, problem);
+    if (!image) {
         m_warn("emfplus.image", "a texture is not drawn: " + problem);
         return nullptr;
     }
-    return textureSource(std::move(pixels), brush.wrap, brush.toWorld * worldToDevice, state().isSmooth);
+    auto source = textureSource(*image, brush.wrap, brush.toWorld * worldToDevice, state().isSmooth);
+    warnOfDamage(*image);
+    return source;
 }
 
 std::shared_ptr<const ColorSource> Canvas::colorsOf(const BrushObject& brush)
@@ -107,6 +101,7 @@ std::optional<PaintState> Canvas::paintState(const Paint& paint)
     const bool isSame = paint.brush == m_lastBrush && toDevice == m_lastMatrix && state().isSmooth == m_lastIsSmooth
         && state().renderingOrigin == m_lastOrigin;
     if (!isSame) {
+        m_lastColors = nullptr; // before the next one asks for room
         m_lastColors = colorsOf(*paint.brush);
         m_lastBrush = paint.brush;
         m_lastMatrix = toDevice;
@@ -197,10 +192,10 @@ void Canvas::image(const std::shared_ptr<const ImageObject>& image, const RectF&
 void Canvas::bitmap(const std::shared_ptr<const ImageObject>& image, const RectF& source, const Matrix& imageToDevice)
 {
     std::string problem;
-    const auto pixels = m_images.pixels(image, problem);
-    if (!pixels)
+    const auto opened = m_images.open(image, problem);
+    if (!opened)
         return m_warn("emfplus.image", "an image is not drawn: " + problem);
-    const PixelRect part = coveredPixels(source, *pixels);
+    const PixelRect part = coveredPixels(source, *opened);
     if (part.empty())
         return;
     PaintState painting;
@@ -215,7 +210,7 @@ void Canvas::bitmap(const std::shared_ptr<const ImageObject>& image, const RectF
         painting.clip = combine(
             painting.clip, pixelsOf(source, imageToDevice, pageBounds()), CombineMode::Intersect, pageBounds());
 
-    const bool replaces = state().replaces || isOpaque(*pixels);
+    const bool replaces = state().replaces || opened->isOpaque();
     ImageGeometry geometry;
     geometry.format = replaces ? ImageFormat::Rgb24 : ImageFormat::Rgba32;
     geometry.width = part.width();
@@ -229,7 +224,7 @@ void Canvas::bitmap(const std::shared_ptr<const ImageObject>& image, const RectF
     m_hasMarked = true;
     std::vector<std::uint8_t> row(static_cast<std::size_t>(part.width()) * 3);
     for (int y = part.top; y < part.bottom; ++y) {
-        const std::uint8_t* from = pixels->row(y) + static_cast<std::size_t>(part.left) * 4;
+        const std::uint8_t* from = opened->row(y) + static_cast<std::size_t>(part.left) * 4;
         if (!replaces) {
             painter->row(from);
             continue;
@@ -243,6 +238,13 @@ void Canvas::bitmap(const std::shared_ptr<const ImageObject>& image, const RectF
         painter->row(row.data());
     }
     painter->finish();
+    warnOfDamage(*opened);
+}
+
+void Canvas::warnOfDamage(const OpenImage& image)
+{
+    if (image.isDamaged())
+        m_warn("emfplus.image", std::string("an image: ") + kDamagedImageFile);
 }
 
 } // namespace quillrip::emf::plus

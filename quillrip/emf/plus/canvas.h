@@ -1,12 +1,12 @@
 #pragma once
 
+#include "quillrip/emf/plus/image_cache.h"
 #include "quillrip/emf/plus/interpreter.h"
 #include "quillrip/emf/plus/object_store.h"
 #include "quillrip/emf/plus/state.h"
 
 #include <cstdint>
 #include <functional>
-#include <list>
 #include <memory>
 #include <optional>
 #include <string>
@@ -17,27 +17,6 @@ namespace quillrip::emf::plus {
 struct Paint {
     Rgba color;
     std::shared_ptr<const BrushObject> brush; ///< null: the colour
-};
-
-/// Images that were decoded, as long as there is room: pages draw the same one many times.
-class ImageCache {
-public:
-    /// Null, with the reason in `problem`, when the image cannot be decoded.
-    std::shared_ptr<const Pixels> pixels(const std::shared_ptr<const ImageObject>& image, std::string& problem);
-
-private:
-    Pixels decode(const ImageObject& image, std::string& problem);
-
-    static constexpr std::size_t kMostBytes = std::size_t { 256 } << 20;
-    /// Of all images of a metafile, however often: many large ones in turn would take for ever.
-    static constexpr std::uint64_t kMostDecodedBytes = std::uint64_t { 64 } << 30;
-    struct Entry {
-        std::shared_ptr<const ImageObject> image;
-        std::shared_ptr<const Pixels> pixels;
-    };
-    std::list<Entry> m_entries; ///< the one used last comes first
-    std::size_t m_bytes = 0;
-    std::uint64_t m_decodedBytes = 0;
 };
 
 /// Draws in world units on the page, with paints, pens and clips of EMF+.
@@ -74,6 +53,7 @@ private:
     std::shared_ptr<const ColorSource> colorsOf(const BrushObject& brush);
     std::shared_ptr<const ColorSource> textureOf(const TextureBrush& brush, const Matrix& worldToDevice);
     void bitmap(const std::shared_ptr<const ImageObject>& image, const RectF& source, const Matrix& imageToDevice);
+    void warnOfDamage(const OpenImage& image);
 
     const Host& m_host;
     const StateStack& m_states;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "quillrip/emf/plus/brush_object.h"
+#include "quillrip/emf/plus/image_cache.h"
 #include "quillrip/raster/compose/color_source.h"
 
 #include <memory>
@@ -18,9 +19,9 @@ std::shared_ptr<const ColorSource> linearGradientSource(const LinearGradientBrus
 /// Null where the boundary surrounds nothing.
 std::shared_ptr<const ColorSource> pathGradientSource(const PathGradientBrush& brush, const Matrix& worldToDevice);
 
-/// `pixels`: Rgba32. Null where they are none.
+/// It holds the image, as far as it is not reduced. Throws std::bad_alloc where there is no room for it.
 std::shared_ptr<const ColorSource> textureSource(
-    std::shared_ptr<const Pixels> pixels, WrapMode wrap, const Matrix& imageToDevice, bool isSmooth);
+    OpenImage& image, WrapMode wrap, const Matrix& imageToDevice, bool isSmooth);
 
 /// The colours of another one as they look on white paper: a page cannot become transparent.
 std::shared_ptr<const ColorSource> overWhiteSource(std::shared_ptr<const ColorSource> source);

@@ -55,19 +55,19 @@ std::optional<ImageObject> readImage(ByteView object)
     }
 }
 
-Pixels decodeImage(const ImageObject& image, std::string& problem)
+std::unique_ptr<ImageRows> openImage(const ImageObject& image, WorkMeter& work, std::string& problem)
 {
     switch (image.kind) {
     case ImageObject::Kind::Pixels:
-        return decodePixels(image, problem);
+        return openPixels(image, work, problem);
     case ImageObject::Kind::File:
-        return decodeImageFile(image.bytes, problem);
+        return openImageFile(image.bytes, work, problem);
     case ImageObject::Kind::Metafile:
     case ImageObject::Kind::OldMetafile:
         break;
     }
     problem = "a metafile has no pixels";
-    return {};
+    return nullptr;
 }
 
 std::optional<ImageAttributesObject> readImageAttributes(ByteView object)

@@ -1,10 +1,11 @@
 #pragma once
 
 #include "quillrip/base/bytes.h"
-#include "quillrip/emf/dib.h"
+#include "quillrip/emf/image_rows.h"
 #include "quillrip/emf/plus/colors.h"
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -32,9 +33,10 @@ struct ImageObject {
 /// Nothing when the bytes hold no image.
 std::optional<ImageObject> readImage(ByteView object);
 
-/// The image's pixels as Rgba32, not premultiplied. Null pixels, with the reason in `problem`, when it is none that can
-/// be read. Rows that are not there are transparent.
-Pixels decodeImage(const ImageObject& image, std::string& problem);
+/// The image's rows as Rgba32, not premultiplied; where the shape has no alpha, all of them are opaque. Null, with the
+/// reason in `problem`, when it is none that can be read. What is not there is white, or transparent where the shape
+/// has alpha and it is no PNG file. The image must outlive its rows.
+std::unique_ptr<ImageRows> openImage(const ImageObject& image, WorkMeter& work, std::string& problem);
 
 /// What lies beyond an image's edges ([MS-EMFPLUS] 2.2.1.5).
 struct ImageAttributesObject {

@@ -1,12 +1,15 @@
 #include "quillrip/emf/plus/pixel_formats.h"
 
 #include "quillrip/emf/plus/field_reader.h"
+#include "quillrip/emf/plus/image_files.h"
 
 #include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstdint>
 #include <cstdlib>
+#include <cstring>
+#include <memory>
 #include <vector>
 
 namespace quillrip::emf::plus {
@@ -30,8 +33,6 @@ enum Format : std::uint8_t {
     kArgb64 = 13,
     kPremultiplied64 = 14,
 };
-
-constexpr int kLongestSide = 65535;
 
 int bitsOf(std::uint8_t format)
 {
@@ -136,64 +137,103 @@ void store(Rgba color, std::uint8_t* to)
     to[3] = color.alpha;
 }
 
-} // namespace
-
-Pixels decodePixels(const ImageObject& image, std::string& problem)
+bool hasAlpha(std::uint8_t format, const std::vector<Rgba>& palette)
 {
-    const auto format = static_cast<std::uint8_t>(image.format & 0xFF);
-    const int bits = bitsOf(format);
-    if (bits == 0) {
-        problem = "its pixel format is not known";
-        return {};
+    if (format <= kIndexed8)
+        return std::any_of(palette.begin(), palette.end(), [](const Rgba& color) { return color.alpha != 255; });
+    return format == kArgb1555 || format == kArgb32 || format == kPremultiplied32 || format == kArgb64
+        || format == kPremultiplied64;
+}
+
+class PixelRows : public ImageRows {
+public:
+    explicit PixelRows(WorkMeter& work)
+        : ImageRows(work, kUnitsPerPixel)
+    {
     }
-    if (image.width < 1 || image.height < 1 || image.width > kLongestSide || image.height > kLongestSide
-        || static_cast<std::uint64_t>(image.width) * static_cast<std::uint64_t>(image.height) > kMostImagePixels) {
+
+    /// False, with the reason in `problem`, for what openPixels() refuses.
+    bool open(const ImageObject& image, std::string& problem);
+    void row(int y, std::uint8_t* to) override;
+
+private:
+    static constexpr std::uint32_t kUnitsPerPixel = 2;
+
+    ByteView storedRow(int y) const
+    {
+        const int stored = m_isBottomUp ? m_shape.height - 1 - y : y;
+        return m_data.sub(static_cast<std::size_t>(stored) * m_stride, m_rowBytes);
+    }
+
+    std::uint8_t m_format = 0;
+    int m_bits = 0; ///< of a pixel
+    std::vector<Rgba> m_palette;
+    ByteView m_data;
+    std::size_t m_rowBytes = 0;
+    std::size_t m_stride = 0;
+    bool m_isBottomUp = false;
+};
+
+bool PixelRows::open(const ImageObject& image, std::string& problem)
+{
+    m_format = static_cast<std::uint8_t>(image.format & 0xFF);
+    m_bits = bitsOf(m_format);
+    if (m_bits == 0) {
+        problem = "its pixel format is not known";
+        return false;
+    }
+    if (!isDrawableSize(image.width, image.height)) {
         problem = "its size cannot be";
-        return {};
+        return false;
     }
     FieldReader fields(image.bytes);
-    std::vector<Rgba> palette;
-    if (format <= kIndexed8)
-        palette = readPalette(fields);
+    if (m_format <= kIndexed8)
+        m_palette = readPalette(fields);
     if (fields.hasFailed()) {
         problem = "its palette cannot be read";
-        return {};
+        return false;
     }
-    const ByteView data = fields.rest();
-    const std::size_t rowBytes = (static_cast<std::size_t>(image.width) * static_cast<std::size_t>(bits) + 7) / 8;
-    const auto stride = static_cast<std::size_t>(std::abs(static_cast<std::int64_t>(image.stride)));
-    if (stride < rowBytes) {
+    m_data = fields.rest();
+    m_rowBytes = (static_cast<std::size_t>(image.width) * static_cast<std::size_t>(m_bits) + 7) / 8;
+    m_stride = static_cast<std::size_t>(std::abs(static_cast<std::int64_t>(image.stride)));
+    if (m_stride < m_rowBytes) {
         problem = "its rows are longer than the distance between them";
-        return {};
+        return false;
     }
-    palette.resize(256, Rgba { 0, 0, 0, 255 });
+    m_palette.resize(256, Rgba { 0, 0, 0, 255 });
+    m_isBottomUp = image.stride < 0;
+    m_shape.format = PictureShape::Format::Rgba32;
+    m_shape.width = image.width;
+    m_shape.height = image.height;
+    const bool isWhole = storedRow(m_isBottomUp ? 0 : image.height - 1).size == m_rowBytes;
+    m_shape.hasAlpha = !isWhole || hasAlpha(m_format, m_palette);
+    return true;
+}
 
-    // Of a picture of one bit a pixel there are 32 bytes for one.
-    expectPixels(static_cast<std::uint64_t>(image.width), static_cast<std::uint64_t>(image.height));
-    Pixels pixels;
-    pixels.format = Pixels::Format::Rgba32;
-    pixels.width = image.width;
-    pixels.height = image.height;
-    pixels.hasAlpha = true;
-    pixels.stride = static_cast<std::size_t>(image.width) * 4;
-    pixels.bytes.assign(pixels.stride * static_cast<std::size_t>(image.height), 0);
-    for (int y = 0; y < image.height; ++y) {
-        const int stored = image.stride < 0 ? image.height - 1 - y : y;
-        const ByteView row = data.sub(static_cast<std::size_t>(stored) * stride, rowBytes);
-        if (row.size < rowBytes)
-            continue;
-        std::uint8_t* to = pixels.row(y);
-        for (int x = 0; x < image.width; ++x, to += 4) {
-            const auto bit = static_cast<std::size_t>(x) * static_cast<std::size_t>(bits);
-            if (format <= kIndexed8) {
-                const int shift = 8 - bits - static_cast<int>(bit % 8);
-                store(palette[row[bit / 8] >> shift & ((1 << bits) - 1)], to);
-            } else {
-                store(colorAt(row.data + bit / 8, format), to);
-            }
+void PixelRows::row(int y, std::uint8_t* to)
+{
+    const ByteView row = storedRow(y);
+    if (row.size < m_rowBytes || !mayMake(static_cast<std::uint64_t>(m_shape.width))) {
+        std::memset(to, 0, m_shape.rowBytes());
+        return;
+    }
+    for (int x = 0; x < m_shape.width; ++x, to += 4) {
+        const auto bit = static_cast<std::size_t>(x) * static_cast<std::size_t>(m_bits);
+        if (m_format <= kIndexed8) {
+            const int shift = 8 - m_bits - static_cast<int>(bit % 8);
+            store(m_palette[row[bit / 8] >> shift & ((1 << m_bits) - 1)], to);
+        } else {
+            store(colorAt(row.data + bit / 8, m_format), to);
         }
     }
-    return pixels;
+}
+
+} // namespace
+
+std::unique_ptr<ImageRows> openPixels(const ImageObject& image, WorkMeter& work, std::string& problem)
+{
+    auto rows = std::make_unique<PixelRows>(work);
+    return rows->open(image, problem) ? std::move(rows) : nullptr;
 }
 
 } // namespace quillrip::emf::plus

@@ -1,4 +1,5 @@
 #include "quillrip/emf/plus/color_sources.h"
+#include "quillrip/emf/plus/texture_reduction.h"
 
 #include <algorithm>
 #include <array>
@@ -9,40 +10,6 @@
 namespace quillrip::emf::plus {
 
 namespace {
-
-constexpr std::size_t kChannels = 4;
-
-/// Half as wide and high, each pixel the mean of four; colours weigh as much as they show.
-std::shared_ptr<const Pixels> halved(const Pixels& from)
-{
-    auto to = std::make_shared<Pixels>();
-    to->format = Pixels::Format::Rgba32;
-    to->hasAlpha = true;
-    to->width = std::max(1, from.width / 2);
-    to->height = std::max(1, from.height / 2);
-    to->stride = static_cast<std::size_t>(to->width) * kChannels;
-    to->bytes.resize(to->stride * static_cast<std::size_t>(to->height));
-    for (int y = 0; y < to->height; ++y) {
-        const std::array<const std::uint8_t*, 2> rows { from.row(std::min(2 * y, from.height - 1)),
-            from.row(std::min(2 * y + 1, from.height - 1)) };
-        std::uint8_t* pixel = to->row(y);
-        for (int x = 0; x < to->width; ++x, pixel += kChannels) {
-            std::array<unsigned, kChannels> sums {};
-            for (const std::uint8_t* row : rows) {
-                for (const int column : { std::min(2 * x, from.width - 1), std::min(2 * x + 1, from.width - 1) }) {
-                    const std::uint8_t* at = row + static_cast<std::size_t>(column) * kChannels;
-                    for (std::size_t channel = 0; channel < 3; ++channel)
-                        sums[channel] += unsigned { at[channel] } * at[3];
-                    sums[3] += at[3];
-                }
-            }
-            for (std::size_t channel = 0; channel < 3 && sums[3] > 0; ++channel)
-                pixel[channel] = static_cast<std::uint8_t>((sums[channel] + sums[3] / 2) / sums[3]);
-            pixel[3] = static_cast<std::uint8_t>((sums[3] + 2) / 4);
-        }
-    }
-    return to;
-}
 
 /// An image that goes on over the plane as its wrap mode says.
 class TextureSource final : public ColorSource {
@@ -84,7 +51,7 @@ private:
         const int line = folded(y, m_pixels->height, mirrorsY, isClamped);
         if (column < 0 || line < 0)
             return kTransparent;
-        const std::uint8_t* pixel = m_pixels->row(line) + static_cast<std::size_t>(column) * kChannels;
+        const std::uint8_t* pixel = m_pixels->row(line) + static_cast<std::size_t>(column) * 4;
         return { pixel[0], pixel[1], pixel[2], pixel[3] };
     }
 
@@ -131,19 +98,23 @@ private:
 } // namespace
 
 std::shared_ptr<const ColorSource> textureSource(
-    std::shared_ptr<const Pixels> pixels, WrapMode wrap, const Matrix& imageToDevice, bool isSmooth)
+    OpenImage& image, WrapMode wrap, const Matrix& imageToDevice, bool isSmooth)
 {
-    if (!pixels || pixels->isNull() || !imageToDevice.isInvertible())
+    if (!imageToDevice.isInvertible())
         return nullptr;
     Matrix toDevice = imageToDevice;
+    int width = image.width();
+    int height = image.height();
+    int halvings = 0;
     // A texture that shrinks is made smaller first, so that no pixel of it is lost.
-    while (isSmooth && std::abs(toDevice.determinant()) < 0.25 && pixels->width > 1 && pixels->height > 1) {
-        const double scaleX = static_cast<double>(pixels->width) / std::max(1, pixels->width / 2);
-        const double scaleY = static_cast<double>(pixels->height) / std::max(1, pixels->height / 2);
-        pixels = halved(*pixels);
+    for (; isSmooth && std::abs(toDevice.determinant()) < 0.25 && width > 1 && height > 1; ++halvings) {
+        const double scaleX = static_cast<double>(width) / (width / 2);
+        const double scaleY = static_cast<double>(height) / (height / 2);
+        width /= 2;
+        height /= 2;
         toDevice = Matrix::scaling(scaleX, scaleY) * toDevice;
     }
-    return std::make_shared<const TextureSource>(std::move(pixels), wrap, toDevice, isSmooth);
+    return std::make_shared<const TextureSource>(reducedPixels(image, halvings), wrap, toDevice, isSmooth);
 }
 
 } // namespace quillrip::emf::plus

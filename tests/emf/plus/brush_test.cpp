@@ -28,15 +28,17 @@ LinearGradientBrush blackToWhite(double width)
 }
 
 /// Two pixels, red and blue, above a green and a transparent one.
-std::shared_ptr<const Pixels> fourPixels()
+std::shared_ptr<const ColorSource> textureOfFour(WrapMode wrap, const Matrix& imageToDevice, bool isSmooth)
 {
-    auto pixels = std::make_shared<Pixels>();
-    pixels->format = Pixels::Format::Rgba32;
-    pixels->hasAlpha = true;
-    pixels->width = pixels->height = 2;
-    pixels->stride = 8;
-    pixels->bytes = { 255, 0, 0, 255, 0, 0, 255, 255, 0, 255, 0, 255, 0, 0, 0, 0 };
-    return pixels;
+    auto object = std::make_shared<ImageObject>();
+    object->width = object->height = 2;
+    object->stride = 8;
+    object->format = 0x0026200A;
+    object->bytes = { 0, 0, 255, 255, 255, 0, 0, 255, 0, 255, 0, 255, 0, 0, 0, 0 };
+    WorkMeter work;
+    std::string problem;
+    OpenImage image(object, openImage(*object, work, problem));
+    return textureSource(image, wrap, imageToDevice, isSmooth);
 }
 
 constexpr Rgba kRed { 255, 0, 0, 255 };
@@ -116,8 +118,7 @@ TEST(EmfPlusBrush, BoundaryColoursMixAlongTheEdges)
 
 TEST(EmfPlusBrush, TexturesRepeatAndFlip)
 {
-    const auto row
-        = [](WrapMode wrap, int y) { return rowOf(textureSource(fourPixels(), wrap, Matrix(), false), y, 0, 4); };
+    const auto row = [](WrapMode wrap, int y) { return rowOf(textureOfFour(wrap, Matrix(), false), y, 0, 4); };
     EXPECT_EQ(row(WrapMode::Tile, 0), (std::vector<Rgba> { kRed, kBlue, kRed, kBlue }));
     EXPECT_EQ(row(WrapMode::FlipX, 0), (std::vector<Rgba> { kRed, kBlue, kBlue, kRed }));
     EXPECT_EQ(row(WrapMode::FlipX, 2)[0], kRed);
@@ -130,7 +131,7 @@ TEST(EmfPlusBrush, TexturesRepeatAndFlip)
 TEST(EmfPlusBrush, SmoothTexturesMixColoursByWhatTheyShow)
 {
     // Between green and the transparent pixel there is no black.
-    const auto source = textureSource(fourPixels(), WrapMode::Tile, Matrix::scaling(5, 5), true);
+    const auto source = textureOfFour(WrapMode::Tile, Matrix::scaling(5, 5), true);
     const Rgba pixel = rowOf(source, 7, 4, 5)[0];
     EXPECT_EQ(pixel.red, 0);
     EXPECT_EQ(pixel.green, 255);
@@ -139,7 +140,7 @@ TEST(EmfPlusBrush, SmoothTexturesMixColoursByWhatTheyShow)
 
 TEST(EmfPlusBrush, TexturesThatShrinkAreAveraged)
 {
-    const auto source = textureSource(fourPixels(), WrapMode::Tile, Matrix::scaling(0.25, 0.25), true);
+    const auto source = textureOfFour(WrapMode::Tile, Matrix::scaling(0.25, 0.25), true);
     const Rgba pixel = rowOf(source, 0, 0, 1)[0];
     EXPECT_NEAR(pixel.red, 85, 1);
     EXPECT_NEAR(pixel.blue, 85, 1);

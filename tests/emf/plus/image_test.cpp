@@ -22,6 +22,13 @@ Fields imageFile(const std::vector<std::uint8_t>& file)
     return Fields().u32({ kVersion, 1, 0, 0, 0, 0, 1 }).bytes(file);
 }
 
+Pixels decoded(const ImageObject& image, std::string& problem)
+{
+    WorkMeter work;
+    const auto rows = openImage(image, work, problem);
+    return rows ? pixelsOf(*rows) : Pixels {};
+}
+
 /// The first pixel, or why there is none.
 std::string firstPixel(const Fields& object)
 {
@@ -29,7 +36,7 @@ std::string firstPixel(const Fields& object)
     if (!image)
         return "no image";
     std::string problem;
-    const Pixels pixels = decodeImage(*image, problem);
+    const Pixels pixels = decoded(*image, problem);
     if (pixels.isNull())
         return problem.empty() ? "no reason" : problem;
     const std::uint8_t* at = pixels.row(0);
@@ -89,7 +96,7 @@ TEST(EmfPlusImage, RowsMayRiseAndMayBeMissing)
     const auto image = readImage(bitmap(1, 3, 0xFFFFFFFC, kArgb32).u8({ 1, 1, 1, 255, 2, 2, 2, 255 }));
     ASSERT_TRUE(image);
     std::string problem;
-    const Pixels pixels = decodeImage(*image, problem);
+    const Pixels pixels = decoded(*image, problem);
     ASSERT_EQ(pixels.height, 3);
     EXPECT_EQ(pixels.row(2)[0], 1);
     EXPECT_EQ(pixels.row(1)[0], 2);
@@ -118,7 +125,7 @@ TEST(EmfPlusImage, GifPicturesMayBeTransparent)
     const auto image = readImage(imageFile(kGif));
     ASSERT_TRUE(image);
     std::string problem;
-    const Pixels pixels = decodeImage(*image, problem);
+    const Pixels pixels = decoded(*image, problem);
     ASSERT_FALSE(pixels.isNull()) << problem;
     ASSERT_EQ(pixels.width, 2);
     const std::vector<std::uint8_t> row(pixels.row(0), pixels.row(0) + 8);
@@ -133,7 +140,7 @@ TEST(EmfPlusImage, FilesThatEndTooSoonAreRefusedOrShort)
             const auto image = readImage(imageFile({ file.begin(), file.begin() + static_cast<std::ptrdiff_t>(size) }));
             ASSERT_TRUE(image);
             std::string problem;
-            const Pixels pixels = decodeImage(*image, problem);
+            const Pixels pixels = decoded(*image, problem);
             EXPECT_EQ(pixels.isNull(), !problem.empty()) << size;
         }
     }

@@ -1,0 +1,217 @@
+// TIFF files of EMF+ images, read by libtiff.
+
+#include "quillrip/base/heap_account.h"
+#include "quillrip/emf/plus/image_files.h"
+#include "quillrip/emf/plus/memory_file.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <limits>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include <tiffio.h>
+
+namespace quillrip::emf::plus {
+
+namespace {
+
+tmsize_t readTiff(thandle_t handle, void* to, tmsize_t count)
+{
+    return static_cast<tmsize_t>(static_cast<MemoryFile*>(handle)->read(to, static_cast<std::size_t>(count)));
+}
+
+tmsize_t writeTiff(thandle_t, void*, tmsize_t) { return 0; }
+
+toff_t seekTiff(thandle_t handle, toff_t offset, int whence)
+{
+    MemoryFile& file = *static_cast<MemoryFile*>(handle);
+    const toff_t base = whence == SEEK_SET ? 0 : whence == SEEK_CUR ? file.at : file.bytes.size;
+    const toff_t target = base + offset;
+    if (target > std::numeric_limits<std::uint32_t>::max())
+        return static_cast<toff_t>(-1);
+    file.at = static_cast<std::size_t>(target);
+    return target;
+}
+
+int closeTiff(thandle_t) { return 0; }
+
+toff_t sizeOfTiff(thandle_t handle) { return static_cast<MemoryFile*>(handle)->bytes.size; }
+
+/// The library reads a mapped file in its place. Tiles that are not compressed it reads in no other way.
+int mapTiff(thandle_t handle, void** base, toff_t* size)
+{
+    const ByteView bytes = static_cast<MemoryFile*>(handle)->bytes;
+    *base = const_cast<std::uint8_t*>(bytes.data);
+    *size = bytes.size;
+    return 1;
+}
+
+void unmapTiff(thandle_t, void*, toff_t) { }
+
+struct TiffCloser {
+    void operator()(TIFF* tiff) const { TIFFClose(tiff); }
+};
+
+/// What the library takes to decode a piece: a strip or a tile, of each of the planes that make up a pixel.
+std::uint64_t pieceBytes(TIFF* tiff)
+{
+    constexpr std::uint16_t mostPlanes = 4;
+    std::uint16_t arrangement = PLANARCONFIG_CONTIG;
+    std::uint16_t planes = 1;
+    TIFFGetFieldDefaulted(tiff, TIFFTAG_PLANARCONFIG, &arrangement);
+    TIFFGetFieldDefaulted(tiff, TIFFTAG_SAMPLESPERPIXEL, &planes);
+    const tmsize_t bytes = TIFFIsTiled(tiff) ? TIFFTileSize(tiff) : TIFFStripSize(tiff);
+    return static_cast<std::uint64_t>(std::max<tmsize_t>(bytes, 0))
+        * (arrangement == PLANARCONFIG_SEPARATE ? std::min(planes, mostPlanes) : 1U);
+}
+
+/// Rows of a strip or a tile: where pieces begin, decoding can.
+std::uint64_t pieceRows(TIFF* tiff, int height)
+{
+    std::uint32_t rows = 0;
+    TIFFGetFieldDefaulted(tiff, TIFFIsTiled(tiff) ? TIFFTAG_TILELENGTH : TIFFTAG_ROWSPERSTRIP, &rows);
+    return std::clamp<std::uint64_t>(rows, 1, static_cast<std::uint64_t>(height));
+}
+
+/// Whether the row that is stored first lies at the foot (TIFF 6.0, Orientation).
+bool isUpsideDown(TIFF* tiff)
+{
+    std::uint16_t orientation = ORIENTATION_TOPLEFT;
+    TIFFGetFieldDefaulted(tiff, TIFFTAG_ORIENTATION, &orientation);
+    return orientation == ORIENTATION_BOTLEFT || orientation == ORIENTATION_BOTRIGHT
+        || orientation == ORIENTATION_LEFTBOT || orientation == ORIENTATION_RIGHTBOT;
+}
+
+void straighten(const std::uint32_t* from, int width, std::uint8_t* to)
+{
+    for (int x = 0; x < width; ++x, ++from, to += 4) {
+        const unsigned alpha = TIFFGetA(*from);
+        const auto straight = [alpha](unsigned value) {
+            return static_cast<std::uint8_t>(alpha == 0 ? 0 : std::min(255U, (value * 255 + alpha / 2) / alpha));
+        };
+        to[0] = straight(TIFFGetR(*from));
+        to[1] = straight(TIFFGetG(*from));
+        to[2] = straight(TIFFGetB(*from));
+        to[3] = static_cast<std::uint8_t>(alpha);
+    }
+}
+
+/// The library converts whatever a file holds to pixels by the strip or the tile. They are made in bands of whole
+/// pieces; where a piece is larger than a band, each of its bands costs all of the piece that lies before.
+class TiffRows : public ImageRows {
+public:
+    TiffRows(ByteView file, WorkMeter& work)
+        : ImageRows(work, kUnitsPerCodedPixel)
+        , m_file { file }
+    {
+    }
+    ~TiffRows() override
+    {
+        if (m_hasImage)
+            TIFFRGBAImageEnd(&m_image);
+    }
+
+    bool open(std::size_t bandBytes);
+    void row(int y, std::uint8_t* to) override;
+
+private:
+    std::uint64_t storedRow(int y) const
+    {
+        return static_cast<std::uint64_t>(m_isUpsideDown ? m_shape.height - 1 - y : y);
+    }
+    /// A pixel that does not come.
+    std::uint32_t blank() const { return m_shape.hasAlpha ? 0 : UINT32_MAX; }
+    void readBand(std::uint64_t row);
+
+    MemoryFile m_file;
+    HeapClaim m_claim;
+    std::unique_ptr<TIFF, TiffCloser> m_tiff;
+    TIFFRGBAImage m_image {};
+    bool m_hasImage = false;
+    bool m_isUpsideDown = false;
+    std::uint64_t m_pieceRows = 1;
+    std::uint64_t m_bandRows = 1;
+    std::vector<std::uint32_t> m_band;
+    std::uint64_t m_first = 0; ///< of the band's rows, as they are stored
+    std::uint64_t m_count = 0;
+};
+
+bool TiffRows::open(std::size_t bandBytes)
+{
+    // The library would write its complaints to the console.
+    TIFFSetErrorHandler(nullptr);
+    TIFFSetWarningHandler(nullptr);
+    m_tiff.reset(TIFFClientOpen(
+        "image", "r", &m_file, readTiff, writeTiff, seekTiff, closeTiff, sizeOfTiff, mapTiff, unmapTiff));
+    std::uint32_t width = 0;
+    std::uint32_t height = 0;
+    if (!m_tiff || !TIFFGetField(m_tiff.get(), TIFFTAG_IMAGEWIDTH, &width)
+        || !TIFFGetField(m_tiff.get(), TIFFTAG_IMAGELENGTH, &height) || !isDrawableSize(width, height))
+        return false;
+    const std::uint64_t piece = pieceBytes(m_tiff.get());
+    m_claim.add(piece);
+    constexpr int stopsAtErrors = 1;
+    char message[1024];
+    m_hasImage
+        = TIFFRGBAImageOK(m_tiff.get(), message) && TIFFRGBAImageBegin(&m_image, m_tiff.get(), stopsAtErrors, message);
+    if (!m_hasImage)
+        return false;
+    m_image.req_orientation = ORIENTATION_TOPLEFT;
+    m_isUpsideDown = isUpsideDown(m_tiff.get());
+    m_shape.format = PictureShape::Format::Rgba32;
+    m_shape.hasAlpha = m_image.alpha != 0;
+    m_shape.width = static_cast<int>(width);
+    m_shape.height = static_cast<int>(height);
+    m_pieceRows = pieceRows(m_tiff.get(), m_shape.height);
+    // Within a piece, a band begins where rows that share their colours do (at most four).
+    constexpr std::uint64_t mostSubsampled = 4;
+    const std::uint64_t fitting = std::max<std::uint64_t>(bandBytes, piece) / m_shape.rowBytes();
+    m_bandRows = fitting >= m_pieceRows ? fitting / m_pieceRows * m_pieceRows
+                                        : std::max(fitting / mostSubsampled, std::uint64_t { 1 }) * mostSubsampled;
+    readBand(storedRow(0));
+    return !isDamaged()
+        || std::any_of(m_band.begin(), m_band.end(), [this](std::uint32_t pixel) { return pixel != blank(); });
+}
+
+/// The band that a row, counted as they are stored, is in.
+void TiffRows::readBand(std::uint64_t row)
+{
+    const auto height = static_cast<std::uint64_t>(m_shape.height);
+    const auto width = static_cast<std::uint64_t>(m_shape.width);
+    const std::uint64_t piece = row - row % m_pieceRows;
+    const bool isWithinPiece = m_bandRows < m_pieceRows;
+    m_first = isWithinPiece ? row - (row - piece) % m_bandRows : row - row % m_bandRows;
+    m_count = std::min(m_bandRows, (isWithinPiece ? std::min(piece + m_pieceRows, height) : height) - m_first);
+    m_band.assign(width * m_count, blank());
+    if (!mayMake(width * (m_first % m_pieceRows + m_count)))
+        return;
+    m_image.row_offset = static_cast<int>(m_first);
+    if (!TIFFRGBAImageGet(
+            &m_image, m_band.data(), static_cast<std::uint32_t>(width), static_cast<std::uint32_t>(m_count)))
+        setDamaged(true);
+}
+
+void TiffRows::row(int y, std::uint8_t* to)
+{
+    const std::uint64_t stored = storedRow(y);
+    if (stored < m_first || stored >= m_first + m_count)
+        readBand(stored);
+    // The library turns what it is asked for upright.
+    const std::uint64_t inBand = m_isUpsideDown ? m_first + m_count - 1 - stored : stored - m_first;
+    straighten(m_band.data() + inBand * static_cast<std::uint64_t>(m_shape.width), m_shape.width, to);
+}
+
+} // namespace
+
+std::unique_ptr<ImageRows> openTiff(ByteView file, WorkMeter& work, std::string& problem, std::size_t bandBytes)
+{
+    auto rows = std::make_unique<TiffRows>(file, work);
+    if (rows->open(bandBytes))
+        return rows;
+    problem = "its TIFF file cannot be read";
+    return nullptr;
+}
+
+} // namespace quillrip::emf::plus
