@@ -131,7 +131,9 @@ void Painter::strokePath(
     const PixelRect& area = compositor.bounds();
     if (area.empty() || liesOutside(userPath, userToDevice, reachOf(style, userToDevice), area))
         return;
-    paintStroke(userPath, userToDevice, style, compositor);
+    if (!m_strokeEdges)
+        m_strokeEdges = std::make_unique<EdgeList>(area);
+    paintStroke(userPath, userToDevice, style, compositor, *m_strokeEdges);
     compositor.chargePixels();
 }
 

@@ -15,6 +15,7 @@ namespace quillrip {
 
 class Compositor;
 class DeviceTexture;
+class EdgeList;
 
 /// Which device pixels a filled shape takes when the page is bilevel (grey and RGB pages take exact area coverage).
 enum class PixelRule {
@@ -66,6 +67,7 @@ private:
     std::shared_ptr<const DeviceTexture> m_texture; ///< of the last state: mostly the next one's too
     PaintState m_state;
     std::unique_ptr<Compositor> m_compositor; ///< for m_state; null at the start
+    std::unique_ptr<EdgeList> m_strokeEdges; ///< the memory of the largest stroke; null before the first
 };
 
 } // namespace quillrip

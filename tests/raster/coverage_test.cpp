@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
+
 using namespace quillrip;
 
 namespace {
@@ -80,4 +82,28 @@ TEST(Coverage, CrossingEdgesKeepTheirArea)
     path.lineTo({ 0, 8 });
     path.close();
     EXPECT_NEAR(inkOf(filledGray(path, 8, 8)), 32, 0.3);
+}
+
+TEST(Coverage, WhatPassesBesideASmallClipOnlyTurnsRoundIt)
+{
+    // A star whose edges nearly all run past the clip, on either side of it, some with it inside.
+    constexpr int size = 200;
+    Path star;
+    star.moveTo({ 100, 2 });
+    for (int i = 1; i < 101; ++i)
+        star.lineTo({ 100 + 98 * std::sin(i * 2.9), 100 - 98 * std::cos(i * 2.9) });
+    star.rectangle(-1e7, -1e7, 1e7, 1e7);
+    for (const FillRule rule : { FillRule::NonZero, FillRule::EvenOdd }) {
+        const PageBitmap whole = filledGray(star, size, size, rule);
+        for (const PixelRect& clip : { PixelRect { 70, 60, 75, 64 }, PixelRect { 99, 100, 102, 101 } }) {
+            PageBitmap page(PixelFormat::Gray8, size, size, {});
+            PaintState state;
+            state.clip = ClipRegion::ofRect(clip);
+            Painter(page).fillPath(star, rule, state);
+            for (int y = clip.top; y < clip.bottom; ++y) {
+                for (int x = clip.left; x < clip.right; ++x)
+                    EXPECT_NEAR(page.row(y)[x], whole.row(y)[x], 2) << x << "," << y;
+            }
+        }
+    }
 }

@@ -260,3 +260,61 @@ TEST(Stroke, LinesOfAnyLengthArePaintedWithoutASeam)
     for (int y = 0; y < height; ++y)
         EXPECT_TRUE(std::equal(whole.row(y), whole.row(y) + width, inStrips.row(y))) << y;
 }
+
+TEST(Stroke, GapsThatCapsCloseCostNothing)
+{
+    // Round ends 20 pixels wide leave a notch of a hundredth of a pixel where they are a pixel apart.
+    const auto drawn = [](LineCap cap, double gap, std::uint64_t& units) {
+        PageBitmap page(PixelFormat::Gray8, 340, 60, {});
+        Painter painter(page);
+        StrokeStyle style = pen(20, cap, LineJoin::Round);
+        if (gap > 0)
+            style.dashes = { 1, gap };
+        painter.strokePath(polyline({ { 20.5, 20 }, { 320, 40 } }), {}, style, {});
+        units = painter.work().spent();
+        return page;
+    };
+    for (const LineCap cap : { LineCap::Round, LineCap::Square }) {
+        std::uint64_t ofSolid = 0;
+        std::uint64_t ofClosed = 0;
+        std::uint64_t ofOpen = 0;
+        const PageBitmap solid = drawn(cap, 0, ofSolid);
+        const PageBitmap closed = drawn(cap, 1, ofClosed);
+        drawn(cap, cap == LineCap::Round ? 2 : 21, ofOpen);
+        for (int y = 0; y < 60; ++y) {
+            for (int x = 12; x < 320; ++x)
+                EXPECT_NEAR(closed.row(y)[x], solid.row(y)[x], 1) << x << "," << y;
+        }
+        EXPECT_LT(ofClosed, 2 * ofSolid);
+        EXPECT_GT(ofOpen, 2 * ofSolid);
+    }
+    std::uint64_t units = 0;
+    const PageBitmap butt = drawn(LineCap::Butt, 1, units);
+    EXPECT_LT(*std::min_element(butt.row(30) + 160, butt.row(30) + 180), 130);
+}
+
+TEST(Stroke, InBandsDashesLieWhereTheyDoInOnePiece)
+{
+    // A spiral of some hundred thousand dashes, in bands since no list holds their edges.
+    constexpr int size = 400;
+    Path path;
+    path.moveTo({ 200, 200 });
+    for (int i = 1; i < 2000; ++i)
+        path.lineTo({ 200 + i * 0.1 * std::sin(i * 1.3), 200 + i * 0.1 * std::cos(i * 1.3) });
+    StrokeStyle style = pen(1, LineCap::Round);
+    style.dashes = { 0.4, 1.7 };
+    PageBitmap whole(PixelFormat::Gray8, size, size, {});
+    Painter(whole).strokePath(path, {}, style, {});
+    PageBitmap inStrips(PixelFormat::Gray8, size, size, {});
+    for (int top = 0; top < size; top += 20) {
+        PaintState strip;
+        strip.clip = ClipRegion::ofRect({ 0, top, size, top + 20 });
+        Painter(inStrips).strokePath(path, {}, style, strip);
+    }
+    int different = 0;
+    for (int y = 0; y < size; ++y) {
+        for (int x = 0; x < size; ++x)
+            different += std::abs(whole.row(y)[x] - inStrips.row(y)[x]) > 2 ? 1 : 0;
+    }
+    EXPECT_EQ(different, 0);
+}

@@ -25,7 +25,7 @@ void forEachStrokeLine(const Path& userPath, const Matrix& userToDevice, StrokeL
         hasSegment = false;
     };
     const auto goTo = [&](Point to, bool isSmooth) {
-        if (!isFinite(to) || line.vertices.empty())
+        if (!isFinite(to) || line.vertices.empty() || !sink.wantsMore())
             return;
         line.add(to, isSmooth);
         hasSegment = true;
@@ -40,7 +40,7 @@ void forEachStrokeLine(const Path& userPath, const Matrix& userToDevice, StrokeL
         },
         [&](Point to) { goTo(to, false); },
         [&](Point control1, Point control2, Point to) {
-            if (line.vertices.empty())
+            if (line.vertices.empty() || !sink.wantsMore())
                 return;
             const Cubic user { line.vertices.back().at, control1, control2, to };
             const Cubic device { userToDevice.apply(user.start), userToDevice.apply(user.control1),
@@ -88,7 +88,9 @@ Dasher::Dasher(const StrokeStyle& style, const Matrix& userToDevice, const Pixel
     , m_userToDevice(userToDevice)
     , m_area(area)
     // Caps and miters reach beyond a dash's ends.
-    , m_margin(penWidth * std::max(1.0, style.miterLimit))
+    , m_margin(penWidth * (isMitred(style.join) ? std::max(1.0, style.miterLimit) : 1))
+    // Hairlines have no caps.
+    , m_closedGap(penWidth > 1 ? widestClosedGap(style.cap, style.width, kFlatness / largestStretch(userToDevice)) : 0)
     , m_work(work)
     , m_sink(sink)
     , m_budget(static_cast<std::size_t>(kMostDashes / (1 + penWidth / kWideDash)))
@@ -133,7 +135,7 @@ void Dasher::line(StrokeLine& line)
     m_keepFirst = line.isClosed && m_phase.isOn();
     if (m_phase.isOn())
         m_dash.add(line.vertices.front().at);
-    for (std::size_t i = 1; i < line.vertices.size(); ++i)
+    for (std::size_t i = 1; i < line.vertices.size() && m_sink.wantsMore(); ++i)
         dashSegment(line.vertices[i - 1].at, line.vertices[i].at, line.vertices[i].isSmooth);
     if (line.isClosed)
         dashSegment(line.vertices.back().at, line.vertices.front().at, line.vertices.front().isSmooth);
@@ -194,10 +196,19 @@ void Dasher::dashSegment(Point from, Point to, bool endIsSmooth)
         }
     }
     constexpr std::uint64_t unitsPerDash = 30;
-    while (done + m_phase.left < until && m_budget > 0 && m_work.allows(Work::Lines, unitsPerDash)) {
+    while (
+        done + m_phase.left < until && m_budget > 0 && m_sink.wantsMore() && m_work.allows(Work::Lines, unitsPerDash)) {
         done += m_phase.left;
         const Point at = from + way * (done / length);
         if (m_phase.isOn()) {
+            Phase gap = m_phase;
+            advance(gap);
+            if (gap.left > 0 && gap.left <= m_closedGap && done + gap.left < until) {
+                done += gap.left;
+                m_phase = gap;
+                advance(m_phase);
+                continue;
+            }
             m_dash.add(at);
             m_dash.dotDirection = way;
             advance(m_phase);

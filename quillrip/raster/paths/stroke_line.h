@@ -41,6 +41,8 @@ class StrokeLineSink {
 public:
     virtual ~StrokeLineSink() = default;
     virtual void line(StrokeLine& line) = 0;
+    /// False: what follows would be left out, so it need not be made.
+    virtual bool wantsMore() const { return true; }
 };
 
 /// The lines of a path, with curves as chords that are straight to the eye in device space. Points that are no numbers
@@ -59,6 +61,7 @@ public:
         WorkMeter& work, StrokeLineSink& sink);
 
     void line(StrokeLine& line) override;
+    bool wantsMore() const override { return m_sink.wantsMore(); }
 
 private:
     struct Phase {
@@ -78,6 +81,7 @@ private:
     Matrix m_userToDevice;
     PixelRect m_area;
     double m_margin;
+    double m_closedGap; ///< gaps up to this, in user units, do not show
     WorkMeter& m_work;
     StrokeLineSink& m_sink;
     Phase m_phase;

@@ -21,39 +21,78 @@ constexpr double kAlongAxis = 1.0 / 512;
 
 constexpr std::uint64_t kUnitsPerLine = 50;
 constexpr std::uint64_t kUnitsPerVertex = 40;
+/// Of a line that is seen to lie above or below the area, and of its vertices.
+constexpr std::uint64_t kUnitsPerMissedLine = 10;
+constexpr std::uint64_t kUnitsPerMissedVertex = 5;
 /// Of a convex piece's vertex: an edge to be filled or kept.
 constexpr std::uint64_t kUnitsPerPieceVertex = 20;
 /// Of a span of a hairline, or of a piece on a bilevel page.
 constexpr std::uint64_t kUnitsPerSpan = 6;
 
+/// In half line widths: how far a join's tip can lie from the line.
+double longestMiter(const StrokeStyle& style)
+{
+    if (!isMitred(style.join))
+        return 1;
+    return std::isfinite(style.miterLimit) ? std::max(1.0, style.miterLimit) : 10;
+}
+
 /// Lines in user space to lines in device space.
 class DeviceLines : public StrokeLineSink {
 public:
-    DeviceLines(const Matrix& userToDevice, const Pen& pen, WorkMeter& work)
+    DeviceLines(
+        const Matrix& userToDevice, const Pen& pen, const StrokeStyle& style, const PixelRect& area, WorkMeter& work)
         : m_userToDevice(userToDevice)
         , m_pen(pen)
+        , m_capReach(kSpare + std::max(pen.deviceWidth(), pen.deviceHeight()))
+        , m_joinReach(m_capReach * longestMiter(style))
+        , m_area(area)
         , m_work(work)
     {
     }
 
     void line(StrokeLine& line) final
     {
-        if (!m_work.allows(Work::Lines, kUnitsPerLine + kUnitsPerVertex * line.vertices.size()))
-            return;
         for (StrokeLine::Vertex& vertex : line.vertices)
             vertex.at = m_userToDevice.apply(vertex.at);
         line.dotDirection = m_userToDevice.applyVector(line.dotDirection);
-        deviceLine(line);
+        const std::size_t count = line.vertices.size();
+        if (missesArea(line))
+            return charge(kUnitsPerMissedLine + kUnitsPerMissedVertex * count);
+        if (m_work.allows(Work::Lines, kUnitsPerLine + kUnitsPerVertex * count))
+            deviceLine(line);
     }
 
 protected:
     const Pen& pen() const { return m_pen; }
+    const PixelRect& area() const { return m_area; }
     void charge(std::uint64_t units) { m_work.charge(Work::Lines, units); }
     virtual void deviceLine(StrokeLine& line) = 0;
 
 private:
+    /// Device pixels that a crisp line may move, and more.
+    static constexpr double kSpare = 2;
+
+    /// Above or below the area, where nothing is drawn: of a stroke in bands, most of it.
+    bool missesArea(const StrokeLine& line) const
+    {
+        const double reach = line.vertices.size() > 2 ? m_joinReach : m_capReach;
+        const double top = m_area.top - reach;
+        const double bottom = m_area.bottom + reach;
+        bool isAbove = true;
+        bool isBelow = true;
+        for (const StrokeLine::Vertex& vertex : line.vertices) {
+            isAbove = isAbove && vertex.at.y < top;
+            isBelow = isBelow && vertex.at.y > bottom;
+        }
+        return isAbove || isBelow;
+    }
+
     Matrix m_userToDevice;
     Pen m_pen;
+    double m_capReach; ///< device pixels from a line of one segment to its farthest pixel, or more
+    double m_joinReach; ///< the same of any line
+    PixelRect m_area;
     WorkMeter& m_work;
 };
 
@@ -105,11 +144,10 @@ void trimEnd(Point& end, Point next, double farthest)
 
 class HairlineStroke final : public DeviceLines {
 public:
-    HairlineStroke(
-        const Matrix& userToDevice, const Pen& pen, LineCap cap, const PixelRect& area, WorkMeter& work, SpanSink& sink)
-        : DeviceLines(userToDevice, pen, work)
-        , m_cap(cap)
-        , m_area(area)
+    HairlineStroke(const Matrix& userToDevice, const Pen& pen, const StrokeStyle& style, const PixelRect& area,
+        WorkMeter& work, SpanSink& sink)
+        : DeviceLines(userToDevice, pen, style, area, work)
+        , m_cap(style.cap)
         , m_sink(sink)
     {
     }
@@ -135,13 +173,12 @@ private:
 
     void draw(Point from, Point to)
     {
-        const double rows = std::min(std::abs(to.y - from.y), static_cast<double>(m_area.height()));
+        const double rows = std::min(std::abs(to.y - from.y), static_cast<double>(area().height()));
         charge(kUnitsPerSpan * static_cast<std::uint64_t>(rows >= 0 ? rows : 0));
-        drawHairline(from, to, m_area, m_sink);
+        drawHairline(from, to, area(), m_sink);
     }
 
     LineCap m_cap;
-    PixelRect m_area;
     SpanSink& m_sink;
 };
 
@@ -149,7 +186,7 @@ class BilevelStroke final : public DeviceLines, private PieceSink, private SpanS
 public:
     BilevelStroke(const Matrix& userToDevice, const Pen& pen, const StrokeStyle& style, const PixelRect& area,
         WorkMeter& work, SpanSink& sink)
-        : DeviceLines(userToDevice, pen, work)
+        : DeviceLines(userToDevice, pen, style, area, work)
         , m_sink(sink)
         , m_fill(area, *this)
         , m_outline(style, *this)
@@ -209,23 +246,23 @@ public:
     static constexpr std::size_t kMostEdges = 393216;
 
     CoverageStroke(const Matrix& userToDevice, const Pen& pen, const StrokeStyle& style, const PixelRect& area,
-        WorkMeter& work, SpanSink& sink)
-        : DeviceLines(userToDevice, pen, work)
+        WorkMeter& work, EdgeList& edges, SpanSink& sink)
+        : DeviceLines(userToDevice, pen, style, area, work)
         , m_work(work)
-        , m_area(area)
         , m_sink(sink)
-        , m_edges(area)
+        , m_edges(edges)
         , m_outline(style, *this)
     {
+        m_edges.restart(area);
     }
 
     void finish()
     {
         m_edges.shrinkArea();
         scanCoverage(m_edges, FillRule::NonZero, m_sink, m_work);
-        m_edges = EdgeList(m_area);
+        m_edges.restart(area());
     }
-    bool isOverfull() const { return m_isOverfull; }
+    bool wantsMore() const override { return !m_isOverfull; }
 
 private:
     void deviceLine(StrokeLine& line) override
@@ -246,32 +283,32 @@ private:
         if (m_edges.edges().size() <= kMostEdges)
             return;
         // Memory stays bounded at the price of a seam.
-        if (m_area.height() == 1)
+        if (area().height() == 1)
             return finish();
-        m_edges = EdgeList(m_area);
+        m_edges.restart(area());
         m_isOverfull = true;
     }
 
     WorkMeter& m_work;
-    PixelRect m_area;
     SpanSink& m_sink;
-    EdgeList m_edges;
+    EdgeList& m_edges;
     StrokeOutline m_outline;
     bool m_isOverfull = false;
 };
 
 } // namespace
 
-void paintStroke(const Path& userPath, const Matrix& userToDevice, const StrokeStyle& style, Compositor& compositor)
+void paintStroke(
+    const Path& userPath, const Matrix& userToDevice, const StrokeStyle& style, Compositor& compositor, EdgeList& edges)
 {
     const PixelRect& area = compositor.bounds();
     WorkMeter& work = compositor.work();
     const Pen pen(style.width, userToDevice);
-    const auto run = [&](StrokeLineSink& lines) {
+    const auto run = [&](StrokeLineSink& lines, const PixelRect& part) {
         if (!Dasher::canDash(style, userToDevice))
             return forEachStrokeLine(userPath, userToDevice, lines);
         const double penWidth = std::max(pen.deviceWidth(), pen.deviceHeight());
-        Dasher dasher(style, userToDevice, area, penWidth, work, lines);
+        Dasher dasher(style, userToDevice, part, penWidth, work, lines);
         forEachStrokeLine(userPath, userToDevice, dasher);
     };
 
@@ -282,9 +319,9 @@ void paintStroke(const Path& userPath, const Matrix& userToDevice, const StrokeS
         while (!bands.empty() && !work.isExhausted()) {
             const PixelRect band = bands.back();
             bands.pop_back();
-            CoverageStroke lines(userToDevice, pen, style, band, work, painting);
-            run(lines);
-            if (!lines.isOverfull()) {
+            CoverageStroke lines(userToDevice, pen, style, band, work, edges, painting);
+            run(lines, band);
+            if (lines.wantsMore()) {
                 lines.finish();
                 continue;
             }
@@ -297,11 +334,11 @@ void paintStroke(const Path& userPath, const Matrix& userToDevice, const StrokeS
     SpanUnion spanUnion(area, painting);
     SpanSink& sink = compositor.isIdempotent() ? static_cast<SpanSink&>(painting) : spanUnion;
     if (pen.isHairline) {
-        HairlineStroke lines(userToDevice, pen, style.cap, area, work, sink);
-        run(lines);
+        HairlineStroke lines(userToDevice, pen, style, area, work, sink);
+        run(lines, area);
     } else {
         BilevelStroke lines(userToDevice, pen, style, area, work, sink);
-        run(lines);
+        run(lines, area);
     }
     spanUnion.finish();
 }

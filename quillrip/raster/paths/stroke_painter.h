@@ -3,6 +3,7 @@
 #include "quillrip/raster/compose/compositor.h"
 #include "quillrip/raster/paths/path.h"
 #include "quillrip/raster/paths/stroke_style.h"
+#include "quillrip/raster/scan/edge_list.h"
 
 namespace quillrip {
 
@@ -14,6 +15,9 @@ namespace quillrip {
 ///
 /// A line that only runs along the axes is moved by less than half a pixel so that its upper and left sides fall
 /// between pixels; on a bilevel page its width becomes a whole number too. So rules of equal width look equal.
-void paintStroke(const Path& userPath, const Matrix& userToDevice, const StrokeStyle& style, Compositor& compositor);
+///
+/// `edges` are for pages in grey and RGB: memory that the next stroke can have again.
+void paintStroke(const Path& userPath, const Matrix& userToDevice, const StrokeStyle& style, Compositor& compositor,
+    EdgeList& edges);
 
 } // namespace quillrip

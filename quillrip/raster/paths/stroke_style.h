@@ -1,5 +1,7 @@
 #pragma once
 
+#include <algorithm>
+#include <cmath>
 #include <vector>
 
 namespace quillrip {
@@ -21,6 +23,11 @@ enum class LineJoin {
     MiterClipped, ///< beyond the limit: cut off square there; mitred in HP-GL/2
 };
 
+constexpr bool isMitred(LineJoin join)
+{
+    return join == LineJoin::Miter || join == LineJoin::MiterBevel || join == LineJoin::MiterClipped;
+}
+
 /// Lengths in user units.
 struct StrokeStyle {
     double width = 1;
@@ -30,5 +37,17 @@ struct StrokeStyle {
     std::vector<double> dashes; ///< on, off, on, off ...; empty or all zero: solid. An "on" of 0 is a dot
     double dashOffset = 0; ///< distance into the dashes at which a subpath starts
 };
+
+/// The widest gap in a straight dashed line that the caps at its sides close: what is left open of the line's edge is
+/// at most `flatness` deep. All lengths in the same unit.
+inline double widestClosedGap(LineCap cap, double width, double flatness)
+{
+    if (cap == LineCap::Square)
+        return width;
+    // Two round ends that overlap leave a notch as deep as a chord of the gap's length lies below its arc.
+    const double radius = width / 2;
+    const double depth = std::min(flatness, radius);
+    return cap == LineCap::Round ? 2 * std::sqrt(depth * (2 * radius - depth)) : 0;
+}
 
 } // namespace quillrip

@@ -16,9 +16,10 @@ namespace {
 constexpr int kMostCuts = 48;
 constexpr std::int32_t kSampleHeight = 16;
 /// Edges that the strips or lines of one row may meet together. A few dozen bytes can ask for many thousand edges in
-/// every row (wide pens, short dashes): such rows are sampled on fewer lines.
+/// every row (wide pens, short dashes): such rows are sampled on fewer lines and cut less where edges cross.
 constexpr std::size_t kMostMeetings = 32768;
 
+constexpr std::uint64_t kUnitsPerSmoothShape = 400;
 constexpr std::uint64_t kUnitsPerSmoothEdge = 30;
 constexpr std::uint64_t kUnitsPerSmoothRow = 40;
 constexpr std::uint64_t kUnitsPerSmoothMeeting = 25;
@@ -74,7 +75,7 @@ public:
     void run()
     {
         const PixelRect& area = m_list.area();
-        m_work.charge(Work::Shapes, kUnitsPerSmoothEdge * m_list.edges().size());
+        m_work.charge(Work::Shapes, kUnitsPerSmoothShape + kUnitsPerSmoothEdge * m_list.edges().size());
         const std::vector<std::uint32_t> order = m_list.orderByRow(0);
         std::size_t next = 0;
         int y = area.top;
@@ -162,7 +163,8 @@ private:
             side.bottomX = side.edge->roundedXAt(bottom);
         }
         sortSides(sides);
-        if (bottom - top > kSampleHeight && crosses(sides)) {
+        const auto stripsOfHalf = static_cast<std::size_t>(2 * kSubpixels / (bottom - top));
+        if (bottom - top > kSampleHeight && sides.size() * stripsOfHalf <= kMostMeetings && crosses(sides)) {
             const std::int32_t middle = top + (bottom - top) / 2;
             addStrip(sides, top, middle);
             return addStrip(sides, middle, bottom);

@@ -17,14 +17,21 @@ constexpr int kReach = 1 << 19;
 } // namespace
 
 EdgeList::EdgeList(const PixelRect& area, Axes axes, bool keepLevelEdges)
-    : m_area(area.intersected({ -kFarthest, -kFarthest, kFarthest, kFarthest }))
-    , m_axes(axes)
+    : m_axes(axes)
     , m_keepLevelEdges(keepLevelEdges)
-    , m_left(m_area.left - kReach)
-    , m_top(m_area.top - kReach)
-    , m_right(m_area.right + kReach)
-    , m_bottom(m_area.bottom + kReach)
 {
+    restart(area);
+}
+
+void EdgeList::restart(const PixelRect& area)
+{
+    m_area = area.intersected({ -kFarthest, -kFarthest, kFarthest, kFarthest });
+    m_left = m_area.left - kReach;
+    m_top = m_area.top - kReach;
+    m_right = m_area.right + kReach;
+    m_bottom = m_area.bottom + kReach;
+    m_edges.clear();
+    m_sides = { SIZE_MAX, SIZE_MAX };
 }
 
 void EdgeList::addPath(const Path& devicePath)
@@ -70,13 +77,19 @@ void EdgeList::addPath(const Path& devicePath)
 void EdgeList::addConvex(const Point* points, std::size_t count)
 {
     double doubleArea = 0;
+    double top = HUGE_VAL;
+    double bottom = -HUGE_VAL;
     for (std::size_t i = 0; i < count; ++i) {
         if (!isFinite(points[i]))
             return;
+        top = std::min(top, points[i].y);
+        bottom = std::max(bottom, points[i].y);
         const Point a = points[i] - points[0];
         const Point b = points[i + 1 == count ? 0 : i + 1] - points[0];
         doubleArea += a.x * b.y - a.y * b.x;
     }
+    if (m_axes == Axes::Straight && (bottom < m_area.top || top > m_area.bottom))
+        return;
     for (std::size_t i = 0; i < count; ++i) {
         const Point a = points[i];
         const Point b = points[i + 1 == count ? 0 : i + 1];
@@ -103,7 +116,36 @@ void EdgeList::addLine(Point from, Point to)
     };
     const Point cutFrom = cut(from);
     const Point cutTo = cut(to);
-    addClippedInY(cutFrom, cutTo);
+    if (!passesBeside(cutFrom, cutTo))
+        addClippedInY(cutFrom, cutTo);
+}
+
+/// Past a small clip most edges of a large shape run from above it to below it, on its left or right. Only their
+/// winding matters, so one edge on each side stands for all of them.
+bool EdgeList::passesBeside(Point from, Point to)
+{
+    const bool isDown = from.y < to.y;
+    const Point& upper = isDown ? from : to;
+    const Point& lower = isDown ? to : from;
+    const bool isNear = std::min(from.x, to.x) >= m_left && std::max(from.x, to.x) <= m_right;
+    if (!(upper.y < m_area.top && lower.y > m_area.bottom && isNear))
+        return false;
+    // Where the edge is at the area's top and bottom, from its upper end on and times its height: no division.
+    const double height = lower.y - upper.y;
+    const double atTop = (lower.x - upper.x) * (m_area.top - upper.y);
+    const double atBottom = (lower.x - upper.x) * (m_area.bottom - upper.y);
+    const bool isLeft = std::max(atTop, atBottom) < (m_area.left - 1 - upper.x) * height;
+    const bool isRight = std::min(atTop, atBottom) > (m_area.right + 1 - upper.x) * height;
+    if (!isLeft && !isRight)
+        return false;
+    std::size_t& side = m_sides[isRight ? 1 : 0];
+    if (side == SIZE_MAX) {
+        side = m_edges.size();
+        const std::int32_t x = (isRight ? m_area.right + 1 : m_area.left - 1) * kSubpixels;
+        append({ m_area.top * kSubpixels, m_area.bottom * kSubpixels, x, x, 0, 0 });
+    }
+    m_edges[side].winding += isDown ? 1 : -1;
+    return true;
 }
 
 void EdgeList::addClippedInY(Point from, Point to)
@@ -143,6 +185,11 @@ void EdgeList::addFixed(Point from, Point to)
         edge.slope = (std::int64_t { edge.bottomX } - edge.x) * (std::int64_t { 1 } << 32) / (edge.bottom - edge.top);
     else if (!m_keepLevelEdges)
         return;
+    append(edge);
+}
+
+void EdgeList::append(const Edge& edge)
+{
     // Thousands of edges are mostly followed by some more, not by as many.
     constexpr std::size_t step = 65536;
     if (m_edges.size() == m_edges.capacity() && m_edges.size() >= step)

@@ -4,6 +4,7 @@
 #include "quillrip/raster/paths/path.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
@@ -55,6 +56,9 @@ public:
 
     EdgeList(const PixelRect& area, Axes axes = Axes::Straight, bool keepLevelEdges = false);
 
+    /// Forgets all edges, but keeps their memory, for those near another rectangle.
+    void restart(const PixelRect& area);
+
     /// Open subpaths are closed.
     void addPath(const Path& devicePath);
     /// A closed polygon whose edges all count so that its inside has positive winding.
@@ -65,7 +69,6 @@ public:
     /// Makes the area no larger than the edges need, so that a small shape on a large page costs little. No more
     /// edges after this.
     void shrinkArea();
-    bool empty() const { return m_edges.empty(); }
     const std::vector<Edge>& edges() const { return m_edges; }
     /// Indices into edges() sorted by the row that they are first needed in, which is the row of their top plus
     /// `lead` (in 1/256 pixels) but not above the area: a counting sort.
@@ -76,14 +79,17 @@ public:
     }
 
 private:
+    bool passesBeside(Point from, Point to);
     void addClippedInY(Point from, Point to);
     void addFixed(Point from, Point to);
+    void append(const Edge& edge);
 
     PixelRect m_area;
     Axes m_axes;
     bool m_keepLevelEdges;
     double m_left, m_top, m_right, m_bottom; ///< where edges are cut
     std::vector<Edge> m_edges;
+    std::array<std::size_t, 2> m_sides {}; ///< the edges that stand for those that pass on the left and on the right
 };
 
 } // namespace quillrip
