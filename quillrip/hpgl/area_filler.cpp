@@ -3,6 +3,7 @@
 #include "quillrip/hpgl/hatching.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstdint>
 #include <optional>
 #include <vector>
@@ -84,8 +85,11 @@ void AreaFiller::hatch(const Polygon& polygon, FillRule rule, const Hatching& ha
     const double spacingOnPage = m_coordinates.toDecipoints(request.spacing);
     // Lines that touch each other, or that no device can tell apart, make a solid area.
     constexpr double kFinestSpacing = 0.6;
-    const bool isSolid
-        = m_linePen.type().isSolid && spacingOnPage <= std::max(m_pens.widthDecipoints(), kFinestSpacing);
+    const bool isSolid = m_linePen.drawsSolid() && spacingOnPage <= std::max(m_pens.widthDecipoints(), kFinestSpacing);
+    // Of dashed lines that overlap within a device pixel, one for each pixel shows what all of them would.
+    const double leavesNothingOut = std::min(m_surface.pixelPitch(), m_pens.widthDecipoints());
+    if (leavesNothingOut >= 2 * spacingOnPage)
+        request.spacing *= std::floor(leavesNothingOut / spacingOnPage);
     if (isSolid || !m_surface.needsDetail() || spacingOnPage <= kFinestSpacing
         || !hpgl::hatch(polygon, request, m_work, lines)) {
         std::optional<PenInk> ink = m_inks.ofLines();

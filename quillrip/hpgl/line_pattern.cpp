@@ -21,8 +21,9 @@ constexpr std::uint64_t kUnitsPerStep = 50;
 /// Walks the pattern along a line and collects what the pen draws.
 class Dasher {
 public:
-    Dasher(const LinePattern& pattern, std::size_t mostDashes, WorkMeter& work, DashedLine& result)
+    Dasher(const LinePattern& pattern, double closedGap, std::size_t mostDashes, WorkMeter& work, DashedLine& result)
         : m_pattern(pattern)
+        , m_closedGap(closedGap)
         , m_dashesLeft(mostDashes)
         , m_work(work)
         , m_result(result)
@@ -64,19 +65,20 @@ public:
                 --m_dashesLeft;
             }
             const double step = std::min(m_left, length - done);
+            done += step;
+            m_left -= step;
+            m_isFreshSlot = m_isFreshSlot && step == 0;
             if (isDown() && step > 0) {
                 if (!m_isDrawing) {
                     m_result.dashes.moveTo(here);
                     --m_dashesLeft;
                 }
                 m_isDrawing = true;
-                m_result.dashes.lineTo(from + (to - from) * ((done + step) / length));
+                passClosedGaps(done, length);
+                m_result.dashes.lineTo(from + (to - from) * (done / length));
             }
-            done += step;
-            m_left -= step;
-            m_isFreshSlot = m_isFreshSlot && step == 0;
             // A slot that ends together with the vector is left at once, so that a dash is not taken up again.
-            if (m_left <= 1e-9)
+            if (m_left <= kNothing)
                 nextSlot();
         }
     }
@@ -84,7 +86,30 @@ public:
     void lift() { m_isDrawing = false; }
 
 private:
+    /// Of a slot's length.
+    static constexpr double kNothing = 1e-9;
+
     bool isDown() const { return m_slot % 2 == 0; }
+
+    /// From a dash's end on to that of the next one, as long as the gap between them lies within the vector and does
+    /// not show.
+    void passClosedGaps(double& done, double length)
+    {
+        const std::vector<double>& shares = m_pattern.shares;
+        while (m_left <= kNothing && m_slot + 1 < shares.size()) {
+            const double gap = shares[m_slot + 1] * m_length;
+            const std::size_t next = m_slot + 2 < shares.size() ? m_slot + 2 : 0;
+            const bool isDot = shares[next] == 0;
+            if (!(gap > 0 && gap <= m_closedGap && done + gap < length) || isDot
+                || !m_work.allows(Work::Lines, kUnitsPerStep))
+                return;
+            m_slot = next;
+            const double dash = shares[next] * m_length;
+            const double step = std::min(dash, length - done - gap);
+            done += gap + step;
+            m_left = dash - step;
+        }
+    }
 
     void drawRest(Point from, Point to)
     {
@@ -101,6 +126,7 @@ private:
     }
 
     const LinePattern& m_pattern;
+    double m_closedGap; ///< gaps up to this do not show
     std::size_t m_dashesLeft;
     WorkMeter& m_work;
     DashedLine& m_result;
@@ -152,15 +178,18 @@ const std::vector<double>& builtInLinePattern(int type)
 }
 
 DashedLine cutIntoDashes(const std::vector<LineVertex>& line, const LinePattern& pattern, const Rect& visible,
-    double penWidth, WorkMeter& work, double& phase)
+    const DashPen& pen, WorkMeter& work, double& phase)
 {
     DashedLine result;
     const double length = std::max(pattern.length, kShortestPattern);
     // What lies farther away than a whole pattern is passed over by arithmetic, however long it is.
     const Rect shown { visible.left - length - 100, visible.top - length - 100, visible.right + length + 100,
         visible.bottom + length + 100 };
-    const double mostDashes = kMostDashes / (1 + std::max(0.0, penWidth) / kWideDash);
-    Dasher dasher(pattern, std::max<std::size_t>(1, static_cast<std::size_t>(mostDashes)), work, result);
+    const double penWidth = std::max(0.0, pen.width);
+    const double mostDashes = kMostDashes / (1 + penWidth / kWideDash);
+    constexpr double kFinestNotch = 0.02; // decipoints
+    Dasher dasher(pattern, widestClosedGap(pen.cap, penWidth, kFinestNotch),
+        std::max<std::size_t>(1, static_cast<std::size_t>(mostDashes)), work, result);
     double at = pattern.isAdaptive ? 0 : std::fmod(phase, length);
     dasher.enter(at, length);
 

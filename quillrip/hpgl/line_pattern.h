@@ -2,6 +2,7 @@
 
 #include "quillrip/base/work_meter.h"
 #include "quillrip/hpgl/surface.h"
+#include "quillrip/raster/paths/stroke_style.h"
 
 #include <vector>
 
@@ -30,11 +31,17 @@ struct DashedLine {
     std::vector<Point> dots; ///< pen-down stretches without length
 };
 
+/// What the dashes are drawn with.
+struct DashPen {
+    double width = 0; ///< decipoints
+    LineCap cap = LineCap::Butt;
+};
+
 /// Cuts a line of at least two vertices. `phase` is how far into the pattern it starts and, afterwards, ends
-/// (decipoints; untouched by adaptive patterns). Dashes far outside `visible` are left out. A line that would need
-/// absurdly many dashes, fewer the wider the pen is (decipoints), is solid behind those. Every dash is charged; there
-/// are none when the meter is exhausted.
+/// (decipoints; untouched by adaptive patterns). Dashes far outside `visible` are left out, and gaps within a vector
+/// that the pen's caps close. A line that would need absurdly many dashes, fewer the wider the pen is, is solid behind
+/// those. Every dash is charged; there are none when the meter is exhausted.
 DashedLine cutIntoDashes(const std::vector<LineVertex>& line, const LinePattern& pattern, const Rect& visible,
-    double penWidth, WorkMeter& work, double& phase);
+    const DashPen& pen, WorkMeter& work, double& phase);
 
 } // namespace quillrip::hpgl

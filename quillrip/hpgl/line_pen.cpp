@@ -146,6 +146,12 @@ double LinePen::patternDecipoints(const PatternLength& length) const
                                                            : length.value / 100 * m_coordinates.diagonal());
 }
 
+bool LinePen::drawsSolid() const
+{
+    constexpr double kFinestPattern = 0.6; // decipoints: half a dot of a printer's
+    return m_type.isSolid || (!m_type.isDotsAtPoints() && patternDecipoints(m_type.length) < kFinestPattern);
+}
+
 StrokeStyle LinePen::strokeStyle() const
 {
     StrokeStyle style;
@@ -161,7 +167,7 @@ void LinePen::draw(const std::vector<LineVertex>& line, double& phase)
     m_state.hasDrawn = true;
     if (!m_work.allows(Work::Lines, kWorkPerPoint * line.size()))
         return;
-    if (m_type.isSolid) {
+    if (drawsSolid()) {
         gatherSolid(line);
     } else if (m_type.isDotsAtPoints()) {
         for (const LineVertex& vertex : line) {
@@ -206,7 +212,8 @@ void LinePen::gatherDashes(std::vector<LineVertex> line, double& phase)
     pattern.isAdaptive = m_type.type < 0;
     for (LineVertex& vertex : line)
         vertex.at = withinReach(vertex.at);
-    const DashedLine dashed = cutIntoDashes(line, pattern, m_clip.area(), m_pens.widthDecipoints(), m_work, phase);
+    const DashPen pen { m_pens.widthDecipoints(), m_attributes.cap };
+    const DashedLine dashed = cutIntoDashes(line, pattern, m_clip.area(), pen, m_work, phase);
     m_strokes.append(dashed.dashes);
     for (const Point dot : dashed.dots)
         drawDot(dot);

@@ -52,6 +52,8 @@ public:
     // How lines look
     void useDefaults();
     const LineType& type() const { return m_type; }
+    /// No device shows that the line has gaps, if it has any.
+    bool drawsSolid() const;
     /// LT: the line type begins anew.
     void setType(const LineType& type);
     /// LT without operands. The line type before can be taken up again where the pen still stands.

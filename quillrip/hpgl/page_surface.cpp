@@ -1,5 +1,7 @@
 #include "quillrip/hpgl/page_surface.h"
 
+#include "quillrip/base/units.h"
+
 #include <algorithm>
 #include <cmath>
 
@@ -90,6 +92,12 @@ void PageSurface::fill(const Path& path, FillRule rule, const PenInk& ink)
         return;
     const PixelRule pixels = ink.isArea && !m_host.isGridCentred() ? PixelRule::Touched : PixelRule::Centre;
     m_canvas.painter->fillPath(path.transformed(m_canvas.pageToDevice), rule, paintState(ink, m_areaClip), pixels);
+}
+
+double PageSurface::pixelPitch() const
+{
+    const PageCanvas canvas = m_hasCanvas ? m_canvas : m_host.previewCanvas();
+    return kDecipointsPerInch / std::max({ 1.0, canvas.resolution.x, canvas.resolution.y });
 }
 
 void PageSurface::drawGlyph(const Typeface& face, GlyphId glyph, const Matrix& glyphToPage, const PenInk& ink)

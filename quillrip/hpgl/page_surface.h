@@ -27,6 +27,7 @@ public:
     void fill(const Path& path, FillRule rule, const PenInk& ink) override;
     void drawGlyph(const Typeface& face, GlyphId glyph, const Matrix& glyphToPage, const PenInk& ink) override;
     RunStatus status() const override { return m_status; }
+    double pixelPitch() const override;
 
 private:
     /// A clip of the page and, once the page has begun, of its pixels.

@@ -36,6 +36,8 @@ public:
     virtual RunStatus status() const = 0;
     /// False: outlines do as well as dashes and hatch lines.
     virtual bool needsDetail() const { return true; }
+    /// How far apart the device's pixels are, the shorter way, in decipoints; 0: it has none.
+    virtual double pixelPitch() const { return 0; }
 };
 
 } // namespace quillrip::hpgl

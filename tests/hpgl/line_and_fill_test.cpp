@@ -7,6 +7,7 @@ namespace quillrip::test {
 namespace {
 
 using hpgl::DashedLine;
+using hpgl::DashPen;
 using hpgl::LinePattern;
 using hpgl::LineVertex;
 
@@ -18,7 +19,7 @@ WorkMeter& plenty()
 }
 
 const Rect kEverything { -1e6, -1e6, 1e6, 1e6 };
-constexpr double kThin = 1;
+constexpr DashPen kThin { 1 };
 
 /// Start and end of every dash along the x axis.
 std::vector<std::pair<double, double>> dashesOf(const DashedLine& line)
@@ -65,7 +66,7 @@ TEST(HpglLinePattern, MoreDashesThanAPenOfThatWidthCanShowAreOneSolidLine)
 {
     double phase = 0;
     const LinePattern pattern { { .5, .5 }, 10, false };
-    constexpr double absurdlyWide = 1e7;
+    constexpr DashPen absurdlyWide { 1e7 };
     const DashedLine line = cutIntoDashes(
         { { { 0, 0 } }, { { 500, 0 } }, { { 600, 0 } } }, pattern, kEverything, absurdlyWide, plenty(), phase);
     const auto dashes = dashesOf(line);
@@ -74,6 +75,36 @@ TEST(HpglLinePattern, MoreDashesThanAPenOfThatWidthCanShowAreOneSolidLine)
     EXPECT_NEAR(dashes[1].first, 5, 1e-9);
     EXPECT_NEAR(dashes[1].second, 500, 1e-9);
     EXPECT_NEAR(dashes[2].second, 600, 1e-9);
+}
+
+TEST(HpglLinePattern, GapsThatThePensCapsCloseAreNone)
+{
+    const auto dashes = [](LineCap cap, double gap) {
+        double phase = 0;
+        const LinePattern pattern { { (10 - gap) / 10, gap / 10 }, 10, false };
+        return dashesOf(
+            cutIntoDashes({ { { 0, 0 } }, { { 200, 0 } } }, pattern, kEverything, { 10, cap }, plenty(), phase));
+    };
+    EXPECT_EQ(dashes(LineCap::Butt, .5).size(), 20u);
+    EXPECT_EQ(dashes(LineCap::Triangle, .5).size(), 20u);
+    EXPECT_EQ(dashes(LineCap::Round, 1).size(), 20u); // a notch of a fortieth of a decipoint
+    EXPECT_EQ(dashes(LineCap::Square, 9).size(), 1u);
+    const auto round = dashes(LineCap::Round, .5);
+    ASSERT_EQ(round.size(), 1u);
+    EXPECT_NEAR(round[0].first, 0, 1e-9);
+    EXPECT_NEAR(round[0].second, 199.5, 1e-9);
+}
+
+TEST(HpglLinePattern, GapsAtCornersStay)
+{
+    double phase = 0;
+    const LinePattern pattern { { .5, .5 }, 10, false };
+    const DashPen pen { 10, LineCap::Square };
+    const auto dashes = dashesOf(
+        cutIntoDashes({ { { 0, 0 } }, { { 17, 0 } }, { { 40, 0 } } }, pattern, kEverything, pen, plenty(), phase));
+    ASSERT_EQ(dashes.size(), 2u);
+    EXPECT_NEAR(dashes[0].second, 15, 1e-9);
+    EXPECT_NEAR(dashes[1].first, 20, 1e-9);
 }
 
 TEST(HpglLinePattern, AdaptivePatternsFitEveryVector)
@@ -119,6 +150,16 @@ TEST(HpglLineType, FixedTypesLeaveGaps)
     EXPECT_FALSE(sheet.hasInk(300, 505));
     EXPECT_TRUE(sheet.hasLine(500, 505));
     EXPECT_TRUE(sheet.hasLine(300, 805));
+}
+
+TEST(HpglLineType, PatternsThatNoDeviceShowsAreSolid)
+{
+    PlotSheet solid(PixelFormat::Gray8);
+    solid.run("IN;SP1;PU100,505;PD900,505;PU;");
+    PlotSheet dashed(PixelFormat::Gray8);
+    dashed.run("IN;SP1;LT2,.5,1;PU100,505;PD900,505;LT2,.01,1;PU100,705;PD900,705;PU;");
+    for (int x = 150; x < 850; x += 10)
+        EXPECT_EQ(dashed.color(x, 705), solid.color(x, 505)) << x;
 }
 
 TEST(HpglLineType, UserDefinedPatternsReplaceBuiltInOnes)
@@ -176,6 +217,21 @@ TEST(HpglFill, HatchLinesKeepTheirDistanceFromTheAnchor)
     EXPECT_FALSE(sheet.hasInk(50, 455));
     sheet.run("IN;SP1;PW.1;FT4,100,0;PU100,100;RA900,900;");
     EXPECT_TRUE(sheet.hasLine(505, 450));
+}
+
+TEST(HpglFill, DashedHatchLinesNeedNotLieNearerThanPixels)
+{
+    // A pixel is ten plotter units.
+    PlotSheet near(PixelFormat::Gray8);
+    near.run("IN;SP1;LT2,5;FT3,1;PU100,100;RA900,900;");
+    PlotSheet atPixels(PixelFormat::Gray8);
+    atPixels.run("IN;SP1;LT2,5;FT3,10;PU100,100;RA900,900;");
+    for (int y = 105; y < 900; y += 10) {
+        for (int x = 105; x < 900; x += 10)
+            EXPECT_EQ(near.color(x, y), atPixels.color(x, y)) << x << "," << y;
+    }
+    EXPECT_EQ(near.color(115, 505), (Rgb { 0, 0, 0 })); // a dash of 36 units, and its gap
+    EXPECT_EQ(near.color(155, 505), (Rgb { 255, 255, 255 }));
 }
 
 TEST(HpglFill, HatchingFollowsHoles)

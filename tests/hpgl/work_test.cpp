@@ -61,8 +61,25 @@ void expectBounded(const std::string& plot, const std::string& kind)
 
 TEST(HpglWork, HatchesOfDashesEndInsideOfTheirLoops)
 {
-    expectBounded("IN;SP1;PS11000,8000;LA1,4;LT2,.001;FT4,1;RA11000,8000;", "lines");
-    expectBounded("IN;SP1;PS11000,8000;PW.01;LA1,4;LT2,.001;FT4,20;RA11000,8000;", "lines");
+    expectBounded("IN;SP1;PS11000,8000;LT2,.007;FT4,1;RA11000,8000;", "lines");
+    expectBounded("IN;SP1;PS11000,8000;PW.01;LA1,4;LT2,.007;FT4,20;RA11000,8000;", "lines");
+}
+
+TEST(HpglWork, HatchesThatNoDeviceTellsFromAreasCostWhatAreasDo)
+{
+    const Charged area("IN;SP1;PS11000,8000;RA11000,8000;");
+    const Charged hatch("IN;SP1;PS11000,8000;LA1,4;LT2,.001;FT4,1;RA11000,8000;");
+    EXPECT_EQ(hatch.status, RunStatus::Done);
+    EXPECT_LT(hatch.work->spent(), 2 * area.work->spent());
+}
+
+TEST(HpglWork, DashedHatchLinesNearerThanPixelsCostNoMore)
+{
+    // A pixel is ten plotter units.
+    const Charged near("IN;SP1;PS11000,8000;LT2,5;FT3,1;RA11000,8000;");
+    const Charged atPixels("IN;SP1;PS11000,8000;LT2,5;FT3,10;RA11000,8000;");
+    EXPECT_EQ(near.status, RunStatus::Done);
+    EXPECT_LT(near.work->spent(), atPixels.work->spent() * 5 / 4);
 }
 
 TEST(HpglWork, OneLineStopsAmongItsDashes)
@@ -75,7 +92,7 @@ TEST(HpglWork, OneLineStopsAmongItsDashes)
     pattern.length = 2;
     double phase = 0;
     const hpgl::DashedLine line
-        = cutIntoDashes({ { { 0, 0 } }, { { 1e6, 0 } } }, pattern, { 0, 0, 1e6, 10 }, 1, work, phase);
+        = cutIntoDashes({ { { 0, 0 } }, { { 1e6, 0 } } }, pattern, { 0, 0, 1e6, 10 }, { 1 }, work, phase);
     EXPECT_TRUE(work.isExhausted());
     EXPECT_LT(line.dashes.pointCount(), 500u);
     EXPECT_LT(work.spent(), 11'000u);
