@@ -147,7 +147,9 @@ bool RasterLayout::addComponents(ByteReader& reader, int count, double unitResol
     for (std::size_t i = 0; i < static_cast<std::size_t>(count); ++i) {
         resolutionX[i] = reader.readU16BigEndian().value_or(0);
         resolutionY[i] = reader.readU16BigEndian().value_or(0);
-        const int levels = reader.readU16BigEndian().value_or(2);
+        const int declared = reader.readU16BigEndian().value_or(2);
+        // CUPS' driver does not count the level without ink where a pixel is one bit.
+        const int levels = declared == 1 ? 2 : declared;
         if (resolutionX[i] < 1 || resolutionY[i] < 1 || levels < 2 || levels > 256)
             return false;
         Component component;

@@ -272,6 +272,17 @@ TEST(PclColor, ComponentsOfDifferentResolutions)
     EXPECT_EQ(printed.color(154, 0), kWhite);
 }
 
+TEST(PclColor, ComponentsOfOneLevelAreBitsOfInk)
+{
+    const std::string one = bytes({ 0x01, 0x2C, 0x01, 0x2C, 0, 1 });
+    const Printed printed = printColor(kStart + command("*g", "W", bytes({ 2, 3 }) + one + one + one) + at(0, 0)
+        + e("*r8s1A") + plane({ 0x80 }) + plane({ 0xC0 }) + row({ 0x20 }));
+    EXPECT_EQ(printed.color(75, 0), (Rgb { 0, 0, 255 }));
+    EXPECT_EQ(printed.color(76, 0), (Rgb { 255, 0, 255 }));
+    EXPECT_EQ(printed.color(77, 0), (Rgb { 255, 255, 0 }));
+    EXPECT_EQ(printed.color(78, 0), kWhite);
+}
+
 TEST(PclColor, WidthAndOffsetsCountPixelsOfTheCoarsestComponent)
 {
     const std::string configuration = bytes({ 2, 4, 0x02, 0x58, 0x02, 0x58, 0, 2, 0x01, 0x2C, 0x01, 0x2C, 0, 2, 0x01,
