@@ -4,7 +4,9 @@
 #include "quillrip/base/heap_account.h"
 #include "quillrip/base/sanitizer.h"
 #include "tests/cli/program.h"
+#include "tests/emf/plus/plus_records.h"
 #include "tests/pclxl/stream_builder.h"
+#include "tests/support/image_files.h"
 
 #include <gtest/gtest.h>
 
@@ -152,6 +154,15 @@ public:
         return record(81, fields);
     }
 
+    /// A comment of EMF+ records.
+    Metafile& plus(const emf::plus::test::Records& records)
+    {
+        constexpr std::uint32_t signature = 0x2B464D45;
+        Bytes fields = words({ 4 + static_cast<std::uint32_t>(records.get().size()), signature });
+        fields.insert(fields.end(), records.get().begin(), records.get().end());
+        return record(70, fields);
+    }
+
     std::string bytes() const
     {
         Metafile whole;
@@ -182,6 +193,36 @@ private:
     Bytes m_records;
     std::uint32_t m_count = 0;
 };
+
+/// EMF+ that draws an object's image over all of the page.
+std::string plusImage(int side, const emf::plus::test::Fields& object)
+{
+    using emf::plus::test::Fields;
+    constexpr std::uint8_t image = 5;
+    emf::plus::test::Records records = emf::plus::test::header();
+    records.object(image, 0, object);
+    records.add(0x401A, 0, Fields().u32({ 0, 2 }).f32({ 0, 0, double(side), double(side), 0, 0, 850, 1100 }));
+    return Metafile().plus(records).bytes();
+}
+
+emf::plus::test::Fields imageFile(const Bytes& file)
+{
+    return emf::plus::test::Fields().u32({ emf::plus::test::kVersion, 1, 0, 0, 0, 0, 1 }).bytes(file);
+}
+
+/// White squares, of which 6,000 x 6,000 pixels take some kilobytes: 137 MiB as Rgba32.
+constexpr int kLargeSide = 6000;
+
+Bytes largePng(bool isInterlaced)
+{
+    PngForm form;
+    form.width = form.height = kLargeSide;
+    form.colorType = 0;
+    form.depth = 1;
+    form.isInterlaced = isInterlaced;
+    form.isBlank = true;
+    return pngFile(form);
+}
 
 std::string repeated(const std::string& text, int count)
 {
@@ -239,6 +280,66 @@ TEST_F(Memory, HoldsNoPictureThatIsDrawnRowByRow)
         = convert(Metafile().picture(sideOfWords, 32, 0, Bytes(std::size_t { sideOfWords } * 4 * 2)).bytes());
     EXPECT_EQ(words.exitCode, 0) << words.errors;
     expectWithin(words, 0);
+}
+
+TEST_F(Memory, HoldsNoInterlacedPicture)
+{
+    constexpr std::uint32_t png = 5;
+    const Outcome outcome = convert(Metafile().picture(kLargeSide, 0, png, largePng(true)).bytes());
+    EXPECT_EQ(outcome.exitCode, 0) << outcome.errors;
+    expectWithin(outcome, 0);
+}
+
+TEST_F(Memory, HoldsNoImageOfEmfPlus)
+{
+    using emf::plus::test::Fields;
+    GifForm gif;
+    gif.screenWidth = gif.screenHeight = gif.width = gif.height = kLargeSide;
+    gif.isBlank = true;
+    TiffForm tiff;
+    tiff.width = tiff.height = kLargeSide;
+    tiff.bits = tiff.samples = 1;
+    tiff.photometric = 1;
+    tiff.rowsPerStrip = 64;
+    tiff.compression = 8; // Deflate
+    tiff.isBlank = true;
+    const auto side = static_cast<std::uint32_t>(kLargeSide);
+    constexpr std::uint32_t indexed1 = 0x00030101;
+    // Of which two rows came.
+    Fields pixels = Fields().u32({ emf::plus::test::kVersion, 1, side, side, side / 8, indexed1, 0 });
+    pixels.u32({ 0, 2, 0xFF000000, 0xFFFFFFFF }).bytes(Bytes(side / 8 * 2));
+    const std::vector<Fields> objects { imageFile(largePng(false)), imageFile(largePng(true)), imageFile(gifFile(gif)),
+        imageFile(tiffFile(tiff)), pixels };
+    for (std::size_t i = 0; i < objects.size(); ++i) {
+        SCOPED_TRACE(i);
+        const Outcome outcome = convert(plusImage(kLargeSide, objects[i]));
+        EXPECT_EQ(outcome.exitCode, 0) << outcome.errors;
+        EXPECT_EQ(outcome.errors, "");
+        expectWithin(outcome, 0);
+    }
+}
+
+TEST_F(Memory, HoldsOfATextureWhatThePageShows)
+{
+    using emf::plus::test::Fields;
+    constexpr std::uint8_t brush = 1;
+    constexpr std::uint32_t texture = 2;
+    constexpr std::uint32_t hasTransform = 2;
+    const auto page = [](double scale) {
+        emf::plus::test::Records records = emf::plus::test::header();
+        records.object(brush, 0,
+            Fields()
+                .u32({ emf::plus::test::kVersion, texture, hasTransform, 0 })
+                .f32({ scale, 0, 0, scale, 0, 0 })
+                .bytes(imageFile(largePng(false))));
+        records.add(0x400A, 0, Fields().u32({ 0, 1 }).f32({ 0, 0, 850, 1100 }));
+        return Metafile().plus(records).bytes();
+    };
+    const Outcome reduced = convert(page(0.1));
+    EXPECT_EQ(reduced.exitCode, 0) << reduced.errors;
+    EXPECT_EQ(reduced.errors, "");
+    expectWithin(reduced, 0);
+    expectStopped(page(1));
 }
 
 TEST_F(Memory, BoundsRowsWiderThanAnyPage)
