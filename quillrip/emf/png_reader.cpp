@@ -1,5 +1,6 @@
 #include "quillrip/emf/png_reader.h"
 
+#include <array>
 #include <csetjmp>
 #include <cstring>
 
@@ -9,6 +10,17 @@ namespace {
 
 void onPngError(png_structp png, png_const_charp) { png_longjmp(png, 1); }
 void onPngWarning(png_structp, png_const_charp) { }
+
+/// Of the chunks that a reader may pass over, those that say what the colours are. Others, as comments, would be
+/// unpacked and kept, and a few bytes can stand for megabytes.
+void skipComments(png_structp png)
+{
+    constexpr int all = -1;
+    png_set_keep_unknown_chunks(png, PNG_HANDLE_CHUNK_NEVER, nullptr, all);
+    static constexpr std::array<png_byte, 20> colors { 'c', 'H', 'R', 'M', 0, 'g', 'A', 'M', 'A', 0, 'i', 'C', 'C', 'P',
+        0, 's', 'R', 'G', 'B', 0 };
+    png_set_keep_unknown_chunks(png, PNG_HANDLE_CHUNK_AS_DEFAULT, colors.data(), static_cast<int>(colors.size() / 5));
+}
 
 /// What libpng takes: its structures and zlib's window, and two rows of up to four channels of 16 bits.
 std::uint64_t readerBytes(std::uint32_t width)
@@ -40,13 +52,25 @@ bool PngReader::readHeader()
         return false;
     png_set_read_fn(m_png, this, give);
     png_set_benign_errors(m_png, 1);
+    skipComments(m_png);
     png_read_info(m_png, m_info);
     return true;
 }
 
+/// Of the colour profile, which the library keeps as it is unpacked, and a copy of it.
+std::uint64_t PngReader::profileBytes() const
+{
+    png_charp name = nullptr;
+    int compression = 0;
+    png_bytep profile = nullptr;
+    png_uint_32 bytes = 0;
+    png_get_iCCP(m_png, m_info, &name, &compression, &profile, &bytes);
+    return std::uint64_t { bytes } * 2;
+}
+
 bool PngReader::start()
 {
-    m_claim.emplace().add(readerBytes(width()));
+    m_claim.emplace().add(readerBytes(width()) + profileBytes());
     return startRows();
 }
 

@@ -38,6 +38,7 @@ public:
 
 private:
     static void give(png_structp png, png_bytep to, std::size_t count);
+    std::uint64_t profileBytes() const;
     bool startRows();
 
     ByteView m_file;

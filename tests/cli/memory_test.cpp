@@ -319,6 +319,40 @@ TEST_F(Memory, HoldsNoImageOfEmfPlus)
     }
 }
 
+TEST_F(Memory, UnpacksNoCommentsOfImageFiles)
+{
+    PngForm form;
+    form.comments = 40; // 153 MiB in 160 KB
+    const Outcome outcome = convert(plusImage(form.width, imageFile(pngFile(form))));
+    EXPECT_EQ(outcome.exitCode, 0) << outcome.errors;
+    EXPECT_EQ(outcome.errors, "");
+    expectWithin(outcome, 0);
+}
+
+TEST_F(Memory, StopsImageFilesWhoseFieldsShareTheirBytes)
+{
+    // A directory of a TIFF file: a field for each number there is, all of them the same bytes.
+    constexpr std::uint32_t fields = 4000;
+    constexpr std::uint32_t shared = 40000;
+    constexpr std::uint32_t directory = 8;
+    emf::plus::test::Fields file;
+    file.u8({ 'I', 'I', 42, 0 }).u32({ directory }).u16({ fields });
+    const auto field = [&file](unsigned tag, unsigned type, std::uint32_t count, std::uint32_t value) {
+        file.u16({ tag, type }).u32({ count, value });
+    };
+    constexpr unsigned number = 4;
+    constexpr unsigned anything = 7;
+    constexpr unsigned firstNote = 40000;
+    field(256, number, 1, 1);
+    field(257, number, 1, 1);
+    field(262, number, 1, 1);
+    field(273, number, 1, 0);
+    field(279, number, 1, 1);
+    for (std::uint32_t i = 5; i < fields; ++i)
+        field(firstNote + i, anything, shared, directory);
+    expectStopped(plusImage(1, imageFile(file)));
+}
+
 TEST_F(Memory, HoldsOfATextureWhatThePageShows)
 {
     using emf::plus::test::Fields;

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
+#include <string>
 
 #include <gif_lib.h>
 #include <png.h>
@@ -37,6 +38,34 @@ void setColors(png_structp png, png_infop info, const PngForm& form)
     png_color_16 transparent {};
     if (form.hasTransparentColor)
         png_set_tRNS(png, info, opacities.data(), count, &transparent);
+}
+
+void setComment(png_structp png, png_infop info)
+{
+    std::string key = "Comment";
+    std::string comment(4'000'000, ' ');
+    png_text text {};
+    text.compression = PNG_TEXT_COMPRESSION_zTXt;
+    text.key = key.data();
+    text.text = comment.data();
+    text.text_length = comment.size();
+    png_set_text(png, info, &text, 1);
+}
+
+/// The chunk that setComment() made, so often altogether.
+void repeatComment(Bytes& file, int count)
+{
+    const std::string name = "zTXt";
+    const auto found = std::search(file.begin(), file.end(), name.begin(), name.end());
+    if (found == file.end())
+        return;
+    constexpr std::ptrdiff_t field = 4; // length, name and checksum
+    const auto start = found - field;
+    const auto bytes = (start[1] << 16 | start[2] << 8 | start[3]) + 3 * field;
+    const Bytes chunk(start, start + bytes);
+    auto at = start - file.begin();
+    for (; count > 1; --count)
+        file.insert(file.begin() + at, chunk.begin(), chunk.end());
 }
 
 /// A file that libtiff writes.
@@ -123,6 +152,8 @@ Bytes pngFile(const PngForm& form)
     if (form.gamma > 0)
         png_set_gAMA(png, info, form.gamma);
     setColors(png, info, form);
+    if (form.comments > 0)
+        setComment(png, info);
     png_write_info(png, info);
     const std::size_t rowBytes = png_get_rowbytes(png, info);
     const int passes = png_set_interlace_handling(png);
@@ -132,6 +163,7 @@ Bytes pngFile(const PngForm& form)
     }
     png_write_end(png, nullptr);
     png_destroy_write_struct(&png, &info);
+    repeatComment(file, form.comments);
     return file;
 }
 

@@ -20,6 +20,7 @@ struct PngForm {
     /// All zeros, and deflated; otherwise samples that are stored as they are, so that a part of the file has a part of
     /// the rows.
     bool isBlank = false;
+    int comments = 0; ///< so many, of four million bytes each, that are deflated
 };
 std::vector<std::uint8_t> pngFile(const PngForm& form);
 

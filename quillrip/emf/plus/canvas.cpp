@@ -61,7 +61,8 @@ std::shared_ptr<const ColorSource> Canvas::textureOf(const TextureBrush& brush, 
         m_warn("emfplus.image", "a texture is not drawn: " + problem);
         return nullptr;
     }
-    auto source = textureSource(*image, brush.wrap, brush.toWorld * worldToDevice, state().isSmooth);
+    auto source
+        = textureSource(*image, brush.wrap, brush.toWorld * worldToDevice, state().isSmooth, m_host.painter.work());
     warnOfDamage(*image);
     return source;
 }

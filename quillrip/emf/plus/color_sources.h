@@ -21,7 +21,7 @@ std::shared_ptr<const ColorSource> pathGradientSource(const PathGradientBrush& b
 
 /// It holds the image, as far as it is not reduced. Throws std::bad_alloc where there is no room for it.
 std::shared_ptr<const ColorSource> textureSource(
-    OpenImage& image, WrapMode wrap, const Matrix& imageToDevice, bool isSmooth);
+    OpenImage& image, WrapMode wrap, const Matrix& imageToDevice, bool isSmooth, WorkMeter& work);
 
 /// The colours of another one as they look on white paper: a page cannot become transparent.
 std::shared_ptr<const ColorSource> overWhiteSource(std::shared_ptr<const ColorSource> source);

@@ -88,13 +88,17 @@ void Reduction::add(const std::uint8_t* row, std::size_t at)
 
 } // namespace
 
-std::shared_ptr<const Pixels> reducedPixels(OpenImage& image, int halvings)
+std::shared_ptr<const Pixels> reducedPixels(OpenImage& image, int halvings, WorkMeter& work)
 {
     if (halvings == 0 && image.pixels())
         return image.pixels();
     Reduction reduction(image.width(), image.height(), halvings);
-    for (int y = 0; y < image.height(); ++y)
+    constexpr std::uint64_t unitsPerPixel = 8;
+    for (int y = 0; y < image.height(); ++y) {
+        if (!work.allows(Work::Images, static_cast<std::uint64_t>(image.width()) * unitsPerPixel))
+            break;
         reduction.add(image.row(y));
+    }
     return reduction.pixels();
 }
 

@@ -98,7 +98,7 @@ private:
 } // namespace
 
 std::shared_ptr<const ColorSource> textureSource(
-    OpenImage& image, WrapMode wrap, const Matrix& imageToDevice, bool isSmooth)
+    OpenImage& image, WrapMode wrap, const Matrix& imageToDevice, bool isSmooth, WorkMeter& work)
 {
     if (!imageToDevice.isInvertible())
         return nullptr;
@@ -114,7 +114,7 @@ std::shared_ptr<const ColorSource> textureSource(
         height /= 2;
         toDevice = Matrix::scaling(scaleX, scaleY) * toDevice;
     }
-    return std::make_shared<const TextureSource>(reducedPixels(image, halvings), wrap, toDevice, isSmooth);
+    return std::make_shared<const TextureSource>(reducedPixels(image, halvings, work), wrap, toDevice, isSmooth);
 }
 
 } // namespace quillrip::emf::plus

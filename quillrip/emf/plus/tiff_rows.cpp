@@ -5,6 +5,7 @@
 #include "quillrip/emf/plus/memory_file.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdint>
 #include <limits>
 #include <memory>
@@ -53,6 +54,34 @@ void unmapTiff(thandle_t, void*, toff_t) { }
 struct TiffCloser {
     void operator()(TIFF* tiff) const { TIFFClose(tiff); }
 };
+
+/// What the library takes for the first directory, of which it keeps every field: together they can have far more bytes
+/// than the file, where they share them (TIFF 6.0, Image File Directory).
+std::uint64_t directoryBytes(ByteView file)
+{
+    const bool isBigEndian = !file.empty() && file[0] == 'M';
+    const auto number = [&](std::size_t at, std::size_t bytes) {
+        const ByteView part = file.sub(at, bytes);
+        std::uint64_t value = 0;
+        for (std::size_t i = 0; i < part.size; ++i)
+            value = value << 8 | part[isBigEndian ? i : part.size - 1 - i];
+        return value;
+    };
+    constexpr std::array<std::uint64_t, 14> typeBytes { 0, 1, 1, 2, 4, 8, 1, 1, 2, 4, 8, 4, 8, 4 };
+    constexpr std::size_t fieldBytes = 12;
+    const auto start = static_cast<std::size_t>(number(4, 4));
+    const std::uint64_t fields = number(start, 2);
+    std::uint64_t sum = 0;
+    for (std::size_t i = 0; i < fields; ++i) {
+        const std::size_t at = start + 2 + i * fieldBytes;
+        const std::uint64_t type = number(at + 2, 2);
+        const std::uint64_t bytes = type < typeBytes.size() ? typeBytes[type] * number(at + 4, 4) : 0;
+        // A field that is longer than the file is not read.
+        sum += bytes <= file.size ? bytes : 0;
+    }
+    // Places and lengths of strips take up to eight bytes in memory for two in the file.
+    return sum * 4;
+}
 
 /// What the library takes to decode a piece: a strip or a tile, of each of the planes that make up a pixel.
 std::uint64_t pieceBytes(TIFF* tiff)
@@ -143,6 +172,7 @@ bool TiffRows::open(std::size_t bandBytes)
     // The library would write its complaints to the console.
     TIFFSetErrorHandler(nullptr);
     TIFFSetWarningHandler(nullptr);
+    m_claim.add(directoryBytes(m_file.bytes));
     m_tiff.reset(TIFFClientOpen(
         "image", "r", &m_file, readTiff, writeTiff, seekTiff, closeTiff, sizeOfTiff, mapTiff, unmapTiff));
     std::uint32_t width = 0;

@@ -38,7 +38,7 @@ std::shared_ptr<const ColorSource> textureOfFour(WrapMode wrap, const Matrix& im
     WorkMeter work;
     std::string problem;
     OpenImage image(object, openImage(*object, work, problem));
-    return textureSource(image, wrap, imageToDevice, isSmooth);
+    return textureSource(image, wrap, imageToDevice, isSmooth, work);
 }
 
 constexpr Rgba kRed { 255, 0, 0, 255 };

@@ -203,12 +203,12 @@ TEST_F(EmfPlusImageCache, TexturesAreHalvedWhileTheirRowsComeIn)
         const auto object = pixelObject(width, height);
         OpenImage held = opened(object, OpenImage::kMostHeldBytes);
         OpenImage rows = opened(object);
-        EXPECT_EQ(reducedPixels(held, 0), held.pixels());
+        EXPECT_EQ(reducedPixels(held, 0, m_work), held.pixels());
         std::shared_ptr<const Pixels> expected = held.pixels();
         for (int halvings = 0; halvings <= 3; ++halvings) {
             SCOPED_TRACE(halvings);
             for (OpenImage* image : { &held, &rows }) {
-                const auto reduced = reducedPixels(*image, halvings);
+                const auto reduced = reducedPixels(*image, halvings, m_work);
                 EXPECT_EQ(reduced->width, expected->width);
                 EXPECT_EQ(reduced->height, expected->height);
                 EXPECT_EQ(reduced->bytes, expected->bytes);
@@ -216,6 +216,19 @@ TEST_F(EmfPlusImageCache, TexturesAreHalvedWhileTheirRowsComeIn)
             expected = halved(*expected);
         }
     }
+}
+
+TEST_F(EmfPlusImageCache, TexturesAreChargedEachTimeTheyAreMade)
+{
+    const auto object = pixelObject(16, 16);
+    OpenImage held = opened(object, OpenImage::kMostHeldBytes);
+    reducedPixels(held, 0, m_work);
+    EXPECT_EQ(m_work.spent(Work::Images), 0U) << "it is shared";
+    reducedPixels(held, 1, m_work);
+    const std::uint64_t once = m_work.spent(Work::Images);
+    EXPECT_GT(once, 16U * 16);
+    reducedPixels(held, 1, m_work);
+    EXPECT_EQ(m_work.spent(Work::Images), 2 * once);
 }
 
 TEST_F(EmfPlusImageCache, TexturesTakeTheRoomOfWhatIsLeft)
@@ -229,10 +242,10 @@ TEST_F(EmfPlusImageCache, TexturesTakeTheRoomOfWhatIsLeft)
     object->bytes.resize(16 + std::size_t { side } * side / 8);
     OpenImage image = opened(object);
     const SpareHeap bound(OpenImage::kRecentBytes + (3U << 20));
-    const auto reduced = reducedPixels(image, 2);
+    const auto reduced = reducedPixels(image, 2, m_work);
     EXPECT_EQ(reduced->width, side / 4);
     EXPECT_EQ(reduced->row(side / 4 - 1)[2], 0x30);
-    EXPECT_THROW(reducedPixels(image, 0), std::bad_alloc);
+    EXPECT_THROW(reducedPixels(image, 0, m_work), std::bad_alloc);
 }
 
 TEST(EmfPlusImage, DamagedFilesAreDrawnAsFarAsTheyCame)
