@@ -1,6 +1,5 @@
 #include "quillrip/base/heap_account.h"
 
-#include <algorithm>
 #include <new>
 
 namespace quillrip {
@@ -11,7 +10,6 @@ namespace {
 struct Terms {
     MemoryBudget budget;
     std::uint64_t input = 0;
-    std::uint64_t picture = 0;
     bool isOpen = false;
 
     std::uint64_t bound() const { return isOpen ? total() : UINT64_MAX; }
@@ -19,8 +17,7 @@ struct Terms {
     {
         const std::uint64_t most = budget.mostForInput;
         const bool isWithin = budget.perInputByte == 0 || input < most / budget.perInputByte;
-        return budget.bytes + (isWithin ? input * budget.perInputByte : most)
-            + std::min(picture, budget.mostForPicture);
+        return budget.bytes + (isWithin ? input * budget.perInputByte : most);
     }
 };
 
@@ -30,7 +27,7 @@ Terms s_terms;
 
 void HeapAccount::open(const MemoryBudget& budget) noexcept
 {
-    s_terms = { budget, 0, 0, true };
+    s_terms = { budget, 0, true };
     s_bound = s_terms.bound();
     s_isRefusing = false;
 }
@@ -44,12 +41,6 @@ void HeapAccount::close() noexcept
 void HeapAccount::addInput(std::uint64_t bytes) noexcept
 {
     s_terms.input += bytes;
-    s_bound = s_terms.bound();
-}
-
-void HeapAccount::expectPicture(std::uint64_t bytes) noexcept
-{
-    s_terms.picture = std::max(s_terms.picture, bytes);
     s_bound = s_terms.bound();
 }
 

@@ -18,10 +18,6 @@ struct MemoryBudget {
     /// path is filled.
     std::uint32_t perInputByte = 32;
     std::uint64_t mostForInput = std::uint64_t { 1 } << 30;
-    /// For the largest compressed picture that cannot be decoded row by row: an A4 sheet at 600 dpi in colour, 35
-    /// million pixels, takes 4 bytes for each of them or, as coefficients of a progressive JPEG file, 6. It has
-    /// nothing to do with the bytes of its file: a white sheet takes next to none.
-    std::uint64_t mostForPicture = std::uint64_t { 256 } << 20;
 };
 
 /// The account of the process's heap. It has no instance, as there is one heap: what new gives out is entered by the
@@ -38,8 +34,6 @@ public:
 
     /// The job's reader has so many bytes more.
     static void addInput(std::uint64_t bytes) noexcept;
-    /// A compressed picture is about to be decoded, as a whole, that takes so many bytes at once.
-    static void expectPicture(std::uint64_t bytes) noexcept;
 
     /// Enters bytes that have been or will be taken. False, and nothing is entered, above the bound.
     [[nodiscard]] static bool take(std::uint64_t bytes) noexcept

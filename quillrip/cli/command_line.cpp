@@ -247,7 +247,7 @@ Request conversionOf(const Arguments& arguments)
     options.limits.pages = static_cast<std::uint32_t>(arguments.mostPages.value_or(kMostPages));
     options.limits.outputBytes = static_cast<std::uint64_t>(arguments.mostOutput.value_or(0)) << 20;
     if (arguments.mostMemory)
-        options.limits.memory = { static_cast<std::uint64_t>(*arguments.mostMemory) << 20, 0, 0, 0 };
+        options.limits.memory = { static_cast<std::uint64_t>(*arguments.mostMemory) << 20, 0, 0 };
     options.inputPath = arguments.input;
     options.document.path = arguments.output;
     options.document.type = *type;

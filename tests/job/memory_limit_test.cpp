@@ -41,7 +41,7 @@ public:
 
     ConversionResult run(std::uint64_t bytes)
     {
-        m_options.limits.memory = { HeapAccount::used() + bytes, 0, 0, 0 };
+        m_options.limits.memory = { HeapAccount::used() + bytes, 0, 0 };
         m_options.limits.work = std::make_shared<WorkMeter>();
         Nobody nobody;
         return convert(m_options, nobody, nobody);
@@ -88,7 +88,7 @@ TEST_F(MemoryLimit, CountsWhatNewGivesOutAndDeleteTakesBack)
 
 TEST_F(MemoryLimit, NewThrowsAboveIt)
 {
-    const HeapBound bound({ HeapAccount::used() + kMegabyte, 0, 0, 0 });
+    const HeapBound bound({ HeapAccount::used() + kMegabyte, 0, 0 });
     EXPECT_THROW(std::vector<char>(2 * kMegabyte), std::bad_alloc);
     EXPECT_EQ(std::vector<char>(kMegabyte / 2).size(), kMegabyte / 2);
     EXPECT_EQ(new (std::nothrow) char[2 * kMegabyte], nullptr);

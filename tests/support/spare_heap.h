@@ -10,7 +10,7 @@ namespace quillrip::test {
 class SpareHeap {
 public:
     explicit SpareHeap(std::uint64_t bytes)
-        : m_bound({ HeapAccount::used() + bytes, 0, 0, 0 })
+        : m_bound({ HeapAccount::used() + bytes, 0, 0 })
     {
     }
 
