@@ -16,7 +16,7 @@ namespace quillrip::emf {
 
 namespace {
 
-constexpr const char* kDamaged = "its PNG file is damaged";
+constexpr const char* kDamagedPng = "its PNG file is damaged";
 
 class PngRows : public SequentialRows {
 public:
@@ -211,7 +211,7 @@ std::unique_ptr<ImageRows> openPng(ByteView file, std::uint64_t mostPixels, Work
     {
         PngReader reader(file);
         if (!reader.readHeader()) {
-            problem = kDamaged;
+            problem = kDamagedPng;
             return nullptr;
         }
         if (std::uint64_t { reader.width() } * reader.height() > mostPixels) {
@@ -229,7 +229,7 @@ std::unique_ptr<ImageRows> openPng(ByteView file, std::uint64_t mostPixels, Work
         if (rows->begin())
             return rows;
     }
-    problem = kDamaged;
+    problem = kDamagedPng;
     return nullptr;
 }
 

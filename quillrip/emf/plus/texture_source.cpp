@@ -108,11 +108,13 @@ std::shared_ptr<const ColorSource> textureSource(
     int halvings = 0;
     // A texture that shrinks is made smaller first, so that no pixel of it is lost.
     for (; isSmooth && std::abs(toDevice.determinant()) < 0.25 && width > 1 && height > 1; ++halvings) {
-        const double scaleX = static_cast<double>(width) / (width / 2);
-        const double scaleY = static_cast<double>(height) / (height / 2);
-        width /= 2;
-        height /= 2;
-        toDevice = Matrix::scaling(scaleX, scaleY) * toDevice;
+        const int halfWidth = width / 2;
+        const int halfHeight = height / 2;
+        const Matrix toWhole
+            = Matrix::scaling(static_cast<double>(width) / halfWidth, static_cast<double>(height) / halfHeight);
+        toDevice = toWhole * toDevice;
+        width = halfWidth;
+        height = halfHeight;
     }
     return std::make_shared<const TextureSource>(reducedPixels(image, halvings, work), wrap, toDevice, isSmooth);
 }

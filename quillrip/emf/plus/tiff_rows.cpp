@@ -83,6 +83,17 @@ std::uint64_t directoryBytes(ByteView file)
     return sum * 4;
 }
 
+/// The codings that GDI+, which puts the files there, can read. Others take memory as they please.
+bool hasKnownCoding(TIFF* tiff)
+{
+    constexpr std::array<std::uint16_t, 10> known { COMPRESSION_NONE, COMPRESSION_CCITTRLE, COMPRESSION_CCITTFAX3,
+        COMPRESSION_CCITTFAX4, COMPRESSION_LZW, COMPRESSION_OJPEG, COMPRESSION_JPEG, COMPRESSION_ADOBE_DEFLATE,
+        COMPRESSION_PACKBITS, COMPRESSION_DEFLATE };
+    std::uint16_t coding = COMPRESSION_NONE;
+    TIFFGetFieldDefaulted(tiff, TIFFTAG_COMPRESSION, &coding);
+    return std::find(known.begin(), known.end(), coding) != known.end();
+}
+
 /// What the library takes to decode a piece: a strip or a tile, of each of the planes that make up a pixel.
 std::uint64_t pieceBytes(TIFF* tiff)
 {
@@ -160,6 +171,7 @@ private:
     TIFFRGBAImage m_image {};
     bool m_hasImage = false;
     bool m_isUpsideDown = false;
+    std::uint64_t m_costOfPixel = 1; ///< times that of one of four bytes
     std::uint64_t m_pieceRows = 1;
     std::uint64_t m_bandRows = 1;
     std::vector<std::uint32_t> m_band;
@@ -178,7 +190,8 @@ bool TiffRows::open(std::size_t bandBytes)
     std::uint32_t width = 0;
     std::uint32_t height = 0;
     if (!m_tiff || !TIFFGetField(m_tiff.get(), TIFFTAG_IMAGEWIDTH, &width)
-        || !TIFFGetField(m_tiff.get(), TIFFTAG_IMAGELENGTH, &height) || !isDrawableSize(width, height))
+        || !TIFFGetField(m_tiff.get(), TIFFTAG_IMAGELENGTH, &height) || !isDrawableSize(width, height)
+        || !hasKnownCoding(m_tiff.get()))
         return false;
     const std::uint64_t piece = pieceBytes(m_tiff.get());
     m_claim.add(piece);
@@ -194,6 +207,7 @@ bool TiffRows::open(std::size_t bandBytes)
     m_shape.hasAlpha = m_image.alpha != 0;
     m_shape.width = static_cast<int>(width);
     m_shape.height = static_cast<int>(height);
+    m_costOfPixel = std::max(1U, unsigned { m_image.samplesperpixel } * m_image.bitspersample / 32);
     m_pieceRows = pieceRows(m_tiff.get(), m_shape.height);
     // Within a piece, a band begins where rows that share their colours do (at most four).
     constexpr std::uint64_t mostSubsampled = 4;
@@ -215,7 +229,7 @@ void TiffRows::readBand(std::uint64_t row)
     m_first = isWithinPiece ? row - (row - piece) % m_bandRows : row - row % m_bandRows;
     m_count = std::min(m_bandRows, (isWithinPiece ? std::min(piece + m_pieceRows, height) : height) - m_first);
     m_band.assign(width * m_count, blank());
-    if (!mayMake(width * (m_first % m_pieceRows + m_count)))
+    if (!mayMake(width * (m_first % m_pieceRows + m_count) * m_costOfPixel))
         return;
     m_image.row_offset = static_cast<int>(m_first);
     if (!TIFFRGBAImageGet(

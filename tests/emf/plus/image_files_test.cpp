@@ -260,8 +260,6 @@ TEST_F(EmfPlusImageFile, TiffRowsBehindTheDamageAreLeftOut)
     TiffForm form;
     form.height = 400;
     Bytes file = tiffFile(form);
-    // An offset of a strip in the second half leads nowhere.
-    const Bytes directory = firstPart(file, 1);
     const std::size_t half = file.size() / 2;
     std::fill(file.begin() + static_cast<std::ptrdiff_t>(half), file.end(), std::uint8_t { 0 });
     EXPECT_FALSE(openImageFile(file, m_work, m_problem)) << "the directory lies behind the pixels";
@@ -278,6 +276,30 @@ TEST_F(EmfPlusImageFile, TiffRowsBehindTheDamageAreLeftOut)
     EXPECT_FALSE(rows->isDamaged());
     EXPECT_EQ(rowOf(*rows, 210), Bytes(37 * 4, 0xFF));
     EXPECT_TRUE(rows->isDamaged());
+}
+
+TEST_F(EmfPlusImageFile, TiffFilesInCodingsThatAreNotOfMetafilesAreRefused)
+{
+    ASSERT_TRUE(TIFFIsCODECConfigured(COMPRESSION_LZMA));
+    TiffForm form;
+    form.compression = COMPRESSION_LZMA;
+    EXPECT_FALSE(openImageFile(tiffFile(form), m_work, m_problem));
+    EXPECT_EQ(m_problem, "its TIFF file cannot be read");
+}
+
+TEST_F(EmfPlusImageFile, TiffPixelsOfManySamplesCostMore)
+{
+    const auto cost = [](int samples) {
+        TiffForm form;
+        form.samples = samples;
+        form.rowsPerStrip = 23;
+        WorkMeter work;
+        std::string problem;
+        EXPECT_TRUE(openTiff(tiffFile(form), work, problem)) << problem;
+        return work.spent(Work::Decoding);
+    };
+    EXPECT_EQ(cost(3), std::uint64_t { 37 } * 23 * kUnitsPerCodedPixel);
+    EXPECT_EQ(cost(40), cost(3) * 10);
 }
 
 TEST_F(EmfPlusImageFile, RowsTakeNoMoreRoomThanTheyNeed)
