@@ -94,7 +94,7 @@ bool RasterSession::hasWorkForRow()
     std::size_t bytes = 0;
     for (const std::vector<std::uint8_t>& plane : m_planes)
         bytes += plane.size();
-    return !m_setup.work || m_setup.work->allows(Work::Decoding, bytes / 2);
+    return !m_setup.work || m_setup.work->allows(Work::Decoding, 2 * bytes);
 }
 
 RasterSession::Outcome RasterSession::transferPlane(ByteView data, int method) { return decodePlane(data, method); }

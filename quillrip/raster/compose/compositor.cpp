@@ -14,7 +14,7 @@ std::uint64_t unitsPer1024Pixels(PixelFormat format, const DeviceTexture& textur
     if (texture.hasAlpha())
         return 20000; // whatever computes the colours
     if (format == PixelFormat::Bilevel)
-        return !isOpaque ? 4000 : texture.isSolid() ? 50 : 150;
+        return !isOpaque ? 4000 : texture.isUniformBilevel() ? 50 : 200;
     return !isOpaque || !texture.isSolid() ? 2000 : 500;
 }
 

@@ -12,7 +12,7 @@ namespace quillrip {
 namespace {
 
 constexpr std::uint64_t kUnitsPerCopiedPixel = 1;
-constexpr std::uint64_t kUnitsPerMixedPixel = 4;
+constexpr std::uint64_t kUnitsPerMixedPixel = 6;
 /// Source pixels that are converted at a time: whole bytes of a bilevel row.
 constexpr int kMostPart = 1 << 16;
 

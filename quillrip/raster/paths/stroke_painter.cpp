@@ -27,7 +27,7 @@ constexpr std::uint64_t kUnitsPerMissedVertex = 5;
 /// Of a convex piece's vertex: an edge to be filled or kept.
 constexpr std::uint64_t kUnitsPerPieceVertex = 20;
 /// Of a span of a hairline, or of a piece on a bilevel page.
-constexpr std::uint64_t kUnitsPerSpan = 6;
+constexpr std::uint64_t kUnitsPerSpan = 12;
 
 /// In half line widths: how far a join's tip can lie from the line.
 double longestMiter(const StrokeStyle& style)

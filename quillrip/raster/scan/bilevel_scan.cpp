@@ -14,9 +14,13 @@ namespace {
 
 /// Fixed point numbers with 8 + 32 fraction bits, as edges are followed from row to row.
 constexpr int kPreciseBits = kSubpixelBits + 32;
+/// Of going through a shape once, for the tables that it takes.
+constexpr std::uint64_t kUnitsPerSweep = 200;
 constexpr std::uint64_t kUnitsPerEdge = 20;
 constexpr std::uint64_t kUnitsPerRow = 15;
 constexpr std::uint64_t kUnitsPerMeeting = 6;
+/// Of a meeting in a row whose order is another than that of the row above.
+constexpr std::uint64_t kUnitsPerSortedMeeting = 100;
 
 constexpr std::int64_t kPrecisePixel = std::int64_t { 1 } << kPreciseBits;
 
@@ -30,9 +34,9 @@ struct Crossing {
     std::int32_t winding = 0;
 };
 
-void sortCrossings(std::vector<Crossing>& crossings)
+bool sortCrossings(std::vector<Crossing>& crossings)
 {
-    sortNearly(crossings, [](const Crossing& a, const Crossing& b) { return a.x < b.x; });
+    return sortNearly(crossings, [](const Crossing& a, const Crossing& b) { return a.x < b.x; });
 }
 
 /// Calls inside(left, right) for each stretch between sorted crossings where the shape is.
@@ -55,7 +59,7 @@ template <typename Inside> void eachStretch(const std::vector<Crossing>& crossin
 /// Calls visit(row, sorted crossings with the line through the row's centres) for every row that has any.
 template <typename Visit> void sweepCentres(const EdgeList& list, WorkMeter& work, Visit visit)
 {
-    work.charge(Work::Shapes, kUnitsPerEdge * list.edges().size());
+    work.charge(Work::Shapes, kUnitsPerSweep + kUnitsPerEdge * list.edges().size());
     constexpr std::int32_t toCentre = kSubpixels / 2;
     const PixelRect& area = list.area();
     const std::vector<std::uint32_t> order = list.orderByRow(toCentre - 1);
@@ -78,7 +82,8 @@ template <typename Visit> void sweepCentres(const EdgeList& list, WorkMeter& wor
                 crossings.push_back({ edge.xAt(row * kSubpixels + toCentre), step, endRow, edge.winding });
         }
         if (!crossings.empty()) {
-            sortCrossings(crossings);
+            if (sortCrossings(crossings))
+                work.charge(Work::Shapes, kUnitsPerSortedMeeting * crossings.size());
             visit(row, crossings);
         }
         ++row;
@@ -225,6 +230,7 @@ void scanCentresAndThinParts(
 void scanTouched(const EdgeList& list, FillRule rule, SpanSink& sink, WorkMeter& work)
 {
     const PixelRect& area = list.area();
+    work.charge(Work::Shapes, kUnitsPerSweep);
     const std::vector<std::uint32_t> order = list.orderByRow(0);
     std::vector<std::uint32_t> active;
     std::vector<Crossing> crossings;

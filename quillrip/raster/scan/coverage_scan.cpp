@@ -19,6 +19,7 @@ constexpr std::int32_t kSampleHeight = 16;
 /// every row (wide pens, short dashes): such rows are sampled on fewer lines and cut less where edges cross.
 constexpr std::size_t kMostMeetings = 32768;
 
+/// Of a shape, for the tables that it takes.
 constexpr std::uint64_t kUnitsPerSmoothShape = 400;
 constexpr std::uint64_t kUnitsPerSmoothEdge = 30;
 constexpr std::uint64_t kUnitsPerSmoothRow = 40;

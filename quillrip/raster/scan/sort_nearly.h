@@ -7,8 +7,8 @@
 namespace quillrip {
 
 /// Sorts what is mostly in order already, as edges are from one row to the next: by insertion while that is cheap,
-/// else anew.
-template <typename Item, typename IsBefore> void sortNearly(std::vector<Item>& items, IsBefore isBefore)
+/// else anew. True if it took that.
+template <typename Item, typename IsBefore> bool sortNearly(std::vector<Item>& items, IsBefore isBefore)
 {
     std::size_t movesLeft = 8 * items.size() + 64;
     for (std::size_t i = 1; i < items.size(); ++i) {
@@ -21,10 +21,11 @@ template <typename Item, typename IsBefore> void sortNearly(std::vector<Item>& i
         items[to] = moving;
         if (i - to > movesLeft) {
             std::sort(items.begin(), items.end(), isBefore);
-            return;
+            return true;
         }
         movesLeft -= i - to;
     }
+    return false;
 }
 
 } // namespace quillrip
