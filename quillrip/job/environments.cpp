@@ -34,7 +34,8 @@ pcl::Environment pclEnvironment(const stream::PjlEnvironment& variables, const s
     environment.customLength = variables.customLength.value_or(environment.customLength);
     environment.orientation = variables.orientation.value_or(environment.orientation);
     environment.formLines = variables.formLines.value_or(environment.formLines);
-    environment.resolution = variables.resolution.value_or(0);
+    constexpr double kFineRaster = 1200;
+    environment.resolution = variables.hasFineRaster ? kFineRaster : variables.resolution.value_or(0);
     environment.symbolSet = variables.symbolSet.value_or(environment.symbolSet);
     environment.fontNumber = variables.fontNumber.value_or(environment.fontNumber);
     environment.pitch = variables.pitch.value_or(environment.pitch);

@@ -108,9 +108,27 @@ void CurrentRaster::prepareSheet()
     dropDefaultTopMargin();
 }
 
+// Method 1030 comes from drivers that send nothing but rows: of the job language's resolution, from the corner of what
+// their printers print on.
+bool CurrentRaster::isBare() const { return m_state.raster.compression == 1030; }
+
+void CurrentRaster::moveToBareOrigin()
+{
+    constexpr Position kOrigin { kUnitsPerInch / 9, kUnitsPerInch * 2 / 9 };
+    const Position place
+        = m_state.page.fromOrientation({ kOrigin.x - m_state.page.leftOffset(), kOrigin.y }, m_state.direction);
+    m_state.raster.leftMargin = place.x;
+    m_cursor.moveTo(place.x, place.y);
+}
+
 Resolution CurrentRaster::resolution() const
 {
     const RasterSettings& settings = m_state.raster;
+    if (isBare()) {
+        constexpr double kUsual = 600;
+        const double dots = m_environment.resolution > 0 ? m_environment.resolution : kUsual;
+        return { dots, dots };
+    }
     const Resolution plain { settings.resolution, settings.resolution };
     if (settings.componentData.empty())
         return plain;
@@ -141,6 +159,8 @@ void CurrentRaster::ensureOpen()
     if (m_session)
         return;
     prepareSheet();
+    if (isBare() && !m_page.isMarked())
+        moveToBareOrigin();
     m_isScaled = false;
     RasterLayout::Planes seeds = std::move(m_interrupted);
     begin();
@@ -280,7 +300,7 @@ void CurrentRaster::report(RasterSession::Outcome outcome)
             "raster compression method " + std::to_string(m_state.raster.compression) + " is not known, rows skipped");
         break;
     case RasterSession::Outcome::BadBlock:
-        m_errors.warn("pcl.raster-block", "an adaptive compression block is cut short or holds an unknown record");
+        m_errors.warn("pcl.raster-block", "a block of raster rows is cut short or holds an unknown record");
         break;
     default:
         break;

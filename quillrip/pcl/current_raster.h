@@ -55,6 +55,8 @@ private:
     void dropDefaultTopMargin();
     void centreOnSheet();
     void cutSheetToRaster();
+    bool isBare() const;
+    void moveToBareOrigin();
     /// Of the pixels that source width and row offsets count in.
     Resolution resolution() const;
     InternalUnits declaredWidth() const;

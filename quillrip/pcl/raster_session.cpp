@@ -11,6 +11,7 @@ namespace quillrip::pcl {
 namespace {
 
 constexpr int kAdaptive = 5;
+constexpr int kCountedReplacement = 1030;
 constexpr int kNearLossless = 10;
 
 /// What is meant as a whole number, or as a number of few decimals, is made one again: the painter copies pixels where
@@ -101,10 +102,11 @@ RasterSession::Outcome RasterSession::transferPlane(ByteView data, int method) {
 
 RasterSession::Outcome RasterSession::transferRow(ByteView data, int method)
 {
-    if (method == kAdaptive && m_planes.size() == 1) {
+    if ((method == kAdaptive || method == kCountedReplacement) && m_planes.size() == 1) {
         m_hasBegun = true;
         m_hasData = m_hasData || !data.empty();
-        const bool isWhole = decodeAdaptive(data, m_planes[0], [this](int count) {
+        const auto decode = method == kAdaptive ? decodeAdaptive : decodeCountedReplacement;
+        const bool isWhole = decode(data, m_planes[0], [this](int count) {
             m_seedsAreFresh = false;
             emitRow(composed(0), count);
             return hasWorkForRow();

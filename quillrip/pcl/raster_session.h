@@ -41,7 +41,7 @@ public:
     enum class Outcome {
         Fine,
         UnknownMethod, ///< the data were skipped
-        BadBlock, ///< an adaptive block was cut or held an unknown record
+        BadBlock, ///< a block of rows was cut or held an unknown record
     };
     /// ESC*b#V: one plane of a row.
     Outcome transferPlane(ByteView data, int method);

@@ -101,23 +101,36 @@ void decodeDeltaRow(ByteView data, std::vector<std::uint8_t>& row)
     }
 }
 
+namespace {
+
+/// One command of method 9. False when the data ended before or within it.
+bool replaceRun(ByteReader& reader, RowWriter& out)
+{
+    const auto command = reader.readU8();
+    if (!command)
+        return false;
+    if (*command & 0x80) {
+        out.skip(extended((*command >> 5) & 3u, 3, reader));
+        const std::size_t count = extended(*command & 31u, 31, reader) + 2;
+        const auto byte = reader.readU8();
+        if (byte)
+            out.fill(*byte, count);
+        return byte.has_value();
+    }
+    out.skip(extended((*command >> 3) & 15u, 15, reader));
+    const std::size_t count = extended(*command & 7u, 7, reader) + 1;
+    const ByteView literal = reader.takeUpTo(count);
+    out.copy(literal.data, literal.size);
+    return literal.size == count;
+}
+
+} // namespace
+
 void decodeCompressedReplacement(ByteView data, std::vector<std::uint8_t>& row)
 {
     RowWriter out { row };
     ByteReader reader { data };
-    while (const auto command = reader.readU8()) {
-        if (*command & 0x80) {
-            out.skip(extended((*command >> 5) & 3u, 3, reader));
-            const std::size_t count = extended(*command & 31u, 31, reader) + 2;
-            if (const auto byte = reader.readU8())
-                out.fill(*byte, count);
-        } else {
-            out.skip(extended((*command >> 3) & 15u, 15, reader));
-            const std::size_t count = extended(*command & 7u, 7, reader) + 1;
-            const ByteView literal = reader.takeUpTo(count);
-            out.copy(literal.data, literal.size);
-        }
-    }
+    while (replaceRun(reader, out)) { }
 }
 
 namespace {
@@ -305,6 +318,30 @@ bool decodeAdaptive(ByteView data, std::vector<std::uint8_t>& row, const std::fu
         } else {
             return false;
         }
+    }
+    return reader.remaining() == 0;
+}
+
+bool decodeCountedReplacement(ByteView data, std::vector<std::uint8_t>& row, const std::function<bool(int)>& emit)
+{
+    constexpr std::uint8_t kBlank = 255;
+    ByteReader reader { data };
+    const std::uint16_t rows = reader.readU16BigEndian().value_or(0);
+    for (std::uint16_t i = 0; i < rows; ++i) {
+        const auto commands = reader.readU8();
+        if (!commands)
+            return false;
+        if (*commands == kBlank) {
+            std::fill(row.begin(), row.end(), std::uint8_t { 0 });
+        } else {
+            RowWriter out { row };
+            for (int left = *commands; left > 0; --left) {
+                if (!replaceRun(reader, out))
+                    return false;
+            }
+        }
+        if (!emit(1))
+            return true;
     }
     return reader.remaining() == 0;
 }

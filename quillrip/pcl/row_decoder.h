@@ -32,5 +32,8 @@ bool decodeRow(int method, ByteView data, std::vector<std::uint8_t>& row);
 /// Method 5: a block of rows, each in a method of its own. `emit` is called with the number of times that the present
 /// `row` comes next; it returns false to stop. True when the block was well formed to its end.
 bool decodeAdaptive(ByteView data, std::vector<std::uint8_t>& row, const std::function<bool(int)>& emit);
+/// Method 1030, of Brother's lasers: a block that counts its rows in two bytes; each row counts its commands, which are
+/// those of method 9, or is blank (255). `emit` and the result as in decodeAdaptive().
+bool decodeCountedReplacement(ByteView data, std::vector<std::uint8_t>& row, const std::function<bool(int)>& emit);
 
 } // namespace quillrip::pcl

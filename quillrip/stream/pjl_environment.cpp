@@ -155,6 +155,8 @@ void PjlEnvironment::set(const std::string& language, const std::string& name, c
         assign(formLines, whole(value, 5, 128));
     } else if (name == "RESOLUTION") {
         assign(resolution, whole(value, 1, 9600));
+    } else if (name == "RAS1200MODE") {
+        hasFineRaster = plain == "TRUE";
     } else if (name == "RENDERMODE" || name == "COLORMODE") {
         isGray = plain == "GRAYSCALE" || plain == "GRAY" || plain == "MONO" || plain == "MONOCHROME";
     } else if (name == "PERSONALITY") {

@@ -16,6 +16,7 @@ struct PjlEnvironment {
     std::optional<int> orientation; ///< ORIENTATION: 0 portrait, 1 landscape
     std::optional<int> formLines; ///< FORMLINES, 5 to 128
     std::optional<int> resolution; ///< RESOLUTION, dots per inch
+    bool hasFineRaster = false; ///< RAS1200MODE: raster of 1200 dots per inch, whatever RESOLUTION says
     std::optional<int> symbolSet; ///< LPARM:PCL SYMSET, as PCL's kind value: number * 32 + letter - 64
     std::optional<int> fontNumber; ///< LPARM:PCL FONTNUMBER
     std::optional<double> pitch; ///< LPARM:PCL PITCH, characters to the inch

@@ -59,6 +59,23 @@ TEST(JobRunner, JobsAndLanguagesComeInOrder)
         EXPECT_NEAR(inkCount(page), 900, 62);
 }
 
+TEST(JobRunner, TheJobLanguageSaysHowFineBareRasterIs)
+{
+    // 120 rows of 120 black pixels in raster method 1030: the first row, then rows as before.
+    std::string block = "\0\x78\1\x8D\xFF"s;
+    block.append(119, '\0');
+    const std::string raster = "\x1B*b1030m" + std::to_string(block.size()) + "W" + block + "\f";
+    const auto ink = [&](const std::string& settings) {
+        PageSettings fine = coarse();
+        fine.resolution = { 300, 300 };
+        const auto run = runBytes(kExit + settings + "@PJL ENTER LANGUAGE=PCL\n" + raster, fine);
+        return run.sink.pages.size() == 1 ? inkCount(run.sink.pages[0]) : -1;
+    };
+    EXPECT_EQ(ink("@PJL SET RESOLUTION = 300\n"), 120 * 120);
+    EXPECT_NEAR(ink("@PJL SET RESOLUTION = 600\n"), 60 * 60, 121);
+    EXPECT_NEAR(ink("@PJL SET RAS1200MODE = TRUE\n@PJL SET RESOLUTION = 600\n"), 30 * 30, 61);
+}
+
 TEST(JobRunner, AnOpenPageOfPclComesBeforeTheNextLanguagesPages)
 {
     const auto run

@@ -172,6 +172,24 @@ TEST(PclRaster, HomePositionWithoutAPlace)
     EXPECT_EQ(print(kStart + e("*t300R") + e("*r1A") + row({ 0x80 })).ink(), (PixelRect { 75, 38, 76, 39 }));
 }
 
+// Their drivers send nothing else: neither resolution nor place.
+TEST(PclRaster, BlocksOfCountedReplacementFillThePageFromItsPrintableCorner)
+{
+    const std::string block = command("*b1030m", "W", bytes({ 0, 2, 1, 0, 0x80, 255 }));
+    PrinterSettings settings;
+    settings.environment.resolution = 300;
+    const Printed printed = print(e("E") + block + block + "\f" + block, settings);
+    ASSERT_EQ(printed.pages.size(), 2u);
+    // 1/9 and 2/9 inch.
+    EXPECT_EQ(printed.ink(), (PixelRect { 33, 67, 34, 70 }));
+    EXPECT_EQ(printed.ink(1), (PixelRect { 33, 67, 34, 68 }));
+    settings.environment.resolution = 150;
+    EXPECT_EQ(print(e("E") + block, settings).blackPixels(), 4u);
+    settings.environment.resolution = 0; // 600
+    settings.dotsPerInch = 600;
+    EXPECT_EQ(print(e("E") + block, settings).blackPixels(), 1u);
+}
+
 TEST(PclRaster, UnknownMethodIsReportedOnce)
 {
     const Printed printed = print(kStart + e("*r1A") + e("*b8M") + row({ 1, 2 }) + e("*b0M") + row({ 0x80 }));

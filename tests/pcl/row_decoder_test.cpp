@@ -132,6 +132,38 @@ TEST(PclRowDecoder, AdaptiveBlockThatIsCutKeepsTheRowsBefore)
     EXPECT_EQ(rows, 2);
 }
 
+TEST(PclRowDecoder, CountedReplacementBlocksHoldRowsOfCommands)
+{
+    const Row block { 0, 4, // rows
+        2, 0x09, 0x11, 0x22, 0x80 | 1, 0x33, // two bytes from the second on, then a run of three
+        0, // as before
+        1, 0x78, 0, 0x44, // beyond the row's end
+        255 }; // blank
+    Row row(6);
+    std::vector<Row> rows;
+    const auto keep = [&](int) {
+        rows.push_back(row);
+        return true;
+    };
+    EXPECT_TRUE(decodeCountedReplacement(ByteView(block), row, keep));
+    const Row first { 0, 0x11, 0x22, 0x33, 0x33, 0x33 };
+    EXPECT_EQ(rows, (std::vector<Row> { first, first, first, Row(6) }));
+}
+
+TEST(PclRowDecoder, CountedReplacementBlocksThatAreCutKeepTheRowsBefore)
+{
+    for (const Row& cut : { Row { 0, 3, 255, 255 }, Row { 0, 3, 255, 255, 1 }, Row { 0, 3, 255, 255, 1, 0x01, 0x55 },
+             Row { 0, 2, 255, 255, 255 } }) {
+        Row row(2);
+        int rows = 0;
+        EXPECT_FALSE(decodeCountedReplacement(ByteView(cut), row, [&](int times) {
+            rows += times;
+            return true;
+        }));
+        EXPECT_EQ(rows, 2);
+    }
+}
+
 TEST(PclRowDecoder, UnknownMethodLeavesTheRowAlone)
 {
     Row row { 1, 2 };

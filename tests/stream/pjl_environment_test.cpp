@@ -29,6 +29,10 @@ TEST(PjlEnvironment, ValuesOutsideTheirRangeAreIgnored)
     EXPECT_EQ(variables.formLines, 66);
     variables.set("", "RESOLUTION", "0");
     EXPECT_FALSE(variables.resolution);
+    variables.set("", "RAS1200MODE", "TRUE");
+    EXPECT_TRUE(variables.hasFineRaster);
+    variables.set("", "RAS1200MODE", "FALSE");
+    EXPECT_FALSE(variables.hasFineRaster);
     variables.set("", "RESOLUTION", "600");
     EXPECT_EQ(variables.resolution, 600);
     variables.set("", "ORIENTATION", "UPSIDE");
