@@ -30,6 +30,7 @@ const std::array s_papers {
     PaperVariable { "A4", 26, PaperName::A4 },
     PaperVariable { "A5", 25, PaperName::A5 },
     PaperVariable { "A6", 24, PaperName::A6 },
+    PaperVariable { "B6", 44, PaperName::JisB6 },
     PaperVariable { "JISB4", 46, PaperName::JisB4 },
     PaperVariable { "JISB5", 45, PaperName::JisB5 },
     PaperVariable { "JPOST", 71, PaperName::Postcard },

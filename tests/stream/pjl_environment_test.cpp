@@ -16,6 +16,8 @@ TEST(PjlEnvironment, PaperNamesBecomePageSizes)
     EXPECT_EQ(variables.paperCode, 101);
     EXPECT_NEAR(paperSizeOfCode(26)->height, 8418.9, 0.1);
     EXPECT_DOUBLE_EQ(paperSizeOfCode(2)->width, 6120);
+    variables.set("", "PAPER", "B6");
+    EXPECT_NEAR(paperSizeOfCode(*variables.paperCode)->height, 5159, 1); // 182 mm
 }
 
 TEST(PjlEnvironment, ValuesOutsideTheirRangeAreIgnored)
