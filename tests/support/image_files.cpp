@@ -226,7 +226,11 @@ Bytes tiffFile(const TiffForm& form)
             colors[i] = static_cast<std::uint16_t>(i * 257);
         TIFFSetField(tiff, TIFFTAG_COLORMAP, colors.data(), colors.data(), colors.data());
     }
-    if (form.tileSide > 0) {
+    if (!form.coded.empty()) {
+        TIFFSetField(tiff, TIFFTAG_ROWSPERSTRIP, form.height);
+        Bytes strip = form.coded;
+        TIFFWriteRawStrip(tiff, 0, strip.data(), static_cast<tmsize_t>(strip.size()));
+    } else if (form.tileSide > 0) {
         TIFFSetField(tiff, TIFFTAG_TILEWIDTH, form.tileSide);
         TIFFSetField(tiff, TIFFTAG_TILELENGTH, form.tileSide);
         writeTiles(tiff, form);

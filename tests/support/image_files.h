@@ -53,6 +53,7 @@ struct TiffForm {
     int tileSide = 0; ///< 0: strips
     bool hasAlpha = false; ///< the last sample
     bool isBlank = false;
+    std::vector<std::uint8_t> coded; ///< not empty: the only strip, as it is
 };
 std::vector<std::uint8_t> tiffFile(const TiffForm& form);
 

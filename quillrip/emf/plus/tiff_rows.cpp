@@ -107,6 +107,62 @@ std::uint64_t pieceBytes(TIFF* tiff)
         * (arrangement == PLANARCONFIG_SEPARATE ? std::min(planes, mostPlanes) : 1U);
 }
 
+/// Whether a JPEG file comes in several scans (ITU-T Recommendation T.81): progressive, or its components one by one.
+bool hasSeveralScans(ByteView jpeg)
+{
+    enum : std::uint8_t {
+        kBaseline = 0xC0,
+        kExtended = 0xC1,
+        kTables = 0xC4,
+        kArithmetic = 0xCC,
+        kLastFrame = 0xCF,
+        kRestart = 0xD0,
+        kStart = 0xD8,
+        kScan = 0xDA
+    };
+    // Strips may share their bytes, so that looking at all of each could take for ever.
+    constexpr int mostSteps = 4096;
+    int components = 0;
+    int steps = 0;
+    for (std::size_t at = 0; at + 10 <= jpeg.size; ++steps) {
+        if (steps == mostSteps)
+            return true;
+        const std::uint8_t marker = jpeg[at + 1];
+        // What is no marker is passed over, as the library does.
+        if (jpeg[at] != 0xFF || marker == 0 || marker == 0xFF) {
+            ++at;
+        } else if (marker >= kRestart && marker <= kStart) {
+            at += 2;
+        } else if (marker == kScan) {
+            return jpeg[at + 4] < components;
+        } else {
+            if (marker >= kBaseline && marker <= kLastFrame && marker != kTables && marker != kArithmetic) {
+                if (marker > kExtended)
+                    return true;
+                components = jpeg[at + 9];
+            }
+            at += 2 + (std::size_t { jpeg[at + 2] } << 8 | jpeg[at + 3]);
+        }
+    }
+    return false;
+}
+
+/// What libjpeg keeps besides, of pieces in several scans: a coefficient of two bytes for each sample.
+std::uint64_t coefficientBytes(TIFF* tiff, ByteView file)
+{
+    std::uint16_t coding = COMPRESSION_NONE;
+    TIFFGetFieldDefaulted(tiff, TIFFTAG_COMPRESSION, &coding);
+    if (coding != COMPRESSION_JPEG)
+        return 0;
+    const std::uint32_t pieces = TIFFIsTiled(tiff) ? TIFFNumberOfTiles(tiff) : TIFFNumberOfStrips(tiff);
+    for (std::uint32_t piece = 0; piece < pieces; ++piece) {
+        const auto at = static_cast<std::size_t>(TIFFGetStrileOffset(tiff, piece));
+        if (hasSeveralScans(file.sub(at, static_cast<std::size_t>(TIFFGetStrileByteCount(tiff, piece)))))
+            return 2 * pieceBytes(tiff);
+    }
+    return 0;
+}
+
 /// Rows of a strip or a tile: where pieces begin, decoding can.
 std::uint64_t pieceRows(TIFF* tiff, int height)
 {
@@ -194,7 +250,7 @@ bool TiffRows::open(std::size_t bandBytes)
         || !hasKnownCoding(m_tiff.get()))
         return false;
     const std::uint64_t piece = pieceBytes(m_tiff.get());
-    m_claim.add(piece);
+    m_claim.add(piece + coefficientBytes(m_tiff.get(), m_file.bytes));
     constexpr int stopsAtErrors = 1;
     char message[1024];
     m_hasImage

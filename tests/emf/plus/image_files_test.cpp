@@ -3,6 +3,7 @@
 #include "quillrip/emf/plus/image_files.h"
 #include "quillrip/emf/plus/memory_file.h"
 #include "tests/support/image_files.h"
+#include "tests/support/jpeg_writer.h"
 #include "tests/support/spare_heap.h"
 
 #include <gtest/gtest.h>
@@ -26,6 +27,7 @@ using quillrip::test::sampleAt;
 using quillrip::test::SpareHeap;
 using quillrip::test::tiffFile;
 using quillrip::test::TiffForm;
+using quillrip::test::writeJpeg;
 using Bytes = std::vector<std::uint8_t>;
 
 class EmfPlusImageFile : public testing::Test {
@@ -340,6 +342,42 @@ TEST_F(EmfPlusImageFile, StripsThatHaveToBeHeldAreAskedFor)
     const Bytes file = tiffFile(form);
     const SpareHeap bound(16U << 20);
     EXPECT_THROW(openImageFile(file, m_work, m_problem), std::bad_alloc) << "18 MiB in one strip";
+}
+
+TEST_F(EmfPlusImageFile, StripsInSeveralScansAreAskedForWithTheirCoefficients)
+{
+    constexpr int side = 2000; // 11 MiB of samples, 23 of coefficients
+    const auto fileOf = [](auto adjust) {
+        TiffForm form;
+        form.width = form.height = side;
+        form.compression = COMPRESSION_JPEG;
+        form.coded = writeJpeg(Bytes(std::size_t { side } * side * 3), side, side, 3, JCS_RGB, adjust);
+        return tiffFile(form);
+    };
+    static constexpr std::array<jpeg_scan_info, 3> oneByOne { { { 1, { 0 }, 0, 63, 0, 0 }, { 1, { 1 }, 0, 63, 0, 0 },
+        { 1, { 2 }, 0, 63, 0, 0 } } };
+    const auto asRgb = [](jpeg_compress_struct& info) { jpeg_set_colorspace(&info, JCS_RGB); };
+    const Bytes plain = fileOf(asRgb);
+    const Bytes progressive = fileOf([&asRgb](jpeg_compress_struct& info) {
+        asRgb(info);
+        jpeg_simple_progression(&info);
+    });
+    const Bytes planes = fileOf([&asRgb](jpeg_compress_struct& info) {
+        asRgb(info);
+        info.scan_info = oneByOne.data();
+        info.num_scans = static_cast<int>(oneByOne.size());
+    });
+    {
+        const SpareHeap bound(30U << 20);
+        EXPECT_TRUE(openImageFile(plain, m_work, m_problem)) << m_problem;
+        EXPECT_THROW(openImageFile(progressive, m_work, m_problem), std::bad_alloc);
+        EXPECT_THROW(openImageFile(planes, m_work, m_problem), std::bad_alloc);
+    }
+    for (const Bytes& file : { plain, progressive, planes }) {
+        const auto rows = open(file);
+        EXPECT_EQ(rowOf(*rows, side - 1)[4], 0);
+        EXPECT_FALSE(rows->isDamaged());
+    }
 }
 
 } // namespace
