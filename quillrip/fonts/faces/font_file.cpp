@@ -1,5 +1,7 @@
 #include "quillrip/fonts/faces/font_file.h"
 
+#include "quillrip/fonts/freetype_library.h"
+
 #include <algorithm>
 #include <array>
 #include <cstdlib>
@@ -228,21 +230,21 @@ FontFileTraits FontFile::traits() const
 
 double FontFile::advance(unsigned glyph) const
 {
-    if (FT_Load_Glyph(m_face, glyph, FT_LOAD_NO_SCALE) != 0)
+    if (!FreeTypeLibrary::hasDone(FT_Load_Glyph(m_face, glyph, FT_LOAD_NO_SCALE)))
         return 0;
     return static_cast<double>(m_face->glyph->metrics.horiAdvance) / m_face->units_per_EM;
 }
 
 bool FontFile::outline(unsigned glyph, Path& path) const
 {
-    if (FT_Load_Glyph(m_face, glyph, FT_LOAD_NO_SCALE) != 0)
+    if (!FreeTypeLibrary::hasDone(FT_Load_Glyph(m_face, glyph, FT_LOAD_NO_SCALE)))
         return false;
     return appendSlotOutline(m_face, 1.0 / m_face->units_per_EM, path);
 }
 
 Rect FontFile::extent(unsigned glyph) const
 {
-    if (FT_Load_Glyph(m_face, glyph, FT_LOAD_NO_SCALE) != 0)
+    if (!FreeTypeLibrary::hasDone(FT_Load_Glyph(m_face, glyph, FT_LOAD_NO_SCALE)))
         return {};
     const double em = m_face->units_per_EM;
     const FT_Glyph_Metrics& box = m_face->glyph->metrics;
@@ -258,10 +260,10 @@ std::size_t FontFile::size() const { return m_face->stream ? m_face->stream->siz
 std::vector<std::uint8_t> FontFile::table(std::uint32_t tag, std::size_t mostBytes) const
 {
     FT_ULong size = 0;
-    if (FT_Load_Sfnt_Table(m_face, tag, 0, nullptr, &size) != 0 || size == 0 || size > mostBytes)
+    if (!FreeTypeLibrary::hasDone(FT_Load_Sfnt_Table(m_face, tag, 0, nullptr, &size)) || size == 0 || size > mostBytes)
         return {};
     std::vector<std::uint8_t> bytes(size);
-    if (FT_Load_Sfnt_Table(m_face, tag, 0, bytes.data(), &size) != 0)
+    if (!FreeTypeLibrary::hasDone(FT_Load_Sfnt_Table(m_face, tag, 0, bytes.data(), &size)))
         return {};
     return bytes;
 }
@@ -286,24 +288,16 @@ FontFiles::FontFiles(std::vector<std::string> folders)
 {
 }
 
-FontFiles::~FontFiles()
-{
-    m_opened.clear();
-    m_fromBytes.clear();
-    if (m_library)
-        FT_Done_FreeType(m_library);
-}
+FontFiles::~FontFiles() = default;
 
 const FontFile* FontFiles::open(const std::string& stem)
 {
     if (const auto found = m_opened.find(stem); found != m_opened.end())
         return found->second.get();
     std::unique_ptr<FontFile>& file = m_opened[stem];
-    if (!start())
-        return nullptr;
     const std::string path = locate(stem);
     FT_Face face = nullptr;
-    if (path.empty() || FT_New_Face(m_library, path.c_str(), 0, &face) != 0)
+    if (path.empty() || !FreeTypeLibrary::hasDone(FT_New_Face(library(), path.c_str(), 0, &face)))
         return nullptr;
     if (!FT_IS_SCALABLE(face) || face->units_per_EM == 0) {
         FT_Done_Face(face);
@@ -313,12 +307,18 @@ const FontFile* FontFiles::open(const std::string& stem)
     return file.get();
 }
 
-bool FontFiles::start() { return m_library || FT_Init_FreeType(&m_library) == 0; }
+FT_LibraryRec_* FontFiles::library()
+{
+    if (!m_library)
+        m_library = std::make_unique<FreeTypeLibrary>();
+    return m_library->get();
+}
 
 const FontFile* FontFiles::openBytes(std::vector<std::uint8_t> bytes)
 {
     FT_Face face = nullptr;
-    if (!start() || FT_New_Memory_Face(m_library, bytes.data(), static_cast<FT_Long>(bytes.size()), 0, &face) != 0)
+    if (!FreeTypeLibrary::hasDone(
+            FT_New_Memory_Face(library(), bytes.data(), static_cast<FT_Long>(bytes.size()), 0, &face)))
         return nullptr;
     if (!FT_IS_SCALABLE(face) || face->units_per_EM == 0) {
         FT_Done_Face(face);

@@ -16,6 +16,8 @@ struct FT_CharMapRec_;
 
 namespace quillrip {
 
+class FreeTypeLibrary;
+
 /// What a font file tells of itself besides its glyphs. Lengths in em, heights above the baseline positive.
 struct FontFileTraits {
     std::string family; ///< as the file spells it
@@ -100,11 +102,11 @@ public:
     const FontFile* openBytes(std::vector<std::uint8_t> bytes);
 
 private:
-    bool start();
+    FT_LibraryRec_* library();
     std::string locate(const std::string& stem);
     void scanSystemFolders();
 
-    FT_LibraryRec_* m_library = nullptr;
+    std::unique_ptr<FreeTypeLibrary> m_library; ///< from the first font on
     std::vector<std::string> m_folders;
     bool m_usesSystemFolders;
     bool m_hasScanned = false;

@@ -1,9 +1,10 @@
 #include "quillrip/fonts/pixels/outline_raster.h"
 
+#include "quillrip/fonts/freetype_library.h"
+
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
-#include <memory>
 #include <vector>
 
 #include <ft2build.h>
@@ -16,19 +17,10 @@ namespace {
 /// FreeType counts points in 16 bits.
 constexpr std::size_t kMostPoints = 32000;
 
-struct LibraryDone {
-    void operator()(FT_Library library) const { FT_Done_FreeType(library); }
-};
-
 /// Rasterising needs a library object, and no font file.
 FT_Library rasterLibrary()
 {
-    thread_local std::unique_ptr<FT_LibraryRec_, LibraryDone> s_library;
-    if (!s_library) {
-        FT_Library library = nullptr;
-        if (FT_Init_FreeType(&library) == 0)
-            s_library.reset(library);
-    }
+    thread_local FreeTypeLibrary s_library;
     return s_library.get();
 }
 
@@ -121,10 +113,9 @@ private:
 
 bool rasteriseOutline(const Path& outline, const Matrix& toDevice, GlyphMask::Depth depth, GlyphMask& mask)
 {
-    FT_Library library = rasterLibrary();
     FixedOutline fixed;
     // FreeType's y points up, the device's down.
-    if (!library || !fixed.build(outline, toDevice * Matrix::scaling(1, -1)))
+    if (!fixed.build(outline, toDevice * Matrix::scaling(1, -1)))
         return false;
     FT_Outline& shape = fixed.outline();
     // The smart rule with stubs keeps thin strokes whole without lengthening their ends.
@@ -157,7 +148,7 @@ bool rasteriseOutline(const Path& outline, const Matrix& toDevice, GlyphMask::De
     bitmap.num_grays = 256;
     bitmap.pixel_mode = depth == GlyphMask::Depth::Bits ? FT_PIXEL_MODE_MONO : FT_PIXEL_MODE_GRAY;
     FT_Outline_Translate(&shape, -left * 64, -bottom * 64);
-    if (FT_Outline_Get_Bitmap(library, &shape, &bitmap) != 0)
+    if (!FreeTypeLibrary::hasDone(FT_Outline_Get_Bitmap(rasterLibrary(), &shape, &bitmap)))
         return false;
     return trimMask(mask);
 }

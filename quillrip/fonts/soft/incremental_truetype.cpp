@@ -1,6 +1,7 @@
 #include "quillrip/fonts/soft/incremental_truetype.h"
 
 #include "quillrip/fonts/faces/font_file.h"
+#include "quillrip/fonts/freetype_library.h"
 #include "quillrip/fonts/soft/header_fields.h"
 
 #include <algorithm>
@@ -42,7 +43,7 @@ FT_Error glyphMetrics(FT_Incremental source, FT_UInt glyph, FT_Bool isVertical, 
 
 /// What FreeType calls back into. Its library is the font's own: a broken font takes no other with it.
 struct IncrementalTrueType::Data {
-    FT_Library library = nullptr;
+    FreeTypeLibrary library;
     FT_Face face = nullptr;
     std::vector<std::uint8_t> tables;
     const Glyphs* glyphs = nullptr;
@@ -57,8 +58,6 @@ struct IncrementalTrueType::Data {
     {
         if (face)
             FT_Done_Face(face);
-        if (library)
-            FT_Done_FreeType(library);
     }
 
     const TrueTypeSoftFont::Glyph* find(unsigned glyph) const
@@ -127,8 +126,6 @@ std::unique_ptr<IncrementalTrueType> IncrementalTrueType::open(const std::vector
     data->tables[2] = 0;
     data->tables[3] = 0;
     data->findMetricsTable();
-    if (FT_Init_FreeType(&data->library) != 0)
-        return nullptr;
 
     std::unique_ptr<IncrementalTrueType> font(new IncrementalTrueType(std::move(data)));
     Data& d = *font->m_data;
@@ -148,7 +145,7 @@ std::unique_ptr<IncrementalTrueType> IncrementalTrueType::open(const std::vector
     arguments.memory_size = static_cast<FT_Long>(d.tables.size());
     arguments.num_params = 1;
     arguments.params = &parameter;
-    if (FT_Open_Face(d.library, &arguments, 0, &d.face) != 0 || d.face->units_per_EM == 0)
+    if (!FreeTypeLibrary::hasDone(FT_Open_Face(d.library.get(), &arguments, 0, &d.face)) || d.face->units_per_EM == 0)
         return nullptr;
     return font;
 }
@@ -190,7 +187,8 @@ int IncrementalTrueType::leftBearing(unsigned glyph) const
 bool IncrementalTrueType::outline(unsigned glyph, Path& path) const
 {
     const TrueTypeSoftFont::Glyph* found = m_data->find(glyph);
-    if (!found || found->data.empty() || FT_Load_Glyph(m_data->face, glyph, FT_LOAD_NO_SCALE) != 0)
+    if (!found || found->data.empty()
+        || !FreeTypeLibrary::hasDone(FT_Load_Glyph(m_data->face, glyph, FT_LOAD_NO_SCALE)))
         return false;
     return appendSlotOutline(m_data->face, 1.0 / m_data->face->units_per_EM, path);
 }
