@@ -3,9 +3,11 @@
 #include "quillrip/fonts/shaping/scripts.h"
 #include "quillrip/fonts/shaping/text_shaper.h"
 #include "quillrip/fonts/shaping/visual_runs.h"
+#include "tests/support/spare_heap.h"
 
 #include <algorithm>
 #include <gtest/gtest.h>
+#include <new>
 
 namespace quillrip::test {
 namespace {
@@ -217,6 +219,23 @@ TEST(TextShaper, LongLinesAreWhole)
     for (int i = 0; i < 5000; ++i)
         text += U"\u0628\u064Ea \u0E17\u0E35\u0E48";
     expectWhole(shaper.shape(text), text.size());
+}
+
+TEST(TextShaper, EntersWhatTheGlyphsMayTake)
+{
+    const Shaper shaper;
+    const std::u32string text(1000, U'\x0628');
+    EXPECT_FALSE(shaper.shape(text).glyphs.empty());
+    const std::uint64_t before = HeapAccount::used();
+    {
+        const SpareHeap bound(1U << 20);
+        EXPECT_THROW(shaper.shape(text), std::bad_alloc);
+    }
+    {
+        const SpareHeap bound(4U << 20);
+        EXPECT_FALSE(shaper.shape(text).glyphs.empty());
+    }
+    EXPECT_EQ(HeapAccount::used(), before) << "only while they are made";
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 #include "quillrip/fonts/shaping/face_shaper.h"
 
+#include "quillrip/base/heap_account.h"
 #include "quillrip/fonts/faces/file_face.h"
 
 #include <algorithm>
@@ -17,6 +18,20 @@ namespace {
 
 /// HarfBuzz counts in whole numbers: this many to the em.
 constexpr int kUnits = 1 << 16;
+
+struct BufferDeleter {
+    void operator()(hb_buffer_t* buffer) const { hb_buffer_destroy(buffer); }
+};
+
+/// What a buffer takes when the tables of a hostile font make as many glyphs of so many characters as HarfBuzz lets
+/// them: 64 of each, or 16,384 of a short text.
+std::uint64_t mostBytesFor(std::size_t characters)
+{
+    constexpr std::uint64_t kMostGlyphsOfEach = 64;
+    constexpr std::uint64_t kMostGlyphsOfFew = 16384;
+    return std::max(kMostGlyphsOfEach * characters, kMostGlyphsOfFew)
+        * (sizeof(hb_glyph_info_t) + sizeof(hb_glyph_position_t));
+}
 
 const FileFace& faceOf(void* user) { return *static_cast<const FileFace*>(user); }
 
@@ -86,10 +101,8 @@ hb_font_funcs_t* glyphFunctions()
 } // namespace
 
 void FaceShaper::FontDeleter::operator()(hb_font_t* font) const { hb_font_destroy(font); }
-void FaceShaper::BufferDeleter::operator()(hb_buffer_t* buffer) const { hb_buffer_destroy(buffer); }
 
 FaceShaper::FaceShaper(const FileFace& face)
-    : m_buffer(hb_buffer_create())
 {
     void* const user = const_cast<FileFace*>(&face);
     hb_face_t* const tables = hb_face_create_for_tables(
@@ -110,8 +123,10 @@ FaceShaper::~FaceShaper() = default;
 std::vector<PositionedGlyph> FaceShaper::shape(const std::u32string& text, const ShapingRun& run)
 {
     static_assert(sizeof(char32_t) == sizeof(std::uint32_t), "the text is handed over as it is");
-    hb_buffer_t* const buffer = m_buffer.get();
-    hb_buffer_clear_contents(buffer);
+    HeapClaim room;
+    room.add(mostBytesFor(run.end - run.begin));
+    const std::unique_ptr<hb_buffer_t, BufferDeleter> owner(hb_buffer_create());
+    hb_buffer_t* const buffer = owner.get();
     hb_buffer_add_utf32(buffer, reinterpret_cast<const std::uint32_t*>(text.data()), static_cast<int>(text.size()),
         static_cast<unsigned>(run.begin), static_cast<int>(run.end - run.begin));
     hb_buffer_set_script(buffer, static_cast<hb_script_t>(run.script));

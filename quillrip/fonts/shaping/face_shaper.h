@@ -9,7 +9,6 @@
 #include <vector>
 
 struct hb_font_t;
-struct hb_buffer_t;
 
 namespace quillrip {
 
@@ -44,19 +43,15 @@ public:
     FaceShaper& operator=(const FaceShaper&) = delete;
 
     /// The glyphs of a run from left to right; its letters join those of the text around it. Empty where memory is
-    /// missing.
+    /// missing. Throws std::bad_alloc where the heap's account has not what HarfBuzz may take for them.
     std::vector<PositionedGlyph> shape(const std::u32string& text, const ShapingRun& run);
 
 private:
     struct FontDeleter {
         void operator()(hb_font_t* font) const;
     };
-    struct BufferDeleter {
-        void operator()(hb_buffer_t* buffer) const;
-    };
 
     std::unique_ptr<hb_font_t, FontDeleter> m_font;
-    std::unique_ptr<hb_buffer_t, BufferDeleter> m_buffer;
 };
 
 } // namespace quillrip
