@@ -250,7 +250,8 @@ bool TiffRows::open(std::size_t bandBytes)
         || !hasKnownCoding(m_tiff.get()))
         return false;
     const std::uint64_t piece = pieceBytes(m_tiff.get());
-    m_claim.add(piece + coefficientBytes(m_tiff.get(), m_file.bytes));
+    const std::uint64_t coefficients = coefficientBytes(m_tiff.get(), m_file.bytes);
+    m_claim.add(piece + coefficients);
     constexpr int stopsAtErrors = 1;
     char message[1024];
     m_hasImage
@@ -263,7 +264,9 @@ bool TiffRows::open(std::size_t bandBytes)
     m_shape.hasAlpha = m_image.alpha != 0;
     m_shape.width = static_cast<int>(width);
     m_shape.height = static_cast<int>(height);
-    m_costOfPixel = std::max(1U, unsigned { m_image.samplesperpixel } * m_image.bitspersample / 32);
+    constexpr unsigned mostScans = 100; // that libtiff allows
+    m_costOfPixel = std::max(1U, unsigned { m_image.samplesperpixel } * m_image.bitspersample / 32)
+        * (coefficients > 0 ? mostScans : 1);
     m_pieceRows = pieceRows(m_tiff.get(), m_shape.height);
     // Within a piece, a band begins where rows that share their colours do (at most four).
     constexpr std::uint64_t mostSubsampled = 4;

@@ -373,6 +373,12 @@ TEST_F(EmfPlusImageFile, StripsInSeveralScansAreAskedForWithTheirCoefficients)
         EXPECT_THROW(openImageFile(progressive, m_work, m_problem), std::bad_alloc);
         EXPECT_THROW(openImageFile(planes, m_work, m_problem), std::bad_alloc);
     }
+    const auto cost = [this](const Bytes& file) {
+        const std::uint64_t before = m_work.spent(Work::Decoding);
+        open(file);
+        return m_work.spent(Work::Decoding) - before;
+    };
+    EXPECT_GT(cost(progressive), 10 * cost(plain));
     for (const Bytes& file : { plain, progressive, planes }) {
         const auto rows = open(file);
         EXPECT_EQ(rowOf(*rows, side - 1)[4], 0);
