@@ -214,6 +214,18 @@ TEST(Stroke, SeamlessWherePiecesMeetInGrey)
     }
 }
 
+TEST(Stroke, ClosedLineThatMissesItsStartByRoundingHasNoSpike)
+{
+    // Up, round and back from the right, a little too far: what closes it points down, against the first segment.
+    Path path = polyline({ { 4, 6 }, { 4, 2 }, { 8, 2 }, { 8, 10 }, { 4, 10 }, { 4, 5.9999 } });
+    Path exact = polyline({ { 4, 6 }, { 4, 2 }, { 8, 2 }, { 8, 10 }, { 4, 10 }, { 4, 6 } });
+    path.close();
+    exact.close();
+    StrokeStyle style = pen(2);
+    style.join = LineJoin::MiterClipped;
+    EXPECT_EQ(stroked(path, 14, 14, style), stroked(exact, 14, 14, style));
+}
+
 TEST(Stroke, DashThroughTheStartOfAClosedLineIsOne)
 {
     StrokeStyle style = pen(2, LineCap::Butt, LineJoin::Miter);

@@ -9,15 +9,26 @@
 
 namespace quillrip {
 
+namespace {
+
+/// Ends of a closed line that are nearer to each other, in device pixels, are one corner: writers round the last point
+/// of an ellipse otherwise than its first, and the speck of a line between them, which looks anywhere, would get joins.
+constexpr double kSameCorner = 1.0 / 64;
+
+} // namespace
+
 void forEachStrokeLine(const Path& userPath, const Matrix& userToDevice, StrokeLineSink& sink)
 {
     StrokeLine line;
     bool hasSegment = false;
+    const auto isStartAgain = [&] {
+        const Point gap = userToDevice.applyVector(line.vertices.back().at - line.vertices.front().at);
+        return std::hypot(gap.x, gap.y) < kSameCorner;
+    };
     const auto finish = [&](bool isClosed) {
         if (!line.vertices.empty() && (hasSegment || isClosed)) {
             line.isClosed = isClosed && line.vertices.size() > 2;
-            // The start again at the end is the same corner.
-            if (isClosed && line.vertices.size() > 1 && line.vertices.back().at == line.vertices.front().at)
+            if (line.isClosed && isStartAgain())
                 line.vertices.pop_back();
             sink.line(line);
         }
