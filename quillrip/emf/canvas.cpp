@@ -13,8 +13,6 @@ namespace quillrip::emf {
 
 namespace {
 
-/// Dash lengths of cosmetic pens are those of a screen.
-
 /// Half a pixel of the reference device, or of the page where its pixels are smaller: coordinates name the pixels that
 /// the picture is drawn with.
 Matrix halfPixel(const Matrix& referenceToDevice)
@@ -188,13 +186,9 @@ Region Canvas::regionOf(const Path& devicePath, FillRule rule) const
 
 void Canvas::fill(const Path& path, FillRule rule, PaintState state, Origin origin)
 {
+    if (needsDestination(state.rop))
+        return fillRegion(areaOf(path, rule), std::move(state));
     const Path devicePath = path.transformed(m_toDevice);
-    if (needsDestination(state.rop)) {
-        const auto rect = asRectangle(devicePath);
-        return fillRegion(rect ? ClipRegion::ofRect(rect->intersected(bounds()))
-                               : ClipRegion::ofPath(devicePath, rule, bounds(), &m_painter.work()),
-            std::move(state));
-    }
     state.clip = clip();
     const auto rect = asRectangle(devicePath);
     // Beside the soft edges of its neighbours a stem of whole pixels would stand out.
@@ -211,15 +205,43 @@ void Canvas::fill(const Path& path, FillRule rule, PaintState state, Origin orig
     m_painter.fillPath(devicePath, rule, state);
 }
 
-void Canvas::fillWithBrush(const Path& path, FillRule rule, bool isOutlined, Origin origin)
+Region Canvas::areaOf(const Path& path, FillRule rule) const
 {
-    auto state = m_paints.brush(m_dc, brush());
-    if (!state)
-        return;
-    // Under a pen that follows the same path the area reaches to the middle of the line, half a pixel further.
-    const bool hasLine
-        = isOutlined && pen().style != LogicalPen::Style::Null && pen().brush.style != Brush::Style::Null;
-    fill(hasLine ? path.transformed(m_half) : path, rule, std::move(*state), origin);
+    const Path devicePath = path.transformed(m_toDevice);
+    const auto rect = asRectangle(devicePath);
+    return rect ? ClipRegion::ofRect(rect->intersected(bounds()))
+                : ClipRegion::ofPath(devicePath, rule, bounds(), &m_painter.work());
+}
+
+bool Canvas::hasLine() const
+{
+    return pen().style != LogicalPen::Style::Null && pen().brush.style != Brush::Style::Null;
+}
+
+void Canvas::fillWithBrush(const Path& path, FillRule rule, Origin origin)
+{
+    if (auto state = m_paints.brush(m_dc, brush()))
+        fill(path, rule, std::move(*state), origin);
+}
+
+void Canvas::fillAndStroke(const Path& area, const Path& outline, FillRule rule, Origin origin)
+{
+    if (!hasLine())
+        return fillWithBrush(area, rule, origin);
+    if (auto state = m_paints.brush(m_dc, brush())) {
+        // The area reaches to the middle of the line that follows the same path, half a pixel further than without one.
+        const Path reaching = area.transformed(m_half);
+        Stroke stroke;
+        if (needsDestination(state->rop) && makeStroke(stroke)) {
+            StrokeStyle style = stroke.style;
+            if (stroke.fillsGaps)
+                style.dashes.clear();
+            fillRegion(areaOf(reaching, rule)->subtracted(*strokeRegion(stroke, style, outline)), std::move(*state));
+        } else {
+            fill(reaching, rule, std::move(*state), origin);
+        }
+    }
+    strokeWithPen(outline);
 }
 
 void Canvas::fillRegion(const Region& region, PaintState state)
@@ -257,7 +279,7 @@ double Canvas::insetOfPen() const
 bool Canvas::makeStroke(Stroke& stroke) const
 {
     const LogicalPen& pen = this->pen();
-    if (pen.style == LogicalPen::Style::Null || pen.brush.style == Brush::Style::Null)
+    if (!hasLine())
         return false;
     StrokeStyle& style = stroke.style;
     style.miterLimit = m_dc.miterLimit;
@@ -307,6 +329,20 @@ bool Canvas::makeStroke(Stroke& stroke) const
     return true;
 }
 
+Path Canvas::inPenSpace(const Stroke& stroke, const Path& path) const
+{
+    // Ends lie on whole pixels, which a line that is thinner than one has nothing to do with.
+    const bool hasPixels = isHairline(pen()) && stroke.style.width == 1;
+    return hasPixels ? shiftedBack(path, 0.5) : path.transformed(stroke.toReference.inverted());
+}
+
+Region Canvas::strokeRegion(const Stroke& stroke, const StrokeStyle& style, const Path& path) const
+{
+    return ClipRegion::ofPath(
+        strokeArea(inPenSpace(stroke, path), penToDevice(stroke), style, bounds(), m_painter.work()), FillRule::NonZero,
+        bounds());
+}
+
 void Canvas::strokeWithPen(const Path& path)
 {
     Stroke stroke;
@@ -316,16 +352,10 @@ void Canvas::strokeWithPen(const Path& path)
     if (!state)
         return;
     state->clip = clip();
-    // Ends lie on whole pixels, which a line that is thinner than one has nothing to do with.
-    const bool hasPixels = isHairline(pen()) && stroke.style.width == 1;
-    const Path inPenSpace = hasPixels ? shiftedBack(path, 0.5) : path.transformed(stroke.toReference.inverted());
-    const Matrix toDevice = stroke.toReference * m_half * m_toDevice;
     const auto paint = [&](const StrokeStyle& style, const PaintState& ink) {
         if (needsDestination(ink.rop))
-            return fillRegion(ClipRegion::ofPath(strokeArea(inPenSpace, toDevice, style, bounds(), m_painter.work()),
-                                  FillRule::NonZero, bounds()),
-                ink);
-        m_painter.strokePath(inPenSpace, toDevice, style, ink);
+            return fillRegion(strokeRegion(stroke, style, path), ink);
+        m_painter.strokePath(inPenSpace(stroke, path), penToDevice(stroke), style, ink);
     };
     if (stroke.fillsGaps) {
         PaintState gaps = *state;

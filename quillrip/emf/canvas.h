@@ -37,10 +37,13 @@ public:
 
     /// `state` without its clip, which is the canvas's own.
     void fill(const Path& path, FillRule rule, PaintState state, Origin origin = Origin::Shape);
-    /// With the selected brush and the binary operation. `isOutlined`: the selected pen follows the path afterwards.
-    void fillWithBrush(const Path& path, FillRule rule, bool isOutlined, Origin origin = Origin::Shape);
+    /// With the selected brush and the binary operation.
+    void fillWithBrush(const Path& path, FillRule rule, Origin origin = Origin::Shape);
     /// With the selected pen and the binary operation.
     void strokeWithPen(const Path& path);
+    /// Both, one after the other. An operation that combines with the page meets each pixel once: the area ends where
+    /// the line begins.
+    void fillAndStroke(const Path& area, const Path& outline, FillRule rule, Origin origin = Origin::Shape);
     /// The area that a stroke with the selected pen would cover, in reference pixels (WIDENPATH). Not an outline in one
     /// piece: to be filled non-zero.
     Path widened(const Path& path) const;
@@ -60,6 +63,13 @@ private:
         bool fillsGaps = false; ///< with the background colour
     };
     bool makeStroke(Stroke& stroke) const;
+    /// In the pen's space, the ends on whole pixels where the line is made of them.
+    Path inPenSpace(const Stroke& stroke, const Path& path) const;
+    Matrix penToDevice(const Stroke& stroke) const { return stroke.toReference * m_half * m_toDevice; }
+    Region strokeRegion(const Stroke& stroke, const StrokeStyle& style, const Path& path) const;
+    /// Whole pixels, as operations that combine with the page need them.
+    Region areaOf(const Path& path, FillRule rule) const;
+    bool hasLine() const;
     bool isHairline(const LogicalPen& pen) const;
     double hairWidth(const LogicalPen& pen) const; ///< reference pixels
 

@@ -182,8 +182,7 @@ void Machine::figure(const Path& fill, const Path& stroke)
 {
     if (m_dc.path.isRecording)
         return addToPath(fill);
-    m_canvas.fillWithBrush(fill, m_canvas.fillRule(), true);
-    m_canvas.strokeWithPen(stroke);
+    m_canvas.fillAndStroke(fill, stroke, m_canvas.fillRule());
 }
 
 void Machine::addToPath(const Path& path)

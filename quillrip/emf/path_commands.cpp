@@ -95,7 +95,7 @@ void widenPath(Machine& machine, const Record&)
 void fillPath(Machine& machine, const Record&)
 {
     const PathState state = machine.takePath();
-    machine.canvas().fillWithBrush(state.path, ruleOf(machine, state), false, Canvas::Origin::DrawnPath);
+    machine.canvas().fillWithBrush(state.path, ruleOf(machine, state), Canvas::Origin::DrawnPath);
 }
 
 void strokePath(Machine& machine, const Record&) { machine.canvas().strokeWithPen(machine.takePath().path); }
@@ -103,8 +103,7 @@ void strokePath(Machine& machine, const Record&) { machine.canvas().strokeWithPe
 void strokeAndFillPath(Machine& machine, const Record&)
 {
     const PathState state = machine.takePath();
-    machine.canvas().fillWithBrush(state.path, ruleOf(machine, state), true, Canvas::Origin::DrawnPath);
-    machine.canvas().strokeWithPen(closed(state.path));
+    machine.canvas().fillAndStroke(state.path, closed(state.path), ruleOf(machine, state), Canvas::Origin::DrawnPath);
 }
 
 void selectClipPath(Machine& machine, const Record& record)

@@ -111,6 +111,20 @@ TEST(EmfDrawing, ExclusiveOrTwiceLeavesNoTrace)
     EXPECT_EQ(play(line + record(0x1B, { 10, 10 }) + record(0x36, { 90, 41 })).ink(), "");
 }
 
+TEST(EmfDrawing, InvertingAreaEndsWhereItsLineBegins)
+{
+    const Bytes inverting = record(0x14, { 6 }) + blackBrush();
+    const Bytes shape = record(0x2A, { 100, 100, 200, 180 });
+    for (const int width : { 1, 20 }) {
+        const Bytes pen = record(0x26, { 1, 0, width, 0, 0 }) + record(0x25, { 1 });
+        const Played played = play(inverting + pen + shape);
+        for (int x = 101; x < 200; ++x)
+            EXPECT_EQ(played.pixel(x, 140), kBlackPixel) << x << ", width " << width;
+        const Bytes path = record(0x3B) + shape + record(0x3C) + boundedRecord(0x3F, {});
+        EXPECT_EQ(play(inverting + pen + path).inkCount(), played.inkCount()) << width;
+    }
+}
+
 TEST(EmfDrawing, StarHasAHoleByTheAlternateRule)
 {
     // Five points as shorts, two to a number.
