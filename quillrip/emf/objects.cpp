@@ -38,6 +38,7 @@ LogicalFont stockFont(const char* face, std::int32_t height, std::int32_t weight
 {
     LogicalFont font;
     font.height = height;
+    font.isSizeKnown = false;
     font.face = face;
     font.weight = weight;
     font.pitchAndFamily = pitchAndFamily;

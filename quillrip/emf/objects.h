@@ -64,6 +64,7 @@ struct LogicalPen {
 /// The fields of a LOGFONT.
 struct LogicalFont {
     std::int32_t height = 0; ///< logical units: above 0 the cell, below 0 the em, 0 a default
+    bool isSizeKnown = true; ///< false for stock fonts: each device has its own, and the height is a usual one
     std::int32_t width = 0; ///< logical units, average; 0: natural
     std::int32_t escapement = 0; ///< 0.1 degree counter-clockwise, of the line
     std::int32_t orientation = 0; ///< 0.1 degree counter-clockwise, of each glyph

@@ -52,6 +52,8 @@ public:
 
     void draw()
     {
+        m_ascent = m_em * m_font.metrics().ascent;
+        m_descent = m_em * m_font.metrics().descent;
         const bool updates = (m_dc.textAlign & kUpdatePosition) != 0;
         Canvas& canvas = m_machine.canvas();
         const Point reference = updates ? m_dc.position : m_run.reference;
@@ -64,7 +66,7 @@ public:
                 canvas.fill(bar(0, m_width, -m_ascent, m_descent), FillRule::NonZero,
                     PaintMaker::solid(colorOf(m_dc.backgroundColor, m_dc)));
             drawGlyphs(ink);
-            drawBars(ink);
+            forEachBar([&](const Path& bar) { canvas.fill(bar, FillRule::NonZero, ink); });
         }
         if (updates)
             movePosition();
@@ -114,8 +116,6 @@ private:
             m_em = cell > 0 ? height / cell : height;
         else
             m_em = kStockInches * m_machine.dotsPerInch() / std::max(1e-9, lengthOf(m_toReference.c, m_toReference.d));
-        m_ascent = m_em * metrics.ascent;
-        m_descent = m_em * metrics.descent;
         m_stretch = m_font.stretch() * m_glyphStretch;
         if (m_logical.width != 0)
             m_stretch = std::abs(double(m_logical.width)) / (metrics.averageWidth * m_em);
@@ -134,8 +134,16 @@ private:
             for (const TextRun::Unit& unit : m_run.units)
                 place(unit);
         }
-        // Letters of a face with other widths are fitted into those that the job gives.
         constexpr double kClose = 0.02;
+        if (m_run.hasAdvances && m_natural > 0 && m_given > 0 && (!m_logical.isSizeKnown || m_logical.height == 0)) {
+            // What size the reference device gave the font shows in the widths alone.
+            constexpr double kSmallest = 0.1;
+            constexpr double kLargest = 4;
+            if (std::abs(m_given / m_natural - 1) > kClose)
+                m_em *= std::clamp(m_given / m_natural, kSmallest, kLargest);
+            m_natural = m_given;
+        }
+        // Letters of a face with other widths are fitted into those that the job gives.
         constexpr double kNarrowest = 0.7;
         constexpr double kWidest = 1.3;
         if (m_run.hasAdvances && !m_font.hasTrueWidths() && m_natural > 0 && m_given > 0
@@ -321,19 +329,20 @@ private:
     {
         for (const Placed& placed : m_placed)
             m_machine.addToPath(outlineOf(placed).transformed(matrixOf(placed)));
+        forEachBar([&](const Path& bar) { m_machine.addToPath(bar); });
     }
 
-    void drawBars(const PaintState& ink)
+    template <typename Use> void forEachBar(const Use& use) const
     {
         const WindowsFontMetrics& metrics = m_font.metrics();
-        const auto draw = [&](double top, double thickness) {
+        const auto give = [&](double top, double thickness) {
             if (m_width != 0)
-                m_machine.canvas().fill(bar(0, m_width, -top * m_em, (thickness - top) * m_em), FillRule::NonZero, ink);
+                use(bar(0, m_width, -top * m_em, (thickness - top) * m_em));
         };
         if (m_logical.isUnderlined)
-            draw(metrics.underlineTop, metrics.underlineThickness);
+            give(metrics.underlineTop, metrics.underlineThickness);
         if (m_logical.isStruckOut)
-            draw(metrics.strikeoutTop, metrics.strikeoutThickness);
+            give(metrics.strikeoutTop, metrics.strikeoutThickness);
     }
 
     void movePosition()

@@ -289,6 +289,36 @@ TEST(EmfText, EmbeddedFontsServeAllPagesOfTheJob)
     EXPECT_FALSE(played.report.has("emf.font-missing"));
 }
 
+TEST(EmfText, UnderlinesAndStrikeoutsArePartsOfThePath)
+{
+    const auto filled = [](int flags) {
+        return play(arial(-100, 0, flags) + record(0x25, { 0x80000004 }) + record(0x3B) + text(500, 500, u"H", { 100 })
+            + record(0x3C) + boundedRecord(0x3E, {}));
+    };
+    const Played plain = filled(0);
+    const Played underlined = filled(0x100);
+    EXPECT_GT(bottomOf(underlined), bottomOf(plain));
+    EXPECT_EQ(leftOf(underlined), 500);
+    const Played struckOut = filled(0x10000);
+    EXPECT_EQ(bottomOf(struckOut), bottomOf(plain));
+    EXPECT_EQ(leftOf(struckOut), 500);
+}
+
+TEST(EmfText, StockFontsHaveTheSizeThatTheWidthsTell)
+{
+    const auto heightOf = [](const Bytes& font, std::int64_t advance) {
+        const Played played
+            = play(font + record(0x16, { 0x18 }) + text(500, 500, u"HHH", { advance, advance, advance }));
+        return bottomOf(played) - topOf(played) + 1;
+    };
+    // An H is as wide as 1479 of 2048 parts of the em, and 1409 high.
+    for (const Bytes& font : { record(0x25, { 0x8000000E }), arial(0) }) {
+        EXPECT_NEAR(heightOf(font, 20), 20.0 * 1409 / 1479, 1.5);
+        EXPECT_NEAR(heightOf(font, 100), 100.0 * 1409 / 1479, 1.5);
+    }
+    EXPECT_NEAR(heightOf(arial(-100), 40), 69, 1.5);
+}
+
 TEST(EmfText, TextBeyondItsRecordIsNamed)
 {
     Bytes bad = arial(-100) + text(500, 500, u"H", { 100 });
