@@ -20,7 +20,7 @@ public:
         for (; halvings > 0; --halvings) {
             width /= 2;
             height /= 2;
-            m_levels.push_back({ width, height, {} });
+            m_levels.push_back({ width, {} });
         }
         m_pixels->format = PictureShape::Format::Rgba32;
         m_pixels->hasAlpha = true;
@@ -36,8 +36,7 @@ public:
 
 private:
     struct Level {
-        int width; ///< when it is halved
-        int rowsLeft; ///< to come out of it: of an odd number of rows the last is dropped, as is the last column
+        int width; ///< when it is halved: an odd last column is dropped, as is an odd last row
         std::vector<std::uint8_t> upper; ///< the first row of a pair, until the second comes
     };
 
@@ -73,15 +72,12 @@ void Reduction::add(const std::uint8_t* row, std::size_t at)
     }
     Level& level = m_levels[at];
     const std::size_t bytes = static_cast<std::size_t>(level.width) * kChannels;
-    if (level.rowsLeft == 0)
-        return;
     if (level.upper.empty()) {
         level.upper.assign(row, row + 2 * bytes);
         return;
     }
     // In the place of the upper row: a pixel is read before its half is written.
     halve(level.upper.data(), row, level.width, level.upper.data());
-    --level.rowsLeft;
     add(level.upper.data(), at + 1);
     level.upper.clear();
 }
