@@ -141,6 +141,28 @@ TEST(EmfBitmap, MaskChoosesTheOperation)
     EXPECT_EQ(play(withMask(0xCCAA0000)).ink(), "101,100,101,100");
 }
 
+TEST(EmfBitmap, MaskRowsBeginWhereTheRecordSaysAndRepeat)
+{
+    const auto drawn = [](const Bytes& maskHeader, const Bytes& maskBits) {
+        const auto maskAt = static_cast<std::int64_t>(128 + 40 + 32);
+        const auto headerSize = static_cast<std::int64_t>(maskHeader.size());
+        const Bytes fields
+            = words({ 0, 1, 0, maskAt, headerSize, maskAt + headerSize, static_cast<std::int64_t>(maskBits.size()) });
+        Bytes bytes
+            = blit(0x4E, 0xAACC0000, 2, 4, bitmapHeader(2, 4, 24), Bytes(32), 0, fields) + maskHeader + maskBits;
+        bytes[4] = static_cast<std::uint8_t>(bytes.size());
+        bytes[5] = static_cast<std::uint8_t>(bytes.size() >> 8);
+        return play(bytes);
+    };
+    // Two rows from the bottom: the right pixel is set, the left one is.
+    const Played masked = drawn(bitmapHeader(2, 2, 1, 0, words({ 0, 0xFFFFFF })), { 0x40, 0, 0, 0, 0x80, 0, 0, 0 });
+    for (int y = 0; y < 4; ++y) {
+        EXPECT_EQ(masked.hasInk(100, 100 + y), y % 2 == 1) << y;
+        EXPECT_EQ(masked.hasInk(101, 100 + y), y % 2 == 0) << y;
+    }
+    EXPECT_EQ(drawn(bitmapHeader(2, 2, 24), Bytes(16)).ink(), "100,100,101,103") << "a mask has one bit a pixel";
+}
+
 TEST(EmfBitmap, ParallelogramTurnsThePicture)
 {
     const Bytes header = bitmapHeader(2, 2, 24);
