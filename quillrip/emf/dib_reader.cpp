@@ -94,6 +94,14 @@ std::vector<Rgb> readTable(const Fields& fields, const Header& header, const Dib
             table[i] = fromPalette(i);
         return table;
     }
+    if (context.usage == ColorUsage::Rgb && header.tableAt >= fields.size()) {
+        // Some writers leave the table out where the header does not count its colours: black to white then.
+        for (std::size_t i = 0; i < most; ++i) {
+            const auto level = static_cast<std::uint8_t>(i * 255 / (most - 1));
+            table[i] = { level, level, level };
+        }
+        return table;
+    }
     const std::size_t count = header.colorsUsed == 0 ? most : std::min<std::size_t>(header.colorsUsed, most);
     for (std::size_t i = 0; i < count; ++i) {
         if (context.usage == ColorUsage::PaletteEntries) {

@@ -269,6 +269,18 @@ TEST(EmfDib, OldHeadersHaveTriples)
     EXPECT_EQ(pixels.color(1, 0), kGreenPixel);
 }
 
+TEST(EmfDib, TableThatIsLeftOutRunsFromBlackToWhite)
+{
+    const Pixels mono = decodedDib(bitmapHeader(2, 1, 1), { 0x40, 0, 0, 0 });
+    EXPECT_EQ(mono.color(0, 0), kBlackPixel);
+    EXPECT_EQ(mono.color(1, 0), kWhitePixel);
+    const Pixels sixteen = decodedDib(bitmapHeader(2, 1, 4), { 0x3F, 0, 0, 0 });
+    EXPECT_EQ(sixteen.color(0, 0), (Rgb { 51, 51, 51 }));
+    EXPECT_EQ(sixteen.color(1, 0), kWhitePixel);
+    // Of a table that is there, what is missing is black.
+    EXPECT_EQ(decodedDib(bitmapHeader(2, 1, 4) + words({ 0xFF0000 }), { 0x0F, 0, 0, 0 }).color(1, 0), kBlackPixel);
+}
+
 TEST(EmfDib, ImpossibleBitmapsAreNamed)
 {
     for (const Bytes& header : { bitmapHeader(0, 5, 24), bitmapHeader(5, -2147483647 - 1, 24),
