@@ -346,15 +346,44 @@ Region Canvas::strokeRegion(const Stroke& stroke, const StrokeStyle& style, cons
 void Canvas::strokeWithPen(const Path& path)
 {
     Stroke stroke;
+    if (makeStroke(stroke))
+        this->stroke(stroke, path, nullptr);
+}
+
+void Canvas::strokeWidened(const Path& area)
+{
+    Stroke stroke;
     if (!makeStroke(stroke))
         return;
+    // The area is in pieces, whose edges within it are none of its own: they lie deeper than half of the line reaches.
+    const double across = std::sqrt(std::abs(penToDevice(stroke).determinant()));
+    const int reach = std::clamp(static_cast<int>(stroke.style.width * across / 2 + 0.25), 1, 1 << 15);
+    const int diagonal = std::max(1, static_cast<int>(std::lround(reach * std::sqrt(0.5))));
+    // A pixel whose middle lies where two pieces meet can be in neither; seen from beside it is in one.
+    constexpr double kBeside = 1.0 / 16;
+    const Path reaching = area.transformed(m_half);
+    const Region whole
+        = areaOf(reaching, FillRule::NonZero)
+              ->united(*areaOf(reaching.transformed(Matrix::translation(kBeside, kBeside / 2)), FillRule::NonZero));
+    Region inside = whole;
+    for (const int right : { -1, 0, 1 }) {
+        for (const int down : { -1, 0, 1 }) {
+            const int step = right != 0 && down != 0 ? diagonal : reach;
+            inside = inside->intersected(*whole->moved(right * step, down * step));
+        }
+    }
+    this->stroke(stroke, area, inside->complement(bounds()));
+}
+
+void Canvas::stroke(const Stroke& stroke, const Path& path, const Region& limit)
+{
     auto state = m_paints.brush(m_dc, pen().brush);
     if (!state)
         return;
-    state->clip = clip();
+    state->clip = intersection(clip(), limit);
     const auto paint = [&](const StrokeStyle& style, const PaintState& ink) {
         if (needsDestination(ink.rop))
-            return fillRegion(strokeRegion(stroke, style, path), ink);
+            return fillRegion(intersection(limit, strokeRegion(stroke, style, path)), ink);
         m_painter.strokePath(inPenSpace(stroke, path), penToDevice(stroke), style, ink);
     };
     if (stroke.fillsGaps) {

@@ -41,6 +41,8 @@ public:
     void fillWithBrush(const Path& path, FillRule rule, Origin origin = Origin::Shape);
     /// With the selected pen and the binary operation.
     void strokeWithPen(const Path& path);
+    /// The selected pen along the edge of an area made by widened().
+    void strokeWidened(const Path& area);
     /// Both, one after the other. An operation that combines with the page meets each pixel once: the area ends where
     /// the line begins.
     void fillAndStroke(const Path& area, const Path& outline, FillRule rule, Origin origin = Origin::Shape);
@@ -66,6 +68,8 @@ private:
     /// In the pen's space, the ends on whole pixels where the line is made of them.
     Path inPenSpace(const Stroke& stroke, const Path& path) const;
     Matrix penToDevice(const Stroke& stroke) const { return stroke.toReference * m_half * m_toDevice; }
+    /// `limit`: null, or beyond it nothing is painted.
+    void stroke(const Stroke& stroke, const Path& path, const Region& limit);
     Region strokeRegion(const Stroke& stroke, const StrokeStyle& style, const Path& path) const;
     /// Whole pixels, as operations that combine with the page need them.
     Region areaOf(const Path& path, FillRule rule) const;

@@ -98,12 +98,23 @@ void fillPath(Machine& machine, const Record&)
     machine.canvas().fillWithBrush(state.path, ruleOf(machine, state), Canvas::Origin::DrawnPath);
 }
 
-void strokePath(Machine& machine, const Record&) { machine.canvas().strokeWithPen(machine.takePath().path); }
+void strokePath(Machine& machine, const Record&)
+{
+    const PathState state = machine.takePath();
+    if (state.isWidened)
+        return machine.canvas().strokeWidened(state.path);
+    machine.canvas().strokeWithPen(state.path);
+}
 
 void strokeAndFillPath(Machine& machine, const Record&)
 {
     const PathState state = machine.takePath();
-    machine.canvas().fillAndStroke(state.path, closed(state.path), ruleOf(machine, state), Canvas::Origin::DrawnPath);
+    Canvas& canvas = machine.canvas();
+    if (state.isWidened) {
+        canvas.fillWithBrush(state.path, FillRule::NonZero, Canvas::Origin::DrawnPath);
+        return canvas.strokeWidened(state.path);
+    }
+    canvas.fillAndStroke(state.path, closed(state.path), canvas.fillRule(), Canvas::Origin::DrawnPath);
 }
 
 void selectClipPath(Machine& machine, const Record& record)

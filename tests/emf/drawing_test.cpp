@@ -125,6 +125,27 @@ TEST(EmfDrawing, InvertingAreaEndsWhereItsLineBegins)
     }
 }
 
+TEST(EmfDrawing, WidenedPathIsStrokedAlongItsEdge)
+{
+    const Bytes wide = record(0x26, { 1, 0, 60, 0, 0 }) + record(0x25, { 1 });
+    const Bytes curve = record(0x3B) + record(0x2A, { 200, 200, 600, 500 }) + record(0x3C) + record(0x42);
+    const Bytes fine = record(0x26, { 2, 0, 5, 0, 0xFF }) + record(0x25, { 2 });
+    const Bytes stroke = boundedRecord(0x40, {});
+    const Bytes both = boundedRecord(0x3F, {});
+    for (const bool isFilled : { false, true }) {
+        const Played played = play(wide + curve + fine + blackBrush() + (isFilled ? both : stroke));
+        // From the left through the middle: the outer edge, the band of 60 pixels, the inner edge.
+        EXPECT_EQ(played.pixel(171, 350), kRedPixel);
+        for (int x = 175; x <= 226; ++x)
+            EXPECT_EQ(played.pixel(x, 350), isFilled ? kBlackPixel : kWhitePixel) << x;
+        EXPECT_EQ(played.pixel(231, 350), kRedPixel);
+        EXPECT_EQ(played.pixel(400, 350), kWhitePixel);
+        // And nothing within the band above, where its pieces meet.
+        for (int y = 175; y <= 225; ++y)
+            EXPECT_EQ(played.pixel(400, y), isFilled ? kBlackPixel : kWhitePixel) << y;
+    }
+}
+
 TEST(EmfDrawing, StarHasAHoleByTheAlternateRule)
 {
     // Five points as shorts, two to a number.
