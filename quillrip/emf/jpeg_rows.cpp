@@ -37,6 +37,8 @@ public:
     }
 
     bool begin() override;
+    /// Why there is no row.
+    std::string problem() const;
 
 private:
     static constexpr std::uint32_t kUnitsThatTheReaderLeaves = 0;
@@ -59,6 +61,7 @@ private:
     std::uint64_t m_mostPixels;
     WorkMeter& m_work;
     std::optional<Pass> m_pass;
+    bool m_isTooLarge = false;
     std::vector<std::uint8_t> m_inks; ///< a row in CMYK; empty: the file has other colours
 };
 
@@ -71,12 +74,20 @@ bool JpegRows::begin()
     jpeg_decompress_struct& info = reader.info();
     const bool isCmyk = info.num_components == 4;
     info.out_color_space = isCmyk ? JCS_CMYK : JCS_RGB;
-    if (std::uint64_t { info.image_width } * info.image_height > m_mostPixels || !reader.start())
+    m_isTooLarge = std::uint64_t { info.image_width } * info.image_height > m_mostPixels;
+    if (m_isTooLarge || !reader.start())
         return false;
     m_shape.width = static_cast<int>(info.output_width);
     m_shape.height = static_cast<int>(info.output_height);
     m_inks.resize(isCmyk ? std::size_t { info.output_width } * 4 : 0);
     return true;
+}
+
+std::string JpegRows::problem() const
+{
+    if (m_work.isExhausted())
+        return m_work.reason();
+    return m_isTooLarge ? "its JPEG file is too large" : "its JPEG file is damaged";
 }
 
 bool JpegRows::next(std::uint8_t* to)
@@ -100,7 +111,7 @@ std::unique_ptr<ImageRows> openJpeg(ByteView file, std::uint64_t mostPixels, Wor
     auto rows = std::make_unique<JpegRows>(file, mostPixels, work);
     if (rows->begin())
         return rows;
-    problem = work.isExhausted() ? work.reason() : "its JPEG file is damaged";
+    problem = rows->problem();
     return nullptr;
 }
 

@@ -199,6 +199,19 @@ TEST_F(EmfImageRows, TakeNoMoreThanARowOfAPass)
     EXPECT_EQ(ofPasses.row(side - 1, line)[4], sampleAt(4, side - 1));
 }
 
+TEST_F(EmfImageRows, AreNotMadeOfFilesThatAreTooLarge)
+{
+    const Bytes jpeg = jpegFile(37, 23);
+    const Bytes png = pngFile({});
+    EXPECT_FALSE(emf::openJpeg(jpeg, 37 * 23 - 1, m_work, m_problem));
+    EXPECT_EQ(m_problem, "its JPEG file is too large");
+    EXPECT_TRUE(emf::openJpeg(jpeg, 37 * 23, m_work, m_problem));
+    EXPECT_FALSE(emf::openPng(png, 37 * 23 - 1, m_work, m_problem));
+    EXPECT_EQ(m_problem, "its PNG file is too large");
+    EXPECT_FALSE(emf::openJpeg(png, kMostPixels, m_work, m_problem));
+    EXPECT_EQ(m_problem, "its JPEG file is damaged");
+}
+
 TEST_F(EmfImageRows, OfSeveralScansAreThoseOfOne)
 {
     constexpr int side = 1000;
