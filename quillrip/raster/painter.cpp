@@ -182,6 +182,7 @@ std::unique_ptr<ImagePainter> Painter::beginImage(const ImageGeometry& geometry,
         return nullptr;
     if (!m_work->allows(Work::Images, kUnitsPerMark))
         return nullptr;
+    m_strokeEdges.reset(); // the image may need the memory
     PaintState ownState = state;
     if (geometry.format == ImageFormat::Rgba32)
         ownState.sourceTransparent = false;
