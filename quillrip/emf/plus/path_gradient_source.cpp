@@ -77,7 +77,7 @@ public:
     }
 
     /// Its edges cross so many directions each that every pixel would be held against many: no shape, but noise.
-    bool isTangled() const { return m_sorted > kMostSorted; }
+    bool isTangled() const { return m_sorted > (isSearched() ? kMostSorted / kSearchSteps : kMostSorted); }
 
     void row(int y, int left, int right, Rgba* pixels) const override
     {
@@ -90,6 +90,7 @@ public:
 private:
     static constexpr std::size_t kSectors = 1024;
     static constexpr std::size_t kMostSorted = kSectors * 128;
+    static constexpr int kSearchSteps = 8; ///< to a 256th of the way
 
     static std::size_t sectorOf(double direction)
     {
@@ -134,14 +135,16 @@ private:
             folded(p.y, m_bounds.top, m_bounds.height(), m_wrap == WrapMode::FlipY || m_wrap == WrapMode::FlipBoth) };
     }
 
-    /// `p` is relative to the centre.
-    Rgba colorAt(Point p) const
-    {
-        const double distance = std::hypot(p.x, p.y);
-        if (distance < 1e-9)
-            return atCenter();
-        double farthest = 0; // the boundary's distance, in that of the point
+    /// Where the ray from the centre through a point meets the boundary.
+    struct Crossing {
+        double reach = 0; ///< the boundary's distance, in that of the point; 0: the ray meets none
         Rgba surround {};
+    };
+
+    /// `p` is relative to the centre, and not there; likewise below.
+    Crossing crossingOf(Point p) const
+    {
+        Crossing farthest;
         for (const std::uint32_t edge : m_sectors[sectorOf(directionOf(p))]) {
             const BoundaryCorner& a = m_corners[edge];
             const BoundaryCorner& b = m_corners[(edge + 1) % m_corners.size()];
@@ -152,27 +155,53 @@ private:
             const double along = (a.at.x * p.y - a.at.y * p.x) / slope;
             const double reach = (a.at.x * way.y - a.at.y * way.x) / slope;
             constexpr double tolerance = 1e-9;
-            if (along < -tolerance || along > 1 + tolerance || reach <= farthest)
+            if (along < -tolerance || along > 1 + tolerance || reach <= farthest.reach)
                 continue;
-            farthest = reach;
-            surround = mixed(a.color, b.color, std::clamp(along, 0.0, 1.0));
+            farthest = { reach, mixed(a.color, b.color, std::clamp(along, 0.0, 1.0)) };
         }
+        return farthest;
+    }
+
+    Rgba colorAt(Point p) const
+    {
+        const double distance = std::hypot(p.x, p.y);
+        if (distance < 1e-9)
+            return atCenter();
+        const Crossing crossing = crossingOf(p);
         // Pixels on the edge have their centres beyond it as often as not.
-        if (!(farthest > 0) || distance - distance * farthest > m_slack)
+        if (!(crossing.reach > 0) || distance - distance * crossing.reach > m_slack)
             return kTransparent;
-        return colorAt(std::max(0.0, 1 - 1 / farthest), p, farthest, surround);
+        if (isSearched())
+            return searchedColor(p, crossing.surround);
+        const double position = std::max(0.0, 1 - 1 / crossing.reach);
+        return blended(m_focus.x < 1 ? std::min(1.0, position / (1 - m_focus.x)) : 1, crossing.surround);
+    }
+
+    /// The focus is not the boundary's shape: its points leave the rays on their way to it.
+    bool isSearched() const { return m_focus.x != m_focus.y; }
+
+    /// On the way to the focus the boundary shrinks, along either axis by its own scale; it passes the point once.
+    Rgba searchedColor(Point p, Rgba surround) const
+    {
+        double begin = 0;
+        double end = 1;
+        for (int step = 0; step < kSearchSteps; ++step) {
+            const double position = (begin + end) / 2;
+            const Crossing crossing
+                = crossingOf({ p.x / (1 - position * (1 - m_focus.x)), p.y / (1 - position * (1 - m_focus.y)) });
+            if (crossing.reach >= 1) {
+                begin = position;
+                surround = crossing.surround;
+            } else {
+                end = position;
+            }
+        }
+        return blended(end < 1 ? begin : 1, surround);
     }
 
     /// `position` is 0 on the boundary and 1 in the centre.
-    Rgba colorAt(double position, Point p, double farthest, Rgba surround) const
+    Rgba blended(double position, Rgba surround) const
     {
-        if (m_focus.x > 0 || m_focus.y > 0) {
-            // The focus is the boundary made smaller: along this ray, by the part that its direction has of each axis.
-            const Point onBoundary = p * farthest;
-            const double length = std::hypot(onBoundary.x, onBoundary.y);
-            const double focus = std::hypot(onBoundary.x * m_focus.x, onBoundary.y * m_focus.y) / length;
-            position = focus < 1 ? std::min(1.0, position / (1 - focus)) : 1;
-        }
         if (m_hasOwnColors)
             return m_blend.at(position);
         if (m_blend.factors.empty())

@@ -102,6 +102,27 @@ TEST(EmfPlusBrush, PathGradientsRunFromTheBoundaryToTheCentre)
     EXPECT_NEAR(rowOf(pathGradientSource(brush, Matrix()), 50, 12, 13)[0].red, 128, 3);
 }
 
+TEST(EmfPlusBrush, BoundaryShrinksToItsFocusAlongEachAxis)
+{
+    PathGradientBrush brush;
+    brush.center = { 50, 50 };
+    brush.centerColor = { 255, 255, 255, 255 };
+    brush.surroundColors = { { 0, 0, 0, 255 } };
+    brush.boundaryPoints = { { 0, 0 }, { 100, 0 }, { 100, 100 }, { 0, 100 } };
+    brush.focusScale = { 0, 0.7 };
+    const auto redAt
+        = [&](int x, int y) { return int { rowOf(pathGradientSource(brush, Matrix()), y, x, x + 1)[0].red }; };
+    // Halfway to the focus, an upright line of 70, the boundary is 50 wide and 85 high.
+    for (const int y : { 10, 30, 50, 70, 90 })
+        EXPECT_NEAR(redAt(75, y), 126, 4) << y;
+    EXPECT_NEAR(redAt(50, 20), 252, 4);
+    EXPECT_NEAR(redAt(50, 7), 128, 6);
+    brush.focusScale = { 0.4, 0.8 };
+    for (const int y : { 12, 30, 50, 70, 88 })
+        EXPECT_EQ(redAt(68, y), 255) << y;
+    EXPECT_NEAR(redAt(85, 20), 128, 6);
+}
+
 TEST(EmfPlusBrush, BoundaryColoursMixAlongTheEdges)
 {
     PathGradientBrush brush;
