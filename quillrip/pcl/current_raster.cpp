@@ -3,6 +3,7 @@
 #include "quillrip/pcl/cursor.h"
 #include "quillrip/pcl/error_state.h"
 #include "quillrip/pcl/page.h"
+#include "quillrip/pcl/placed_block.h"
 #include "quillrip/pcl/plot_visit.h"
 #include "quillrip/pcl/print_model.h"
 #include "quillrip/pcl/state.h"
@@ -230,12 +231,43 @@ void CurrentRaster::begin()
     } else {
         setup.layout = RasterLayout::forPalette(m_state.palettes.active(), width, m_state.isMonochrome);
     }
+    m_session = sessionOf(std::move(setup));
+}
+
+std::unique_ptr<RasterSession> CurrentRaster::sessionOf(RasterSession::Setup setup)
+{
     // The canvas may be there only from the first row on, but its geometry is known before.
     setup.unitsToDevice = m_page.unitsToDevice(setup.direction);
     setup.paint = m_printModel.paintState(m_state.pattern);
     setup.needsPixels = m_visit.needsPixels();
     setup.work = &m_work;
-    m_session = std::make_unique<RasterSession>(std::move(setup), [this] { return m_page.painterForMark(); });
+    return std::make_unique<RasterSession>(std::move(setup), [this] { return m_page.painterForMark(); });
+}
+
+// Its place counts from a corner that the driver supposes near the sheet's, wherever the cursor is.
+void CurrentRaster::paintBlock(ByteView data)
+{
+    constexpr Position kOrigin { kUnitsPerInch / 20, kUnitsPerInch * 3 / 20 };
+    const auto block = PlacedBlock::read(data);
+    if (!block) {
+        report(RasterSession::Outcome::BadBlock);
+        return;
+    }
+    RasterSession::Setup setup;
+    setup.pixelWidth = kUnitsPerInch / 1200.0;
+    setup.pixelHeight = kUnitsPerInch / 600.0;
+    setup.origin = { kOrigin.x - m_state.page.leftOffset() + std::llround(block->left() * setup.pixelWidth),
+        kOrigin.y + std::llround(block->top() * setup.pixelHeight) };
+    setup.pageEnd = m_state.page.reachDown(setup.direction);
+    setup.layout = RasterLayout::forPalette(m_state.palettes.active(), block->width(), m_state.isMonochrome);
+    const std::unique_ptr<RasterSession> session = sessionOf(std::move(setup));
+    const bool isWhole = block->decode([&](ByteView row) {
+        session->transferRow(row, 0);
+        return !m_work.isExhausted();
+    });
+    session->finish();
+    if (!isWhole)
+        report(RasterSession::Outcome::BadBlock);
 }
 
 void CurrentRaster::finish()
@@ -282,6 +314,11 @@ void CurrentRaster::transferPlane(ByteView data)
 
 void CurrentRaster::transferRow(ByteView data)
 {
+    constexpr int kPlacedBlocks = 1027;
+    if (m_state.raster.compression == kPlacedBlocks) {
+        paintBlock(data);
+        return;
+    }
     ensureOpen();
     const Palette& palette = m_state.palettes.active();
     if (palette.isPens() && m_state.raster.componentData.empty() && !m_session->hasData() && !data.empty()) {

@@ -61,6 +61,8 @@ private:
     Resolution resolution() const;
     InternalUnits declaredWidth() const;
     void begin();
+    std::unique_ptr<RasterSession> sessionOf(RasterSession::Setup setup);
+    void paintBlock(ByteView data);
     void ensureOpen();
     void close(Position end);
     int rowDirection() const;

@@ -157,7 +157,7 @@ void PjlEnvironment::set(const std::string& language, const std::string& name, c
     } else if (name == "RESOLUTION") {
         assign(resolution, whole(value, 1, 9600));
     } else if (name == "RAS1200MODE") {
-        hasFineRaster = plain == "TRUE";
+        hasFineRaster = plain == "TRUE" || plain == "ON";
     } else if (name == "RENDERMODE" || name == "COLORMODE") {
         isGray = plain == "GRAYSCALE" || plain == "GRAY" || plain == "MONO" || plain == "MONOCHROME";
     } else if (name == "PERSONALITY") {

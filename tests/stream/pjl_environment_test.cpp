@@ -35,6 +35,10 @@ TEST(PjlEnvironment, ValuesOutsideTheirRangeAreIgnored)
     EXPECT_TRUE(variables.hasFineRaster);
     variables.set("", "RAS1200MODE", "FALSE");
     EXPECT_FALSE(variables.hasFineRaster);
+    variables.set("", "RAS1200MODE", "ON");
+    EXPECT_TRUE(variables.hasFineRaster);
+    variables.set("", "RAS1200MODE", "OFF");
+    EXPECT_FALSE(variables.hasFineRaster);
     variables.set("", "RESOLUTION", "600");
     EXPECT_EQ(variables.resolution, 600);
     variables.set("", "ORIENTATION", "UPSIDE");
