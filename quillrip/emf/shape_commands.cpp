@@ -3,11 +3,11 @@
 #include "quillrip/emf/handlers.h"
 #include "quillrip/emf/machine.h"
 #include "quillrip/emf/record.h"
+#include "quillrip/raster/scan/flood_region.h"
 
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
-#include <vector>
 
 namespace quillrip::emf {
 
@@ -222,59 +222,11 @@ void floodFill(Machine& machine, const Record& record)
     const PixelRect bounds = canvas.bounds();
     if (!state || !(at.x >= 0 && at.x < bounds.right && at.y >= 0 && at.y < bounds.bottom))
         return;
-    const PageBitmap& page = canvas.painter().page();
-    Rgb wanted = colorOf(record.u32(16), dc);
-    if (page.format() == PixelFormat::Gray8) {
-        const std::uint8_t grey = luminance(wanted);
-        wanted = { grey, grey, grey };
-    } else if (page.format() == PixelFormat::Bilevel) {
-        const std::uint8_t tone = luminance(wanted) < 128 ? 0 : 255;
-        wanted = { tone, tone, tone };
-    }
     machine.spend(static_cast<std::uint64_t>(bounds.right) * static_cast<std::uint64_t>(bounds.bottom));
-    const bool goesToBorder = record.u32(20) == kToBorder;
-    const auto spreadsOver = [&](int x, int y) { return (page.pixel(x, y) == wanted) != goesToBorder; };
-
-    // Runs of pixels that are waiting to be looked above and below from; each pixel is taken once.
-    const auto width = static_cast<std::size_t>(bounds.right);
-    std::vector<bool> taken(width * static_cast<std::size_t>(bounds.bottom));
-    const auto isFree = [&](int x, int y) {
-        return !taken[static_cast<std::size_t>(y) * width + static_cast<std::size_t>(x)] && spreadsOver(x, y);
-    };
-    std::vector<std::pair<int, int>> waiting;
-    const int startX = static_cast<int>(at.x);
-    const int startY = static_cast<int>(at.y);
-    if (isFree(startX, startY))
-        waiting.emplace_back(startX, startY);
-    Path area;
-    while (!waiting.empty()) {
-        const auto [x, y] = waiting.back();
-        waiting.pop_back();
-        if (!isFree(x, y))
-            continue;
-        int left = x;
-        int right = x + 1;
-        while (left > 0 && isFree(left - 1, y))
-            --left;
-        while (right < bounds.right && isFree(right, y))
-            ++right;
-        for (int column = left; column < right; ++column)
-            taken[static_cast<std::size_t>(y) * width + static_cast<std::size_t>(column)] = true;
-        area.rectangle(left, y, right, y + 1);
-        for (const int next : { y - 1, y + 1 }) {
-            if (next < 0 || next >= bounds.bottom)
-                continue;
-            bool wasFree = false;
-            for (int column = left; column < right; ++column) {
-                const bool free = isFree(column, next);
-                if (free && !wasFree)
-                    waiting.emplace_back(column, next);
-                wasFree = free;
-            }
-        }
-    }
-    if (!area.empty())
-        canvas.fillRegion(ClipRegion::ofPath(area, FillRule::NonZero, bounds), *state);
+    const FloodRule rule = record.u32(20) == kToBorder ? FloodRule::UntilEqual : FloodRule::WhileEqual;
+    canvas.fillRegion(floodRegion(canvas.painter().page(), static_cast<int>(at.x), static_cast<int>(at.y),
+                          colorOf(record.u32(16), dc), rule, bounds),
+        *state);
 }
 
 } // namespace quillrip::emf

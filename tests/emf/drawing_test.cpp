@@ -299,6 +299,20 @@ TEST(EmfDrawing, FloodFillStopsAtOtherColors)
     EXPECT_EQ(played.pixel(99, 99), kWhitePixel);
 }
 
+TEST(EmfDrawing, FloodFillStopsAtLinesWithSoftEdges)
+{
+    const Bytes circle = blackPen() + nullBrush() + record(0x2A, { 100, 100, 201, 165 });
+    const Bytes red = record(0x27, { 1, 0, 0xFF, 0 }) + record(0x25, { 1 });
+    const Bytes flood = record(0x35, { 150, 130, 0, 0 });
+    const Played played = play(circle + red + flood);
+    EXPECT_EQ(played.pixel(102, 133), kRedPixel);
+    EXPECT_EQ(played.pixel(97, 130), kWhitePixel);
+    EXPECT_EQ(played.ink(), play(circle).ink());
+    // Over another colour in the way, up to the border.
+    const Bytes blue = record(0x27, { 2, 0, 0xFF0000, 0 }) + record(0x25, { 2 }) + nullPen();
+    EXPECT_EQ(play(circle + blue + rectangle(140, 120, 160, 140) + red + flood).pixel(130, 130), kRedPixel);
+}
+
 TEST(EmfDrawing, SizeAtAnotherResolutionIsTheSame)
 {
     const Played played(metafile(filled() + rectangle(300, 300, 600, 600)), PixelFormat::Gray8, 100);

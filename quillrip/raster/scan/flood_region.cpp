@@ -1,5 +1,6 @@
 #include "quillrip/raster/scan/flood_region.h"
 
+#include <cmath>
 #include <cstdint>
 #include <vector>
 
@@ -23,7 +24,7 @@ public:
     Flood(const PageBitmap& page, Rgb color, FloodRule rule, const PixelRect& area)
         : m_page(page)
         , m_color(asShown(color, page.format()))
-        , m_wantsEqual(rule == FloodRule::WhileEqual)
+        , m_rule(rule)
         , m_area(area)
         , m_stride((static_cast<std::size_t>(area.width()) + 7) / 8)
         , m_taken(m_stride * static_cast<std::size_t>(area.height()))
@@ -32,6 +33,7 @@ public:
 
     std::shared_ptr<const ClipRegion> from(int x, int y)
     {
+        m_start = m_page.pixel(x, y);
         push(y, x, x + 1);
         while (!m_open.empty()) {
             const Stretch stretch = m_open.back();
@@ -67,7 +69,33 @@ private:
 
     bool isFree(int x, int y)
     {
-        return (byteAt(x, y) & bitAt(x)) == 0 && (m_page.pixel(x, y) == m_color) == m_wantsEqual;
+        if ((byteAt(x, y) & bitAt(x)) != 0)
+            return false;
+        const Rgb pixel = m_page.pixel(x, y);
+        return m_rule == FloodRule::WhileEqual ? pixel == m_color : !isBorder(pixel);
+    }
+
+    /// Lines have soft edges, and fine ones little else: what lies between the start's colour and the border's, near
+    /// enough to the latter, belongs to the border.
+    bool isBorder(Rgb pixel) const
+    {
+        constexpr int kOffLine = 12;
+        constexpr double kLeastShare = 3.0 / 8;
+        if (pixel == m_color)
+            return true;
+        const int way[] { m_color.red - m_start.red, m_color.green - m_start.green, m_color.blue - m_start.blue };
+        const int part[] { pixel.red - m_start.red, pixel.green - m_start.green, pixel.blue - m_start.blue };
+        const int length = way[0] * way[0] + way[1] * way[1] + way[2] * way[2];
+        if (length == 0)
+            return false;
+        const double share = double(part[0] * way[0] + part[1] * way[1] + part[2] * way[2]) / length;
+        if (share < kLeastShare || share > 1)
+            return false;
+        for (int i = 0; i < 3; ++i) {
+            if (std::abs(part[i] - share * way[i]) > kOffLine)
+                return false;
+        }
+        return true;
     }
 
     /// Takes the run of free pixels around (x, y); returns its last column.
@@ -88,7 +116,8 @@ private:
 
     const PageBitmap& m_page;
     Rgb m_color;
-    bool m_wantsEqual;
+    FloodRule m_rule;
+    Rgb m_start;
     PixelRect m_area;
     std::size_t m_stride;
     std::vector<std::uint8_t> m_taken;

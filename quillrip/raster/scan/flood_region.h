@@ -9,7 +9,7 @@ namespace quillrip {
 
 enum class FloodRule {
     WhileEqual, ///< over pixels of the given colour
-    UntilEqual, ///< up to pixels of the given colour
+    UntilEqual, ///< up to pixels of the given colour, and those of soft edges that have a good part of it
 };
 
 /// The pixels that a flood fill from (x, y) reaches, over the four neighbours of each pixel, within `bounds` and the
