@@ -25,7 +25,7 @@ enum DriverStringOption : std::uint32_t {
 /// The text's rectangle as a clip, for formats that cut what does not fit. Where a substitute's letters are of other
 /// widths, nothing is cut sideways.
 PixelSet clipOf(const Canvas& canvas, const StringLayout& layout, const StringFormatObject& format,
-    const SizedFont& font, RectF rect)
+    const SizedFont& font, const Matrix& toWorld, RectF rect)
 {
     if (!format.isClipped || rect.width <= 0 || rect.height <= 0)
         return nullptr;
@@ -36,7 +36,23 @@ PixelSet clipOf(const Canvas& canvas, const StringLayout& layout, const StringFo
         rect.x -= rect.width + layout.width();
         rect.width = 3 * rect.width + 2 * layout.width();
     }
-    return pixelsOf(rect, canvas.worldToDevice(), canvas.pageBounds());
+    return pixelsOf(rect, toWorld * canvas.worldToDevice(), canvas.pageBounds());
+}
+
+/// Text that runs down the page is laid out in a rectangle that is turned by a quarter about the upper right corner.
+Matrix quarterTurn(const RectF& rect) { return { 0, 1, -1, 0, rect.x + rect.width, rect.y }; }
+
+/// In columns from the left, not from the right as lines of turned text lie.
+void orderFromLeft(StringLayout& layout, const SizedFont& font, double width)
+{
+    const WindowsFontMetrics& metrics = font.font.metrics();
+    const double middle = (width + (metrics.lineAscent - metrics.lineDescent) * font.em) / 2;
+    for (StringLayout::Line& line : layout.lines) {
+        const double down = 2 * (middle - line.start.y);
+        line.start.y += down;
+        for (TextGlyph& glyph : line.glyphs)
+            glyph.at.y += down;
+    }
 }
 
 /// How much of the position that is read from here looks like one: bytes that are read at a wrong place make numbers
@@ -76,27 +92,34 @@ void drawString(Machine& machine, const Record& record, FieldReader& fields)
     if (!object)
         return;
     const auto stored = machine.objects().find<StringFormatObject>(formatId);
-    const StringFormatObject format = stored ? *stored : StringFormatObject();
-    if (format.isVertical)
-        machine.warn("emfplus.vertical", "vertical text of EMF+ is drawn along the line");
+    StringFormatObject format = stored ? *stored : StringFormatObject();
+    // The order of the columns is all that reading from the right changes in vertical text.
+    const bool isFromRight = format.isRightToLeft;
+    format.isRightToLeft = format.isRightToLeft && !format.isVertical;
     Canvas& canvas = machine.canvas();
     const TextPainter painter(canvas, machine.reporter());
     const SizedFont font = painter.select(*object);
     if (needsShaping(text))
         canvas.host().painter.work().charge(Work::Glyphs, kWorkPerShapedCharacter * text.size());
-    const StringLayout layout = layOut(text, font, format, rect);
+    const RectF space = format.isVertical ? RectF { 0, 0, rect.height, rect.width } : rect;
+    StringLayout layout = layOut(text, font, format, space);
+    if (format.isVertical && !isFromRight)
+        orderFromLeft(layout, font, rect.width);
     if (std::any_of(text.begin(), text.end(),
             [&](char32_t code) { return leavesMark(code) && !font.font.glyphOfCharacter(code).face; }))
         machine.warn("emf.letters-missing", "letters that no installed font has are left out");
-    const PixelSet within = clipOf(canvas, layout, format, font, rect);
+    TextPlace place;
+    if (format.isVertical)
+        place.toWorld = quarterTurn(rect);
+    place.within = clipOf(canvas, layout, format, font, place.toWorld, space);
     for (const StringLayout::Line& line : layout.lines) {
-        painter.draw(font, line.glyphs, Matrix(), *paint, within);
+        painter.draw(font, line.glyphs, Matrix(), *paint, place);
         if (font.isUnderlined)
-            painter.underline(font, line.start, line.length, *paint);
+            painter.underline(font, line.start, line.length, *paint, place);
         if (font.isStruckOut)
-            painter.strikeOut(font, line.start, line.length, *paint);
+            painter.strikeOut(font, line.start, line.length, *paint, place);
         for (const auto& [from, width] : line.hotKeys)
-            painter.underline(font, line.start + Point { from, 0 }, width, *paint);
+            painter.underline(font, line.start + Point { from, 0 }, width, *paint, place);
     }
 }
 
@@ -139,14 +162,14 @@ void drawDriverString(Machine& machine, const Record& record, FieldReader& field
         glyphs.push_back({ glyph, hasOnePosition ? next : positions[i] });
         next.x += glyph.advance * font.font.stretch() * font.em;
     }
-    painter.draw(font, glyphs, shape, *paint, nullptr);
+    painter.draw(font, glyphs, shape, *paint, {});
     const Point start = glyphs.front().at;
     const double end
         = hasOnePosition ? next.x : glyphs.back().at.x + glyphs.back().glyph.advance * font.font.stretch() * font.em;
     if (font.isUnderlined)
-        painter.underline(font, start, end - start.x, *paint);
+        painter.underline(font, start, end - start.x, *paint, {});
     if (font.isStruckOut)
-        painter.strikeOut(font, start, end - start.x, *paint);
+        painter.strikeOut(font, start, end - start.x, *paint, {});
 }
 
 } // namespace quillrip::emf::plus

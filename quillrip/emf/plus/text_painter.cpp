@@ -29,17 +29,16 @@ SizedFont TextPainter::select(const FontObject& object) const
 }
 
 void TextPainter::draw(const SizedFont& font, const std::vector<TextGlyph>& glyphs, const Matrix& shape,
-    const Paint& paint, const PixelSet& within) const
+    const Paint& paint, const TextPlace& place) const
 {
-    auto painting = m_canvas.paintState(paint);
+    const auto painting = paintState(paint, place);
     if (!painting)
         return;
-    painting->clip = combine(painting->clip, within, CombineMode::Intersect, m_canvas.pageBounds());
     const Host& host = m_canvas.host();
     const PageCanvas page { &host.painter, Matrix(), host.format, {} };
     Matrix turned = shape;
     turned.e = turned.f = 0;
-    const Matrix toDevice = m_canvas.worldToDevice();
+    const Matrix toDevice = place.toWorld * m_canvas.worldToDevice();
     for (const TextGlyph& glyph : glyphs) {
         if (!glyph.glyph.face)
             continue;
@@ -51,21 +50,35 @@ void TextPainter::draw(const SizedFont& font, const std::vector<TextGlyph>& glyp
     }
 }
 
-void TextPainter::underline(const SizedFont& font, Point start, double length, const Paint& paint) const
+void TextPainter::underline(
+    const SizedFont& font, Point start, double length, const Paint& paint, const TextPlace& place) const
 {
     const WindowsFontMetrics& metrics = font.font.metrics();
-    bar(start, length, metrics.underlineTop * font.em, metrics.underlineThickness * font.em, paint);
+    bar({ start.x, start.y - metrics.underlineTop * font.em, length, metrics.underlineThickness * font.em }, paint,
+        place);
 }
 
-void TextPainter::strikeOut(const SizedFont& font, Point start, double length, const Paint& paint) const
+void TextPainter::strikeOut(
+    const SizedFont& font, Point start, double length, const Paint& paint, const TextPlace& place) const
 {
     const WindowsFontMetrics& metrics = font.font.metrics();
-    bar(start, length, metrics.strikeoutTop * font.em, metrics.strikeoutThickness * font.em, paint);
+    bar({ start.x, start.y - metrics.strikeoutTop * font.em, length, metrics.strikeoutThickness * font.em }, paint,
+        place);
 }
 
-void TextPainter::bar(Point start, double length, double top, double thickness, const Paint& paint) const
+void TextPainter::bar(const RectF& rect, const Paint& paint, const TextPlace& place) const
 {
-    m_canvas.fill(rectanglePath({ start.x, start.y - top, length, thickness }), FillRule::NonZero, paint);
+    if (const auto painting = paintState(paint, place))
+        m_canvas.host().painter.fillPath(
+            rectanglePath(rect).transformed(place.toWorld * m_canvas.worldToDevice()), FillRule::NonZero, *painting);
+}
+
+std::optional<PaintState> TextPainter::paintState(const Paint& paint, const TextPlace& place) const
+{
+    auto painting = m_canvas.paintState(paint);
+    if (painting)
+        painting->clip = combine(painting->clip, place.within, CombineMode::Intersect, m_canvas.pageBounds());
+    return painting;
 }
 
 } // namespace quillrip::emf::plus

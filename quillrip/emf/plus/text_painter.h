@@ -4,6 +4,7 @@
 #include "quillrip/emf/plus/canvas.h"
 #include "quillrip/fonts/select/windows_fonts.h"
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -23,6 +24,12 @@ struct SizedFont {
     bool isStruckOut = false;
 };
 
+/// Where text is drawn.
+struct TextPlace {
+    Matrix toWorld; ///< from the space that the text is laid out in
+    PixelSet within; ///< null: everywhere
+};
+
 /// Draws glyphs on a canvas.
 class TextPainter {
 public:
@@ -36,13 +43,14 @@ public:
 
     /// `shape` acts on each glyph about its origin.
     void draw(const SizedFont& font, const std::vector<TextGlyph>& glyphs, const Matrix& shape, const Paint& paint,
-        const PixelSet& within) const;
+        const TextPlace& place) const;
     /// A bar under or through the text: from `start` along the baseline.
-    void underline(const SizedFont& font, Point start, double length, const Paint& paint) const;
-    void strikeOut(const SizedFont& font, Point start, double length, const Paint& paint) const;
+    void underline(const SizedFont& font, Point start, double length, const Paint& paint, const TextPlace& place) const;
+    void strikeOut(const SizedFont& font, Point start, double length, const Paint& paint, const TextPlace& place) const;
 
 private:
-    void bar(Point start, double length, double top, double thickness, const Paint& paint) const;
+    void bar(const RectF& rect, const Paint& paint, const TextPlace& place) const;
+    std::optional<PaintState> paintState(const Paint& paint, const TextPlace& place) const;
 
     Canvas& m_canvas;
     Reporter m_reporter;

@@ -199,6 +199,47 @@ TEST(EmfPlusText, LongStringsEndWithAnEllipsis)
     EXPECT_EQ(lineLengths(layOut(U"aaa", sized(), format, { 0, 0, width, 0 })), (std::vector<std::size_t> { 3 }));
 }
 
+TEST(EmfPlusText, UnderlinesEndWithTheRectangle)
+{
+    Records records = header();
+    records.object(6, 0, arial(40, 4));
+    records.add(0x401C, kColor, Fields().u32({ kInk, 99, 4 }).f32({ 20, 20, 60, 70 }).text(u"H H ").padded());
+    Sheet sheet(150, 150);
+    EXPECT_LE(sheet.play(records).marked().bottom, 90);
+    EXPECT_FALSE(sheet.isWhite(40, 58)); // the first line's own
+}
+
+TEST(EmfPlusText, VerticalTextRunsDownInColumns)
+{
+    // Flags of the format, without margins; a word a column.
+    const auto markedWith = [](std::uint32_t flags, const std::u16string& text) {
+        Fields format;
+        format.u32({ kVersion, flags, 0, 0, 0, 0, 0 }).f32({ 0 }).u32({ 0 }).f32({ 0, 0, 1 }).u32({ 0, 0, 0 });
+        Records records = header();
+        records.object(6, 0, arial(40)).object(7, 1, format);
+        records.add(0x401C, kColor,
+            Fields()
+                .u32({ kInk, 1, static_cast<std::uint32_t>(text.size()) })
+                .f32({ 50, 20, 150, 45 })
+                .text(text)
+                .padded());
+        Sheet sheet(250, 250);
+        return sheet.play(records).marked();
+    };
+    // An H: 28 down the page; its foot, 8 above the column's left edge, points to the left.
+    const PixelRect one = markedWith(2, u"H");
+    EXPECT_NEAR(one.left, 50 + 8.5, 1.5);
+    EXPECT_NEAR(one.right - one.left, 27.5, 1.5);
+    EXPECT_NEAR(one.top, 20 + 3, 1.5);
+    // The next column lies to the right of it.
+    const PixelRect two = markedWith(2, u"H H ");
+    EXPECT_EQ(two.left, one.left);
+    EXPECT_NEAR(two.right - one.right, 46, 1.5);
+    EXPECT_EQ(two.bottom, one.bottom);
+    const PixelRect fromRight = markedWith(3, u"H");
+    EXPECT_NEAR(fromRight.right, 200 - 8.7, 1.5);
+}
+
 TEST(EmfPlusText, UnderlinesRunUnderTheWholeText)
 {
     Records records = header();
