@@ -32,7 +32,7 @@ JpegReader::~JpegReader() { jpeg_destroy_decompress(&m_info); }
 template <typename Step> bool JpegReader::run(Step step)
 {
     // What the library jumps over is its own plain data.
-    if (setjmp(m_escape) == 0) { // NOLINT
+    if (setjmp(m_escape) == 0) {
         step();
         return true;
     }
@@ -54,7 +54,7 @@ template <typename Step> bool JpegReader::attempt(Step step) noexcept
     }
 }
 
-void JpegReader::leave(j_common_ptr info) { std::longjmp(of(info).m_escape, 1); } // NOLINT
+void JpegReader::leave(j_common_ptr info) { std::longjmp(of(info).m_escape, 1); }
 
 void JpegReader::noteMessage(j_common_ptr info, int level)
 {

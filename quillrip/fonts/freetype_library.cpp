@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstring>
 #include <new>
+#include <utility>
 
 #include <ft2build.h>
 #include FT_FREETYPE_H
@@ -53,7 +54,7 @@ FreeTypeLibrary::~FreeTypeLibrary() { FT_Done_Library(m_library); }
 
 bool FreeTypeLibrary::hasDone(int error)
 {
-    if (error == FT_Err_Out_Of_Memory)
+    if (std::exchange(m_isOutOfMemory, false) || error == FT_Err_Out_Of_Memory)
         throw std::bad_alloc {};
     return error == 0;
 }

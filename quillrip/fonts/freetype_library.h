@@ -20,8 +20,9 @@ public:
     FT_LibraryRec_* get() const { return m_library; }
 
     /// Whether a function of FreeType has succeeded that returned `error`. Throws std::bad_alloc where memory was
-    /// missing, since the font is whole then and must not be taken for a broken one.
-    static bool hasDone(int error);
+    /// missing, since the font is whole then and must not be taken for a broken one; nor must its glyph, which FreeType
+    /// sometimes gives without a word of what was missing.
+    bool hasDone(int error);
 
 private:
     bool m_isOutOfMemory = false;

@@ -4,10 +4,12 @@
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <cstdlib>
 #include <filesystem>
 #include <fts.h>
 #include <memory>
+#include <new>
 #include <system_error>
 
 #include <ft2build.h>
@@ -31,6 +33,17 @@ constexpr int kDeepestFolder = 6;
 struct WalkEnd {
     void operator()(FTS* walk) const { fts_close(walk); }
 };
+
+/// Null at the end. A file that is left out for want of memory must not be taken for one that is not there.
+const FTSENT* nextOf(FTS* walk)
+{
+    errno = 0;
+    const FTSENT* const entry = fts_read(walk);
+    if (entry ? (entry->fts_info == FTS_ERR || entry->fts_info == FTS_DNR) && entry->fts_errno == ENOMEM
+              : errno == ENOMEM)
+        throw std::bad_alloc {};
+    return entry;
+}
 
 std::vector<std::string> searchFolders()
 {
@@ -135,8 +148,9 @@ bool appendSlotOutline(FT_FaceRec_* face, double unit, Path& path)
     return isWhole;
 }
 
-FontFile::FontFile(FT_FaceRec_* face)
+FontFile::FontFile(FT_FaceRec_* face, FreeTypeLibrary& library)
     : m_face(face)
+    , m_library(library)
 {
     for (int i = 0; i < face->num_charmaps; ++i) {
         if (face->charmaps[i]->encoding == FT_ENCODING_ADOBE_CUSTOM)
@@ -230,21 +244,21 @@ FontFileTraits FontFile::traits() const
 
 double FontFile::advance(unsigned glyph) const
 {
-    if (!FreeTypeLibrary::hasDone(FT_Load_Glyph(m_face, glyph, FT_LOAD_NO_SCALE)))
+    if (!m_library.hasDone(FT_Load_Glyph(m_face, glyph, FT_LOAD_NO_SCALE)))
         return 0;
     return static_cast<double>(m_face->glyph->metrics.horiAdvance) / m_face->units_per_EM;
 }
 
 bool FontFile::outline(unsigned glyph, Path& path) const
 {
-    if (!FreeTypeLibrary::hasDone(FT_Load_Glyph(m_face, glyph, FT_LOAD_NO_SCALE)))
+    if (!m_library.hasDone(FT_Load_Glyph(m_face, glyph, FT_LOAD_NO_SCALE)))
         return false;
     return appendSlotOutline(m_face, 1.0 / m_face->units_per_EM, path);
 }
 
 Rect FontFile::extent(unsigned glyph) const
 {
-    if (!FreeTypeLibrary::hasDone(FT_Load_Glyph(m_face, glyph, FT_LOAD_NO_SCALE)))
+    if (!m_library.hasDone(FT_Load_Glyph(m_face, glyph, FT_LOAD_NO_SCALE)))
         return {};
     const double em = m_face->units_per_EM;
     const FT_Glyph_Metrics& box = m_face->glyph->metrics;
@@ -260,10 +274,10 @@ std::size_t FontFile::size() const { return m_face->stream ? m_face->stream->siz
 std::vector<std::uint8_t> FontFile::table(std::uint32_t tag, std::size_t mostBytes) const
 {
     FT_ULong size = 0;
-    if (!FreeTypeLibrary::hasDone(FT_Load_Sfnt_Table(m_face, tag, 0, nullptr, &size)) || size == 0 || size > mostBytes)
+    if (!m_library.hasDone(FT_Load_Sfnt_Table(m_face, tag, 0, nullptr, &size)) || size == 0 || size > mostBytes)
         return {};
     std::vector<std::uint8_t> bytes(size);
-    if (!FreeTypeLibrary::hasDone(FT_Load_Sfnt_Table(m_face, tag, 0, bytes.data(), &size)))
+    if (!m_library.hasDone(FT_Load_Sfnt_Table(m_face, tag, 0, bytes.data(), &size)))
         return {};
     return bytes;
 }
@@ -297,34 +311,34 @@ const FontFile* FontFiles::open(const std::string& stem)
     std::unique_ptr<FontFile>& file = m_opened[stem];
     const std::string path = locate(stem);
     FT_Face face = nullptr;
-    if (path.empty() || !FreeTypeLibrary::hasDone(FT_New_Face(library(), path.c_str(), 0, &face)))
+    if (path.empty() || !library().hasDone(FT_New_Face(library().get(), path.c_str(), 0, &face)))
         return nullptr;
     if (!FT_IS_SCALABLE(face) || face->units_per_EM == 0) {
         FT_Done_Face(face);
         return nullptr;
     }
-    file.reset(new FontFile(face));
+    file.reset(new FontFile(face, library()));
     return file.get();
 }
 
-FT_LibraryRec_* FontFiles::library()
+FreeTypeLibrary& FontFiles::library()
 {
     if (!m_library)
         m_library = std::make_unique<FreeTypeLibrary>();
-    return m_library->get();
+    return *m_library;
 }
 
 const FontFile* FontFiles::openBytes(std::vector<std::uint8_t> bytes)
 {
     FT_Face face = nullptr;
-    if (!FreeTypeLibrary::hasDone(
-            FT_New_Memory_Face(library(), bytes.data(), static_cast<FT_Long>(bytes.size()), 0, &face)))
+    if (!library().hasDone(
+            FT_New_Memory_Face(library().get(), bytes.data(), static_cast<FT_Long>(bytes.size()), 0, &face)))
         return nullptr;
     if (!FT_IS_SCALABLE(face) || face->units_per_EM == 0) {
         FT_Done_Face(face);
         return nullptr;
     }
-    m_fromBytes.emplace_back(new FontFile(face));
+    m_fromBytes.emplace_back(new FontFile(face, library()));
     m_fromBytes.back()->m_bytes = std::move(bytes);
     return m_fromBytes.back().get();
 }
@@ -363,7 +377,9 @@ void FontFiles::scanSystemFolders()
         std::array<char*, 2> roots { folder.data(), nullptr };
         const std::unique_ptr<FTS, WalkEnd> walk(
             fts_open(roots.data(), FTS_PHYSICAL | FTS_COMFOLLOW | FTS_NOCHDIR | FTS_NOSTAT, nullptr));
-        while (const FTSENT* const entry = walk && seen < kMostSystemFiles ? fts_read(walk.get()) : nullptr) {
+        if (!walk && errno == ENOMEM)
+            throw std::bad_alloc {};
+        while (const FTSENT* const entry = walk && seen < kMostSystemFiles ? nextOf(walk.get()) : nullptr) {
             if (entry->fts_level > kDeepestFolder)
                 fts_set(walk.get(), const_cast<FTSENT*>(entry), FTS_SKIP);
             const fs::path path(entry->fts_path);

@@ -70,9 +70,10 @@ public:
 
 private:
     friend class FontFiles;
-    explicit FontFile(FT_FaceRec_* face);
+    FontFile(FT_FaceRec_* face, FreeTypeLibrary& library);
 
     FT_FaceRec_* m_face;
+    FreeTypeLibrary& m_library;
     std::vector<std::uint8_t> m_bytes; ///< of a font that came in memory
     FT_CharMapRec_* m_symbolMap = nullptr; ///< codes from 0xF000 on
     FT_CharMapRec_* m_ownMap = nullptr; ///< the font's own encoding, when it is not a standard one
@@ -102,7 +103,7 @@ public:
     const FontFile* openBytes(std::vector<std::uint8_t> bytes);
 
 private:
-    FT_LibraryRec_* library();
+    FreeTypeLibrary& library();
     std::string locate(const std::string& stem);
     void scanSystemFolders();
 

@@ -18,10 +18,10 @@ namespace {
 constexpr std::size_t kMostPoints = 32000;
 
 /// Rasterising needs a library object, and no font file.
-FT_Library rasterLibrary()
+FreeTypeLibrary& rasterLibrary()
 {
     thread_local FreeTypeLibrary s_library;
-    return s_library.get();
+    return s_library;
 }
 
 /// A path as FreeType sees it: 26.6 fixed point, y up.
@@ -148,7 +148,8 @@ bool rasteriseOutline(const Path& outline, const Matrix& toDevice, GlyphMask::De
     bitmap.num_grays = 256;
     bitmap.pixel_mode = depth == GlyphMask::Depth::Bits ? FT_PIXEL_MODE_MONO : FT_PIXEL_MODE_GRAY;
     FT_Outline_Translate(&shape, -left * 64, -bottom * 64);
-    if (!FreeTypeLibrary::hasDone(FT_Outline_Get_Bitmap(rasterLibrary(), &shape, &bitmap)))
+    FreeTypeLibrary& library = rasterLibrary();
+    if (!library.hasDone(FT_Outline_Get_Bitmap(library.get(), &shape, &bitmap)))
         return false;
     return trimMask(mask);
 }

@@ -145,7 +145,7 @@ std::unique_ptr<IncrementalTrueType> IncrementalTrueType::open(const std::vector
     arguments.memory_size = static_cast<FT_Long>(d.tables.size());
     arguments.num_params = 1;
     arguments.params = &parameter;
-    if (!FreeTypeLibrary::hasDone(FT_Open_Face(d.library.get(), &arguments, 0, &d.face)) || d.face->units_per_EM == 0)
+    if (!d.library.hasDone(FT_Open_Face(d.library.get(), &arguments, 0, &d.face)) || d.face->units_per_EM == 0)
         return nullptr;
     return font;
 }
@@ -187,8 +187,7 @@ int IncrementalTrueType::leftBearing(unsigned glyph) const
 bool IncrementalTrueType::outline(unsigned glyph, Path& path) const
 {
     const TrueTypeSoftFont::Glyph* found = m_data->find(glyph);
-    if (!found || found->data.empty()
-        || !FreeTypeLibrary::hasDone(FT_Load_Glyph(m_data->face, glyph, FT_LOAD_NO_SCALE)))
+    if (!found || found->data.empty() || !m_data->library.hasDone(FT_Load_Glyph(m_data->face, glyph, FT_LOAD_NO_SCALE)))
         return false;
     return appendSlotOutline(m_data->face, 1.0 / m_data->face->units_per_EM, path);
 }
