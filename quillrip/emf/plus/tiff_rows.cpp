@@ -264,8 +264,8 @@ bool TiffRows::open(std::size_t bandBytes)
     m_shape.hasAlpha = m_image.alpha != 0;
     m_shape.width = static_cast<int>(width);
     m_shape.height = static_cast<int>(height);
-    constexpr unsigned mostScans = 100; // that libtiff allows
-    m_costOfPixel = std::max(1U, unsigned { m_image.samplesperpixel } * m_image.bitspersample / 32)
+    constexpr std::uint64_t mostScans = 100; // that libtiff allows
+    m_costOfPixel = std::max<std::uint64_t>(1, std::uint64_t { m_image.samplesperpixel } * m_image.bitspersample / 32)
         * (coefficients > 0 ? mostScans : 1);
     m_pieceRows = pieceRows(m_tiff.get(), m_shape.height);
     // Within a piece, a band begins where rows that share their colours do (at most four).
