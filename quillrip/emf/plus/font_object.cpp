@@ -15,6 +15,7 @@ enum FormatFlag : std::uint32_t {
     kRightToLeft = 0x0001,
     kVerticalFormat = 0x0002,
     kNoWrap = 0x1000,
+    kLineLimit = 0x2000,
     kNoClip = 0x4000,
 };
 
@@ -71,6 +72,7 @@ std::optional<StringFormatObject> readStringFormat(ByteView object)
     format.isRightToLeft = flags & kRightToLeft;
     format.isVertical = flags & kVerticalFormat;
     format.isWrapped = !(flags & kNoWrap);
+    format.hasWholeLinesOnly = flags & kLineLimit;
     format.isClipped = !(flags & kNoClip);
     if (hotKeys == 1)
         format.hotKeys = StringFormatObject::HotKeys::Underlined;

@@ -35,6 +35,7 @@ struct StringFormatObject {
     bool isVertical = false;
     bool isWrapped = true;
     bool isClipped = true;
+    bool hasWholeLinesOnly = false; ///< a line of which the rectangle has no more than a part is left out
     StringAlignment alignment = StringAlignment::Near; ///< along the line
     StringAlignment lineAlignment = StringAlignment::Near; ///< across the lines
     HotKeys hotKeys = HotKeys::Plain;

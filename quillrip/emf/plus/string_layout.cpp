@@ -137,18 +137,51 @@ void wrap(const Characters& paragraph, double width, const SizedFont& font, cons
     lines.push_back(std::move(line));
 }
 
-void shorten(Characters& line, double width, const SizedFont& font, const StringFormatObject& format)
+Character characterOf(char32_t code, const SizedFont& font)
+{
+    Character character;
+    character.code = code;
+    character.glyph = font.font.glyphOfCharacter(code);
+    character.advance = character.glyph.advance * font.font.stretch() * font.em;
+    return character;
+}
+
+/// Puts an ellipsis at a line's end, in the place of what would make it longer than `width`.
+void endWithEllipsis(Characters& line, double width, const SizedFont& font, const StringFormatObject& format)
 {
     double length = lengthOf(line, font, format);
-    if (length <= width)
-        return;
-    Character dots;
-    dots.code = kEllipsis;
-    dots.glyph = font.font.glyphOfCharacter(kEllipsis);
-    dots.advance = dots.glyph.advance * font.font.stretch() * font.em;
+    const Character dots = characterOf(kEllipsis, font);
     for (; !line.empty() && length + dots.advance > width; line.pop_back())
         length -= line.back().advance;
     line.push_back(dots);
+}
+
+/// Leaves out the lines that the rectangle has no room for.
+void limitLines(std::vector<Characters>& lines, const RectF& rect, double width, const SizedFont& font,
+    const StringFormatObject& format)
+{
+    const WindowsFontMetrics& metrics = font.font.metrics();
+    const double line = (metrics.lineAscent + metrics.lineDescent) * font.em;
+    const double spacing = line + metrics.lineGap * font.em;
+    if (rect.height <= 0 || spacing <= 0)
+        return;
+    // A box that was measured with another face of the kind is a little too low for the last of its lines.
+    constexpr double kSlack = 0.1;
+    std::size_t most = lines.size();
+    for (std::size_t i = 1; i < lines.size() && most == lines.size(); ++i) {
+        const double end = spacing * static_cast<double>(i) + (format.hasWholeLinesOnly ? (1 - kSlack) * line : 0);
+        if (end >= rect.height)
+            most = i;
+    }
+    if (most == lines.size())
+        return;
+    Characters& last = lines[most - 1];
+    if (format.endsWithEllipsis && rect.width > 0) {
+        last.push_back(characterOf(U' ', font)); // which the line was broken at
+        last.insert(last.end(), lines[most].begin(), lines[most].end());
+        endWithEllipsis(last, width, font, format);
+    }
+    lines.resize(most);
 }
 
 void placeShaped(
@@ -248,6 +281,9 @@ StringLayout layOut(
         from = to + 1;
     }
 
+    if (format.hasWholeLinesOnly || (format.endsWithEllipsis && format.isClipped))
+        limitLines(lines, rect, width, font, format);
+
     const WindowsFontMetrics& metrics = font.font.metrics();
     const double ascent = metrics.lineAscent * font.em;
     const double spacing = (metrics.lineAscent + metrics.lineDescent + metrics.lineGap) * font.em;
@@ -258,8 +294,8 @@ StringLayout layOut(
     const StringAlignment alignment = format.isRightToLeft ? mirrored(format.alignment) : format.alignment;
     for (std::size_t i = 0; i < lines.size(); ++i) {
         Characters& line = lines[i];
-        if (hasWidth && format.endsWithEllipsis)
-            shorten(line, width, font, format);
+        if (hasWidth && format.endsWithEllipsis && lengthOf(line, font, format) > width)
+            endWithEllipsis(line, width, font, format);
         const double length = lengthOf(line, font, format);
         const double left = hasWidth ? aligned(alignment, rect.x + leading, width, length)
                                      : aligned(alignment, rect.x + leading, 0, length);

@@ -199,6 +199,30 @@ TEST(EmfPlusText, LongStringsEndWithAnEllipsis)
     EXPECT_EQ(lineLengths(layOut(U"aaa", sized(), format, { 0, 0, width, 0 })), (std::vector<std::size_t> { 3 }));
 }
 
+TEST(EmfPlusText, LinesWithoutRoomAreLeftOutWhereTheFormatSaysSo)
+{
+    const double width = layOut(U"aaa", sized(), plain(), {}).width() + 1;
+    // Lines are 115 apart; the rectangle has room for one and a half.
+    const RectF box { 0, 0, width, 170 };
+    const std::u32string text = U"aaa aaa aaa";
+    EXPECT_EQ(layOut(text, sized(), plain(), box).lines.size(), 3U);
+    StringFormatObject whole = plain();
+    whole.hasWholeLinesOnly = true;
+    EXPECT_EQ(layOut(text, sized(), whole, box).lines.size(), 1U);
+    EXPECT_EQ(layOut(text, sized(), whole, { 0, 0, width, 225 }).lines.size(), 2U);
+    StringFormatObject dots = plain();
+    dots.endsWithEllipsis = true;
+    const StringLayout cut = layOut(text, sized(), dots, box);
+    ASSERT_EQ(cut.lines.size(), 2U);
+    EXPECT_EQ(cut.lines[0].glyphs.size(), 3U);
+    EXPECT_LE(cut.width(), width);
+    EXPECT_EQ(cut.lines[1].glyphs.back().glyph.id, sized().font.glyphOfCharacter(0x2026).id);
+    const StringLayout broken = layOut(U"aaa aaaaaa", sized(), dots, { 0, 0, 2 * width, 100 });
+    ASSERT_EQ(lineLengths(broken), (std::vector<std::size_t> { 5 }));
+    EXPECT_EQ(broken.lines[0].glyphs[3].glyph.id, sized().font.glyphOfCharacter(U' ').id);
+    EXPECT_EQ(lineLengths(layOut(text, sized(), dots, { 0, 0, width, 0 })), (std::vector<std::size_t> { 3, 3, 3 }));
+}
+
 TEST(EmfPlusText, UnderlinesEndWithTheRectangle)
 {
     Records records = header();
