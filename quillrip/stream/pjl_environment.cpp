@@ -26,6 +26,7 @@ const std::array s_papers {
     PaperVariable { "STATEMENT", 5, PaperName::Statement },
     PaperVariable { "FOLIO", 10, PaperName::Folio },
     PaperVariable { "8.5X13", 10, PaperName::Folio },
+    PaperVariable { "LEGAL13", 10, PaperName::Folio },
     PaperVariable { "A3", 27, PaperName::A3 },
     PaperVariable { "A4", 26, PaperName::A4 },
     PaperVariable { "A5", 25, PaperName::A5 },
@@ -36,9 +37,11 @@ const std::array s_papers {
     PaperVariable { "JPOST", 71, PaperName::Postcard },
     PaperVariable { "JPOSTD", 72, PaperName::DoublePostcard },
     PaperVariable { "MONARCH", 80, PaperName::Monarch },
+    PaperVariable { "COM9", 89, PaperName::Com9 },
     PaperVariable { "COM10", 81, PaperName::Com10 },
     PaperVariable { "DL", 90, PaperName::DL },
     PaperVariable { "C5", 91, PaperName::C5 },
+    PaperVariable { "C6", 92, PaperName::C6 },
     PaperVariable { "B5", 100, PaperName::IsoB5 },
 };
 

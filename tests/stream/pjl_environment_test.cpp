@@ -16,6 +16,12 @@ TEST(PjlEnvironment, PaperNamesBecomePageSizes)
     EXPECT_EQ(variables.paperCode, 101);
     EXPECT_NEAR(paperSizeOfCode(26)->height, 8418.9, 0.1);
     EXPECT_DOUBLE_EQ(paperSizeOfCode(2)->width, 6120);
+    variables.set("", "PAPER", "COM9");
+    EXPECT_EQ(variables.paperCode, 89);
+    variables.set("", "PAPER", "C6");
+    EXPECT_EQ(variables.paperCode, 92);
+    variables.set("", "PAPER", "LEGAL13");
+    EXPECT_DOUBLE_EQ(paperSizeOfCode(*variables.paperCode)->height, 9360);
     variables.set("", "PAPER", "B6");
     EXPECT_NEAR(paperSizeOfCode(*variables.paperCode)->height, 5159, 1); // 182 mm
 }
