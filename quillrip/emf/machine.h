@@ -84,9 +84,9 @@ public:
     /// Shown once for each kind.
     void warn(const char* kind, const std::string& message);
     const Reporter& reporter() const { return m_reporter; }
-    /// The metafile's own drawing resolution: reference pixels per inch.
     /// How many times narrower than high a reference pixel is.
     double pixelAspect() const;
+    /// The metafile's own drawing resolution: reference pixels per inch.
     double dotsPerInch() const { return m_dc.coordinates.dotsPerInch(); }
 
 private:
