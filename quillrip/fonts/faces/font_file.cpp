@@ -6,10 +6,11 @@
 #include <array>
 #include <cerrno>
 #include <cstdlib>
+#include <dirent.h>
 #include <filesystem>
-#include <fts.h>
 #include <memory>
 #include <new>
+#include <sys/stat.h>
 #include <system_error>
 
 #include <ft2build.h>
@@ -30,19 +31,37 @@ constexpr std::array<const char*, 4> kExtensions { ".otf", ".ttf", ".t1", ".pfb"
 constexpr int kMostSystemFiles = 20000;
 constexpr int kDeepestFolder = 6;
 
-struct WalkEnd {
-    void operator()(FTS* walk) const { fts_close(walk); }
+struct FolderCloser {
+    void operator()(DIR* folder) const { closedir(folder); }
 };
 
-/// Null at the end. A file that is left out for want of memory must not be taken for one that is not there.
-const FTSENT* nextOf(FTS* walk)
+bool isFolder(const dirent& entry, const std::string& path)
 {
-    errno = 0;
-    const FTSENT* const entry = fts_read(walk);
-    if (entry ? (entry->fts_info == FTS_ERR || entry->fts_info == FTS_DNR) && entry->fts_errno == ENOMEM
-              : errno == ENOMEM)
+    if (entry.d_type != DT_UNKNOWN)
+        return entry.d_type == DT_DIR;
+    struct stat status { };
+    return lstat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
+}
+
+/// Calls `use` with the path of every file at or below the folder; false ends the walk. Links are no folders. The
+/// standard library's walk ends the process when memory is short; a file that is left out for want of it must not be
+/// taken for one that is not there, so this one throws std::bad_alloc.
+template <typename Use> bool forEachFile(const std::string& folder, const Use& use, int depth = 0)
+{
+    const std::unique_ptr<DIR, FolderCloser> open(opendir(folder.c_str()));
+    if (!open && errno == ENOMEM)
         throw std::bad_alloc {};
-    return entry;
+    while (const dirent* const entry = open ? readdir(open.get()) : nullptr) {
+        const std::string name = entry->d_name;
+        if (name == "." || name == "..")
+            continue;
+        const std::string path = folder + '/' + name;
+        const bool goesOn
+            = !isFolder(*entry, path) ? use(path) : depth >= kDeepestFolder || forEachFile(path, use, depth + 1);
+        if (!goesOn)
+            return false;
+    }
+    return true;
 }
 
 std::vector<std::string> searchFolders()
@@ -372,28 +391,22 @@ void FontFiles::scanSystemFolders()
         return -1;
     };
     int seen = 0;
-    for (std::string folder : systemFolders()) {
-        // The standard library's walk ends the process when memory is short.
-        std::array<char*, 2> roots { folder.data(), nullptr };
-        const std::unique_ptr<FTS, WalkEnd> walk(
-            fts_open(roots.data(), FTS_PHYSICAL | FTS_COMFOLLOW | FTS_NOCHDIR | FTS_NOSTAT, nullptr));
-        if (!walk && errno == ENOMEM)
-            throw std::bad_alloc {};
-        while (const FTSENT* const entry = walk && seen < kMostSystemFiles ? nextOf(walk.get()) : nullptr) {
-            if (entry->fts_level > kDeepestFolder)
-                fts_set(walk.get(), const_cast<FTSENT*>(entry), FTS_SKIP);
-            const fs::path path(entry->fts_path);
-            const int wanted = entry->fts_info == FTS_DP ? -1 : rank(path.extension().string());
-            if (wanted < 0)
-                continue;
-            ++seen;
-            std::string& known = m_systemFiles[path.stem().string()];
-            const fs::path knownPath(known);
-            // Of equal files in several folders the last by name: a newer release has the higher folder name.
-            if (known.empty() || wanted < rank(knownPath.extension().string())
-                || (wanted == rank(knownPath.extension().string()) && known < path.string()))
-                known = path.string();
-        }
+    const auto note = [&](const std::string& file) {
+        const fs::path path(file);
+        const int wanted = rank(path.extension().string());
+        if (wanted < 0)
+            return true;
+        std::string& known = m_systemFiles[path.stem().string()];
+        const fs::path knownPath(known);
+        // Of equal files in several folders the last by name: a newer release has the higher folder name.
+        if (known.empty() || wanted < rank(knownPath.extension().string())
+            || (wanted == rank(knownPath.extension().string()) && known < file))
+            known = file;
+        return ++seen < kMostSystemFiles;
+    };
+    for (const std::string& folder : systemFolders()) {
+        if (!forEachFile(folder, note))
+            return;
     }
 }
 

@@ -1,5 +1,6 @@
 // Images that are drawn many times, in parts, or reduced.
 
+#include "quillrip/base/sanitizer.h"
 #include "quillrip/emf/plus/image_cache.h"
 #include "quillrip/emf/plus/texture_reduction.h"
 #include "tests/emf/plus/plus_job.h"
@@ -245,7 +246,9 @@ TEST_F(EmfPlusImageCache, TexturesTakeTheRoomOfWhatIsLeft)
     const auto reduced = reducedPixels(image, 2, m_work);
     EXPECT_EQ(reduced->width, side / 4);
     EXPECT_EQ(reduced->row(side / 4 - 1)[2], 0x30);
-    EXPECT_THROW(reducedPixels(image, 0, m_work), std::bad_alloc);
+    if (!kIsWatchedBySanitizer) { // which has a heap of its own
+        EXPECT_THROW(reducedPixels(image, 0, m_work), std::bad_alloc);
+    }
 }
 
 TEST(EmfPlusImage, DamagedFilesAreDrawnAsFarAsTheyCame)
