@@ -115,9 +115,11 @@ TEST(Work, AnHonestPageMayHaveHundredsOfMegabytes)
 
 TEST(Work, HatchesOfDashesAreStoppedWithinOneFill)
 {
-    const std::string plot = "IN;SP1;LA1,4;LT2,.001;FT4,1;RA10160,7620;SP0;";
+    const std::string plot = "IN;SP1;PW.01;LT2,.007;FT4,20;RA10160,7620;SP0;";
     expectStopped(run(plot));
     expectStopped(run(plot, PixelFormat::Bilevel));
+    // Those that no device tells from an area are one.
+    EXPECT_EQ(run("IN;SP1;LA1,4;LT2,.001;FT4,1;RA10160,7620;SP0;").result.status, ConversionStatus::Done);
 }
 
 TEST(Work, DashedCirclesAreStopped)
