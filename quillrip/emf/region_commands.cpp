@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
+#include <utility>
 #include <vector>
 
 namespace quillrip::emf {
@@ -61,20 +62,12 @@ Region regionOf(Machine& machine, const std::vector<Box>& boxes, const Matrix& t
     return ClipRegion::ofPath(path, FillRule::NonZero, canvas.bounds());
 }
 
-/// By whole pixels.
-Region moved(const Canvas& canvas, const ClipRegion& region, Point way)
+/// The nearest, of what is not farther than any page is wide.
+int wholePixels(double distance)
 {
-    const PixelRect& bounds = region.bounds();
-    Path path;
-    if (region.isRect()) {
-        path.rectangle(bounds.left + way.x, bounds.top + way.y, bounds.right + way.x, bounds.bottom + way.y);
-        return canvas.regionOf(path, FillRule::NonZero);
-    }
-    for (int row = bounds.top; row < bounds.bottom; ++row) {
-        for (const ClipRegion::Run* run = region.begin(row); run != region.end(row); ++run)
-            path.rectangle(run->left + way.x, row + way.y, run->right + way.x, row + way.y + 1);
-    }
-    return ClipRegion::ofPath(path, FillRule::NonZero, canvas.bounds());
+    constexpr double farthest = 1e6;
+    return distance > -farthest ? static_cast<int>(std::floor(std::min(distance, farthest) + 0.5))
+                                : static_cast<int>(-farthest);
 }
 
 void combineRectangle(Machine& machine, const Record& record, RegionMode mode)
@@ -103,9 +96,8 @@ void offsetClip(Machine& machine, const Record& record)
         return;
     Canvas& canvas = machine.canvas();
     const Point way = canvas.logicalToDevice().applyVector(record.point(8));
-    const double x = std::clamp(std::floor(way.x + 0.5), -1e6, 1e6);
-    const double y = std::clamp(std::floor(way.y + 0.5), -1e6, 1e6);
-    clip.clip = moved(canvas, *clip.clip, { x, y });
+    clip.clip
+        = clip.clip->moved(wholePixels(way.x), wholePixels(way.y))->intersected(*ClipRegion::ofRect(canvas.bounds()));
 }
 
 void setMetaRegion(Machine& machine, const Record&)
@@ -153,11 +145,12 @@ void frameRegion(Machine& machine, const Record& record)
     const Region whole = regionOf(machine, readRegion(record, 40, record.u32(24)), canvas.logicalToDevice());
     // The inside is what the area shares with itself moved by the frame's width to each side.
     const Point reach = canvas.logicalToDevice().applyVector(record.point(32));
-    const double x = std::max(1.0, std::floor(std::abs(reach.x) + 0.5));
-    const double y = std::max(1.0, std::floor(std::abs(reach.y) + 0.5));
+    const int x = std::max(1, wholePixels(std::abs(reach.x)));
+    const int y = std::max(1, wholePixels(std::abs(reach.y)));
     Region inside = whole;
-    for (const Point way : { Point { x, 0 }, Point { -x, 0 }, Point { 0, y }, Point { 0, -y } })
-        inside = inside->intersected(*moved(canvas, *whole, way));
+    for (const auto& [right, down] :
+        { std::pair { x, 0 }, std::pair { -x, 0 }, std::pair { 0, y }, std::pair { 0, -y } })
+        inside = inside->intersected(*whole->moved(right, down));
     paintWith(machine, *brush, whole->intersected(*inside->complement(canvas.bounds())));
 }
 
