@@ -55,7 +55,7 @@ template <typename Use> bool forEachFile(const std::string& folder, const Use& u
         const std::string name = entry->d_name;
         if (name == "." || name == "..")
             continue;
-        const std::string path = folder + '/' + name;
+        const std::string path = std::string(folder).append("/").append(name);
         const bool goesOn
             = !isFolder(*entry, path) ? use(path) : depth >= kDeepestFolder || forEachFile(path, use, depth + 1);
         if (!goesOn)
