@@ -48,8 +48,9 @@ void WorkMeter::look()
 {
     const std::uint64_t job = spent();
     const std::uint64_t page = job - sumOf(m_spentBefore);
-    const std::uint64_t jobLimit = m_budget.job + m_pages * m_budget.perPage;
-    const auto pages = static_cast<double>(m_pages);
+    const std::uint64_t meant = std::min(m_pages, m_input / m_budget.bytesPerPage);
+    const std::uint64_t jobLimit = m_budget.job + meant * m_budget.perPage;
+    const auto pages = static_cast<double>(meant);
     if (page > m_budget.page)
         exhaust("page " + std::to_string(m_pages + 1) + " asks for more drawing than any page needs");
     else if (job > jobLimit)

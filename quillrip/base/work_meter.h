@@ -25,7 +25,9 @@ constexpr std::size_t kKindsOfWork = 8;
 struct WorkBudget {
     std::uint64_t page = 60'000'000'000; ///< for one page, with all that leads up to it
     std::uint64_t job = 120'000'000'000; ///< for the whole job
-    std::uint64_t perPage = 6'000'000'000; ///< what each finished page adds to that
+    std::uint64_t perPage = 6'000'000'000; ///< what each finished page adds to that, and to the clocks
+    /// Recordings make pages of a byte or two. No more of them add something than the input has this many bytes.
+    std::uint64_t bytesPerPage = 300;
     /// Clocks stop what the count does not see, and jobs on machines that are slower than their work is worth.
     double processorSeconds = 900;
     double processorSecondsPerPage = 30;
@@ -64,6 +66,8 @@ public:
         return allows(Work::Recordings, unitsPerRun + unitsPerByte * bytes);
     }
     bool isExhausted() const { return m_isExhausted; }
+    /// So many bytes more of the job have been read.
+    void addInput(std::uint64_t bytes) { m_input += bytes; }
     /// A page is whole: the next one has its own budget.
     void pageEnded();
 
@@ -84,6 +88,7 @@ private:
     std::array<std::uint64_t, kKindsOfWork> m_spentBefore {}; ///< this page
     std::int64_t m_untilLook = 0;
     std::uint64_t m_pages = 0;
+    std::uint64_t m_input = 0; ///< bytes
     double m_processorStart;
     double m_wallStart;
     bool m_isExhausted = false;

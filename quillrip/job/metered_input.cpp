@@ -27,6 +27,7 @@ std::size_t MeteredInput::pull(std::uint8_t* to, std::size_t count)
     m_input.skip(taken);
     m_failed = m_input.failed();
     HeapAccount::addInput(taken);
+    m_work.addInput(taken);
     m_charged += kUnitsPerByte * taken;
     m_work.charge(Work::Commands, kUnitsPerByte * taken);
     return taken;

@@ -35,11 +35,24 @@ TEST(WorkMeter, EveryPageHasItsOwnBudget)
 TEST(WorkMeter, AJobMayDoMoreWithEveryPage)
 {
     WorkMeter meter(budgetOf(1000, 100, 50));
+    meter.addInput(1000);
     EXPECT_TRUE(meter.allows(Work::Images, 100));
     meter.pageEnded();
     EXPECT_TRUE(meter.allows(Work::Images, 50));
     EXPECT_FALSE(meter.allows(Work::Images, 1));
     EXPECT_EQ(meter.reason(), "the job asks for more drawing than its pages need, most of it for images");
+}
+
+TEST(WorkMeter, PagesThatTheInputHasNoBytesForAddNothing)
+{
+    WorkBudget budget = budgetOf(1000, 100, 50);
+    budget.bytesPerPage = 10;
+    WorkMeter meter(budget);
+    meter.addInput(19);
+    for (int page = 0; page < 5; ++page)
+        meter.pageEnded();
+    EXPECT_TRUE(meter.allows(Work::Pixels, 150));
+    EXPECT_FALSE(meter.allows(Work::Pixels, 1));
 }
 
 TEST(WorkMeter, StaysExhausted)

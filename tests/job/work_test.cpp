@@ -24,15 +24,20 @@ struct Spent {
     std::uint64_t units = 0;
 };
 
-Spent run(const std::string& job, PixelFormat format = PixelFormat::Rgb24)
+Spent run(const std::string& job, const WorkBudget& budget, PixelFormat format = PixelFormat::Rgb24)
 {
-    WorkBudget budget;
-    budget.page = kPageBudget;
     Limits limits;
     limits.work = std::make_shared<WorkMeter>(budget);
     PageSettings settings;
     settings.format = format;
     return { runBytes(job, settings, {}, limits).result, limits.work->spent() };
+}
+
+Spent run(const std::string& job, PixelFormat format = PixelFormat::Rgb24)
+{
+    WorkBudget budget;
+    budget.page = kPageBudget;
+    return run(job, budget, format);
 }
 
 Spent run(const XlStream& contents, PixelFormat format = PixelFormat::Rgb24)
@@ -184,6 +189,16 @@ TEST(Work, MacrosThatPaintWithoutEndAreStopped)
         + repeated("1y3x", 200) + "1y3X\x1b&f1X\x1b&f3y0X\x1b&f" + repeated("2y3x", 200) + "2y3X\x1b&f1X\x1b&f3y3X";
     expectStopped(run(job));
     expectStopped(run(job, PixelFormat::Bilevel));
+}
+
+TEST(Work, MacrosThatMakePagesWithoutEndAreStopped)
+{
+    const std::string job = kReset + "\x1b&f1y0X\x1b*c2400a3150b0P\f\x1b&f1X\x1b&f2y0X\x1b&f" + repeated("1y3x", 100)
+        + "1y3X\x1b&f1X\x1b&f" + repeated("2y3x", 100) + "2y3X";
+    WorkBudget budget;
+    budget.job = kPageBudget;
+    budget.perPage = kPageBudget / 10;
+    expectStopped(run(job, budget));
 }
 
 TEST(Work, EmptyRowsOfAWideRasterScaledDownAreStopped)
