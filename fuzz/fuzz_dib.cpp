@@ -1,5 +1,7 @@
 // Bitmaps within metafiles. The first two bytes choose what the device context adds, the third where the pixels begin.
 
+#include "fuzz/fuzz_page_device.h"
+
 #include "quillrip/emf/image_rows.h"
 
 #include <algorithm>
@@ -18,9 +20,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const ByteView bytes(data + 3, size - 3);
     const std::size_t split = std::min<std::size_t>(data[2], bytes.size);
     std::string problem;
-    WorkMeter work;
+    // Larger ones cost time and show nothing that these do not.
+    constexpr int longestSide = 1024;
+    WorkMeter work(*fuzz::smallLimits().work);
     const auto rows = emf::openDib(bytes.sub(0, split), bytes.sub(split), context, work, problem);
-    if (!rows)
+    if (!rows || rows->shape().width > longestSide || rows->shape().height > longestSide)
         return 0;
     const emf::Pixels pixels = emf::pixelsOf(*rows);
     if (!pixels.isNull())

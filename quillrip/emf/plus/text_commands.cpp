@@ -129,7 +129,7 @@ void drawDriverString(Machine& machine, const Record& record, FieldReader& field
     const std::uint32_t options = fields.u32();
     const bool hasMatrix = fields.u32() != 0;
     const std::uint32_t count = fields.u32();
-    if (!fields.has(count, 2))
+    if (count == 0 || !fields.has(count, 2))
         return;
     std::vector<std::uint32_t> codes;
     for (std::uint32_t i = 0; i < count; ++i)

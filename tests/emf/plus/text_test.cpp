@@ -52,6 +52,16 @@ std::vector<std::size_t> lineLengths(const StringLayout& layout)
 
 } // namespace
 
+TEST(EmfPlusText, DriverStringsWithoutCharactersDrawNothing)
+{
+    Records records = header();
+    records.object(6, 0, arial(60));
+    records.add(kDriverString, kColor, Fields().u32({ kInk, 5, 0, 0 }).f32({ 100, 200 }));
+    Sheet sheet(200, 200);
+    sheet.play(records);
+    EXPECT_TRUE(sheet.isWhite(100, 190));
+}
+
 TEST(EmfPlusText, DriverStringsStandOnTheirBaseline)
 {
     Records records = header();
